@@ -1,0 +1,2 @@
+// The whole library in one include.
+#pragma once

@@ -1,0 +1,1 @@
+#include <HavrinFoundation/platform/export.h>

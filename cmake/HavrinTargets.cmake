@@ -1,0 +1,100 @@
+# The functions that the rooms' lists call. Each list names its own files; nothing is globbed.
+
+find_package(Threads REQUIRED)
+
+# Flags that every target of the project is built with; none of them reaches a user of the library.
+add_library(havrin_build_flags INTERFACE)
+target_compile_features(havrin_build_flags INTERFACE cxx_std_20)
+target_compile_options(havrin_build_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  $<$<BOOL:${HAVRIN_WARNINGS_AS_ERRORS}>:-Werror>)
+if(HAVRIN_SANITIZERS)
+  target_compile_options(havrin_build_flags INTERFACE
+    -fsanitize=${HAVRIN_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(havrin_build_flags INTERFACE -fsanitize=${HAVRIN_SANITIZERS})
+endif()
+
+# havrin_library(<target> <static target> LINKS ... PRIVATE_LINKS ...): one set of objects, a shared and a static
+# library. The tests use the static one, through which they reach internal functions.
+function(havrin_library shared static)
+  cmake_parse_arguments(PARSE_ARGV 2 ARG "" "" "LINKS;STATIC_LINKS;PRIVATE_LINKS")
+  add_library(${shared}_objects OBJECT)
+  set_target_properties(${shared}_objects PROPERTIES
+    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  target_include_directories(${shared}_objects PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${shared}_objects PRIVATE havrin_build_flags ${ARG_LINKS} ${ARG_PRIVATE_LINKS})
+
+  add_library(${shared} SHARED $<TARGET_OBJECTS:${shared}_objects>)
+  add_library(${static} STATIC $<TARGET_OBJECTS:${shared}_objects>)
+  target_link_libraries(${shared} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS} $<BUILD_INTERFACE:havrin_build_flags>)
+  target_link_libraries(${static} PUBLIC ${ARG_STATIC_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
+  # Rows and block bodies are referred to for the life of the process, whoever opened the library.
+  target_link_options(${shared} PRIVATE -Wl,-z,nodelete -Wl,-z,defs)
+  set_target_properties(${shared} PROPERTIES
+    LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} VERIFY_INTERFACE_HEADER_SETS ON)
+  set_target_properties(${static} PROPERTIES LINKER_LANGUAGE CXX)
+  foreach(library IN ITEMS ${shared} ${static})
+    target_compile_features(${library} PUBLIC cxx_std_20)
+    target_include_directories(${library} INTERFACE
+      $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    add_library(HavrinFoundation::${library} ALIAS ${library})
+  endforeach()
+endfunction()
+
+# havrin_sources(<target> HEADERS ... SOURCES ... LINKS ...): the public headers and the sources of one folder, and the
+# third-party libraries that its sources (never its headers) use.
+function(havrin_sources library)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "HEADERS;SOURCES;LINKS")
+  list(TRANSFORM ARG_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  list(TRANSFORM ARG_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  target_sources(${library} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
+  target_sources(${library}_objects PRIVATE ${ARG_SOURCES})
+  if(ARG_LINKS)
+    target_link_libraries(${library}_objects PRIVATE ${ARG_LINKS})
+    target_link_libraries(${library} PRIVATE ${ARG_LINKS})
+    target_link_libraries(${library}Static PRIVATE ${ARG_LINKS})
+  endif()
+endfunction()
+
+# havrin_test(<name> SOURCES ... LIBRARIES ... THREADS): one test program, linked statically so that it reaches internal
+# functions. THREADS: it is also run under the thread sanitizer.
+function(havrin_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "THREADS" "" "SOURCES;LIBRARIES")
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE
+    havrin_build_flags HavrinFoundation::HavrinFoundationStatic ${ARG_LIBRARIES} GTest::gtest GTest::gtest_main)
+  set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  add_test(NAME ${name} COMMAND ${name})
+  if(ARG_THREADS)
+    set_tests_properties(${name} PROPERTIES LABELS threads)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+endfunction()
+
+# havrin_fuzz(<name> SOURCES ... CORPUS dir DICTIONARY file): one body, two builds: libFuzzer where asked for, and a
+# replay of the corpus among the tests.
+function(havrin_fuzz name)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "CORPUS;DICTIONARY" "SOURCES;LIBRARIES")
+  if(HAVRIN_BUILD_FUZZERS)
+    add_executable(${name} ${ARG_SOURCES})
+    target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    target_link_libraries(${name} PRIVATE havrin_build_flags HavrinFoundation::HavrinFoundationStatic ${ARG_LIBRARIES})
+  endif()
+  if(HAVRIN_BUILD_TESTS)
+    add_executable(${name}_replay ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/fuzz/replay.cpp)
+    target_link_libraries(${name}_replay PRIVATE
+      havrin_build_flags HavrinFoundation::HavrinFoundationStatic ${ARG_LIBRARIES})
+    add_test(NAME ${name}_replay COMMAND ${name}_replay ${CMAKE_CURRENT_SOURCE_DIR}/${ARG_CORPUS})
+    set_tests_properties(${name}_replay PROPERTIES TIMEOUT 300)
+  endif()
+endfunction()
+
+# havrin_benchmark(<name> SOURCES ... LIBRARIES ...): one benchmark program with its peers, release builds only.
+function(havrin_benchmark name)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "SOURCES;LIBRARIES")
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE
+    havrin_build_flags HavrinFoundation::HavrinFoundation ${ARG_LIBRARIES} benchmark::benchmark)
+  set_property(GLOBAL APPEND PROPERTY HAVRIN_BENCHMARKS ${name})
+endfunction()
