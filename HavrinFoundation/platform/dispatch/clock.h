@@ -1,0 +1,46 @@
+// The two clocks, and the one place where a test puts its own in their stead.
+//
+//   double start = monotonicSeconds();
+//   work();
+//   double took = monotonicSeconds() - start;      never negative, whatever happens to the date
+//   wallSecondsSince1970()                         1709649000.25 on 5 March 2024 at 14:30:00.25 GMT
+//
+// Everything in the library that asks for the time asks here: dates, delayed performs, throttling, run loops.
+//
+// Left out: the coarse clock, time zones, and waiting (a run loop waits).
+#pragma once
+
+#include <HavrinFoundation/platform/export.h>
+
+namespace havrin::inline platform {
+
+/// Seconds of a clock that only runs forwards and that no change of the date touches; its zero means nothing.
+/// Cost: one system clock reading without a system call, about 30 ns.
+/// Threads: any; two readings in one thread never decrease.
+[[nodiscard]] HAVRIN_EXPORT double monotonicSeconds();
+
+/// Seconds since the first instant of 1970, GMT, without leap seconds; moves when the date is set.
+[[nodiscard]] HAVRIN_EXPORT double wallSecondsSince1970();
+
+/// What a test installs to own both clocks.
+class HAVRIN_EXPORT ClockSource {
+ public:
+  ClockSource() = default;
+  ClockSource(const ClockSource&) = delete;
+  ClockSource& operator=(const ClockSource&) = delete;
+
+  /// The answer of `havrin::monotonicSeconds` while this source is installed. Called on any thread.
+  [[nodiscard]] virtual double monotonicSeconds() const = 0;
+  /// The answer of `havrin::wallSecondsSince1970` while this source is installed. Called on any thread.
+  [[nodiscard]] virtual double wallSecondsSince1970() const = 0;
+
+ protected:
+  virtual ~ClockSource();
+};
+
+/// Puts `source` in place of the system's clocks, or the system's clocks back when it is null.
+/// Result: the source that was installed before, null for the system's clocks.
+/// Threads: any. The source must outlive every reading that has begun; meant for test programs.
+HAVRIN_EXPORT ClockSource* installClockSource(ClockSource* source);
+
+}  // namespace havrin::inline platform
