@@ -1,0 +1,40 @@
+// The platform's exception: a name that programs test, and a reason that people read.
+//
+//   try { array->objectAtIndex(9); } catch (const NSException& e) { e.name() == NSRangeException; }
+//
+// Left out: userInfo, call stack symbols.
+#pragma once
+
+#include <exception>
+#include <string>
+#include <string_view>
+
+#include <HavrinFoundation/platform/export.h>
+
+namespace havrin::inline platform {
+
+inline constexpr std::string_view NSInvalidArgumentException = "NSInvalidArgumentException";
+inline constexpr std::string_view NSRangeException = "NSRangeException";
+inline constexpr std::string_view NSGenericException = "NSGenericException";
+inline constexpr std::string_view NSInternalInconsistencyException = "NSInternalInconsistencyException";
+inline constexpr std::string_view NSUndefinedKeyException = "NSUnknownKeyException";
+
+class HAVRIN_EXPORT NSException final : public std::exception {
+ public:
+  NSException(std::string_view name, std::string_view reason);
+  ~NSException() override;
+
+  /// One of the constants above, or an application's own.
+  [[nodiscard]] const std::string& name() const { return name_; }
+  /// What was wrong: the receiver, the selector or the index.
+  [[nodiscard]] const std::string& reason() const { return reason_; }
+  /// "name: reason".
+  [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
+
+ private:
+  std::string name_;
+  std::string reason_;
+  std::string text_;
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,49 @@
+// A text as a template argument: selectors and keys in the source are spelt as string literals.
+//
+//   send<"select:">(stations, isOnAir);
+//   setterSelector<"title">.view()          "setTitle:"
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+namespace havrin::inline platform {
+
+template <std::size_t N>
+struct Text {
+  char text[N]{};
+
+  constexpr Text() = default;
+  constexpr Text(const char (&literal)[N]) { std::copy_n(literal, N, text); }
+  [[nodiscard]] constexpr std::string_view view() const { return {text, N - 1}; }
+};
+
+/// The number of colons, which is the number of a selector's arguments.
+[[nodiscard]] constexpr std::size_t selectorArgumentCount(std::string_view selector) {
+  return static_cast<std::size_t>(std::count(selector.begin(), selector.end(), ':'));
+}
+
+/// True for "set<Key>:" with one argument and a key that starts with anything but a lower-case letter.
+[[nodiscard]] constexpr bool isSetterSelector(std::string_view selector) {
+  return selector.size() > 4 && selector.substr(0, 3) == "set" && selector.back() == ':' &&
+         selectorArgumentCount(selector) == 1 && !(selector[3] >= 'a' && selector[3] <= 'z');
+}
+
+namespace detail {
+template <std::size_t N>
+constexpr auto setterSelectorOf(const Text<N>& key) {
+  Text<N + 4> selector;
+  std::copy_n("set", 3, selector.text);
+  std::copy_n(key.text, N - 1, selector.text + 3);
+  if (selector.text[3] >= 'a' && selector.text[3] <= 'z') selector.text[3] = static_cast<char>(selector.text[3] - 32);
+  selector.text[N + 2] = ':';
+  return selector;
+}
+}  // namespace detail
+
+/// The setter's selector for a key: "title" gives "setTitle:".
+template <Text Key>
+inline constexpr auto setterSelector = detail::setterSelectorOf(Key);
+
+}  // namespace havrin::inline platform
