@@ -1,0 +1,69 @@
+// Ranges of values, and ranges of UTF-16 units in strings.
+//
+//   Range<int>{2, 5}          2, 3, 4; empty when both bounds are equal
+//   ClosedRange<int>{2, 5}    2, 3, 4, 5; never empty
+//   NSRange{0, 2}             the first two UTF-16 units of a string
+//
+// Left out: ranges without a bound, steps, and arithmetic on NSRange (unions, intersections, text form).
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+namespace havrin::inline platform {
+
+namespace detail {
+
+[[noreturn]] inline void abortInvalidRange() noexcept {
+  std::fputs("havrin: a range needs lowerBound <= upperBound\n", stderr);
+  std::abort();
+}
+
+}  // namespace detail
+
+/// The half-open range from `lowerBound` up to, and without, `upperBound`. A range whose lower bound is not less than
+/// or equal to its upper bound (a not-a-number bound included) ends the process; in a constant expression it does not
+/// compile.
+template <std::totally_ordered T>
+struct Range {
+  constexpr Range(T lower, T upper) : lowerBound(std::move(lower)), upperBound(std::move(upper)) {
+    if (!(lowerBound <= upperBound)) detail::abortInvalidRange();
+  }
+
+  [[nodiscard]] constexpr bool isEmpty() const { return lowerBound == upperBound; }
+  [[nodiscard]] constexpr bool contains(const T& value) const { return lowerBound <= value && value < upperBound; }
+  friend constexpr bool operator==(const Range&, const Range&) = default;
+
+  T lowerBound;
+  T upperBound;
+};
+
+/// The range from `lowerBound` to `upperBound`, both included. An invalid one ends the process, as for `Range`.
+template <std::totally_ordered T>
+struct ClosedRange {
+  constexpr ClosedRange(T lower, T upper) : lowerBound(std::move(lower)), upperBound(std::move(upper)) {
+    if (!(lowerBound <= upperBound)) detail::abortInvalidRange();
+  }
+
+  [[nodiscard]] constexpr bool contains(const T& value) const { return lowerBound <= value && value <= upperBound; }
+  friend constexpr bool operator==(const ClosedRange&, const ClosedRange&) = default;
+
+  T lowerBound;
+  T upperBound;
+};
+
+/// What a search answers in place of a position it did not find: 2^63 - 1.
+inline constexpr std::uint64_t kNotFound = 0x7FFF'FFFF'FFFF'FFFF;
+
+/// A range of UTF-16 units: where it begins and how many units it has. Nothing is checked.
+struct NSRange {
+  std::uint64_t location = 0;
+  std::uint64_t length = 0;
+
+  friend constexpr bool operator==(const NSRange&, const NSRange&) = default;
+};
+
+}  // namespace havrin::inline platform
