@@ -1,0 +1,41 @@
+// A box whose value can be reached only while its own lock is held. Typed form only.
+//
+//   Locked<std::vector<int>> seen({1, 2});
+//   seen.perform([](auto& values) { values.push_back(3); });
+//   seen.perform([](auto& values) { return values.size(); })          3
+//
+// Calling perform on a box from inside its own operation ends the process with one line.
+#pragma once
+
+#include <HavrinFoundation/frame/unfair_lock.h>
+
+#include <concepts>
+#include <functional>
+#include <utility>
+
+namespace havrin {
+
+template <typename T>
+class Locked {
+ public:
+  /// A box that takes `content` over by moving it.
+  explicit Locked(T content) : content_(std::move(content)) {}
+  Locked(const Locked&) = delete;
+  Locked& operator=(const Locked&) = delete;
+
+  /// The operation's result, by value; it gets the content to read, change or replace, and is called once, on the
+  /// calling thread, with the lock held. What it leaves in the content stays, also when it throws.
+  /// Throws: what the operation throws, unchanged, after the lock has been freed.
+  template <std::invocable<T&> Operation>
+  auto perform(Operation&& operation) {
+    UnfairLockGuard guard(*lock_.cell_);
+    return std::invoke(std::forward<Operation>(operation), content_);
+  }
+
+ private:
+  // The lock is made before the content is taken over, and outlives it.
+  UnfairLock lock_;
+  T content_;
+};
+
+}  // namespace havrin

@@ -1,0 +1,53 @@
+// A lock for short critical sections: four bytes, unfair, not recursive. The message form is a class of its own,
+// message::UnfairLock, and shares nothing with this one. The box that guards a value is locked.h.
+//
+//   UnfairLock lock;
+//   int seen = lock.withLock([&] { return ++counter; });    the closure's result, and the lock is free again
+//   lock.tryLock()                                          true: held now, until lock.unlock()
+//
+// A thread that takes a lock it already holds, or frees one it does not hold, ends the process with one line.
+#pragma once
+
+#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
+
+#include <concepts>
+#include <memory>
+#include <utility>
+
+#ifndef __clang__
+#pragma GCC diagnostic ignored_attributes "clang::"  // clang's thread-safety analysis; other compilers have none
+#endif
+
+namespace havrin {
+
+class [[clang::capability("mutex")]] UnfairLock {
+ public:
+  /// A free lock. Throws: std::bad_alloc when there is no memory for the lock's cell.
+  UnfairLock() : cell_(std::make_unique<os_unfair_lock>()) {}
+  UnfairLock(const UnfairLock&) = delete;
+  UnfairLock& operator=(const UnfairLock&) = delete;
+
+  /// Whether the lock was free and is now the caller's. Returns at once; false also for the thread that holds it.
+  [[nodiscard]] [[clang::try_acquire_capability(true)]] bool tryLock() { return os_unfair_lock_trylock(cell_.get()); }
+  /// Waits until the lock is free and takes it; there is no limit to the wait.
+  [[clang::acquire_capability()]] void lock() { os_unfair_lock_lock(cell_.get()); }
+  /// Frees the lock; only the thread that took it may.
+  [[clang::release_capability()]] void unlock() { os_unfair_lock_unlock(cell_.get()); }
+
+  /// The closure's result, by value; it is called once, on the calling thread, with the lock held.
+  /// Throws: what the closure throws, unchanged, after the lock has been freed.
+  template <std::invocable Closure>
+  auto withLock(Closure && closure) {
+    UnfairLockGuard guard(*cell_);
+    return std::forward<Closure>(closure)();
+  }
+
+ private:
+  template <typename T>
+  friend class Locked;
+
+  // A cell of its own, so that the word's address does not depend on where the lock object lives.
+  const std::unique_ptr<os_unfair_lock> cell_;
+};
+
+}  // namespace havrin

@@ -1,0 +1,27 @@
+// Sleeping on a 32-bit word until somebody changes it. Internal to the layer.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <limits>
+
+namespace havrin::inline platform::futex {
+
+inline constexpr double kForever = std::numeric_limits<double>::infinity();
+
+/// Sleeps while `word` holds `expected`, at most `seconds`; may return early for no reason. The caller looks again.
+void wait(std::uint32_t& word, std::uint32_t expected, double seconds = kForever);
+
+/// Wakes at most `threads` of those that sleep on `word`, which may already be gone.
+void wake(std::uint32_t& word, int threads);
+
+inline void wait(std::atomic<std::uint32_t>& word, std::uint32_t expected, double seconds = kForever) {
+  wait(reinterpret_cast<std::uint32_t&>(word), expected, seconds);
+}
+inline void wake(std::atomic<std::uint32_t>& word, int threads) {
+  wake(reinterpret_cast<std::uint32_t&>(word), threads);
+}
+
+static_assert(sizeof(std::atomic<std::uint32_t>) == 4 && std::atomic<std::uint32_t>::is_always_lock_free);
+
+}  // namespace havrin::inline platform::futex
