@@ -1,0 +1,67 @@
+#include <HavrinFoundation/platform/net/percent_encoding.h>
+
+#include <HavrinFoundation/platform/foundation/unicode.h>
+
+#include <array>
+#include <cstddef>
+
+namespace havrin::inline platform {
+namespace {
+
+constexpr int kNoDigit = -1;
+
+constexpr int hexValue(char c) noexcept {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return kNoDigit;
+}
+
+constexpr std::array<bool, 256> makeStandsAsItIs() {
+  std::array<bool, 256> stands{};
+  for (int c = '0'; c <= '9'; ++c) stands[static_cast<std::size_t>(c)] = true;
+  for (int c = 'A'; c <= 'Z'; ++c) stands[static_cast<std::size_t>(c)] = true;
+  for (int c = 'a'; c <= 'z'; ++c) stands[static_cast<std::size_t>(c)] = true;
+  for (const char c : std::string_view("-._~!$'()*,:@/?")) stands[static_cast<unsigned char>(c)] = true;
+  return stands;
+}
+
+constexpr std::array<bool, 256> kStandsAsItIs = makeStandsAsItIs();
+
+}  // namespace
+
+std::string percentDecoded(std::string_view text) {
+  std::size_t escape = text.find('%');
+  if (escape == text.npos) return std::string(text);
+  std::string decoded;
+  decoded.reserve(text.size());
+  while (escape != text.npos) {
+    decoded += text.substr(0, escape);
+    text.remove_prefix(escape);
+    const int high = text.size() < 3 ? kNoDigit : hexValue(text[1]);
+    const int low = text.size() < 3 ? kNoDigit : hexValue(text[2]);
+    const bool whole = high != kNoDigit && low != kNoDigit;
+    decoded += whole ? static_cast<char>(high * 16 + low) : '%';
+    text.remove_prefix(whole ? 3 : 1);
+    escape = text.find('%');
+  }
+  decoded += text;
+  return isWellFormed(decoded) ? decoded : repaired(decoded);
+}
+
+void appendQueryEncoded(std::string& result, std::string_view text) {
+  if (!isWellFormed(text)) return appendQueryEncoded(result, repaired(text));
+  while (!text.empty()) {
+    std::size_t run = 0;
+    while (run < text.size() && kStandsAsItIs[static_cast<unsigned char>(text[run])]) ++run;
+    result += text.substr(0, run);
+    if (run == text.size()) return;
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    const auto byte = static_cast<unsigned char>(text[run]);
+    const char escape[] = {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    result.append(escape, 3);
+    text.remove_prefix(run + 1);
+  }
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,25 @@
+// Percent escapes of query text, both ways. Internal to net/.
+//
+//   percentDecoded("a%20b%C3%A9+")   "a bé+"
+//   percentDecoded("%E9%zz")         U+FFFD, "%zz"
+//   appendQueryEncoded(s, "a b+é")   appends "a%20b%2B%C3%A9"
+#pragma once
+
+#include <HavrinFoundation/platform/export.h>
+
+#include <string>
+#include <string_view>
+
+namespace havrin::inline platform {
+
+/// `text` with its escapes read as UTF-8; ill-formed parts read as U+FFFD. "+" stays, and so does "%" without two
+/// hexadecimal digits behind it.
+[[nodiscard]] HAVRIN_EXPORT std::string percentDecoded(std::string_view text);
+
+/// Appends `text` as it stands in a name or value of a query item: all but A-Z a-z 0-9 - . _ ~ ! $ ' ( ) * , : @ / ? is
+/// escaped, upper case; ill-formed parts are written as U+FFFD.
+/// Choice: "+" and ";" are legal there and escaped all the same: some servers read them as a blank and a separator.
+/// Source: RFC 3986, 2.1 and 3.4.
+HAVRIN_EXPORT void appendQueryEncoded(std::string& result, std::string_view text);
+
+}  // namespace havrin::inline platform

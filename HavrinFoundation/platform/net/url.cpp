@@ -1,0 +1,35 @@
+#include <HavrinFoundation/platform/net/url.h>
+
+#include <HavrinFoundation/platform/net/uri.h>
+
+#include <utility>
+
+namespace havrin::inline platform {
+
+std::optional<URL> URL::fromString(std::string_view text) {
+  if (text.empty() || !isUriReference(text)) return std::nullopt;
+  return URL(std::string(text), true);
+}
+
+std::optional<URL> URL::fromString(std::string_view text, const URL& base) {
+  if (!isUriReference(text)) return std::nullopt;
+  if (splitUri(text).scheme) return URL(std::string(text), true);
+  return URL(std::string(text), true,
+             base.hasBase() ? std::make_shared<const URL>(base.absoluteURL()) : std::make_shared<const URL>(base));
+}
+
+URL URL::fromUncheckedText(std::string_view text) {
+  return URL(std::string(text), !text.empty() && isUriReference(text));
+}
+
+std::optional<URL> URL::baseURL() const { return hasBase() ? std::optional<URL>(*base_) : std::nullopt; }
+
+std::string URL::absoluteString() const {
+  if (!hasBase() || !base_->decomposable_) return text_;
+  const UriParts base = splitUri(base_->text_);
+  return base.scheme ? resolvedUri(base, splitUri(text_)) : text_;
+}
+
+URL URL::absoluteURL() const { return hasBase() ? URL(absoluteString(), decomposable_) : *this; }
+
+}  // namespace havrin::inline platform

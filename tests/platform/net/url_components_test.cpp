@@ -1,0 +1,181 @@
+#include <HavrinFoundation/platform/net/url_components.h>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace havrin;
+
+using Pair = std::pair<std::string, std::optional<std::string>>;
+using Pairs = std::vector<Pair>;
+
+URLComponents componentsOf(std::string_view text) {
+  return *URLComponents::fromUrl(URL::fromString(text).value(), BaseURL::ignored);
+}
+
+std::optional<Pairs> pairsOf(const URLComponents& components) {
+  const auto items = components.queryItems();
+  if (!items) return std::nullopt;
+  Pairs pairs;
+  for (const auto& item : *items) pairs.emplace_back(item.name(), item.value());
+  return pairs;
+}
+
+TEST(UrlComponents, ReadsQueriesAndWritesBackWhatItRead) {
+  const struct {
+    std::string_view url;
+    std::optional<Pairs> items;
+    std::string_view why;
+  } rows[] = {
+      {"https://h/p", std::nullopt, "no query"},
+      {"https://h/p#?a=1", std::nullopt, "a question mark in the fragment"},
+      {"https://h/p?", Pairs{}, "an empty query"},
+      {"?a", Pairs{{"a", std::nullopt}}, "a bare key"},
+      {"?a=", Pairs{{"a", ""}}, "an empty value"},
+      {"?=v", Pairs{{"", "v"}}, "an empty name"},
+      {"?=", Pairs{{"", ""}}, "only the sign"},
+      {"?a=b=c", Pairs{{"a", "b=c"}}, "the first sign parts"},
+      {"?a=1&", Pairs{{"a", "1"}, {"", std::nullopt}}, "an empty piece at the end"},
+      {"?&a=1", Pairs{{"", std::nullopt}, {"a", "1"}}, "an empty piece in front"},
+      {"?a&&b", Pairs{{"a", std::nullopt}, {"", std::nullopt}, {"b", std::nullopt}}, "an empty piece between"},
+      {"?a;b=1;c", Pairs{{"a;b", "1;c"}}, "a semicolon does not part"},
+      {"?a+b=c+d%20e", Pairs{{"a+b", "c+d e"}}, "a plus is a plus"},
+      {"?a%26b=c%3Dd", Pairs{{"a&b", "c=d"}}, "escaped separators"},
+      {"?a=%00b", Pairs{{"a", std::string("\0b", 2)}}, "an escaped zero"},
+      {"?%c3%a9=%F0%9F%91%8D", Pairs{{"\xC3\xA9", "\xF0\x9F\x91\x8D"}}, "UTF-8, either case"},
+      {"?a=%FFx%C3", Pairs{{"a", "\uFFFDx\uFFFD"}}, "bytes that are no UTF-8"},
+      {"?a=%F0%9F%91%2e%ED%A0%80", Pairs{{"a", "\uFFFD.\uFFFD\uFFFD\uFFFD"}}, "one sign per ill-formed part"},
+      {"?a=/?:@!$'()*,~", Pairs{{"a", "/?:@!$'()*,~"}}, "characters that need no escape"},
+      {"mailto:a@b.c?subject=x#f", Pairs{{"subject", "x"}}, "no authority"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    URLComponents components = componentsOf(row.url);
+    EXPECT_EQ(pairsOf(components), row.items);
+    if (!row.items) continue;
+    components.setQueryItems(*components.queryItems());
+    EXPECT_EQ(components.url()->relativeString(), row.url) << "written back";
+  }
+}
+
+TEST(UrlComponents, EncodesNewItems) {
+  const struct {
+    std::string name;
+    std::optional<std::string> value;
+    std::string_view text;
+    std::string_view why;
+  } rows[] = {
+      {"a", "b", "a=b", "plain"},
+      {"a", std::nullopt, "a", "no value"},
+      {"a", "", "a=", "an empty value"},
+      {"token@#$&!", std::nullopt, "token@%23$%26!", "separators"},
+      {"a b", "a+b;c", "a%20b=a%2Bb%3Bc", "what servers read in two ways"},
+      {"1&2=3", "4=5", "1%262%3D3=4%3D5", "signs of the query itself"},
+      {"\xC3\xA9", "\xF0\x9F\x91\x8D", "%C3%A9=%F0%9F%91%8D", "beyond ASCII"},
+      {"100%", "%41", "100%25=%2541", "percent signs"},
+      {"https://x/y?z", "-._~!$'()*,:@/?", "https://x/y?z=-._~!$'()*,:@/?", "what may stand"},
+      {"\"<>[\\]^`{|}\x7F", std::string("\0\n", 2), "%22%3C%3E%5B%5C%5D%5E%60%7B%7C%7D%7F=%00%0A", "what may not"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const URLQueryItem item(row.name, row.value);
+    EXPECT_EQ(item.text(), row.text);
+    EXPECT_EQ(item.name(), row.name);
+    EXPECT_EQ(item.value(), row.value);
+
+    URLComponents set = componentsOf("https://h/p?old#f");
+    set.setQueryItems({&item, 1});
+    EXPECT_EQ(set.url()->relativeString(), "https://h/p?" + item.text() + "#f");
+    URLComponents appended = componentsOf("https://h/p?%61#f");
+    appended.appendQueryItem(row.name, row.value);
+    EXPECT_EQ(appended.url()->relativeString(), "https://h/p?%61&" + item.text() + "#f");
+  }
+  EXPECT_EQ(URLQueryItem("\xFF", "a\xE2\x82").text(), "%EF%BF%BD=a%EF%BF%BD") << "ill-formed text is repaired";
+}
+
+TEST(UrlComponents, WritesListsOfEveryLength) {
+  const struct {
+    std::string_view url, empty, appended, removed, why;
+  } rows[] = {
+      {"https://h/p", "https://h/p?", "https://h/p?k=v", "https://h/p", "no query"},
+      {"https://h/p#f", "https://h/p?#f", "https://h/p?k=v#f", "https://h/p#f", "a fragment"},
+      {"https://h/p?", "https://h/p?", "https://h/p?k=v", "https://h/p", "an empty query"},
+      {"https://h?a", "https://h?", "https://h?a&k=v", "https://h", "no path"},
+      {"?a=1&#f?b", "?#f?b", "?a=1&&k=v#f?b", "#f?b", "an empty piece, a question mark in the fragment"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    URLComponents components = componentsOf(row.url);
+    components.setQueryItems({});
+    EXPECT_EQ(components.url()->relativeString(), row.empty);
+    EXPECT_EQ(pairsOf(components), Pairs{});
+    components = componentsOf(row.url);
+    auto items = components.queryItems().value_or(std::vector<URLQueryItem>{});
+    components.appendQueryItem("k", "v");
+    EXPECT_EQ(components.url()->relativeString(), row.appended);
+    items.emplace_back("k", "v");
+    EXPECT_EQ(components.queryItems(), items) << "appending is reading, adding and writing";
+    components.removeQuery();
+    EXPECT_EQ(components.url()->relativeString(), row.removed);
+  }
+  URLComponents components = componentsOf("?a");
+  components.removeQuery();
+  EXPECT_EQ(components.url(), std::nullopt) << "nothing is left";
+}
+
+TEST(UrlComponents, GivesThePartsAsTheyAreWritten) {
+  const URLComponents all = componentsOf("Https://u:p@H%41:8/a%2Fb?q=%41#f%20");
+  EXPECT_EQ(all.scheme(), "Https");
+  EXPECT_EQ(all.percentEncodedAuthority(), "u:p@H%41:8");
+  EXPECT_EQ(all.percentEncodedPath(), "/a%2Fb");
+  EXPECT_EQ(all.percentEncodedQuery(), "q=%41");
+  EXPECT_EQ(all.percentEncodedFragment(), "f%20");
+  const URLComponents few = componentsOf("p");
+  EXPECT_EQ(few.scheme(), std::nullopt);
+  EXPECT_EQ(few.percentEncodedAuthority(), std::nullopt);
+  EXPECT_EQ(few.percentEncodedPath(), "p");
+  EXPECT_EQ(few.percentEncodedFragment(), std::nullopt);
+}
+
+TEST(UrlComponents, ResolvesOnlyWhereAsked) {
+  const struct {
+    std::string_view reference, base;
+    std::optional<std::string> ignored, resolved;
+    std::string_view why;
+  } rows[] = {
+      {"p?a=1", "https://ex.com/dir/page?x=y", "p?a=1", "https://ex.com/dir/p?a=1", "a relative path"},
+      {"", "http://a/b/c/d;p?q", std::nullopt, "http://a/b/c/d;p?q", "the base itself"},
+      {"#s", "http://a/b?q", "#s", "http://a/b?q#s", "a fragment of the base"},
+      {"p", "dir/page", "p", "p", "a base that is relative"},
+      {"p", "http://:x", "p", std::nullopt, "a base without parts"},
+      {"http://h/../p", "http://a/", "http://h/../p", "http://h/../p", "an absolute link stays"},
+      {"http://:x", "http://a/", std::nullopt, std::nullopt, "a link without parts"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const URL base = URL::fromUncheckedText(row.base);
+    const URL url = URL::fromString(row.reference, base).value_or(URL::fromUncheckedText(row.reference));
+    const auto textOf = [&url](BaseURL way) -> std::optional<std::string> {
+      const auto components = URLComponents::fromUrl(url, way);
+      const auto written = components ? components->url() : std::nullopt;
+      return written ? std::optional(written->relativeString()) : std::nullopt;
+    };
+    EXPECT_EQ(textOf(BaseURL::ignored), row.ignored);
+    EXPECT_EQ(textOf(BaseURL::resolved), row.resolved);
+  }
+}
+
+TEST(UrlComponents, ComparesItemsByWhatTheyMean) {
+  const auto items = *componentsOf("?%61=%2F&a=/&a&a=").queryItems();
+  EXPECT_EQ(items[0], items[1]);
+  EXPECT_EQ(items[1], URLQueryItem("a", "/"));
+  EXPECT_FALSE(items[2] == items[3]);
+}
+
+}  // namespace
