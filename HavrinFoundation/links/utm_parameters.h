@@ -1,0 +1,50 @@
+// The campaign parameters of a link: the six query keys that begin with "utm_", read and appended.
+//
+//   fromUrl<UTMParameters>(URL::fromString("https://h/p?utm_source=mail"))      source "mail", the others absent
+//   fromUrl<UTMParameters>(URL::fromString("https://h/p?UTM_SOURCE=mail"))      empty: keys are lower case
+//   adding(*URL::fromString("https://h/p?a=1#f"), UTMParameters{.source = "x y"})
+//                                                                               https://h/p?a=1&utm_source=x%20y#f
+//   adding(*URL::fromString("https://h/p"), UTMParameters{})                    https://h/p?
+//
+// There is no message form.
+#pragma once
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/net/url.h>
+
+#include <concepts>
+#include <optional>
+#include <string>
+
+namespace havrin {
+
+/// What a link tells of the campaign it belongs to. A field that holds the empty text is present.
+struct UTMParameters {
+  std::optional<std::string> campaign = std::nullopt;
+  std::optional<std::string> content = std::nullopt;
+  std::optional<std::string> medium = std::nullopt;
+  std::optional<std::string> name = std::nullopt;
+  std::optional<std::string> source = std::nullopt;
+  std::optional<std::string> term = std::nullopt;
+};
+
+/// The parameters in the query of `url`, taken from its own text: a base is not looked at.
+/// Result: each field holds the percent-decoded value of the last item that bears its key. An item with nothing behind
+/// its "=" sets the empty text, one without "=" sets the field back to absent.
+/// Empty when: there is no link, it cannot be decomposed, it has no query, or every field would be absent.
+template <class C>
+requires std::same_as<C, UTMParameters>
+[[nodiscard]] std::optional<C> fromUrl(const std::optional<URL>& url);
+template <>
+HAVRIN_EXPORT std::optional<UTMParameters> fromUrl<UTMParameters>(const std::optional<URL>& url);
+
+/// `url`, resolved against its base, with an item for each present field appended to its query, in the order of the
+/// fields. What stands in the query stays as it is written, older parameters too: they are neither removed nor
+/// replaced. The query is written also when no field is present: it is then a lone "?" where there was none. Empty
+/// when: the link, or a base that is to be resolved against, cannot be decomposed.
+[[nodiscard]] HAVRIN_EXPORT std::optional<URL> adding(const URL& url, const UTMParameters& parameters);
+
+/// Replaces `url` with adding(url, parameters); leaves it as it is where that is empty.
+HAVRIN_EXPORT void add(URL& url, const UTMParameters& parameters);
+
+}  // namespace havrin

@@ -1,0 +1,120 @@
+#include <HavrinFoundation/links/utm_parameters.h>
+
+#include <HavrinFoundation/platform/net/url_components.h>
+
+#include <gtest/gtest.h>
+
+#include <concepts>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+
+namespace {
+
+using namespace havrin;
+
+// A value type without equality of its own.
+static_assert(!std::equality_comparable<UTMParameters>);
+
+auto fields(const UTMParameters& p) { return std::tie(p.campaign, p.content, p.medium, p.name, p.source, p.term); }
+
+TEST(UtmParameters, ReadsTheLastItemOfEachKey) {
+  const struct {
+    std::string_view url;
+    std::optional<UTMParameters> parameters;
+    std::string_view why;
+  } rows[] = {
+      {"https://h/p?utm_campaign=1&utm_content=2&utm_medium=3&utm_name=4&utm_source=5&utm_term=6",
+       UTMParameters{"1", "2", "3", "4", "5", "6"}, "all six"},
+      {"?utm_source=a&x&utm_source=b", UTMParameters{.source = "b"}, "the last one decides"},
+      {"?utm_source=a&utm_source", std::nullopt, "a bare key sets back to absent"},
+      {"?utm_source=a&utm_source&utm_term=t", UTMParameters{.term = "t"}, "a bare key clears its own field only"},
+      {"?utm_source&utm_source=a", UTMParameters{.source = "a"}, "a bare key clears what stood before it only"},
+      {"?utm_source=", UTMParameters{.source = ""}, "the empty text is present"},
+      {"?utm_source=a&utm_source=", UTMParameters{.source = ""}, "the empty text replaces"},
+      {"?UTM_SOURCE=a", std::nullopt, "keys are lower case"},
+      {"?utm_sources=a&tm_source=a", std::nullopt, "keys are whole"},
+      {"?utm%5Fsource=a%20b+c", UTMParameters{.source = "a b+c"}, "names and values are decoded"},
+      {"?utm_source=%FF", UTMParameters{.source = "\uFFFD"}, "bytes that are no text"},
+      {"https://h/p?a=1", std::nullopt, "other keys"},
+      {"https://h/p?", std::nullopt, "an empty query"},
+      {"https://h/p", std::nullopt, "no query"},
+      {"https://h/p#?utm_source=a", std::nullopt, "a fragment is no query"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto read = fromUrl<UTMParameters>(URL::fromString(row.url));
+    ASSERT_EQ(read.has_value(), row.parameters.has_value());
+    if (read) {
+      EXPECT_EQ(fields(*read), fields(*row.parameters));
+    }
+  }
+  EXPECT_FALSE(fromUrl<UTMParameters>(std::nullopt)) << "no link";
+  EXPECT_FALSE(fromUrl<UTMParameters>(URL::fromUncheckedText("https://2001:db8::1:433?utm_source=a"))) << "no parts";
+  const URL base = *URL::fromString("https://ex.com/dir/page?utm_source=x");
+  EXPECT_FALSE(fromUrl<UTMParameters>(URL::fromString("", base))) << "the base is not read";
+}
+
+TEST(UtmParameters, AppendsBehindWhatStands) {
+  const UTMParameters all{"1", "2", "3", "4", "5", "6"};
+  const struct {
+    std::string_view url;
+    UTMParameters parameters;
+    std::string_view result;
+    std::string_view why;
+  } rows[] = {
+      {"https://h", all, "https://h?utm_campaign=1&utm_content=2&utm_medium=3&utm_name=4&utm_source=5&utm_term=6",
+       "the fixed order"},
+      {"https://h/p?a=1&utm_campaign=x", UTMParameters{.campaign = "c1", .term = "t1"},
+       "https://h/p?a=1&utm_campaign=x&utm_campaign=c1&utm_term=t1", "older parameters keep their places"},
+      {"https://h/p?u=a%2Bb&%c3%a9&#f", UTMParameters{.name = "n"}, "https://h/p?u=a%2Bb&%c3%a9&&utm_name=n#f",
+       "what stands keeps its text"},
+      {"https://h/p", UTMParameters{.source = ""}, "https://h/p?utm_source=", "the empty text is written"},
+      {"https://h/p", UTMParameters{.source = "a b&c"}, "https://h/p?utm_source=a%20b%26c", "values are encoded"},
+      {"https://h/p", {}, "https://h/p?", "nothing to write, no query"},
+      {"https://h/p#f", {}, "https://h/p?#f", "nothing to write, a fragment"},
+      {"https://h/p?", {}, "https://h/p?", "nothing to write, an empty query"},
+      {"https://h/p?a", {}, "https://h/p?a", "nothing to write, a query"},
+      {"https://h/p?", UTMParameters{.source = "a"}, "https://h/p?utm_source=a", "an empty query"},
+      {"p?a=1", UTMParameters{.source = "x"}, "p?a=1&utm_source=x", "a relative link without a base"},
+      {"mailto:a@b.c", UTMParameters{.source = "x"}, "mailto:a@b.c?utm_source=x", "no authority"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    URL url = *URL::fromString(row.url);
+    EXPECT_EQ(adding(url, row.parameters), URL::fromString(row.result));
+    EXPECT_EQ(url.relativeString(), row.url) << "the receiver is not changed";
+    add(url, row.parameters);
+    EXPECT_EQ(url.relativeString(), row.result);
+  }
+}
+
+TEST(UtmParameters, WritesAbsoluteLinks) {
+  const URL base = *URL::fromString("https://ex.com/dir/page?utm_source=x");
+  URL url = *URL::fromString("p?a=1", base);
+  EXPECT_EQ(adding(url, {.term = "t"}), URL::fromString("https://ex.com/dir/p?a=1&utm_term=t"));
+  EXPECT_EQ(adding(*URL::fromString("", base), {.term = "t"}),
+            URL::fromString("https://ex.com/dir/page?utm_source=x&utm_term=t"))
+      << "the query of the base is the query of a link that has none";
+  add(url, {});
+  EXPECT_EQ(url, *URL::fromString("https://ex.com/dir/p?a=1"));
+}
+
+TEST(UtmParameters, LeavesLinksWithoutPartsAlone) {
+  URL url = URL::fromUncheckedText("https://2001:db8::1:433");
+  EXPECT_FALSE(adding(url, {.source = "a"}));
+  add(url, {.source = "a"});
+  EXPECT_EQ(url, URL::fromUncheckedText("https://2001:db8::1:433"));
+}
+
+TEST(UtmParameters, WritesWhatItReadASecondTime) {
+  const URL url = *URL::fromString("https://h/p?utm_source=a%2Bb");
+  const auto read = fromUrl<UTMParameters>(url);
+  const auto written = adding(url, read.value());
+  ASSERT_TRUE(written);
+  const auto items = URLComponents::fromUrl(*written, BaseURL::ignored)->queryItems();
+  EXPECT_EQ(items, std::vector(2, URLQueryItem("utm_source", "a+b")));
+}
+
+}  // namespace
