@@ -1,0 +1,1 @@
+"""The checks behind tools/check: each module has check(source_tree), which answers a list of problems."""

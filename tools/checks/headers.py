@@ -1,0 +1,6 @@
+"""headers: every public header compiles alone (CMake's own targets over the header sets)."""
+from checks import build
+
+
+def check(tree):
+    return build.ninja(tree, "all_verify_interface_header_sets")

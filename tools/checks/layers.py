@@ -1,0 +1,158 @@
+"""layers: who may include whom. The tables below are the house rules; a new arrow is a new line here, with its reason.
+
+The rooms include the layer and not one another, the layer includes no room, and its own folders stand in an order.
+A typed header never includes a message header, and brings in no object runtime unless its typed form is about objects.
+Third-party headers stand in the layer's .cpp files alone.
+"""
+import re
+
+from checks.source_tree import LIBRARY
+
+PLATFORM = LIBRARY + "platform/"
+ROOMS = ("frame", "observation", "collections", "runtime", "text", "dates", "colours", "links")
+
+# The layer's folders and what each may include besides itself.
+PLATFORM_FOLDERS = {
+    "crypto": set(),
+    "log": set(),
+    "object": {"dispatch"},
+    "dispatch": {"object"},
+    "foundation": {"object", "dispatch"},
+    "observing": {"object", "foundation", "dispatch"},
+    "time": {"object", "foundation", "dispatch"},
+    "net": {"object", "foundation"},
+    "graphics": {"object", "foundation"},
+    "coding": {"object", "foundation", "time"},
+}
+
+# Facilities that build on another room's facility, or on another of their own room.
+FACILITY_LINKS = {
+    ("frame/locked", "frame/unfair_lock"): "the box is guarded by the typed lock",
+    ("observation/key_value_observation", "frame/main_queue"): "a token delivers on the main queue",
+    ("observation/responder_observations", "observation/key_value_observation"): "the registry creates and owns tokens",
+    ("collections/set_blocks", "collections/array_blocks"): "sets send the array operations",
+    ("colours/hex_codes", "text/character_sets"): "a code keeps hexadecimal characters only",
+    ("text/attributed_strings", "frame/not_localized"): "the empty fallback is marked as not localised",
+}
+
+# Facilities whose typed form is about objects, so that their typed header brings in the object runtime.
+ABOUT_OBJECTS = {
+    "frame/test_flag": "the process information object is asked for its environment",
+    "frame/main_queue": "a block is what is queued",
+    "frame/not_localized": "the text is a string object",
+    "frame/log": "a handle comes from the layer's log",
+    "text/attributed_strings": "makes attributed-string objects",
+    "dates/shared_formatter": "hands out the formatter object",
+    "dates/zero_uuid": "has a value and an object form",
+    "colours/hex_codes": "colours are objects",
+    "colours/colour_arithmetic": "colours are objects",
+    "links/app_identity": "bundles are objects",
+    "runtime/lenient_decoding": "decoding containers throw the layer's errors",
+}
+
+# What stands at the root of the library: the table of contents, which knows every room.
+ROOT_FILES = {"HavrinFoundation.h", "image.h", "image.cpp"}
+
+# Third-party headers, and the folders of the layer whose .cpp files use them.
+THIRD_PARTY = {
+    "unicode/": {"foundation", "time"},
+    "cctz/": {"time"},
+    "openssl/": {"crypto"},
+    "simdjson.h": {"coding"},
+    "expat.h": {"coding"},
+}
+
+# The system's headers. The rooms go through the layer; a vector instruction is no system call.
+SYSTEM = re.compile(r"(sys|linux|asm|bits)/|(cpuid|cxxabi|dirent|dlfcn|errno|fcntl|immintrin|langinfo|link|locale|poll"
+                    r"|pthread|pwd|sched|signal|stdio|stdlib|string|syslog|time|unistd)\.h$")
+ROOM_SYSTEM = {"immintrin.h", "cpuid.h"}
+
+UNWANTED = {
+    "iostream": "brings a load-time initialiser",
+    "ranges": "its views do not compile with clang 14",
+}
+
+
+def facility_of(name):
+    """'text/base36' for HavrinFoundation/text/base36_messages.cpp."""
+    return re.sub(r"(_messages)?\.(h|cpp)$", "", name.removeprefix(LIBRARY))
+
+
+def line_of(tree, name, included):
+    for number, line in enumerate(tree.text(name).splitlines(), 1):
+        if included in line and "include" in line:
+            return number
+    return 0
+
+
+def platform_include(name, included):
+    folder = name.removeprefix(PLATFORM).split("/")[0] if name.count("/") > 2 else None
+    if not included.startswith(PLATFORM):
+        return "the layer knows nothing of the rooms"
+    other = included.removeprefix(PLATFORM).split("/")[0]
+    if folder is None or other in (folder, "export.h") or "/" not in included.removeprefix(PLATFORM):
+        return None
+    if other not in PLATFORM_FOLDERS.get(folder, set()):
+        return f"platform/{folder} does not include platform/{other}"
+    return None
+
+
+def room_include(name, included):
+    if included.startswith(PLATFORM) or name.removeprefix(LIBRARY) in ROOT_FILES:
+        return None
+    if included == LIBRARY + "image.h":
+        return None if name.endswith(("_messages.h", "_messages.cpp")) else "only message files need the image"
+    facility, other = facility_of(name), facility_of(included)
+    if facility == other:
+        if "_messages" in included and "_messages" not in name:
+            if name.endswith(".h"):
+                return "a typed header does not know its messages"
+            if facility not in ABOUT_OBJECTS:
+                return "a typed source does not know its messages unless it is about objects"
+        return None
+    if (facility, other) not in FACILITY_LINKS:
+        return f"{facility} does not build on {other}"
+    return None
+
+
+def foreign_include(name, included):
+    """For an include that is not ours."""
+    in_platform = name.startswith(PLATFORM)
+    if included in UNWANTED:
+        return f"<{included}> {UNWANTED[included]}"
+    if SYSTEM.match(included):
+        return None if in_platform or included in ROOM_SYSTEM else "system headers are the layer's"
+    if "." not in included and "/" not in included:
+        return None
+    for prefix, folders in THIRD_PARTY.items():
+        if included.startswith(prefix):
+            if not in_platform or name.removeprefix(PLATFORM).split("/")[0] not in folders:
+                return f"<{included}> belongs to platform/{' and platform/'.join(sorted(folders))}"
+            return None if name.endswith(".cpp") else f"<{included}> stands in .cpp files alone"
+    return f"<{included}> is in no table of tools/checks/layers.py"
+
+
+def runtime_reached(tree, name):
+    """The object runtime's headers that a typed header brings in, where it should not."""
+    if "_messages" in name or name.startswith(PLATFORM) or name.removeprefix(LIBRARY) in ROOT_FILES:
+        return []
+    if facility_of(name) in ABOUT_OBJECTS:
+        return []
+    return sorted(path for path in tree.reached(name) if path.startswith(PLATFORM + "object/"))
+
+
+def check(tree):
+    problems = []
+    for name in tree.under(LIBRARY):
+        for included in tree.includes(name):
+            if included.startswith(LIBRARY):
+                rule = platform_include if name.startswith(PLATFORM) else room_include
+                why = rule(name, included) if included in tree.files else f"{included} is not in the tree"
+            else:
+                why = foreign_include(name, included)
+            if why:
+                problems.append(f"{name}:{line_of(tree, name, included)}: {why}")
+        if name.endswith(".h"):
+            for path in runtime_reached(tree, name)[:1]:
+                problems.append(f"{name}:1: a typed header brings in the object runtime: {path}")
+    return problems

@@ -1,0 +1,121 @@
+"""tree: one facility, one basename, everywhere.
+
+Every facility has its test and every file stands in its folder's list; tests, fuzz bodies and benchmarks bear the name
+of what they are about; categories stand in image.cpp; headers say what they are; files of more than 400 lines say why.
+"""
+import pathlib
+import re
+
+from checks.layers import PLATFORM, ROOMS, facility_of
+from checks.source_tree import LIBRARY
+
+LONGEST = 400
+# The line a longer file carries in its opening comment, with the reason after the colon.
+LENGTH_REASON = re.compile(r"^(//|#|\"\"\"|\s).*\bLength: \S", re.MULTILINE)
+BAD_NAMES = re.compile(r"(^|_)(util|utils|common|misc|helper)$")
+NAME = re.compile(r"[a-z][a-z0-9_]*$")
+SUFFIXES = {"tests": "_test", "fuzz": "_fuzz", "benchmarks": "_benchmark"}
+# Facilities whose tests stand in another's file, since they are tested on the same rows.
+SHARED_TESTS = {"frame/locked": "frame/unfair_lock"}
+CXX_FOLDERS = (LIBRARY, "tests/", "fuzz/", "benchmarks/", "examples/")
+
+
+def listed(tree, name):
+    """Whether the nearest CMakeLists.txt above names the file, or one of cmake/ does."""
+    if any(name in tree.text(script) for script in tree.under("cmake/", suffixes=(".cmake",))):
+        return True
+    folder = pathlib.PurePosixPath(name).parent
+    while True:
+        text = tree.text(f"{folder}/CMakeLists.txt") if f"{folder}/CMakeLists.txt" in tree.files else None
+        if text is not None:
+            relative = str(pathlib.PurePosixPath(name).relative_to(folder))
+            return re.search(rf"(?<![\w./-]){re.escape(relative)}(?![\w./-])", text) is not None
+        if str(folder) == ".":
+            return False
+        folder = folder.parent
+
+
+def facilities(tree):
+    """The facilities of the rooms, as 'text/base36'."""
+    rooms = tuple(f"{LIBRARY}{room}/" for room in ROOMS)
+    return sorted({facility_of(name) for name in tree.under(*rooms)})
+
+
+def check_names(tree):
+    for name in tree.under(*CXX_FOLDERS):
+        stem = pathlib.PurePosixPath(name).stem
+        if name.removeprefix(LIBRARY) != "HavrinFoundation.h" and not NAME.match(stem):
+            yield f"{name}: file names are lower_snake"
+        if BAD_NAMES.search(stem):
+            yield f"{name}: a file is named after what it offers"
+
+
+def check_lists(tree):
+    public = set()
+    for name in tree.under(LIBRARY, suffixes=(".h",)):
+        if listed(tree, name):
+            public.add(name)
+    for name in sorted(public):
+        for path in tree.includes(name):
+            if path.startswith(LIBRARY) and path in tree.files and path not in public:
+                yield f"{name}: a public header includes {path}, which no list installs"
+    for name in tree.under(*CXX_FOLDERS, suffixes=(".cpp",)):
+        if not name.startswith("tests/consumers/") and not listed(tree, name):
+            yield f"{name}: stands in no CMakeLists.txt, so nothing builds it"
+
+
+def check_tests(tree):
+    known = facilities(tree)
+    for facility in known:
+        if f"tests/{SHARED_TESTS.get(facility, facility)}_test.cpp" not in tree.files:
+            yield f"{LIBRARY}{facility}: has no tests/{facility}_test.cpp"
+    for folder, suffix in SUFFIXES.items():
+        for name in tree.under(*(f"{folder}/{room}/" for room in ROOMS), suffixes=(suffix + ".cpp",)):
+            about = name.removeprefix(folder + "/").removesuffix(suffix + ".cpp")
+            if not any(about == facility or about.startswith(facility + "_") for facility in known):
+                yield f"{name}: there is no facility of this name"
+    tested = {path for name in tree.under("tests/") for path in tree.includes(name)}
+    for name in tree.under(PLATFORM, suffixes=(".h",)):
+        if name.count("/") > 2 and name.removesuffix(".h") + ".cpp" in tree.files and name not in tested:
+            if listed(tree, name):
+                yield f"{name}: no test includes it"
+
+
+def check_messages(tree):
+    contents = tree.text(LIBRARY + "image.cpp") or ""
+    for name in tree.under(LIBRARY, suffixes=("_messages.h", "_messages.cpp")):
+        partner = name.removesuffix(".h") + ".cpp" if name.endswith(".h") else name.removesuffix(".cpp") + ".h"
+        if partner not in tree.files:
+            yield f"{name}: has no {partner}"
+        for category in re.findall(r"\bconst Category (k\w+)\s*[{(]", tree.text(name)):
+            if not re.search(rf"\b{category}\b", contents):
+                yield f"{name}: {category} does not stand in image.cpp, so its messages never arrive"
+
+
+def check_headers(tree):
+    for name in tree.under(LIBRARY, suffixes=(".h",)):
+        text = tree.text(name)
+        if not text.startswith("//"):
+            yield f"{name}:1: a header opens with what it is"
+        if "#pragma once" not in text:
+            yield f"{name}:1: no #pragma once"
+        for number, line in enumerate(text.splitlines(), 1):
+            if re.match(r"\s*using namespace\b", line):
+                yield f"{name}:{number}: 'using namespace' in a header"
+            if re.match(r"\s*#\s*define\s", line) and not re.match(r"#define HAVRIN_EXPORT\b", line):
+                yield f"{name}:{number}: the one macro of the headers is HAVRIN_EXPORT"
+
+
+def check_lengths(tree):
+    for name in tree.files:
+        text = tree.text(name)
+        if text is None or not name.endswith((".h", ".cpp", ".py", ".sh", ".cmake")):
+            continue
+        lines = text.count("\n")
+        if lines > LONGEST and not LENGTH_REASON.search("\n".join(text.splitlines()[:40])):
+            yield f"{name}: {lines} lines; over {LONGEST} its opening comment says why, after 'Length:'"
+
+
+def check(tree):
+    return [problem for part in (check_names, check_lists, check_tests, check_messages, check_headers, check_lengths)
+            for problem in part(tree)]
