@@ -23,6 +23,8 @@ using detail::AsciiRows;
 // How many units are looked at one by one before the ASCII loop is tried again.
 constexpr std::size_t kBlock = 32;
 
+std::size_t lowestBit(std::uint32_t bits) noexcept { return static_cast<std::size_t>(std::countr_zero(bits)); }
+
 // Both answer a position before which no unit is a hit or leaves ASCII. At that position stands such a unit, or (in
 // UTF-16) the beginning of a block that has one, or the end of the text.
 template <class Unit>
@@ -81,15 +83,15 @@ struct WideRows {
     if (_mm256_testz_si256(members, members) == 0 || _mm256_movemask_epi8(bytes) != 0) break;
   }
   for (; i + 32 <= size; i += 32) {
-    if (const std::uint32_t stops = stopsAmong(load(text + i), wide); stops != 0) return i + std::countr_zero(stops);
+    if (const std::uint32_t stops = stopsAmong(load(text + i), wide); stops != 0) return i + lowestBit(stops);
   }
   if (i + 16 <= size) {
-    if (const std::uint32_t stops = stopsAmong16(text + i, wide); stops != 0) return i + std::countr_zero(stops);
+    if (const std::uint32_t stops = stopsAmong16(text + i, wide); stops != 0) return i + lowestBit(stops);
     i += 16;
   }
   if (i < size) {  // the last 16 bytes once more: those before i are known not to stop
     if (const std::uint32_t stops = stopsAmong16(text + size - 16, wide); stops != 0) {
-      return size - 16 + std::countr_zero(stops);
+      return size - 16 + lowestBit(stops);
     }
   }
   return size;
@@ -105,7 +107,7 @@ struct WideRows {
     if (_mm256_testz_si256(_mm256_or_si256(low, high), beyondAscii) == 0) return i;
     // Packing works within the halves of the registers; the permutation restores the order of the text.
     const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0b11'01'10'00);
-    if (const std::uint32_t stops = stopsAmong(bytes, wide); stops != 0) return i + std::countr_zero(stops);
+    if (const std::uint32_t stops = stopsAmong(bytes, wide); stops != 0) return i + lowestBit(stops);
   }
   return i + skipAsciiPlain(text + i, size - i, rows);
 }
@@ -179,7 +181,7 @@ CharacterSet::Found CharacterSet::find(std::u16string_view text, bool outside) c
       for (std::size_t k = 0; k < kBlock; ++k) hits |= std::uint32_t{storage_->bit(text[i + k])} << k;
       if (flip) hits = ~hits;
       if (hits != 0) {
-        i += static_cast<std::size_t>(std::countr_zero(hits));
+        i += lowestBit(hits);
         return Range{i, i + 1};
       }
       i += kBlock;

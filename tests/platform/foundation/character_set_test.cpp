@@ -239,20 +239,20 @@ TEST(CharacterSet, RandomTextIsSearchedAsScalarByScalar) {
 
 TEST(CharacterSet, CopiesAreMadeAndChangedOnManyThreads) {
   const CharacterSet shared("abc");
-  constexpr int kThreads = 4;
+  constexpr char32_t kThreads = 4;
   std::latch start(kThreads);
   std::vector<std::thread> threads;
-  for (int i = 0; i < kThreads; ++i) {
+  for (char32_t i = 0; i < kThreads; ++i) {
     threads.emplace_back([&shared, &start, i] {
       start.arrive_and_wait();
       EXPECT_TRUE(CharacterSet::letters().contains(U'x'));
       for (int round = 0; round < 1000; ++round) {
         CharacterSet mine = shared;
-        mine.insert(static_cast<char32_t>(U'0' + i));
+        mine.insert(U'0' + i);
         CharacterSet moved = std::move(mine);
         mine = moved;
         moved.insert(U'z');
-        EXPECT_TRUE(mine.contains(static_cast<char32_t>(U'0' + i)) && !mine.contains(U'z') && moved.contains(U'a'));
+        EXPECT_TRUE(mine.contains(U'0' + i) && !mine.contains(U'z') && moved.contains(U'a'));
       }
     });
   }
