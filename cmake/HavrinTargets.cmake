@@ -14,45 +14,75 @@ if(HAVRIN_SANITIZERS)
   target_link_options(havrin_build_flags INTERFACE -fsanitize=${HAVRIN_SANITIZERS})
 endif()
 
-# havrin_library(<target> <static target> LINKS ... PRIVATE_LINKS ...): one set of objects, a shared and a static
-# library. The tests use the static one, through which they reach internal functions.
-function(havrin_library shared static)
-  cmake_parse_arguments(PARSE_ARGV 2 ARG "" "" "LINKS;STATIC_LINKS;PRIVATE_LINKS")
-  add_library(${shared}_objects OBJECT)
-  set_target_properties(${shared}_objects PROPERTIES
+# havrin_library(<target> AS <name> LINKS ... STATIC_LINKS ...): one set of objects, a shared library HavrinFoundation::<name>
+# and a static one, HavrinFoundation::<name>Static. The tests use the static one, through which they reach internals.
+function(havrin_library shared)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "AS" "LINKS;STATIC_LINKS")
+  set(objects ${shared}_objects)
+  set(static ${shared}Static)
+  add_library(${objects} OBJECT)
+  set_target_properties(${objects} PROPERTIES
     POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
-  target_include_directories(${shared}_objects PRIVATE ${PROJECT_SOURCE_DIR})
-  target_link_libraries(${shared}_objects PRIVATE havrin_build_flags ${ARG_LINKS} ${ARG_PRIVATE_LINKS})
+  target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${objects} PRIVATE havrin_build_flags ${ARG_LINKS})
 
-  add_library(${shared} SHARED $<TARGET_OBJECTS:${shared}_objects>)
-  add_library(${static} STATIC $<TARGET_OBJECTS:${shared}_objects>)
-  target_link_libraries(${shared} PUBLIC ${ARG_LINKS} PRIVATE ${ARG_PRIVATE_LINKS} $<BUILD_INTERFACE:havrin_build_flags>)
-  target_link_libraries(${static} PUBLIC ${ARG_STATIC_LINKS} PRIVATE ${ARG_PRIVATE_LINKS})
+  add_library(${shared} SHARED $<TARGET_OBJECTS:${objects}>)
+  add_library(${static} STATIC $<TARGET_OBJECTS:${objects}>)
+  target_link_libraries(${shared} PUBLIC ${ARG_LINKS} PRIVATE $<BUILD_INTERFACE:havrin_build_flags>)
+  target_link_libraries(${static} PUBLIC ${ARG_STATIC_LINKS})
   # Rows and block bodies are referred to for the life of the process, whoever opened the library.
-  target_link_options(${shared} PRIVATE -Wl,-z,nodelete -Wl,-z,defs)
+  target_link_options(${shared} PRIVATE -Wl,-z,nodelete)
+  if(NOT HAVRIN_SANITIZERS)  # whose entry points stand in the program
+    target_link_options(${shared} PRIVATE -Wl,-z,defs)
+  endif()
   set_target_properties(${shared} PROPERTIES
-    LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} VERIFY_INTERFACE_HEADER_SETS ON)
-  set_target_properties(${static} PROPERTIES LINKER_LANGUAGE CXX)
+    EXPORT_NAME ${ARG_AS} LINKER_LANGUAGE CXX INSTALL_RPATH $ORIGIN
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} VERIFY_INTERFACE_HEADER_SETS ON)
+  set_target_properties(${static} PROPERTIES EXPORT_NAME ${ARG_AS}Static LINKER_LANGUAGE CXX OUTPUT_NAME ${shared})
   foreach(library IN ITEMS ${shared} ${static})
     target_compile_features(${library} PUBLIC cxx_std_20)
     target_include_directories(${library} INTERFACE
       $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-    add_library(HavrinFoundation::${library} ALIAS ${library})
   endforeach()
+  add_library(HavrinFoundation::${ARG_AS} ALIAS ${shared})
+  add_library(HavrinFoundation::${ARG_AS}Static ALIAS ${static})
 endfunction()
 
-# havrin_sources(<target> HEADERS ... SOURCES ... LINKS ...): the public headers and the sources of one folder, and the
+# havrin_sources(<name> HEADERS ... SOURCES ... LINKS ...): the public headers and the sources of one folder, and the
 # third-party libraries that its sources (never its headers) use.
-function(havrin_sources library)
+function(havrin_sources name)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "HEADERS;SOURCES;LINKS")
+  get_target_property(library HavrinFoundation::${name} ALIASED_TARGET)
   list(TRANSFORM ARG_HEADERS PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   list(TRANSFORM ARG_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   target_sources(${library} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
   target_sources(${library}_objects PRIVATE ${ARG_SOURCES})
-  if(ARG_LINKS)
-    target_link_libraries(${library}_objects PRIVATE ${ARG_LINKS})
-    target_link_libraries(${library} PRIVATE ${ARG_LINKS})
-    target_link_libraries(${library}Static PRIVATE ${ARG_LINKS})
+  foreach(third_party IN LISTS ARG_LINKS)
+    havrin_linker_name(linker_name ${third_party})
+    target_link_libraries(${library}_objects PRIVATE ${third_party})
+    target_link_libraries(${library} PRIVATE ${third_party})
+    # Whoever links the installed static library finds the third-party ones where the linker does.
+    target_link_libraries(${library}Static PRIVATE
+      $<BUILD_INTERFACE:${third_party}> $<INSTALL_INTERFACE:${linker_name}>)
+    set_property(GLOBAL APPEND PROPERTY HAVRIN_LINKER_NAMES ${linker_name})
+  endforeach()
+endfunction()
+
+# The name by which a linker knows the library behind a target: crypto for OpenSSL::Crypto.
+function(havrin_linker_name result target)
+  set(ICU_uc icuuc)
+  set(ICU_i18n icui18n)
+  set(ICU_data icudata)
+  set(OpenSSL_Crypto crypto)
+  set(simdjson_simdjson simdjson)
+  set(EXPAT_EXPAT expat)
+  string(REPLACE "::" "_" key ${target})
+  if(DEFINED ${key})
+    set(${result} ${${key}} PARENT_SCOPE)
+  elseif(target MATCHES "^[a-z0-9_]+$")
+    set(${result} ${target} PARENT_SCOPE)
+  else()
+    message(FATAL_ERROR "havrin_linker_name does not know what the linker calls ${target}")
   endif()
 endfunction()
 

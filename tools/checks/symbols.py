@@ -9,7 +9,7 @@ import subprocess
 
 from checks import build
 
-LIBRARIES = ("Platform", "HavrinFoundation")
+LIBRARIES = ("HavrinPlatform", "HavrinFoundation")
 # Inline functions and templates appear or not as the compiler sees fit; they belong to whoever includes the header.
 WEAK = set("VvWwu")
 # Every shared library has it: the compiler's own start-up file registers nothing there.
@@ -21,7 +21,7 @@ def tool(*command):
 
 
 def library_file(tree, library):
-    return next((tree.root / build.FOLDER / "HavrinFoundation").glob(f"lib*{library.removeprefix('Havrin')}.so"))
+    return tree.root / build.FOLDER / "HavrinFoundation" / f"lib{library}.so"
 
 
 def initialisers(path):
