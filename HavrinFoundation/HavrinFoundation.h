@@ -1,2 +1,6 @@
 // The whole library in one include.
 #pragma once
+
+#include <HavrinFoundation/frame/locked.h>
+#include <HavrinFoundation/frame/unfair_lock.h>
+#include <HavrinFoundation/links/utm_parameters.h>

@@ -64,6 +64,13 @@ def check_lists(tree):
             yield f"{name}: stands in no CMakeLists.txt, so nothing builds it"
 
 
+def check_umbrella(tree):
+    umbrella = LIBRARY + "HavrinFoundation.h"
+    for name in tree.under(*(f"{LIBRARY}{room}/" for room in ROOMS), suffixes=(".h",)):
+        if listed(tree, name) and name not in tree.includes(umbrella):
+            yield f"{umbrella}: does not include {name}"
+
+
 def check_tests(tree):
     known = facilities(tree)
     for facility in known:
@@ -117,5 +124,5 @@ def check_lengths(tree):
 
 
 def check(tree):
-    return [problem for part in (check_names, check_lists, check_tests, check_messages, check_headers, check_lengths)
-            for problem in part(tree)]
+    parts = (check_names, check_lists, check_umbrella, check_tests, check_messages, check_headers, check_lengths)
+    return [problem for part in parts for problem in part(tree)]
