@@ -45,6 +45,9 @@ D& blockReference(NSObject* object);
 
 namespace detail {
 
+template <class...>
+struct ParameterList {};
+
 // The parameter list of a function object with one, non-template call operator.
 template <class F>
 struct CallableParameters;
@@ -53,8 +56,7 @@ requires requires { &F::operator(); }
 struct CallableParameters<F> : CallableParameters<decltype(&F::operator())> {};
 template <class R, class C, class... A>
 struct CallableParameters<R (C::*)(A...)> {
-  template <template <class...> class Apply>
-  using To = Apply<A...>;
+  using List = ParameterList<A...>;
 };
 template <class R, class C, class... A>
 struct CallableParameters<R (C::*)(A...) const> : CallableParameters<R (C::*)(A...)> {};
@@ -64,13 +66,7 @@ template <class R, class C, class... A>
 struct CallableParameters<R (C::*)(A...) const noexcept> : CallableParameters<R (C::*)(A...)> {};
 template <class R, class... A>
 struct CallableParameters<R (*)(A...)> {
-  template <template <class...> class Apply>
-  using To = Apply<A...>;
-};
-
-template <class... P>
-struct ParameterList {
-  static constexpr std::size_t size = sizeof...(P);
+  using List = ParameterList<A...>;
 };
 
 // Hands `argument` to a parameter of type Wanted: as it is where it converts, through the class test where the block
@@ -102,7 +98,7 @@ requires(sizeof...(Given) == sizeof...(Wanted)) struct AllFit<ParameterList<Give
 
 template <class F>
 concept PlainCallable = requires {
-  typename CallableParameters<std::decay_t<F>>::template To<ParameterList>;
+  typename CallableParameters<std::decay_t<F>>::List;
 };
 
 template <class R, class F, class... A>
@@ -110,7 +106,7 @@ R callFitted(F& callable, A... arguments) {
   if constexpr (std::is_invocable_v<F&, A...>) {
     return static_cast<R>(std::invoke(callable, std::forward<A>(arguments)...));
   } else {
-    using Wanted = typename CallableParameters<std::decay_t<F>>::template To<ParameterList>;
+    using Wanted = typename CallableParameters<std::decay_t<F>>::List;
     return [&]<class... W>(ParameterList<W...>) -> R {
       return static_cast<R>(std::invoke(callable, fitArgument<W>(std::forward<A>(arguments))...));
     }(Wanted{});
@@ -122,7 +118,7 @@ consteval bool fittable() {
   if constexpr (std::is_invocable_v<F&, A...>) {
     return true;
   } else if constexpr (PlainCallable<F>) {
-    return AllFit<ParameterList<A...>, typename CallableParameters<std::decay_t<F>>::template To<ParameterList>>::value;
+    return AllFit<ParameterList<A...>, typename CallableParameters<std::decay_t<F>>::List>::value;
   } else {
     return false;
   }

@@ -52,8 +52,9 @@ class HAVRIN_EXPORT Selector {
   explicit operator bool() const { return record_ != nullptr; }
   friend bool operator==(Selector, Selector) = default;
 
-  /// The runtime's own record.
+  /// The runtime's own record, and its number in the dispatch tables (0: beyond them).
   [[nodiscard]] const SelectorRecord* record() const { return record_; }
+  [[nodiscard]] std::uint32_t number() const;
   explicit Selector(const SelectorRecord* record) : record_(record) {}
 
  private:

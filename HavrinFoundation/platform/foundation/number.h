@@ -1,0 +1,75 @@
+// NSNumber: a boolean, an integer or a real as an object. NSNull: the object that stands for none.
+//
+//   makeNumber(3)->isEqual(makeNumber(3.0))        true: by value, whatever the type; true == 1
+//   makeNumber(-3.99)->integerValue()              -3
+//   NSNull::null()                                 the one null object
+//
+// Left out: decimal numbers, comparing for order, text of reals in other than the shortest form.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/members.h>
+
+namespace havrin::inline platform {
+
+class HAVRIN_EXPORT NSNumber : public Object<NSNumber, NSObject> {
+ public:
+  enum class Kind : std::uint8_t { boolean, integer, unsignedInteger, real };
+
+  /// Zero.
+  NSNumber() noexcept : NSNumber(std::int64_t{0}) {}
+  explicit NSNumber(bool value) noexcept : kind_(Kind::boolean), integer_(value) {}
+  explicit NSNumber(std::int64_t value) noexcept : kind_(Kind::integer), integer_(value) {}
+  explicit NSNumber(std::uint64_t value) noexcept
+      : kind_(Kind::unsignedInteger), integer_(static_cast<std::int64_t>(value)) {}
+  explicit NSNumber(double value) noexcept : kind_(Kind::real), real_(value) {}
+
+  [[nodiscard]] Kind kind() const { return kind_; }
+  /// As a signed integer: reals are truncated toward zero and saturate, not-a-number gives 0; unsigned values from 2^63
+  /// on keep their bits.
+  [[nodiscard]] virtual std::int64_t integerValue() const;
+  [[nodiscard]] virtual std::uint64_t unsignedIntegerValue() const;
+  [[nodiscard]] virtual double doubleValue() const;
+  /// False for zero only.
+  [[nodiscard]] virtual bool boolValue() const;
+  /// The text of the value: "1", "-3", "0.5".
+  [[nodiscard]] virtual Strong<NSString> stringValue() const;
+
+  /// By value across types; not-a-number equals itself.
+  [[nodiscard]] bool isEqual(const NSObject* other) const override;
+  [[nodiscard]] std::uint64_t hash() const override;
+  [[nodiscard]] Strong<NSString> description() const override;
+  [[nodiscard]] Strong<NSObject> copy() const override;
+
+ private:
+  Kind kind_;
+  union {
+    std::int64_t integer_;
+    double real_;
+  };
+};
+
+[[nodiscard]] inline Strong<NSNumber> makeNumber(bool value) { return make<NSNumber>(value); }
+template <std::integral T>
+[[nodiscard]] Strong<NSNumber> makeNumber(T value) {
+  if constexpr (std::is_signed_v<T>) {
+    return make<NSNumber>(static_cast<std::int64_t>(value));
+  } else {
+    return make<NSNumber>(static_cast<std::uint64_t>(value));
+  }
+}
+[[nodiscard]] inline Strong<NSNumber> makeNumber(double value) { return make<NSNumber>(value); }
+
+class HAVRIN_EXPORT NSNull : public Object<NSNull, NSObject> {
+ public:
+  /// The one null object of the process.
+  [[nodiscard]] static NSNull* null();
+  [[nodiscard]] Strong<NSString> description() const override;
+  [[nodiscard]] Strong<NSObject> copy() const override;
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,69 @@
+#include <HavrinFoundation/platform/object/association.h>
+
+#include <array>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+#include <HavrinFoundation/platform/object/runtime_internal.h>
+
+namespace havrin::inline platform {
+
+namespace {
+
+using Values = std::vector<std::pair<const void*, Strong<NSObject>>>;
+
+// Objects are spread over a few tables so that threads seldom meet at one lock. Never destroyed.
+struct Table {
+  std::mutex lock;
+  std::unordered_map<const NSObject*, Values> values;
+};
+
+Table& tableOf(const NSObject* object) {
+  static auto* const kTables = new std::array<Table, 16>;
+  return (*kTables)[(reinterpret_cast<std::uintptr_t>(object) >> 5) % kTables->size()];
+}
+
+Strong<NSObject>* find(Values& values, const void* key) {
+  for (auto& [storedKey, value] : values) {
+    if (storedKey == key) return &value;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+Strong<NSObject> associatedValue(const NSObject& object, Selector key) {
+  if (!(headerOf(&object).weak.load(std::memory_order_relaxed) & ObjectHeader::kHasAssociations)) return nullptr;
+  Table& table = tableOf(&object);
+  const std::lock_guard guard(table.lock);
+  const auto found = table.values.find(&object);
+  if (found == table.values.end()) return nullptr;
+  const Strong<NSObject>* value = find(found->second, key.key());
+  return value ? *value : nullptr;
+}
+
+void setAssociatedValue(NSObject& object, Selector key, NSObject* value) {
+  Strong<NSObject> incoming(value);  // becomes the old value, which is released after the lock
+  Table& table = tableOf(&object);
+  const std::lock_guard guard(table.lock);
+  headerOf(&object).weak.fetch_or(ObjectHeader::kHasAssociations, std::memory_order_relaxed);
+  Values& values = table.values[&object];
+  if (Strong<NSObject>* stored = find(values, key.key())) {
+    std::swap(*stored, incoming);
+  } else if (incoming) {
+    values.emplace_back(key.key(), std::move(incoming));
+  }
+}
+
+void releaseAssociations(NSObject* object) noexcept {
+  Values values;  // released after the lock
+  Table& table = tableOf(object);
+  const std::lock_guard guard(table.lock);
+  if (const auto found = table.values.find(object); found != table.values.end()) {
+    values = std::move(found->second);
+    table.values.erase(found);
+  }
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,134 @@
+// Categories: methods added to a class of another library, and the image that lists them.
+//
+//   namespace {
+//   Strong<NSArray> select(NSArray& self, Predicate predicate) { ... }
+//   constexpr MethodRow kRows[] = {row<NSArray, "select:", select>()};
+//   }
+//   extern constinit const Category kArrayBlocks{classObject<NSArray>, "Blocks", kRows, {}};
+//
+// The rows are constant data; nothing runs until the image's `Loader` attaches them, which is the one thing an image
+// runs at load. Functions take the receiver by reference (class methods: its `ClassOf`) and then what the message
+// declares.
+#pragma once
+
+#include <span>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/boxing.h>
+#include <HavrinFoundation/platform/object/message.h>
+#include <HavrinFoundation/platform/object/observed.h>
+
+namespace havrin::inline platform {
+
+/// Methods for one class, as constant data that lives as long as the process.
+struct Category {
+  ClassObject* (*cls)();
+  std::string_view name;
+  std::span<const MethodRow> rows;
+  std::span<const MethodRow> classRows;
+};
+
+class ConstantString;
+
+/// What one library brings: its constant strings, its categories, and the functions that run once those are attached.
+struct Image {
+  std::string_view name;
+  std::span<ConstantString* const> strings;
+  std::span<const Category* const> categories;
+  std::span<void (*const)()> initialisers;
+};
+
+/// Attaches an image when it is constructed: one per image, at namespace scope.
+class HAVRIN_EXPORT Loader {
+ public:
+  explicit Loader(const Image& image);
+};
+
+namespace detail {
+
+// The twin of a setter that the notifying class of an observed object answers. The setter of the class below is called,
+// so that a subclass's override takes part inside the notification.
+template <Text S, class A>
+void notifyingSetter(NSObject* self, A value) {
+  struct Change {
+    NSObject* self;
+    A& value;
+  } change{self, value};
+  notifyChange(
+      self, selector<S>,
+      [](void* context) {
+        auto& [object, argument] = *static_cast<Change*>(context);
+        ClassObject* below = headerOf(object).cls.load(std::memory_order_relaxed)->shown();
+        Implementation setter = below->cached(selector<S>.number.load(std::memory_order_relaxed));
+        if (!setter) setter = below->resolve(selector<S>, typeid(void(A)), object);
+        reinterpret_cast<void (*)(NSObject*, A)>(setter)(object, std::forward<A>(argument));
+      },
+      &change);
+}
+
+template <Text S, class F>
+struct Twin {
+  static constexpr bool exists = false;
+};
+template <Text S, class A>
+requires(isSetterSelector(S.view())) struct Twin<S, void(A)> {
+  static constexpr bool exists = true;
+  static Implementation get() { return reinterpret_cast<Implementation>(&notifyingSetter<S, A>); }
+};
+
+// Answers the function Trampoline::call, or its notifying twin.
+template <Text S, class F, class Trampoline>
+Implementation implementationOf(bool observed) {
+  if constexpr (Twin<S, F>::exists) {
+    if (observed) return Twin<S, F>::get();
+  }
+  return reinterpret_cast<Implementation>(&Trampoline::call);
+}
+
+template <class C, auto Function, class F>
+struct CategoryTrampoline;
+template <class C, auto Function, class R, class... A>
+struct CategoryTrampoline<C, Function, R(A...)> {
+  static constexpr bool fits = std::is_invocable_r_v<R, decltype(Function), C&, A...>;
+  static R call(NSObject* self, A... arguments) {
+    return Function(static_cast<C&>(*self), std::forward<A>(arguments)...);
+  }
+};
+template <class C, auto Function, class F>
+struct ClassTrampoline;
+template <class C, auto Function, class R, class... A>
+struct ClassTrampoline<C, Function, R(A...)> {
+  static constexpr bool fits = std::is_invocable_r_v<R, decltype(Function), ClassOf<C>, A...>;
+  static R call(NSObject* self, A... arguments) {
+    return Function(ClassOf<C>(static_cast<ClassObject*>(self)), std::forward<A>(arguments)...);
+  }
+};
+
+template <Text S, class Found, class Trampoline>
+constexpr MethodRow rowOf() {
+  static_assert(Trampoline::fits, "row: the function differs from the declared message");
+  return {&selector<S>, &implementationOf<S, typename Found::Type, Trampoline>,
+          &SignatureInfoOf<typename Found::Type>::info};
+}
+
+}  // namespace detail
+
+/// The row that gives instances of C the method `Function` for the declared message S.
+template <class C, Text S, auto Function>
+[[nodiscard]] constexpr MethodRow row() {
+  using Found = detail::MessageOf<C, S>;
+  static_assert(!std::is_same_v<Found, detail::NotFound>, "row: the class declares no such message");
+  return detail::rowOf<S, Found, detail::CategoryTrampoline<C, Function, typename Found::Type>>();
+}
+/// The row that gives the class C itself the method `Function` for the declared class message S.
+template <class C, Text S, auto Function>
+[[nodiscard]] constexpr MethodRow classRow() {
+  using Found = detail::ClassMessageOf<C, S>;
+  static_assert(!std::is_same_v<Found, detail::NotFound>, "classRow: the class declares no such message");
+  return detail::rowOf<S, Found, detail::ClassTrampoline<C, Function, typename Found::Type>>();
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,229 @@
+#include <HavrinFoundation/platform/object/class.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <new>
+#include <shared_mutex>
+#include <string>
+
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/runtime_internal.h>
+
+namespace havrin::inline platform {
+
+// The table of classes. Its lock guards every class's rows; nothing foreign runs under it.
+struct Runtime {
+  std::shared_mutex lock;
+  std::unordered_map<std::string, ClassObject*> byKey;
+  std::vector<ClassObject*> all;  // metaclasses and notifying classes included
+  std::atomic<std::uint64_t> methodChanges{0};
+
+  static Runtime& shared() {
+    static Runtime* const kRuntime = new Runtime;
+    return *kRuntime;
+  }
+
+  // One class per type. Types in unnamed namespaces may share their mangled name with another file's: those go by
+  // address.
+  static std::string key(const std::type_info& type) {
+    std::string name = type.name();
+    if (name.find("_GLOBAL__N_") != std::string::npos)
+      name += '@' + std::to_string(reinterpret_cast<std::uintptr_t>(&type));
+    return name;
+  }
+
+  ClassObject* place(std::string_view name, ClassObject* superclass, ClassObject* metaclass) {
+    return all.emplace_back(ClassObject::place(name, superclass, metaclass));
+  }
+
+  static void insert(ClassObject& cls, std::span<const MethodRow> rows) {
+    for (const MethodRow& row : rows) cls.rows_[Selector(*row.selector).record()] = &row;
+  }
+};
+
+std::uint64_t methodChanges() { return Runtime::shared().methodChanges.load(std::memory_order_acquire); }
+
+ClassObject::ClassObject(std::string_view name, ClassObject* superclass, ClassObject*)
+    : NSObject(Placed{}),
+      name_(name),
+      superclass_(superclass),
+      shown_(this),
+      depth_(superclass ? superclass->depth_ + 1 : 0) {
+  if (superclass) ancestors_ = superclass->ancestors_;
+  if (depth_ < kAncestors) ancestors_[depth_] = this;
+}
+
+ClassObject* ClassObject::place(std::string_view name, ClassObject* superclass, ClassObject* metaclass) {
+  const std::size_t size = sizeof(ObjectHeader) + sizeof(ClassObject) + kSlots * sizeof(std::atomic<Implementation>);
+  void* memory = std::calloc(1, size);
+  if (!memory) throw std::bad_alloc();
+  auto* header = new (memory) ObjectHeader(metaclass, ObjectHeader::kImmortal);
+  return ::new (static_cast<void*>(header + 1)) ClassObject(name, superclass, metaclass);
+}
+
+ClassObject* ClassObject::build(const ClassDescription& description) {
+  const std::string key = Runtime::key(*description.type);
+  Runtime& runtime = Runtime::shared();
+  const std::unique_lock guard(runtime.lock);
+  if (const auto found = runtime.byKey.find(key); found != runtime.byKey.end()) return found->second;
+
+  ClassObject* super = description.superclass;
+  ClassObject* cls = nullptr;
+  ClassObject* meta = nullptr;
+  if (super) {
+    ClassObject* superMeta = headerOf(super).cls.load(std::memory_order_relaxed);
+    ClassObject* rootMeta = headerOf(superMeta).cls.load(std::memory_order_relaxed);
+    meta = runtime.place(description.name, superMeta, rootMeta);
+    cls = runtime.place(description.name, super, meta);
+  } else {
+    // The root's metaclass inherits from the root, so that class objects answer what every object answers.
+    cls = runtime.place(description.name, nullptr, nullptr);
+    meta = runtime.place(description.name, cls, nullptr);
+    headerOf(cls).cls.store(meta, std::memory_order_relaxed);
+    headerOf(meta).cls.store(meta, std::memory_order_relaxed);
+  }
+  meta->instance_ = cls;
+  cls->create_ = description.create;
+  cls->protocols_ = description.protocols;
+  Runtime::insert(*cls, description.rows);
+  Runtime::insert(*meta, description.classRows);
+  runtime.byKey.emplace(key, cls);
+  return cls;
+}
+
+ClassObject* ClassObject::notifyingClass() {
+  if (ClassObject* made = notifying_.load(std::memory_order_acquire)) return made;
+  Runtime& runtime = Runtime::shared();
+  const std::unique_lock guard(runtime.lock);
+  if (ClassObject* made = notifying_.load(std::memory_order_relaxed)) return made;
+  ClassObject* made = runtime.place(name_, this, headerOf(this).cls.load(std::memory_order_relaxed));
+  made->shown_ = this;
+  notifying_.store(made, std::memory_order_release);
+  return made;
+}
+
+void ClassObject::addRows(std::span<const MethodRow> rows) {
+  Runtime& runtime = Runtime::shared();
+  const std::unique_lock guard(runtime.lock);
+  Runtime::insert(*this, rows);
+  for (const MethodRow& row : rows) {
+    const std::uint32_t number = Selector(*row.selector).number();
+    for (ClassObject* cls : runtime.all) {
+      if (cls->inheritsFrom(this)) cls->slots()[number].store(nullptr, std::memory_order_release);
+    }
+  }
+  runtime.methodChanges.fetch_add(1, std::memory_order_release);
+}
+
+const MethodRow* ClassObject::findRow(const SelectorRecord* record) const {
+  for (const ClassObject* cls = this; cls; cls = cls->superclass_) {
+    if (const auto found = cls->rows_.find(record); found != cls->rows_.end()) return found->second;
+  }
+  return nullptr;
+}
+
+const MethodRow* ClassObject::row(Selector selector) const {
+  if (!selector) return nullptr;
+  const std::shared_lock guard(Runtime::shared().lock);
+  return findRow(selector.record());
+}
+
+void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver) {
+  char address[32];
+  std::snprintf(address, sizeof address, "%p", static_cast<const void*>(receiver));
+  const std::string kind = cls.isMetaclass() ? "class " : "instance ";
+  throw NSException(NSInvalidArgumentException, std::string(cls.isMetaclass() ? "+[" : "-[") + std::string(cls.name()) +
+                                                    " " + std::string(selector) + "]: unrecognized selector sent to " +
+                                                    kind + address);
+}
+
+Implementation ClassObject::resolve(const SelectorConstant& constant, const std::type_info& signature,
+                                    const NSObject* receiver) {
+  const Selector selector(constant);
+  {
+    const std::shared_lock guard(Runtime::shared().lock);
+    const MethodRow* row = findRow(selector.record());
+    if (row && *row->signature->type == signature) {
+      const Implementation found = implementation(*row);
+      if (const std::uint32_t number = selector.number()) slots()[number].store(found, std::memory_order_release);
+      return found;
+    }
+    if (row) {
+      throw NSException(NSInvalidArgumentException,
+                        "-[" + std::string(name_) + " " + constant.name +
+                            "]: the method that answers has other argument or result types than the declared message");
+    }
+  }
+  throwUnrecognized(*this, constant.name, receiver);
+}
+
+bool ClassObject::inheritsDeep(const ClassObject* other) const {
+  for (const ClassObject* cls = this; cls; cls = cls->superclass_) {
+    if (cls == other) return true;
+  }
+  return false;
+}
+
+bool ClassObject::adopts(const AnyProtocol& protocol) const {
+  for (const ClassObject* cls = shown_; cls; cls = cls->superclass_) {
+    const ClassObject* adopter = cls->instance_ ? cls->instance_ : cls;
+    for (const AnyProtocol* adopted : adopter->protocols_) {
+      if (adopted->inheritsFrom(protocol)) return true;
+    }
+  }
+  return false;
+}
+
+Strong<NSObject> ClassObject::create() const {
+  if (!create_) {
+    throw NSException(NSInvalidArgumentException,
+                      "the class " + std::string(name_) + " makes no objects without arguments");
+  }
+  return create_();
+}
+
+Strong<NSString> ClassObject::description() const { return makeString(name_); }
+
+Class Class::from(const NSObject* object) {
+  if (!object) return {};
+  // Of all objects only class objects are of a metaclass.
+  const ClassObject* cls = headerOf(object).cls.load(std::memory_order_relaxed);
+  return cls->isMetaclass() ? Class(static_cast<const ClassObject*>(object)) : Class();
+}
+
+std::string_view Class::name() const { return object_ ? object_->name() : std::string_view(); }
+
+Strong<NSObject> alloc(Class cls) {
+  if (!cls) throw NSException(NSInvalidArgumentException, "alloc: the class is null");
+  return cls.object()->create();
+}
+
+bool AnyProtocol::inheritsFrom(const AnyProtocol& other) const {
+  if (*this == other) return true;
+  for (const AnyProtocol* parent : parents_) {
+    if (parent->inheritsFrom(other)) return true;
+  }
+  return false;
+}
+
+void throwWrongClass(const NSObject* object, std::string_view wanted) {
+  const std::string given = object ? "an object of class " + std::string(classOf(*object).name()) : "null";
+  throw NSException(NSInvalidArgumentException, given + " came where a " + std::string(wanted) + " is asked for");
+}
+
+Loader::Loader(const Image& image) {
+  bindConstantStrings(image.strings);
+  // Classes are built before any row is added: building takes the runtime's lock itself.
+  for (const Category* category : image.categories) {
+    ClassObject* cls = category->cls();
+    cls->addRows(category->rows);
+    headerOf(cls).cls.load(std::memory_order_relaxed)->addRows(category->classRows);
+  }
+  for (void (*initialiser)() : image.initialisers) initialiser();
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,215 @@
+// Classes at run time. Class objects are objects with classes of their own (metaclasses): they stand in collections,
+// receive messages and carry associated values. One per type in the whole process, built at first use.
+//
+//   classOf<NSArray>()                    ClassOf<NSArray>:
+//   send<"arrayByCombiningElementsOfArrays:">(classOf<NSArray>(), ...) classOf(*set)                         the class
+//   of an object, as what it is known to be classOf(*set).name()                  "NSMutableSet" cast<NSString>(object)
+//   the object as a string, or null
+//
+// Left out: classes made at run time by applications, replacing a method's implementation, class names to classes
+// (archives register the names that they read).
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <typeinfo>
+#include <unordered_map>
+#include <vector>
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/block.h>
+#include <HavrinFoundation/platform/object/object.h>
+#include <HavrinFoundation/platform/object/protocol.h>
+
+namespace havrin::inline platform {
+
+/// A method's code, cast to the function type of its signature before it is called.
+using Implementation = void (*)();
+
+struct SignatureInfo;
+
+/// One method of a class or category: constant data. The implementation is asked for rather than held, since a function
+/// pointer of another type is no constant; asked with `observed`, a setter answers the twin that notifies.
+struct MethodRow {
+  const SelectorConstant* selector;
+  Implementation (*implementation)(bool observed);
+  const SignatureInfo* signature;
+};
+
+/// What the runtime is told of a class when it is first used.
+struct ClassDescription {
+  const std::type_info* type;
+  std::string_view name;
+  ClassObject* superclass;
+  Strong<NSObject> (*create)();  // null for classes that cannot be allocated without arguments
+  std::span<const MethodRow> rows;
+  std::span<const MethodRow> classRows;
+  std::span<const AnyProtocol* const> protocols;
+};
+
+/// The class object itself. Programs use the handles `Class` and `ClassOf`.
+class HAVRIN_EXPORT ClassObject final : public NSObject {
+ public:
+  static constexpr std::uint32_t kSlots = 4096;  // selectors numbered beyond go the slow way
+  static constexpr std::size_t kAncestors = 8;   // classes deeper than that are walked
+
+  [[nodiscard]] std::string_view name() const { return name_; }
+  [[nodiscard]] ClassObject* superclass() const { return superclass_; }
+  /// The class that the program sees: the original of a notifying class, else the class itself.
+  [[nodiscard]] ClassObject* shown() const { return shown_; }
+  [[nodiscard]] bool isNotifying() const { return shown_ != this; }
+  [[nodiscard]] bool isMetaclass() const { return instance_ != nullptr; }
+  [[nodiscard]] bool inheritsFrom(const ClassObject* other) const {
+    if (other->depth_ < kAncestors) [[likely]]
+      return ancestors_[other->depth_] == other;
+    return inheritsDeep(other);
+  }
+  [[nodiscard]] bool adopts(const AnyProtocol& protocol) const;
+  [[nodiscard]] Strong<NSObject> create() const;
+
+  /// The cached method for a selector's number; null when it must be resolved.
+  [[nodiscard]] Implementation cached(std::uint32_t number) const {
+    return slots()[number].load(std::memory_order_acquire);
+  }
+  /// The method that answers `selector` with exactly this signature. Throws: NSException (InvalidArgument) when there
+  /// is none, or one of another signature. `receiver` is for the text.
+  [[nodiscard]] Implementation resolve(const SelectorConstant& selector, const std::type_info& signature,
+                                       const NSObject* receiver);
+  /// The row that answers a selector, in this class or the nearest superclass; null when none does.
+  [[nodiscard]] const MethodRow* row(Selector selector) const;
+  /// The implementation a row has for receivers of this class.
+  [[nodiscard]] Implementation implementation(const MethodRow& row) const { return row.implementation(isNotifying()); }
+
+  /// Adds or replaces methods; sends that have been resolved before see them at their next call.
+  void addRows(std::span<const MethodRow> rows);
+  /// The subclass of this class whose setters notify; made at first use.
+  [[nodiscard]] ClassObject* notifyingClass();
+
+  [[nodiscard]] bool isEqual(const NSObject* other) const override { return this == other; }
+  [[nodiscard]] Strong<NSString> description() const override;
+
+  static ClassObject* build(const ClassDescription& description);
+
+ private:
+  friend struct Runtime;
+  ClassObject(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
+  static ClassObject* place(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
+  [[nodiscard]] std::atomic<Implementation>* slots() const {
+    // The table stands behind the object, in memory that starts zeroed and is touched page by page.
+    return reinterpret_cast<std::atomic<Implementation>*>(const_cast<ClassObject*>(this) + 1);
+  }
+  [[nodiscard]] bool inheritsDeep(const ClassObject* other) const;
+  [[nodiscard]] const MethodRow* findRow(const SelectorRecord* record) const;
+
+  std::string_view name_;
+  ClassObject* superclass_;
+  ClassObject* shown_;
+  ClassObject* instance_ = nullptr;  // of a metaclass: its one instance
+  std::uint32_t depth_;
+  std::array<const ClassObject*, kAncestors> ancestors_{};
+  Strong<NSObject> (*create_)() = nullptr;
+  std::span<const AnyProtocol* const> protocols_;
+  std::atomic<ClassObject*> notifying_{nullptr};
+  std::unordered_map<const SelectorRecord*, const MethodRow*> rows_;
+};
+
+/// Counts the changes of any class's methods: a cache of rows is good while the number stands.
+[[nodiscard]] HAVRIN_EXPORT std::uint64_t methodChanges();
+
+/// A class, as a value. Null by default.
+class HAVRIN_EXPORT Class {
+ public:
+  constexpr Class() = default;
+  constexpr Class(std::nullptr_t) {}
+  explicit Class(const ClassObject* object) : object_(const_cast<ClassObject*>(object)) {}
+  /// `object` as a class, or null when it is none.
+  [[nodiscard]] static Class from(const NSObject* object);
+
+  [[nodiscard]] std::string_view name() const;
+  [[nodiscard]] Class superclass() const { return Class(object_->superclass()); }
+  [[nodiscard]] bool isSubclassOf(Class other) const { return object_->inheritsFrom(other.object_); }
+  [[nodiscard]] ClassObject* object() const { return object_; }
+  /// A class object is an object.
+  operator NSObject*() const { return object_; }
+  explicit operator bool() const { return object_ != nullptr; }
+  friend bool operator==(Class a, Class b) { return a.object_ == b.object_; }
+
+ private:
+  ClassObject* object_ = nullptr;
+};
+
+/// A class whose instances are known to be of C or a subclass.
+template <class C>
+class ClassOf : public Class {
+ public:
+  using Instance = C;
+  using Class::Class;
+  template <class D>
+  requires std::derived_from<D, C> ClassOf(ClassOf<D> other) : Class(other.object()) {}
+};
+
+/// A new object of a class known at run time, in its empty state. Throws: NSException (InvalidArgument) when the class
+/// cannot be made without arguments.
+[[nodiscard]] HAVRIN_EXPORT Strong<NSObject> alloc(Class cls);
+template <class C>
+[[nodiscard]] Strong<C> alloc(ClassOf<C> cls) {
+  return Strong<C>::adopt(static_cast<C*>(alloc(static_cast<Class>(cls)).detach()));
+}
+
+template <class T>
+inline constinit std::atomic<ClassObject*> classCache{nullptr};
+
+template <class T>
+ClassObject* buildClass();  // members.h
+
+/// The class object of T, built at first use.
+template <class T>
+[[nodiscard]] ClassObject* classObject() {
+  if (ClassObject* cls = classCache<T>.load(std::memory_order_acquire)) [[likely]]
+    return cls;
+  return buildClass<T>();
+}
+
+template <class T>
+[[nodiscard]] ClassOf<T> classOf() {
+  return ClassOf<T>(classObject<T>());
+}
+/// The class of an object as the program sees it, observed or not.
+template <std::derived_from<NSObject> T>
+[[nodiscard]] ClassOf<T> classOf(const T& object) {
+  return ClassOf<T>(headerOf(&object).cls.load(std::memory_order_relaxed)->shown());
+}
+
+/// True when `object` is a T; false for null. Not asked as a message: casts that overrides may answer are messages.
+template <class T>
+[[nodiscard]] bool isKind(const NSObject* object) {
+  return object && headerOf(object).cls.load(std::memory_order_relaxed)->inheritsFrom(classObject<T>());
+}
+/// `object` as a T, or null when it is null or none. Cost: two loads and a compare.
+template <class T>
+[[nodiscard]] T* cast(NSObject* object) {
+  return isKind<T>(object) ? static_cast<T*>(object) : nullptr;
+}
+template <class T>
+[[nodiscard]] const T* cast(const NSObject* object) {
+  return isKind<T>(object) ? static_cast<const T*>(object) : nullptr;
+}
+
+/// Throws NSException (InvalidArgument): an object of one class came where another was asked for.
+[[noreturn]] HAVRIN_EXPORT void throwWrongClass(const NSObject* object, std::string_view wanted);
+
+template <class D>
+D* blockArgument(NSObject* object) {
+  if (object && !isKind<D>(object)) throwWrongClass(object, typeName<D>());
+  return static_cast<D*>(object);
+}
+template <class D>
+D& blockReference(NSObject* object) {
+  if (!isKind<D>(object)) throwWrongClass(object, typeName<D>());
+  return *static_cast<D*>(object);
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,210 @@
+// Messages: declared once, sent by selector, found at run time in the receiver's class.
+//
+//   template <> struct Message<NSArray, "select:"> : Signature<Strong<NSArray>(Predicate)> {};
+//   template <> struct ClassMessage<NSUUID, "zero"> : Signature<Strong<NSUUID>()> {};
+//
+//   send<"select:">(stations, isOnAir)         Strong<NSArray>; a subclass's override takes part
+//   send<"zero">(classOf<NSUUID>())            Strong<NSUUID>
+//   send<"slect:">(stations, isOnAir)          does not compile: "... declares no such message ..."
+//   send<"select:">(nullArray, isOnAir)        null: a message to null gives the zero value of its result
+//
+// A receiver is an object by reference, pointer or `Strong`, or a class. Objects go in as pointers, borrowed, and may
+// be null; objects come out as `Strong`. `Self` in a signature stands for the receiver's static class.
+//
+// Cost: the receiver's class, a table slot, an indirect call. The first send of a selector to a class looks the method
+// up and checks its signature. Throws: what the method throws; NSException (InvalidArgument) when no method answers.
+#pragma once
+
+#include <concepts>
+#include <string>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/class.h>
+
+namespace havrin::inline platform {
+
+/// In a signature: the static class of the receiver, as `Strong<Self>`.
+struct Self;
+
+/// The types of a message, without its receiver.
+template <class F>
+struct Signature {
+  using Type = F;
+};
+
+/// Declares a message that instances of C and its subclasses answer. Specialise it with a Signature as its base.
+template <class C, Text S>
+struct Message;
+/// Declares a message that the class C and its subclasses answer.
+template <class C, Text S>
+struct ClassMessage;
+
+namespace detail {
+
+template <class R, class C>
+struct ReplaceSelf {
+  using Type = R;
+};
+template <class C>
+struct ReplaceSelf<Strong<Self>, C> {
+  using Type = Strong<C>;
+};
+
+struct NotFound {};
+
+template <class Owner, class F>
+struct FoundMessage;
+// A message as found in a superclass chain: declared for Owner, so that every implementation has Owner's types.
+template <class Owner, class R, class... A>
+struct FoundMessage<Owner, R(A...)> {
+  using Declared = R;
+  using Result = typename ReplaceSelf<R, Owner>::Type;
+  using Type = Result(A...);
+  using Function = Result (*)(NSObject*, A...);
+  template <class Receiver>
+  using ResultFor = typename ReplaceSelf<R, Receiver>::Type;
+  template <class... Given>
+  static constexpr bool accepts() {
+    if constexpr (sizeof...(Given) == sizeof...(A)) {
+      return (std::is_convertible_v<Given, A> && ...);
+    } else {
+      return false;
+    }
+  }
+};
+
+template <class List, Text S>
+struct MemberSignature {
+  using Type = void;
+};
+template <class First, class... Rest, Text S>
+struct MemberSignature<List<First, Rest...>, S> {
+  using Type = typename std::conditional_t<First::template declares<S>, typename First::template Lookup<S>,
+                                           MemberSignature<List<Rest...>, S>>::Type;
+};
+
+template <class C, Text S>
+constexpr auto findMessage() {
+  if constexpr (std::is_void_v<C>) {
+    return NotFound{};
+  } else if constexpr (requires { sizeof(Message<C, S>); }) {
+    return FoundMessage<C, typename Message<C, S>::Type>{};
+  } else if constexpr (!std::is_void_v<typename MemberSignature<typename C::Members, S>::Type>) {
+    return FoundMessage<C, typename MemberSignature<typename C::Members, S>::Type>{};
+  } else {
+    return findMessage<typename C::Superclass, S>();
+  }
+}
+template <class C, Text S>
+constexpr auto findClassMessage() {
+  if constexpr (std::is_void_v<C>) {
+    return findMessage<NSObject, S>();  // a class object is an object
+  } else if constexpr (requires { sizeof(ClassMessage<C, S>); }) {
+    return FoundMessage<C, typename ClassMessage<C, S>::Type>{};
+  } else if constexpr (!std::is_void_v<typename MemberSignature<typename C::ClassMembers, S>::Type>) {
+    return FoundMessage<C, typename MemberSignature<typename C::ClassMembers, S>::Type>{};
+  } else {
+    return findClassMessage<typename C::Superclass, S>();
+  }
+}
+
+template <class C, Text S>
+using MessageOf = decltype(findMessage<C, S>());
+template <class C, Text S>
+using ClassMessageOf = decltype(findClassMessage<C, S>());
+
+// What may stand as a receiver: `Static` is the class that the declaration is looked up in.
+template <class T>
+struct Receiver {
+  static constexpr bool isObject = false;
+};
+template <class T>
+requires std::derived_from<T, NSObject>
+struct Receiver<T> {
+  static constexpr bool isObject = true;
+  static constexpr bool canBeNull = false;
+  using Static = T;
+  template <Text S>
+  using Found = MessageOf<T, S>;
+  static NSObject* pointer(const T& object) { return const_cast<T*>(&object); }
+};
+template <class T>
+requires std::derived_from<std::remove_cv_t<T>, NSObject>
+struct Receiver<T*> : Receiver<std::remove_cv_t<T>> {
+  static constexpr bool canBeNull = true;
+  static NSObject* pointer(const T* object) { return const_cast<std::remove_cv_t<T>*>(object); }
+};
+template <class T>
+struct Receiver<Strong<T>> : Receiver<T*> {};
+template <class C>
+struct Receiver<ClassOf<C>> {
+  static constexpr bool isObject = true;
+  static constexpr bool canBeNull = true;
+  using Static = C;
+  template <Text S>
+  using Found = ClassMessageOf<C, S>;
+  static NSObject* pointer(const Class& cls) { return cls; }
+};
+template <>
+struct Receiver<Class> : Receiver<ClassOf<NSObject>> {};
+
+template <class>
+inline constexpr bool never = false;
+
+template <Text S, class Found, class Static, bool CanBeNull, class... A>
+inline typename Found::template ResultFor<Static> dispatch(NSObject* receiver, A&&... arguments) {
+  using Result = typename Found::template ResultFor<Static>;
+  if constexpr (CanBeNull) {
+    if (!receiver) return Result();
+  }
+  ClassObject* const cls = headerOf(receiver).cls.load(std::memory_order_relaxed);
+  Implementation implementation = cls->cached(selector<S>.number.load(std::memory_order_relaxed));
+  if (!implementation) [[unlikely]] {
+    implementation = cls->resolve(selector<S>, typeid(typename Found::Type), receiver);
+  }
+  const auto function = reinterpret_cast<typename Found::Function>(implementation);
+  if constexpr (std::is_same_v<Result, typename Found::Result>) {
+    return function(receiver, std::forward<A>(arguments)...);
+  } else {
+    // `Self` narrowed to the receiver's static class: an override that answers another class is told so.
+    using Narrow = typename Result::Object;
+    typename Found::Result wide = function(receiver, std::forward<A>(arguments)...);
+    if (wide && !isKind<Narrow>(wide)) throwWrongClass(wide, typeName<Narrow>());
+    return Result::adopt(static_cast<Narrow*>(wide.detach()));
+  }
+}
+
+}  // namespace detail
+
+/// True when a receiver of class C has a declared message S.
+template <class C, Text S>
+concept Answers = !std::is_same_v<detail::MessageOf<C, S>, detail::NotFound>;
+/// True when the class C itself has a declared message S.
+template <class C, Text S>
+concept ClassAnswers = !std::is_same_v<detail::ClassMessageOf<C, S>, detail::NotFound>;
+
+/// Sends the message S to `receiver`. See the top of this file.
+template <Text S, class R, class... A>
+inline decltype(auto) send(R&& receiver, A&&... arguments) {
+  using Receiver = detail::Receiver<std::remove_cvref_t<R>>;
+  if constexpr (!Receiver::isObject) {
+    static_assert(detail::never<R>, "send: the receiver is neither an object nor a class");
+  } else {
+    using Found = typename Receiver::template Found<S>;
+    if constexpr (std::is_same_v<Found, detail::NotFound>) {
+      static_assert(detail::never<R>,
+                    "send: the receiver's class declares no such message: is the selector spelt right, and the header "
+                    "that declares it included?");
+    } else if constexpr (!Found::template accepts<A...>()) {
+      static_assert(detail::never<R>, "send: these arguments do not fit the message's declaration");
+    } else {
+      return detail::dispatch<S, Found, typename Receiver::Static, Receiver::canBeNull>(Receiver::pointer(receiver),
+                                                                                        std::forward<A>(arguments)...);
+    }
+  }
+}
+
+}  // namespace havrin::inline platform

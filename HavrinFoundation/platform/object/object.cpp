@@ -1,0 +1,146 @@
+#include <HavrinFoundation/platform/object/object.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <string>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/class.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/observed.h>
+#include <HavrinFoundation/platform/object/runtime_internal.h>
+
+namespace havrin::inline platform {
+
+namespace {
+
+// Stands for the class of memory in which no object has been constructed yet.
+ClassObject* unborn() { return reinterpret_cast<ClassObject*>(std::uintptr_t{1}); }
+
+// Releasing a deep graph nests up to this many destructors; what lies deeper is put on a list that the frame at this
+// depth works off.
+constexpr std::uint32_t kNested = 32;
+struct Destruction {
+  std::uint32_t depth = 0;
+  std::vector<NSObject*>* deferred = nullptr;
+};
+constinit thread_local Destruction destruction;
+
+void destroyNow(NSObject* object) noexcept {
+  ObjectHeader& header = headerOf(object);
+  header.strong.store(ObjectHeader::kDestroying, std::memory_order_relaxed);
+  if (header.cls.load(std::memory_order_relaxed)->isNotifying()) dropObservations(object);
+  object->~NSObject();
+  constexpr std::uint32_t kLast = 1;
+  if ((header.weak.fetch_sub(1, std::memory_order_acq_rel) & ~ObjectHeader::kHasAssociations) == kLast) {
+    std::free(&header);
+  }
+}
+
+}  // namespace
+
+void destroyObject(NSObject* object) noexcept {
+  Destruction& state = destruction;
+  if (state.depth == kNested) {
+    state.deferred->push_back(object);
+    return;
+  }
+  ++state.depth;
+  if (state.depth < kNested) {
+    destroyNow(object);
+  } else {
+    std::vector<NSObject*> deferred;
+    state.deferred = &deferred;
+    destroyNow(object);
+    while (!deferred.empty()) {
+      NSObject* next = deferred.back();
+      deferred.pop_back();
+      destroyNow(next);
+    }
+    state.deferred = nullptr;
+  }
+  --state.depth;
+}
+
+void freeObject(NSObject* object) noexcept { std::free(&headerOf(object)); }
+
+void* NSObject::operator new(std::size_t size) {
+  void* memory = std::malloc(sizeof(ObjectHeader) + size);
+  if (!memory) throw std::bad_alloc();
+  return new (memory) ObjectHeader(unborn()) + 1;
+}
+
+void NSObject::freeUnborn(void* memory) noexcept {
+  if (memory) std::free(static_cast<ObjectHeader*>(memory) - 1);
+}
+
+NSObject::NSObject() {
+  ObjectHeader& header = headerOf(this);
+  if (header.cls.load(std::memory_order_relaxed) != unborn()) [[unlikely]] {
+    std::fputs("havrin: an object was constructed outside make<T>(), or NSObject is not its first base\n", stderr);
+    std::abort();
+  }
+  header.cls.store(classObject<NSObject>(), std::memory_order_relaxed);
+}
+
+void NSObject::releaseAttached() noexcept {
+  if (headerOf(this).weak.load(std::memory_order_relaxed) & ObjectHeader::kHasAssociations) releaseAssociations(this);
+}
+
+bool NSObject::isEqual(const NSObject* other) const { return this == other; }
+
+std::uint64_t NSObject::hash() const { return reinterpret_cast<std::uintptr_t>(this) >> 4; }
+
+Strong<NSString> NSObject::description() const {
+  char address[32];
+  std::snprintf(address, sizeof address, ": %p>", static_cast<const void*>(this));
+  return makeString("<" + std::string(classOf(*this).name()) + address);
+}
+
+Strong<NSString> NSObject::debugDescription() const { return description(); }
+
+Strong<NSObject> NSObject::copy() const {
+  throw NSException(NSInvalidArgumentException,
+                    "-[" + std::string(classOf(*this).name()) + " copy]: the class has no copies");
+}
+
+Strong<NSObject> NSObject::mutableCopy() const {
+  throw NSException(NSInvalidArgumentException,
+                    "-[" + std::string(classOf(*this).name()) + " mutableCopy]: the class has no mutable copies");
+}
+
+bool NSObject::isKindOfClass(Class cls) const {
+  return cls && headerOf(this).cls.load(std::memory_order_relaxed)->inheritsFrom(cls.object());
+}
+
+bool NSObject::isMemberOfClass(Class cls) const { return cls && classOf(*this) == cls; }
+
+bool NSObject::conformsToProtocol(const AnyProtocol& protocol) const {
+  return headerOf(this).cls.load(std::memory_order_relaxed)->adopts(protocol);
+}
+
+bool NSObject::respondsToSelector(Selector selector) const {
+  return headerOf(this).cls.load(std::memory_order_relaxed)->row(selector) != nullptr;
+}
+
+Strong<NSObject> NSObject::performSelector(Selector selector, NSObject* argument) {
+  ClassObject* cls = headerOf(this).cls.load(std::memory_order_relaxed);
+  const MethodRow* row = cls->row(selector);
+  if (!row) throwUnrecognized(*cls, selector.name(), this);
+  const SignatureInfo& signature = *row->signature;
+  if (!signature.call || signature.argumentCount > 1) {
+    throw NSException(NSInvalidArgumentException,
+                      "-[" + std::string(cls->name()) + " " + std::string(selector.name()) +
+                          "]: performed by selector, which is for messages of no argument or one object or number");
+  }
+  const Strong<NSObject> holdSelf(this);
+  const Strong<NSObject> holdArgument(argument);
+  Implementation implementation = selector.number() ? cls->cached(selector.number()) : nullptr;
+  if (!implementation) implementation = cls->implementation(*row);
+  return signature.call(implementation, this, &argument);
+}
+
+}  // namespace havrin::inline platform

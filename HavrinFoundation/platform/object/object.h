@@ -1,0 +1,103 @@
+// NSObject: the root of every class.
+//
+//   Strong<NSObject> a = make<NSObject>();
+//   a->isEqual(a)                                   true: identity, until a subclass says otherwise
+//   a->respondsToSelector(selector<"select:">)      false
+//   a->description()                                "<NSObject: 0x55d0c0ffee00>"
+//
+// Objects live on the heap and are made by `make<T>(...)` (or `alloc<T>()` before an init message): an object on the
+// stack, or one whose NSObject is not its first base, ends the process with one line when it is constructed.
+// Left out: manual retain and release, zones, forwarding of unknown messages, method swizzling.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+#include <utility>
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/reference.h>
+#include <HavrinFoundation/platform/object/selector.h>
+
+namespace havrin::inline platform {
+
+class AnyProtocol;
+class Class;
+class NSString;
+template <class... T>
+struct List;
+
+class HAVRIN_EXPORT NSObject {
+ public:
+  using Superclass = void;
+  using Members = List<>;
+  using ClassMembers = List<>;
+  using Protocols = List<>;
+
+  NSObject();
+  NSObject(const NSObject&) = delete;
+  NSObject& operator=(const NSObject&) = delete;
+  constexpr virtual ~NSObject() {
+    // Constant objects are never destroyed; for them the compiler needs to see that nothing would happen.
+    if (!std::is_constant_evaluated()) releaseAttached();
+  }
+
+  static void* operator new(std::size_t size);
+  static constexpr void operator delete(void* memory) {
+    if (!std::is_constant_evaluated()) freeUnborn(memory);
+  }
+  static void* operator new[](std::size_t) = delete;
+
+  /// True when `other` counts as the same value. Here: the same object.
+  [[nodiscard]] virtual bool isEqual(const NSObject* other) const;
+  /// Equal for equal objects. Here: from the address.
+  [[nodiscard]] virtual std::uint64_t hash() const;
+  /// A text for people. Here: "<Class: 0x...>".
+  [[nodiscard]] virtual Strong<NSString> description() const;
+  /// A text for developers. Here: the description.
+  [[nodiscard]] virtual Strong<NSString> debugDescription() const;
+  /// An immutable copy, which may be the object itself. Throws: NSException (InvalidArgument) in classes without
+  /// copies.
+  [[nodiscard]] virtual Strong<NSObject> copy() const;
+  /// A new, mutable copy. Throws: NSException (InvalidArgument) in classes without one.
+  [[nodiscard]] virtual Strong<NSObject> mutableCopy() const;
+
+  /// True when the object's class is `cls` or inherits from it. Of a class object it asks about its metaclass.
+  [[nodiscard]] virtual bool isKindOfClass(Class cls) const;
+  [[nodiscard]] virtual bool isMemberOfClass(Class cls) const;
+  /// True when the class, or a superclass, adopts the protocol or one that inherits from it.
+  [[nodiscard]] virtual bool conformsToProtocol(const AnyProtocol& protocol) const;
+  /// True when a message of this selector would find a method, inherited and category methods included.
+  [[nodiscard]] virtual bool respondsToSelector(Selector selector) const;
+
+  /// Sends the message that `selector` names, with no argument or with `argument` where it takes one; scalars are boxed
+  /// as NSNumber both ways. Result: null for messages without one.
+  /// Throws: NSException (InvalidArgument) when the receiver does not answer, when the message takes two arguments or
+  /// more, or when `argument` is of another kind than it takes.
+  virtual Strong<NSObject> performSelector(Selector selector, NSObject* argument = nullptr);
+
+ protected:
+  // For class objects and constant objects, whose header is written by whoever places them.
+  struct Placed {};
+  constexpr explicit NSObject(Placed) noexcept {}
+
+ private:
+  static void freeUnborn(void* memory) noexcept;
+  void releaseAttached() noexcept;
+};
+
+/// A new object, held.
+template <class T, class... A>
+[[nodiscard]] Strong<T> make(A&&... arguments) {
+  static_assert(alignof(T) <= alignof(std::max_align_t), "objects are not over-aligned");
+  return Strong<T>::adopt(new T(std::forward<A>(arguments)...));
+}
+
+/// A new object in its empty state, for an init message: send<"initWithOptionalString:">(alloc<NSAttributedString>(),
+/// t).
+template <class T>
+[[nodiscard]] Strong<T> alloc() {
+  return make<T>();
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,165 @@
+// References to objects: `Strong` owns a share, `Weak` reads nil from the moment the last share goes.
+//
+//   Strong<Station> station = make<Station>("Nord");   // counts and class stand in front of the object
+//   Weak<Station> later = station;
+//   station = nullptr;                                 // destroyed here
+//   later.lock()                                       // null
+//
+// Both convert from and to plain pointers; a plain pointer borrows. What a function returns as `Strong` is owed
+// nothing. Left out: autorelease pools, unowned references, reference counts that the program may read.
+#pragma once
+
+#include <atomic>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+#include <HavrinFoundation/platform/export.h>
+
+namespace havrin::inline platform {
+
+class ClassObject;
+class NSObject;
+
+/// What stands in front of every object. The counts outlive the object: a weak reference reads them after destruction.
+struct ObjectHeader {
+  std::atomic<ClassObject*> cls;
+  std::atomic<std::uint32_t> strong;
+  std::atomic<std::uint32_t> weak;  // all strong references together hold one; kHasAssociations may be set
+
+  static constexpr std::uint32_t kHasAssociations = 0x8000'0000;
+  static constexpr std::uint32_t kDestroying = 0x8000'0000;  // strong, while destructors run: cannot come back to 0
+  static constexpr std::uint32_t kImmortal = 0x4000'0000;    // strong, of constant objects
+
+  // One billion references is where a count could meet the bits above; nothing that fits memory holds as many.
+  constexpr explicit ObjectHeader(ClassObject* first, std::uint32_t count = 1) : cls(first), strong(count), weak(1) {}
+};
+static_assert(sizeof(ObjectHeader) == 16);
+
+[[nodiscard]] inline ObjectHeader& headerOf(const NSObject* object) {
+  return reinterpret_cast<ObjectHeader*>(const_cast<NSObject*>(object))[-1];
+}
+
+/// The last strong reference is gone: observations end, destructors run, memory goes with the last weak reference.
+HAVRIN_EXPORT void destroyObject(NSObject* object) noexcept;
+HAVRIN_EXPORT void freeObject(NSObject* object) noexcept;
+
+inline void retainObject(const NSObject* object) noexcept {
+  headerOf(object).strong.fetch_add(1, std::memory_order_relaxed);
+}
+inline void releaseObject(NSObject* object) noexcept {
+  if (headerOf(object).strong.fetch_sub(1, std::memory_order_acq_rel) == 1) destroyObject(object);
+}
+/// True when a share was taken: the object lives and is not being destroyed.
+[[nodiscard]] inline bool tryRetainObject(const NSObject* object) noexcept {
+  auto& strong = headerOf(object).strong;
+  std::uint32_t count = strong.load(std::memory_order_relaxed);
+  while (count != 0 && count < ObjectHeader::kDestroying) {
+    if (strong.compare_exchange_weak(count, count + 1, std::memory_order_acquire, std::memory_order_relaxed)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// An owning reference, or null.
+/// Cost: a copy and its end are one atomic count each. Threads: copies may live on any thread; one `Strong` is a
+/// variable like any other.
+template <class T>
+class Strong {
+ public:
+  using Object = T;
+
+  constexpr Strong() noexcept = default;
+  constexpr Strong(std::nullptr_t) noexcept {}
+  Strong(T* object) noexcept : object_(object) {
+    if (object) retainObject(object);
+  }
+  Strong(const Strong& other) noexcept : Strong(other.object_) {}
+  Strong(Strong&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+  template <class U>
+  requires std::convertible_to<U*, T*> Strong(const Strong<U>& other)
+  noexcept : Strong(static_cast<T*>(other.get())) {}
+  template <class U>
+  requires std::convertible_to<U*, T*> Strong(Strong<U>&& other)
+  noexcept : object_(other.detach()) {}
+  Strong& operator=(Strong other) noexcept {
+    std::swap(object_, other.object_);
+    return *this;
+  }
+  ~Strong() {
+    if (object_) releaseObject(object_);
+  }
+
+  /// Takes over a share that the caller already holds.
+  [[nodiscard]] static Strong adopt(T* object) noexcept {
+    Strong result;
+    result.object_ = object;
+    return result;
+  }
+  /// Gives the share away: the caller releases it.
+  [[nodiscard]] T* detach() noexcept { return std::exchange(object_, nullptr); }
+
+  [[nodiscard]] T* get() const noexcept { return object_; }
+  operator T*() const noexcept { return object_; }
+  T* operator->() const noexcept { return object_; }
+  T& operator*() const noexcept { return *object_; }
+  explicit operator bool() const noexcept { return object_ != nullptr; }
+
+ private:
+  T* object_ = nullptr;
+};
+
+/// A zeroing reference: null from the moment the last strong reference goes, before any destructor runs.
+/// Cost: `lock` is one compare-exchange loop on the count; no table, no lock. Threads: as `Strong`.
+template <class T>
+class Weak {
+ public:
+  using Object = T;
+
+  constexpr Weak() noexcept = default;
+  constexpr Weak(std::nullptr_t) noexcept {}
+  Weak(T* object) noexcept : object_(object) {
+    if (object_) headerOf(object_).weak.fetch_add(1, std::memory_order_relaxed);
+  }
+  template <class U>
+  requires std::convertible_to<U*, T*> Weak(const Strong<U>& object)
+  noexcept : Weak(static_cast<T*>(object.get())) {}
+  Weak(const Weak& other) noexcept : object_(other.object_) {
+    if (object_) headerOf(object_).weak.fetch_add(1, std::memory_order_relaxed);
+  }
+  Weak(Weak&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+  Weak& operator=(Weak other) noexcept {
+    std::swap(object_, other.object_);
+    return *this;
+  }
+  ~Weak() {
+    constexpr std::uint32_t kLast = 1;
+    if (object_ &&
+        (headerOf(object_).weak.fetch_sub(1, std::memory_order_acq_rel) & ~ObjectHeader::kHasAssociations) == kLast) {
+      freeObject(object_);
+    }
+  }
+
+  /// The object, held; null when its last strong reference has gone.
+  [[nodiscard]] Strong<T> lock() const noexcept {
+    if (!object_ || !tryRetainObject(object_)) return nullptr;
+    return Strong<T>::adopt(static_cast<T*>(object_));
+  }
+  /// The address that was stored, whether or not the object lives: for comparison only. It is not reused while this
+  /// reference stands.
+  [[nodiscard]] const NSObject* address() const noexcept { return object_; }
+
+ private:
+  NSObject* object_ = nullptr;
+};
+
+}  // namespace havrin::inline platform
+
+template <class T>
+struct std::hash<havrin::Strong<T>> {
+  std::size_t operator()(const havrin::Strong<T>& reference) const noexcept { return std::hash<T*>()(reference.get()); }
+};

@@ -1,0 +1,16 @@
+// What the runtime's own sources share.
+#pragma once
+
+#include <string_view>
+
+#include <HavrinFoundation/platform/object/class.h>
+
+namespace havrin::inline platform {
+
+/// Throws NSException (InvalidArgument): no method answers.
+[[noreturn]] void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver);
+
+/// Releases what is attached to an object whose destructors have run.
+void releaseAssociations(NSObject* object) noexcept;
+
+}  // namespace havrin::inline platform

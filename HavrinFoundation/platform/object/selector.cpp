@@ -1,0 +1,72 @@
+#include <HavrinFoundation/platform/object/selector.h>
+
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <string>
+#include <unordered_map>
+
+#include <HavrinFoundation/platform/object/class.h>
+
+namespace havrin::inline platform {
+
+struct SelectorRecord {
+  std::string name;
+  std::uint32_t number;  // 0 for selectors beyond the dispatch tables
+};
+
+namespace {
+
+// Grows with the program's selectors and is never destroyed: selectors are used until the process ends.
+struct SelectorTable {
+  std::shared_mutex lock;
+  std::unordered_map<std::string_view, std::unique_ptr<SelectorRecord>> byName;
+  std::atomic<const SelectorRecord*> byNumber[ClassObject::kSlots]{};
+};
+
+SelectorTable& table() {
+  static SelectorTable* const kTable = new SelectorTable;
+  return *kTable;
+}
+
+const SelectorRecord* find(std::string_view name) {
+  SelectorTable& selectors = table();
+  const std::shared_lock guard(selectors.lock);
+  const auto found = selectors.byName.find(name);
+  return found == selectors.byName.end() ? nullptr : found->second.get();
+}
+
+const SelectorRecord* intern(std::string_view name) {
+  if (const SelectorRecord* record = find(name)) return record;
+  SelectorTable& selectors = table();
+  const std::unique_lock guard(selectors.lock);
+  if (const auto found = selectors.byName.find(name); found != selectors.byName.end()) return found->second.get();
+  const std::size_t next = selectors.byName.size() + 1;
+  auto record = std::make_unique<SelectorRecord>(
+      SelectorRecord{std::string(name), next < ClassObject::kSlots ? static_cast<std::uint32_t>(next) : 0});
+  const SelectorRecord* result = record.get();
+  if (result->number) selectors.byNumber[result->number].store(result, std::memory_order_release);
+  selectors.byName.emplace(result->name, std::move(record));
+  return result;
+}
+
+}  // namespace
+
+Selector::Selector(const SelectorConstant& constant) {
+  if (const std::uint32_t number = constant.number.load(std::memory_order_acquire)) {
+    record_ = table().byNumber[number].load(std::memory_order_acquire);
+    return;
+  }
+  record_ = intern(constant.name);
+  constant.number.store(record_->number, std::memory_order_release);
+}
+
+Selector Selector::named(std::string_view name) { return Selector(intern(name)); }
+
+Selector Selector::known(std::string_view name) { return Selector(find(name)); }
+
+std::string_view Selector::name() const { return record_ ? std::string_view(record_->name) : std::string_view(); }
+
+std::uint32_t Selector::number() const { return record_ ? record_->number : 0; }
+
+}  // namespace havrin::inline platform
