@@ -6,6 +6,7 @@ of what they are about; categories stand in image.cpp; headers say what they are
 import pathlib
 import re
 
+from checks.fault_list import read_faults
 from checks.layers import PLATFORM, ROOMS, facility_of
 from checks.source_tree import LIBRARY
 
@@ -88,6 +89,12 @@ def check_tests(tree):
                 yield f"{name}: no test includes it"
 
 
+def check_faults(tree):
+    for fault in read_faults(tree.text("tests/faults.txt")):
+        if misplaced := "is not in the tree" if fault.file not in tree.files else fault.misplaced(tree.text(fault.file)):
+            yield f"tests/faults.txt: {fault.fault}: {misplaced}"
+
+
 def check_messages(tree):
     contents = tree.text(LIBRARY + "image.cpp") or ""
     for name in tree.under(LIBRARY, suffixes=("_messages.h", "_messages.cpp")):
@@ -124,5 +131,6 @@ def check_lengths(tree):
 
 
 def check(tree):
-    parts = (check_names, check_lists, check_umbrella, check_tests, check_messages, check_headers, check_lengths)
+    parts = (check_names, check_lists, check_umbrella, check_tests, check_faults, check_messages, check_headers,
+             check_lengths)
     return [problem for part in parts for problem in part(tree)]
