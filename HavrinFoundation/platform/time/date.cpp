@@ -1,0 +1,9 @@
+#include <HavrinFoundation/platform/time/date.h>
+
+#include <HavrinFoundation/platform/dispatch/clock.h>
+
+namespace havrin::inline platform {
+
+Date Date::now() { return fromTimeIntervalSince1970(wallSecondsSince1970()); }
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,67 @@
+#include <HavrinFoundation/platform/time/date.h>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+
+#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <gtest/gtest.h>
+
+namespace havrin {
+namespace {
+
+using std::chrono::sys_time;
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TEST(DateValue, KeepsSecondsSince2001) {
+  EXPECT_EQ(Date().timeIntervalSince1970(), 978307200);
+  EXPECT_EQ(Date::fromTimeIntervalSince1970(0.001).timeIntervalSince1970(), 0.001000046730041504);
+  EXPECT_EQ(Date::fromTimeIntervalSince1970(0.99999999).timeIntervalSince1970(), 1.0);
+  EXPECT_LT(Date::fromTimeIntervalSince1970(-1), Date::fromTimeIntervalSince1970(0));
+  const Date nothing = Date::fromTimeIntervalSince1970(kNan);
+  EXPECT_FALSE(nothing == nothing || nothing < Date() || nothing > Date());
+  EXPECT_EQ(std::hash<Date>()(Date::fromTimeIntervalSinceReferenceDate(-0.0)), std::hash<Date>()(Date()));
+}
+
+TEST(DateValue, ConvertsTimePointsBothWaysToTheTick) {
+  using Milliseconds = std::chrono::milliseconds;
+  for (const std::int64_t count : {0LL, 1LL, 999LL, -1LL, -1500LL, 1'709'649'000'123LL, -62'135'596'800'001LL}) {
+    const sys_time<Milliseconds> point{Milliseconds(count)};
+    EXPECT_EQ(Date(point).timePoint<Milliseconds>(), point) << count;
+  }
+  // A nanosecond count has more digits than a double: whole seconds and the rest are converted apart.
+  const sys_time<std::chrono::nanoseconds> fine{std::chrono::nanoseconds(978'307'200'000'000'007)};
+  EXPECT_EQ(Date(fine).timeIntervalSinceReferenceDate(), 7e-9);
+  EXPECT_EQ(Date(fine).timePoint(), fine);
+  EXPECT_EQ(Date(sys_time<std::chrono::days>{std::chrono::days(1)}), Date::fromTimeIntervalSince1970(86400));
+  EXPECT_EQ(Date(sys_time<std::chrono::duration<double>>{std::chrono::duration<double>(1.5)}),
+            Date::fromTimeIntervalSince1970(1.5));
+  EXPECT_EQ(Date::fromTimeIntervalSince1970(1.5).timePoint<std::chrono::duration<double>>().time_since_epoch().count(),
+            1.5);
+}
+
+TEST(DateValue, SaturatesTimePointsThatADurationLacks) {
+  using Point = sys_time<std::chrono::nanoseconds>;
+  for (const double far : {9.3e9, 1e18, 1e300, kInfinity}) {
+    EXPECT_EQ(Date::fromTimeIntervalSince1970(far).timePoint<std::chrono::nanoseconds>(), Point::max()) << far;
+    EXPECT_EQ(Date::fromTimeIntervalSince1970(-far).timePoint<std::chrono::nanoseconds>(), Point::min()) << far;
+  }
+  EXPECT_EQ(Date::fromTimeIntervalSince1970(kNan).timePoint(), sys_time<std::chrono::system_clock::duration>());
+  using Narrow = std::chrono::duration<std::int32_t>;
+  EXPECT_EQ(Date::fromTimeIntervalSince1970(1e10).timePoint<Narrow>(), sys_time<Narrow>::max());
+}
+
+TEST(DateValue, TellsTheTimeOfTheInstalledClock) {
+  struct Fixed final : ClockSource {
+    double monotonicSeconds() const override { return 0; }
+    double wallSecondsSince1970() const override { return 1709649000.25; }
+  } clock;
+  ClockSource* former = installClockSource(&clock);
+  EXPECT_EQ(Date::now().timeIntervalSince1970(), 1709649000.25);
+  installClockSource(former);
+  EXPECT_NEAR(Date::now() - Date(std::chrono::system_clock::now()), 0, 60);
+}
+
+}  // namespace
+}  // namespace havrin
