@@ -1,0 +1,213 @@
+#include <HavrinFoundation/platform/time/calendar.h>
+
+#include <limits>
+#include <memory>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <unicode/gregocal.h>
+
+#include "pinned_environment.h"
+
+namespace havrin {
+namespace {
+
+using havrin::testing::PinnedEnvironment;
+
+Date at(double secondsSince1970) { return Date::fromTimeIntervalSince1970(secondsSince1970); }
+double secondsOf(Date date) { return date.timeIntervalSince1970(); }
+Calendar in(std::string_view zone) { return {CalendarIdentifier::gregorian, TimeZone::named(zone).value()}; }
+
+TEST(Calendar, StartsADayAtItsFirstMoment) {
+  const struct {
+    const char* zone;
+    double noon;
+    double start;
+    const char* why;
+  } rows[] = {
+      {"America/New_York", 1710082800, 1710046800, "23 hours"},
+      {"America/Sao_Paulo", 1541340000, 1541300400, "no midnight: 01:00"},
+      {"America/Sao_Paulo", 1518922799, 1518832800, "25 hours: the second 23:59:59"},
+      {"America/Sao_Paulo", 1518922800, 1518922800, "the day after it"},
+      {"Asia/Beirut", 1648371600, 1648332000, "no midnight: 01:00"},
+      {"Asia/Tehran", 1647934200, 1647894600, "no midnight: 01:00 +04:30"},
+      {"America/Toronto", -1601712000, -1601753400, "the clock jumped from 23:30 to 00:30"},
+      {"Atlantic/Azores", 1698580800, 1698537600, "two midnights"},
+      {"Atlantic/Azores", 1698541200, 1698537600, "the second midnight belongs to the same day"},
+      {"America/Havana", 1699203600, 1699156800, "two midnights"},
+      {"America/St_Johns", 1162098000, 1162089000, "00:01 went back to 23:01: the midnight before counts"},
+      {"Pacific/Apia", 1325282400, 1325239200, "the day after the one that was skipped"},
+      {"GMT", -0.001, -86400, "a fraction before 1970"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(secondsOf(in(row.zone).startOfDay(at(row.noon))), row.start);
+  }
+}
+
+TEST(Calendar, AddsDaysKeepingTheWallClock) {
+  const struct {
+    const char* zone;
+    double start;
+    std::int64_t days;
+    double result;
+    const char* why;
+  } rows[] = {
+      {"America/New_York", 1709969400, 1, 1710055800, "02:30 is skipped: 03:30"},
+      {"America/New_York", 1709969400, 2, 1710138600, "beyond the gap: 02:30"},
+      {"America/New_York", 1710138600, -1, 1710055800, "backwards into the gap: forward by it"},
+      {"America/New_York", 1710055800, -1, 1709973000, "from 03:30 back to 03:30"},
+      {"America/New_York", 1730525400, 1, 1730611800, "01:30 EDT to the first 01:30"},
+      {"America/New_York", 1730701800, -1, 1730615400, "01:30 EST to the second 01:30"},
+      {"America/New_York", 1730615400, 1, 1730701800, "from the second 01:30 onwards"},
+      {"America/New_York", 1730615400, -1, 1730525400, "and back, into EDT"},
+      {"America/Sao_Paulo", 1541215800, 1, 1541302200, "00:30 is skipped: 01:30"},
+      {"America/Sao_Paulo", 1541385000, -1, 1541302200, "and from behind"},
+      {"Pacific/Apia", 1325188800, 1, 1325275200, "29 December to 31 December: there was no 30th"},
+      {"Pacific/Apia", 1325188800, 2, 1325275200, "the 31st is two days after the 29th"},
+      {"Pacific/Apia", 1325275200, -1, 1325188800, "backwards over the missing day: never standing still"},
+      {"Pacific/Apia", 1325275200, -2, 1325188800, "and by its number"},
+      {"Australia/Lord_Howe", 1728056700, 1, 1728143100, "half an hour: 02:15 is skipped, 02:45"},
+      {"Europe/Dublin", 1711760400, 1, 1711846800, "01:00 GMT is skipped: 02:00 IST"},
+      {"GMT", -12219379200, 1, -12219292800, "4 October 1582 to 15 October"},
+      {"GMT", -12219292800, -1, -12219379200, "and back"},
+      {"GMT", 1675123200.25, 1, 1675209600.25, "into the next month, the fraction kept"},
+      {"GMT", 1709078400, 1, 1709164800, "29 February"},
+      {"GMT", 1703980800, 1, 1704067200, "New Year"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(secondsOf(in(row.zone).dateByAddingDays(at(row.start), row.days)), row.result);
+  }
+}
+
+TEST(Calendar, ClampsWhatNoCalendarReaches) {
+  const Calendar calendar = in("America/New_York");
+  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+  constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
+  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (const double start : {0.0, 1.7e9, -1e12, 1.8e14, -1.8e14, 1e300, -1e300, kInfinity, -kInfinity}) {
+    SCOPED_TRACE(start);
+    for (const std::int64_t days : {kMost, kMost - 1, std::int64_t{1} << 62, std::int64_t{5'000'000'000}}) {
+      EXPECT_EQ(calendar.dateByAddingDays(at(start), days), kLastCalendarDate) << days;
+      EXPECT_EQ(calendar.dateByAddingDays(at(start), -days), kFirstCalendarDate) << days;
+    }
+    EXPECT_EQ(calendar.dateByAddingDays(at(start), kLeast), kFirstCalendarDate);
+    EXPECT_EQ(calendar.dateByAddingDays(at(start), 0), at(start)) << "no step, the very date";
+    EXPECT_TRUE(calendar.monthAndDay(at(start)).has_value());
+  }
+  EXPECT_EQ(calendar.days(at(-kInfinity), at(kInfinity)), 4'261'412'864);
+  EXPECT_EQ(calendar.minutes(at(1e300), at(-1e300)), -6'136'434'524'160);
+  const Date nothing = at(kNan);
+  EXPECT_EQ(calendar.days(nothing, Date()), 0);
+  EXPECT_EQ(calendar.minutes(Date(), nothing), 0);
+  EXPECT_FALSE(calendar.monthAndDay(nothing).has_value());
+  EXPECT_EQ(calendar.components(nothing), DateComponents());
+  EXPECT_NE(calendar.dateByAddingDays(nothing, 1), calendar.dateByAddingDays(nothing, 1));
+  EXPECT_NE(calendar.startOfDay(nothing), calendar.startOfDay(nothing));
+}
+
+TEST(Calendar, CountsDaysByTheirNumbersAndMinutesByTheirSeconds) {
+  const struct {
+    const char* zone;
+    double from;
+    double to;
+    std::int64_t days;
+    std::int64_t minutes;
+    const char* why;
+  } rows[] = {
+      {"America/New_York", 1710046800, 1710129600, 1, 1380, "23 hours"},
+      {"America/New_York", 1730606400, 1730696400, 1, 1500, "25 hours"},
+      {"America/Sao_Paulo", 1541300400, 1541383200, 1, 1380, "from a day without a midnight"},
+      {"America/Sao_Paulo", 1541300400, 1541815200, 6, 8580, "and further"},
+      {"America/Sao_Paulo", 1541383200, 1541300400, -1, -1380, "and back"},
+      {"Asia/Beirut", 1648332000, 1648414800, 1, 1380, "no midnight"},
+      {"Africa/Cairo", 1682629200, 1682712000, 1, 1380, "no midnight"},
+      {"Pacific/Apia", 1325188800, 1325275200, 2, 1440, "a day skipped"},
+      {"GMT", -12219379200, -12219292800, 1, 1440, "ten dates skipped, no day"},
+      {"GMT", 86399, 86401, 1, 0, "over midnight"},
+      {"GMT", 0, 59.9995, 0, 0, "not yet a minute"},
+      {"GMT", 60.0005, 0, 0, -1, "a minute and a little, backwards"},
+      {"GMT", 0, -59, -1, 0, "not yet a minute, backwards"},
+      {"GMT", 61, 0, 0, -1, "a second over"},
+      {"GMT", -1e-7, 59.9999998, 1, 0, "the difference of the doubles would round up"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(in(row.zone).days(at(row.from), at(row.to)), row.days);
+    EXPECT_EQ(in(row.zone).minutes(at(row.from), at(row.to)), row.minutes);
+  }
+}
+
+TEST(Calendar, KnowsTheMonthsOfEachSystem) {
+  const struct {
+    const char* locale;
+    MonthAndDay expected;
+  } rows[] = {
+      {"en_US", {3, 14}},
+      {"he_IL", {3, 14}},
+      {"ja_JP", {3, 14}},
+      {"th_TH", {3, 14}},
+      {"fa_IR", {12, 24}},
+      {"ar_SA", {9, 4}},
+      {"en_US@calendar=hebrew", {7, 4}},
+      {"en-US-u-ca-japanese", {3, 14}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.locale);
+    const PinnedEnvironment environment("UTC", row.locale);
+    EXPECT_EQ(Calendar::current().monthAndDay(at(1710374400)), row.expected);
+  }
+}
+
+TEST(Calendar, ShowsEraYearAndClock) {
+  const DateComponents winter = in("America/New_York").components(at(1704153599.75));
+  EXPECT_EQ(winter, (DateComponents{1, 2024, 1, 1, 18, 59, 59, 2}));
+  EXPECT_EQ(in("GMT").components(at(-62198928000)), (DateComponents{0, 2, 1, 1, 0, 0, 0, 4})) << "2 BC, Julian";
+  EXPECT_EQ(in("GMT").components(at(-14825894400)), (DateComponents{1, 1500, 2, 29, 0, 0, 0, 7}))
+      << "a Julian leap day";
+  const Calendar buddhist(CalendarIdentifier::buddhist, TimeZone::gmt());
+  EXPECT_EQ(buddhist.components(at(0)), (DateComponents{0, 2513, 1, 1, 0, 0, 0, 5}));
+}
+
+TEST(Calendar, AgreesWithIcuOnGregorianDays) {
+  UErrorCode status = U_ZERO_ERROR;
+  icu::GregorianCalendar oracle(icu::TimeZone::getGMT()->clone(), status);
+  const Calendar calendar = in("GMT");
+  std::mt19937_64 random(20240305);
+  std::uniform_int_distribution<std::int64_t> near(-400'000, 400'000);
+  std::uniform_int_distribution<std::int64_t> far(-2'000'000'000, 2'000'000'000);
+  for (int i = 0; i < 40'000; ++i) {
+    const std::int64_t day = i % 2 == 0 ? near(random) : far(random);
+    oracle.setTime(static_cast<double>(day) * 86'400'000, status);
+    const DateComponents expected{oracle.get(UCAL_ERA, status),
+                                  oracle.get(UCAL_YEAR, status),
+                                  oracle.get(UCAL_MONTH, status) + 1,
+                                  oracle.get(UCAL_DATE, status),
+                                  0,
+                                  0,
+                                  0,
+                                  oracle.get(UCAL_DAY_OF_WEEK, status)};
+    ASSERT_EQ(calendar.components(at(static_cast<double>(day) * 86'400)), expected) << day;
+  }
+}
+
+TEST(Calendar, IsFetchedAnewFromTheEnvironment) {
+  const PinnedEnvironment environment("America/New_York", "en_US.UTF-8");
+  const Calendar first = Calendar::current();
+  EXPECT_EQ(first, Calendar(CalendarIdentifier::gregorian, TimeZone::named("America/New_York").value()));
+  PinnedEnvironment::set("TZ", "Asia/Tokyo");
+  PinnedEnvironment::set("LC_TIME", "fa_IR");
+  EXPECT_EQ(Calendar::current(), Calendar(CalendarIdentifier::persian, TimeZone::named("Asia/Tokyo").value()));
+  PinnedEnvironment::set("LC_ALL", "th_TH@calendar=nonsense");
+  EXPECT_EQ(Calendar::current().identifier(), CalendarIdentifier::buddhist) << "an unknown calendar: the region's own";
+  PinnedEnvironment::set("LC_ALL", "");
+  PinnedEnvironment::set("LC_TIME", nullptr);
+  EXPECT_EQ(Calendar::current().identifier(), CalendarIdentifier::gregorian) << "an empty variable counts as absent";
+  EXPECT_EQ(first.timeZone().name(), "America/New_York") << "a calendar in hand stays what it was";
+}
+
+}  // namespace
+}  // namespace havrin

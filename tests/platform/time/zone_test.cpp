@@ -1,0 +1,278 @@
+#include <HavrinFoundation/platform/time/zone.h>
+
+#include <atomic>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <HavrinFoundation/platform/time/calendar.h>
+#include <HavrinFoundation/platform/time/system_zone.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "pinned_environment.h"
+
+namespace havrin {
+namespace {
+
+using havrin::testing::PinnedEnvironment;
+namespace fs = std::filesystem;
+
+const fs::path kZones = "/usr/share/zoneinfo";
+
+Date at(double secondsSince1970) { return Date::fromTimeIntervalSince1970(secondsSince1970); }
+
+TEST(Zone, IsTheOneThatTzNames) {
+  const struct {
+    std::string variable;
+    const char* name;
+    std::int64_t offset;  // on 2024-07-01
+    const char* why;
+  } rows[] = {
+      {"Asia/Tokyo", "Asia/Tokyo", 32400, "a name"},
+      {":Asia/Tokyo", "Asia/Tokyo", 32400, "a name behind a colon"},
+      {"/usr/share/zoneinfo/Europe/Paris", "Europe/Paris", 7200, "a path into the zone files"},
+      {":/usr/share/zoneinfo/Europe/../Asia/Tokyo", "Asia/Tokyo", 32400, "a path in detours"},
+      {"US/Eastern", "US/Eastern", -14400, "an old name"},
+      {"Etc/GMT+5", "Etc/GMT+5", -18000, "the sign of POSIX"},
+      {"UTC", "GMT", 0, "a name of UTC"},
+      {"Etc/Zulu", "GMT", 0, "another"},
+      {"", "GMT", 0, "empty"},
+      {":", "GMT", 0, "empty behind a colon"},
+      {"Foo/Bar", "GMT", 0, "no such zone"},
+      {"asia/tokyo", "GMT", 0, "names have their case"},
+      {"<+03>-3", "GMT", 0, "POSIX rules"},
+      {"CET-1CEST,M3.5.0,M10.5.0/3", "GMT", 0, "POSIX rules with a summer"},
+      {"America", "GMT", 0, "a folder"},
+      {"tzdata.zi", "GMT", 0, "a file that is no zone file"},
+      {"right/Asia/Tokyo", "GMT", 0, "counts leap seconds"},
+      {"Europe//Paris", "GMT", 0, "an empty step"},
+      {"../zoneinfo/Asia/Tokyo", "GMT", 0, "a step out of the folder"},
+      {"/dev/zero", "GMT", 0, "a device"},
+      {"/", "GMT", 0, "the root"},
+      {std::string(100'000, 'x'), "GMT", 0, "far too long"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const PinnedEnvironment environment(row.variable.c_str());
+    for (int repetition = 0; repetition < 2; ++repetition) {
+      EXPECT_EQ(TimeZone::current().name(), row.name);
+      EXPECT_EQ(TimeZone::current().secondsFromGmt(at(1719792000)), row.offset);
+    }
+  }
+  EXPECT_EQ(TimeZone::named("Asia/Atlantis"), std::nullopt);
+  EXPECT_EQ(TimeZone::named("/usr/share/zoneinfo/Asia/Tokyo"), std::nullopt) << "a path is no name";
+  EXPECT_EQ(TimeZone::named(std::string_view("Asia/Tokyo\0x", 12)), std::nullopt);
+  EXPECT_EQ(TimeZone::named("Greenwich"), TimeZone::gmt());
+}
+
+TEST(Zone, HasItsOffsetAtEveryInstant) {
+  const struct {
+    const char* zone;
+    double instant;
+    std::int64_t offset;
+    bool daylight;
+    const char* why;
+  } rows[] = {
+      {"America/New_York", -5e9, -17762, false, "local mean time, before zones"},
+      {"America/New_York", 1710053999.999, -18000, false, "the last moment of winter"},
+      {"America/New_York", 1710054000, -14400, true, "the first of summer"},
+      {"America/New_York", 1e12, -14400, true, "the rules go on for ever: September 33658"},
+      {"America/New_York", 1e12 + 90 * 86400, -18000, false, "and its December"},
+      {"America/New_York", 1e300, -18000, false, "as at the calendars' end"},
+      {"America/New_York", -1e300, -17762, false, "and at their beginning"},
+      {"Europe/Dublin", 1719792000, 3600, false, "Irish standard time is that of summer"},
+      {"Europe/Dublin", 1704067200, 0, true, "and winter is the exception"},
+      {"Australia/Lord_Howe", 1704067200, 39600, true, "half an hour ahead in summer"},
+      {"Australia/Lord_Howe", 1719792000, 37800, false, "winter"},
+      {"Asia/Kathmandu", 0, 19800, false, "before it moved by a quarter"},
+      {"Asia/Kathmandu", 1e9, 20700, false, "after"},
+      {"Africa/Cairo", 1690000000, 10800, true, "rules that are younger than ICU's own"},
+      {"GMT", std::numeric_limits<double>::quiet_NaN(), 0, false, "not a number"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const TimeZone zone = TimeZone::named(row.zone).value();
+    EXPECT_EQ(zone.secondsFromGmt(at(row.instant)), row.offset);
+    EXPECT_EQ(zone.isDaylightSavingTime(at(row.instant)), row.daylight);
+  }
+}
+
+/// A folder of its own, whose "localtime" the layer takes for the system's.
+class SystemZone : public ::testing::Test {
+ protected:
+  SystemZone() {
+    std::string name = (fs::temp_directory_path() / "havrin_zone_XXXXXX").string();
+    folder_ = mkdtemp(name.data());
+    former_ = setZonePaths({kZones.string(), link().string()});
+  }
+  ~SystemZone() override {
+    setZonePaths(former_);
+    fs::remove_all(folder_);
+  }
+
+  fs::path link() const { return folder_ / "localtime"; }
+
+  /// Lets `link` lead to `target`, as an administrator would: a new link takes the old one's name.
+  void relink(const fs::path& target) {
+    fs::create_symlink(target, folder_ / "new");
+    fs::rename(folder_ / "new", link());
+  }
+
+  void write(const std::string& bytes) {
+    fs::remove(link());
+    std::ofstream(link(), std::ios::binary) << bytes;
+    resetSystemTimeZone();
+  }
+
+  static void waitForTheCoarseClock() {
+    timespec before, now;
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &before);
+    do clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    while (now.tv_sec == before.tv_sec && now.tv_nsec == before.tv_nsec);
+  }
+
+  const PinnedEnvironment environment_;
+  fs::path folder_;
+  ZonePaths former_;
+};
+
+TEST_F(SystemZone, IsWhatTheLinkNames) {
+  const struct {
+    fs::path target;
+    const char* name;
+    const char* why;
+  } rows[] = {
+      {kZones / "Europe/Paris", "Europe/Paris", "a link"},
+      {"../.." / kZones.relative_path() / "Asia/Tokyo", "Asia/Tokyo", "a relative link"},
+      {kZones / "US/Pacific", "US/Pacific", "a link to a zone that is a link"},
+      {kZones / "Etc/UTC", "GMT", "UTC"},
+      {kZones / "Mars/Olympus", "GMT", "a link to nothing"},
+      {"localtime", "GMT", "a link to itself"},
+      {"/dev/null", "GMT", "a link to a device"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    relink(row.target);
+    resetSystemTimeZone();
+    EXPECT_EQ(TimeZone::current().name(), row.name);
+  }
+  fs::create_symlink(kZones / "Asia/Kolkata", folder_ / "second");
+  relink("second");
+  resetSystemTimeZone();
+  EXPECT_EQ(TimeZone::current().name(), "Asia/Kolkata") << "a link to a link";
+  EXPECT_EQ(fs::path(former_.systemLink), "/etc/localtime");
+}
+
+TEST_F(SystemZone, FollowsTheLinkOnceTheCoarseClockHasTicked) {
+  relink(kZones / "Europe/Paris");
+  resetSystemTimeZone();
+  EXPECT_EQ(TimeZone::current().name(), "Europe/Paris");
+  relink(kZones / "Asia/Tokyo");
+  waitForTheCoarseClock();
+  EXPECT_EQ(TimeZone::current().name(), "Asia/Tokyo");
+  fs::remove(link());
+  waitForTheCoarseClock();
+  EXPECT_EQ(TimeZone::current(), TimeZone::gmt()) << "no link at all";
+  relink(kZones / "Asia/Tokyo");
+  resetSystemTimeZone();
+  EXPECT_EQ(TimeZone::current().name(), "Asia/Tokyo") << "at once";
+  PinnedEnvironment::set("TZ", "Africa/Cairo");
+  EXPECT_EQ(TimeZone::current().name(), "Africa/Cairo") << "TZ comes first";
+}
+
+TEST_F(SystemZone, TakesTheRulesOfAFileThatIsNoLink) {
+  for (const char* name : {"Asia/Kolkata", "America/New_York"}) {
+    SCOPED_TRACE(name);
+    fs::remove(link());
+    fs::copy_file(kZones / name, link(), fs::copy_options::overwrite_existing);
+    fs::last_write_time(link(), fs::file_time_type::clock::now());
+    resetSystemTimeZone();
+    EXPECT_EQ(TimeZone::current().name(), "");
+    for (const double second : {-1e9, 0.0, 1.7e9}) {
+      EXPECT_EQ(TimeZone::current().secondsFromGmt(at(second)), TimeZone::named(name)->secondsFromGmt(at(second)));
+    }
+  }
+}
+
+TEST_F(SystemZone, IsGmtWhereThereAreNoZoneFiles) {
+  relink(kZones / "Europe/Paris");
+  setZonePaths({(folder_ / "nowhere").string(), (folder_ / "absent").string()});
+  EXPECT_EQ(TimeZone::current(), TimeZone::gmt());
+  EXPECT_EQ(TimeZone::named("Europe/Paris"), std::nullopt);
+  PinnedEnvironment::set("TZ", "Europe/Paris");
+  EXPECT_EQ(TimeZone::current(), TimeZone::gmt());
+  setZonePaths({kZones.string(), link().string()});
+  EXPECT_EQ(TimeZone::current().name(), "Europe/Paris") << "zone files that were installed meanwhile";
+}
+
+TEST_F(SystemZone, RefusesFilesThatAreNoZoneFiles) {
+  std::ifstream stream(kZones / "Europe/Paris", std::ios::binary);
+  const std::string paris{std::istreambuf_iterator<char>(stream), {}};
+  std::string huge = paris;
+  huge.replace(32, 4, "\x7f\xff\xff\xff");  // two thousand million transitions
+  std::string far = paris.substr(0, 44);
+  far[4] = '\0';
+  far.replace(20, 24, std::string(19, '\0') + "\x01" + std::string(3, '\0') + "\x04");
+  far += std::string("\x7f\xff\xff\xff\0\0FAR\0", 10);  // one type, 68 years from Greenwich
+  const struct {
+    std::string bytes;
+    const char* why;
+  } rows[] = {
+      {"", "empty"},
+      {"TZif", "the mark alone"},
+      {"TZif2" + std::string(39, '\0'), "a header of nothing"},
+      {paris.substr(0, 500), "cut short"},
+      {"XZif" + paris.substr(4), "another mark"},
+      {huge, "a count beyond the file"},
+      {far, "an offset of more than a day"},
+      {paris.substr(0, 44) + std::string(1 << 20, '\0'), "far too large"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    write(row.bytes);
+    EXPECT_EQ(TimeZone::current(), TimeZone::gmt());
+  }
+  fs::remove(link());
+  ASSERT_EQ(mkfifo(link().c_str(), 0600), 0);
+  resetSystemTimeZone();
+  EXPECT_EQ(TimeZone::current(), TimeZone::gmt()) << "a pipe is not waited for";
+  write(paris);
+  EXPECT_EQ(TimeZone::current().secondsFromGmt(at(0)), 3600) << "and the file itself is one";
+}
+
+TEST_F(SystemZone, AnswersManyThreadsWhileTheLinkMoves) {
+  relink(kZones / "Europe/Paris");
+  resetSystemTimeZone();
+  std::atomic<bool> done{false};
+  std::atomic<int> strangers{0};
+  std::vector<std::thread> readers;
+  for (int i = 0; i < 3; ++i) {
+    readers.emplace_back([&] {
+      while (!done.load()) {
+        const Calendar calendar = Calendar::current();
+        const std::int64_t offset = calendar.timeZone().secondsFromGmt(at(1704067200));
+        if (offset != 3600 && offset != 32400) ++strangers;
+        if (calendar.days(at(0), calendar.dateByAddingDays(at(0), 40'000)) != 40'000) ++strangers;
+        const Calendar persian(CalendarIdentifier::persian, calendar.timeZone());
+        if (persian.monthAndDay(at(1710374400)) != MonthAndDay{12, 24}) ++strangers;
+      }
+    });
+  }
+  for (int i = 0; i < 100; ++i) {
+    relink(kZones / (i % 2 == 0 ? "Asia/Tokyo" : "Europe/Paris"));
+    resetSystemTimeZone();
+    EXPECT_EQ(TimeZone::current().name(), i % 2 == 0 ? "Asia/Tokyo" : "Europe/Paris");
+  }
+  done = true;
+  for (std::thread& reader : readers) reader.join();
+  EXPECT_EQ(strangers, 0);
+}
+
+}  // namespace
+}  // namespace havrin
