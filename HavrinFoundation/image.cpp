@@ -1,1 +1,24 @@
-#include <HavrinFoundation/HavrinFoundation.h>
+// The table of contents: what the library adds to which class, in the order of the rooms, and the one thing that runs when
+// it is loaded.
+#include <HavrinFoundation/image.h>
+
+#include <HavrinFoundation/frame/identity.h>
+
+namespace havrin {
+
+constinit const Image kHavrinFoundation{
+    .name = "HavrinFoundation",
+    .identification = HavrinFoundationVersionString,
+    .strings = {},
+    .categories = {},
+    .initialisers = {},
+};
+
+namespace {
+
+// Before any static initialiser of a program that links the library statically; the loader sees to it otherwise.
+[[gnu::init_priority(200)]] const Loader kLoader{kHavrinFoundation};
+
+}  // namespace
+
+}  // namespace havrin

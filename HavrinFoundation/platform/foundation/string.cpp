@@ -25,11 +25,11 @@ auto withUnits(const NSString& string, Body body) {
   return string.isWide() ? body(string.wide()) : body(string.narrow());
 }
 
-bool isNumberSpace(char32_t c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isNumberSpace(auto unit) { return unit == ' ' || (unit >= '\t' && unit <= '\r'); }
 
 // The position after white space and one sign.
 template <class View>
-std::size_t skipSign(View units, bool& negative) {
+std::size_t skipSign(View units, bool& negative) noexcept {
   std::size_t i = 0;
   while (i < units.size() && isNumberSpace(units[i])) ++i;
   negative = false;
@@ -54,7 +54,7 @@ std::int64_t readInteger(View units) {
 }
 
 template <class View>
-bool readBool(View units) {
+bool readBool(View units) noexcept {
   bool negative = false;
   std::size_t i = skipSign(units, negative);
   while (i < units.size() && units[i] == '0') ++i;
@@ -204,6 +204,8 @@ std::string utf8(const NSString& string) {
   if (string.isPlain()) return string.isWide() ? utf8(string.wide()) : std::string(string.narrow());
   return utf8(utf16(string));
 }
+
+bool boolValue(std::string_view text) noexcept { return readBool(text); }
 
 std::optional<std::string> strictUtf8(const NSString& string) {
   return withUnits(string, [](auto units) -> std::optional<std::string> {

@@ -107,6 +107,9 @@ class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
 [[nodiscard]] HAVRIN_EXPORT Strong<NSString> makeString(std::string_view text);
 [[nodiscard]] HAVRIN_EXPORT Strong<NSString> makeString(std::u16string_view units);
 
+/// NSString's boolValue of UTF-8 text. Cost: no allocation.
+[[nodiscard]] HAVRIN_EXPORT bool boolValue(std::string_view text) noexcept;
+
 /// The text as UTF-8, lone surrogates as U+FFFD.
 [[nodiscard]] HAVRIN_EXPORT std::string utf8(const NSString& string);
 /// The text as UTF-8; empty optional when it has a lone surrogate, for which there is no UTF-8.

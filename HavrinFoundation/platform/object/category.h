@@ -36,6 +36,7 @@ class ConstantString;
 /// What one library brings: its constant strings, its categories, and the functions that run once those are attached.
 struct Image {
   std::string_view name;
+  const unsigned char* identification;  // text that tools search a file for, or null
   std::span<ConstantString* const> strings;
   std::span<const Category* const> categories;
   std::span<void (*const)()> initialisers;

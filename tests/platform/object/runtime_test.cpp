@@ -88,7 +88,7 @@ constinit const Category kLouder{classObject<NSObject>, "Louder", kLouderRows, {
 constinit ConstantString kConstant("constant");
 ConstantString* const kStrings[] = {&kConstant};
 const Category* const kCategories[] = {&kLabels, &kSame};
-const Loader kLoader{Image{"test", kStrings, kCategories, {}}};
+const Loader kLoader{Image{"test", nullptr, kStrings, kCategories, {}}};
 
 std::string text(NSString* string) { return string ? utf8(*string) : "(null)"; }
 
@@ -149,11 +149,11 @@ TEST(Messages, AreReplacedByACategoryThatComesLater) {
   EXPECT_EQ(text(send<"test_label:">(station, makeString("a "))), "a Station");
   const std::uint64_t before = methodChanges();
   const Category* const later[] = {&kLouder};
-  const Loader loader{Image{"later", {}, later, {}}};
+  const Loader loader{Image{"later", nullptr, {}, later, {}}};
   EXPECT_EQ(text(send<"test_label:">(station, makeString("a "))), "a !");
   EXPECT_GT(methodChanges(), before);
   const Category* const back[] = {&kLabels};
-  const Loader restore{Image{"restore", {}, back, {}}};
+  const Loader restore{Image{"restore", nullptr, {}, back, {}}};
 }
 
 TEST(Selectors, AreOneForEqualNames) {

@@ -1,0 +1,24 @@
+#include <HavrinFoundation/frame/unfair_lock_messages.h>
+
+#include <atomic>
+
+#include <HavrinFoundation/platform/object/exception.h>
+
+namespace havrin::message {
+
+Strong<UnfairLock> UnfairLock::init() {
+  std::atomic_ref(lock_._os_unfair_lock_opaque).store(0, std::memory_order_relaxed);
+  return Strong<UnfairLock>(this);
+}
+
+void UnfairLock::withLock(BlockView<void()> block) {
+  if (!block) throw NSException(NSInvalidArgumentException, "-[UnfairLock withLock:]: the block is null");
+  const Strong<UnfairLock> hold(this);
+  const UnfairLockGuard guard(lock_);
+  const Block<void()> held = block.share();  // let go of before the guard
+  block();
+}
+
+os_unfair_lock UnfairLock::lock() { return os_unfair_lock_copy(lock_); }
+
+}  // namespace havrin::message

@@ -1,0 +1,39 @@
+#include <HavrinFoundation/frame/identity.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+#include <HavrinFoundation/frame/not_localized.h>
+#include <HavrinFoundation/image.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+TEST(Identity, IsTheTextThatToolsSearchFor) {
+  const std::string_view text(reinterpret_cast<const char*>(HavrinFoundationVersionString),
+                              sizeof HavrinFoundationVersionString);
+  EXPECT_EQ(text, std::string_view("@(#)PROGRAM:HavrinFoundation  PROJECT:Havrin-1\n", 48));
+  EXPECT_EQ(text.back(), '\0');
+  EXPECT_EQ(HavrinFoundationVersionNumber, 1.0);
+}
+
+TEST(Identity, StandsInTheFileOfAProgramThatLinksTheStaticLibrary) {
+  std::ifstream self("/proc/self/exe", std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(self), {}};
+  // Put together here, so that this test's own text is not what is found.
+  const std::string marker = std::string("@(#)") + "PROGRAM:" + "HavrinFoundation  ";
+  EXPECT_NE(bytes.find(marker + "PROJECT:Havrin-1\n"), std::string::npos);
+}
+
+TEST(NotLocalized, IsTheSameObject) {
+  const auto string = makeString("");
+  EXPECT_EQ(NotLocalizedString(string), string.get());
+  EXPECT_EQ(NotLocalizedString(nullptr), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,71 @@
+#include <HavrinFoundation/frame/log.h>
+
+#include <cstring>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <HavrinFoundation/platform/log/log_seam.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+std::vector<std::pair<const char*, const char*>> creations;
+
+class Log : public testing::Test {
+ protected:
+  void SetUp() override {
+    creations.clear();
+    logCreationSeen = [](const char* subsystem, const char* category) { creations.emplace_back(subsystem, category); };
+  }
+  void TearDown() override {
+    logCreationSeen = nullptr;
+    kHLogSubsystem = "com.havrin";
+  }
+};
+
+TEST_F(Log, PassesTheSubsystemOfTheMomentAndTheCallersOwnPointer) {
+  char category[] = "network";
+  const os_log_t first = hlog_create_with_category(category);
+  const char* const elsewhere = "org.example.player";
+  kHLogSubsystem = elsewhere;
+  const os_log_t second = hlog_create_with_category(category);
+  ASSERT_EQ(creations.size(), 2U);
+  EXPECT_STREQ(creations[0].first, "com.havrin");
+  EXPECT_EQ(creations[1].first, elsewhere);
+  EXPECT_EQ(creations[0].second, category);
+  EXPECT_NE(first, second);
+  std::strcpy(category, "xxxxxxx");  // the handle keeps the text, not the pointer
+  EXPECT_EQ(os_log_category(second), "network");
+  EXPECT_EQ(os_log_subsystem(second), elsewhere);
+}
+
+TEST_F(Log, GivesOneHandleForEqualTexts) {
+  std::vector<std::thread> threads;
+  std::vector<os_log_t> handles(8);
+  logCreationSeen = nullptr;
+  for (os_log_t& handle : handles) {
+    threads.emplace_back([&handle] { handle = hlog_create_with_category(std::string("disk").c_str()); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (os_log_t handle : handles) EXPECT_EQ(handle, handles[0]);
+  EXPECT_NE(handles[0], os_log_create("com.havrin", "disks"));
+}
+
+TEST_F(Log, RefusesATextThatIsMissing) {
+  EXPECT_THROW((void)hlog_create_with_category(nullptr), NSException);
+  kHLogSubsystem = nullptr;
+  EXPECT_THROW((void)hlog_create_with_category("network"), NSException);
+}
+
+TEST_F(Log, WritesOneLineAtATime) {
+  testing::internal::CaptureStderr();
+  os_log(hlog_create_with_category("network"), "two\nlines", os_log_type_t::error);
+  const std::string line = testing::internal::GetCapturedStderr();
+  EXPECT_NE(line.find(" com.havrin:network error: two lines\n"), std::string::npos) << line;
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+#include <HavrinFoundation/frame/unfair_lock_messages.h>
+
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+#include <HavrinFoundation/frame/unfair_lock.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+std::uint32_t word(const Strong<message::UnfairLock>& lock) { return send<"lock">(lock)._os_unfair_lock_opaque; }
+
+TEST(MessageUnfairLock, HoldsItsWordDuringTheBlockOnly) {
+  const Strong<message::UnfairLock> lock = send<"init">(alloc<message::UnfairLock>());
+  EXPECT_EQ(word(lock), 0U);
+  std::uint32_t inside = 0;
+  send<"withLock:">(lock, [&] { inside = word(lock); });
+  EXPECT_NE(inside, 0U);
+  EXPECT_EQ(word(lock), 0U);
+  EXPECT_THROW(send<"withLock:">(lock, [] { throw std::runtime_error("no"); }), std::runtime_error);
+  EXPECT_EQ(word(lock), 0U);
+  EXPECT_THROW(send<"withLock:">(lock, nullptr), NSException);
+  EXPECT_EQ(word(lock), 0U);
+  EXPECT_EQ(classOf(*lock).name(), "UnfairLock");
+}
+
+TEST(MessageUnfairLock, LetsGoOfTheBlockBeforeTheLock) {
+  struct Probe {
+    const Strong<message::UnfairLock>& lock;
+    std::uint32_t& atEnd;
+    ~Probe() { atEnd = word(lock); }
+  };
+  const auto lock = make<message::UnfairLock>();
+  std::uint32_t atEnd = 0;
+  Block<void()> block;
+  block = [&block, probe = std::make_shared<Probe>(lock, atEnd)] { block = nullptr; };
+  send<"withLock:">(lock, block);
+  EXPECT_NE(atEnd, 0U);
+}
+
+TEST(MessageUnfairLock, SurvivesABlockThatDropsTheLastReference) {
+  auto lock = make<message::UnfairLock>();
+  const Weak<message::UnfairLock> weak = lock;
+  send<"withLock:">(lock, [&lock] { lock = nullptr; });
+  EXPECT_FALSE(weak.lock());
+}
+
+TEST(MessageUnfairLock, ExcludesOtherThreads) {
+  const auto lock = make<message::UnfairLock>();
+  std::int64_t count = 0;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([&] {
+      for (int n = 0; n < 100'000; ++n) send<"withLock:">(lock, [&count] { ++count; });
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(count, 800'000);
+}
+
+TEST(MessageUnfairLockDeathTest, AbortsWhenTheHolderTakesItAgain) {
+  const auto lock = make<message::UnfairLock>();
+  EXPECT_DEATH(send<"withLock:">(lock, [&] { send<"withLock:">(lock, [] {}); }), "locked again");
+}
+
+}  // namespace
