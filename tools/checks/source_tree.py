@@ -14,6 +14,7 @@ class SourceTree:
         self.since = since
         listed = self.git("ls-files", "-z", "--cached", "--others", "--exclude-standard").split("\0")
         self.files = sorted(name for name in listed if name and (self.root / name).is_file())
+        self.known = frozenset(self.files)
 
     def git(self, *arguments):
         return subprocess.run(["git", "-C", self.root, *arguments], check=True, text=True, capture_output=True).stdout
@@ -40,7 +41,7 @@ class SourceTree:
         seen, waiting = set(), [name]
         while waiting:
             current = waiting.pop()
-            if current not in seen and current in self.files:
+            if current not in seen and current in self.known:
                 seen.add(current)
                 waiting += [path for path in self.includes(current) if path.startswith(LIBRARY)]
         return seen
