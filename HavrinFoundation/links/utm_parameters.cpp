@@ -31,15 +31,17 @@ std::optional<UTMParameters> fromUrl<UTMParameters>(const std::optional<URL>& ur
   const auto components = URLComponents::fromUrl(*url, BaseURL::ignored);
   if (!components) return std::nullopt;
 
-  UTMParameters found;
+  std::optional<UTMParameters> found(std::in_place);
   components->forEachQueryItem([&found](URLQueryItemView item) {
     for (const auto& [key, field] : kParameters) {
-      if (item.isNamed(key)) found.*field = item.value();
+      if (item.isNamed(key)) (*found).*field = item.value();
     }
   });
-  const bool any = std::any_of(kParameters.begin(), kParameters.end(),
-                               [&found](const Parameter& parameter) { return (found.*parameter.field).has_value(); });
-  return any ? std::optional(std::move(found)) : std::nullopt;
+  const bool any = std::any_of(kParameters.begin(), kParameters.end(), [&found](const Parameter& parameter) {
+    return ((*found).*parameter.field).has_value();
+  });
+  if (!any) found.reset();
+  return found;
 }
 
 std::optional<URL> adding(const URL& url, const UTMParameters& parameters) {
@@ -49,7 +51,7 @@ std::optional<URL> adding(const URL& url, const UTMParameters& parameters) {
   for (const auto& [key, field] : kParameters) {
     if (const auto& value = parameters.*field) components->appendQueryItem(key, *value);
   }
-  return components->url();
+  return std::move(*components).url();
 }
 
 void add(URL& url, const UTMParameters& parameters) {

@@ -8,15 +8,6 @@
 namespace havrin::inline platform {
 namespace {
 
-constexpr int kNoDigit = -1;
-
-constexpr int hexValue(char c) noexcept {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return kNoDigit;
-}
-
 constexpr std::array<bool, 256> makeStandsAsItIs() {
   std::array<bool, 256> stands{};
   for (int c = '0'; c <= '9'; ++c) stands[static_cast<std::size_t>(c)] = true;
@@ -50,6 +41,12 @@ std::string percentDecoded(std::string_view text) {
 }
 
 void appendQueryEncoded(std::string& result, std::string_view text) {
+  bool allStand = true;
+  for (const char c : text) allStand &= kStandsAsItIs[static_cast<unsigned char>(c)];
+  if (allStand) {
+    result += text;
+    return;
+  }
   if (!isWellFormed(text)) return appendQueryEncoded(result, repaired(text));
   while (!text.empty()) {
     std::size_t run = 0;

@@ -5,21 +5,28 @@
 //   appendQueryEncoded(s, "a b+é")   appends "a%20b%2B%C3%A9"
 #pragma once
 
-#include <HavrinFoundation/platform/export.h>
-
 #include <string>
 #include <string_view>
 
 namespace havrin::inline platform {
 
+/// What the hexadecimal digit `c`, in either case, stands for.
+inline constexpr int kNoDigit = -1;
+[[nodiscard]] constexpr int hexValue(char c) noexcept {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return kNoDigit;
+}
+
 /// `text` with its escapes read as UTF-8; ill-formed parts read as U+FFFD. "+" stays, and so does "%" without two
 /// hexadecimal digits behind it.
-[[nodiscard]] HAVRIN_EXPORT std::string percentDecoded(std::string_view text);
+[[nodiscard]] std::string percentDecoded(std::string_view text);
 
 /// Appends `text` as it stands in a name or value of a query item: all but A-Z a-z 0-9 - . _ ~ ! $ ' ( ) * , : @ / ? is
 /// escaped, upper case; ill-formed parts are written as U+FFFD.
 /// Choice: "+" and ";" are legal there and escaped all the same: some servers read them as a blank and a separator.
 /// Source: RFC 3986, 2.1 and 3.4.
-HAVRIN_EXPORT void appendQueryEncoded(std::string& result, std::string_view text);
+void appendQueryEncoded(std::string& result, std::string_view text);
 
 }  // namespace havrin::inline platform

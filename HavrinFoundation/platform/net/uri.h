@@ -5,8 +5,6 @@
 //   resolvedUri(splitUri("http://a/b/c"), splitUri("../d"))   "http://a/d"
 #pragma once
 
-#include <HavrinFoundation/platform/export.h>
-
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,17 +22,17 @@ struct UriParts {
 
 /// The parts of `text`, whatever it holds; checks nothing. Joined again they are `text`.
 /// Source: RFC 3986, appendix B.
-[[nodiscard]] HAVRIN_EXPORT UriParts splitUri(std::string_view text) noexcept;
+[[nodiscard]] UriParts splitUri(std::string_view text) noexcept;
 
 /// Whether `text` follows the grammar of a URI reference to the letter; the empty text does.
 /// Source: RFC 3986, 4.1 and appendix A.
-[[nodiscard]] HAVRIN_EXPORT bool isUriReference(std::string_view text) noexcept;
+[[nodiscard]] bool isUriReference(std::string_view text) noexcept;
 
 /// `reference` seen from `base`, which has a scheme; both follow the grammar.
 /// Choice: where removing dot segments would leave a path that begins with "//" behind no authority, it is written as
 /// "/.//", so that the path is not taken for an authority.
 /// Cost: linear; ".." segments take back what was written, once each.
 /// Source: RFC 3986, 5.2.
-[[nodiscard]] HAVRIN_EXPORT std::string resolvedUri(const UriParts& base, const UriParts& reference);
+[[nodiscard]] std::string resolvedUri(const UriParts& base, const UriParts& reference);
 
 }  // namespace havrin::inline platform

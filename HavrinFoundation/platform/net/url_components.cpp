@@ -17,16 +17,8 @@ void appendEncodedItem(std::string& text, std::string_view name, std::optional<s
 
 }  // namespace
 
-std::string URLQueryItemView::name() const { return percentDecoded(text_.substr(0, nameLength_)); }
-
-std::optional<std::string> URLQueryItemView::value() const {
-  if (nameLength_ == text_.npos) return std::nullopt;
-  return percentDecoded(text_.substr(nameLength_ + 1));
-}
-
-bool URLQueryItemView::isNamed(std::string_view name) const {
-  const std::string_view encoded = text_.substr(0, nameLength_);
-  return encoded.find('%') == encoded.npos ? encoded == name : percentDecoded(encoded) == name;
+std::string URLQueryItemView::decoded(std::string_view part) const {
+  return hasEscapes_ ? percentDecoded(part) : std::string(part);
 }
 
 URLQueryItem::URLQueryItem(std::string_view name, std::optional<std::string_view> value) {
@@ -40,18 +32,30 @@ std::optional<URLComponents> URLComponents::fromUrl(const URL& url, BaseURL base
   return URLComponents(url.absoluteString());
 }
 
-std::optional<std::string_view> URLComponents::scheme() const noexcept { return splitUri(text_).scheme; }
-
-std::optional<std::string_view> URLComponents::percentEncodedAuthority() const noexcept {
-  return splitUri(text_).authority;
+URLComponents::URLComponents(std::string text) : beforeFragment_(std::move(text)) {
+  if (const std::size_t hash = beforeFragment_.find('#'); hash != beforeFragment_.npos) {
+    fragment_ = beforeFragment_.substr(hash);
+    beforeFragment_.resize(hash);
+  }
+  queryMark_ = std::min(beforeFragment_.find('?'), beforeFragment_.size());
 }
 
-std::string_view URLComponents::percentEncodedPath() const noexcept { return splitUri(text_).path; }
+std::optional<std::string_view> URLComponents::scheme() const noexcept { return splitUri(beforeFragment_).scheme; }
 
-std::optional<std::string_view> URLComponents::percentEncodedQuery() const noexcept { return splitUri(text_).query; }
+std::optional<std::string_view> URLComponents::percentEncodedAuthority() const noexcept {
+  return splitUri(beforeFragment_).authority;
+}
+
+std::string_view URLComponents::percentEncodedPath() const noexcept { return splitUri(beforeFragment_).path; }
+
+std::optional<std::string_view> URLComponents::percentEncodedQuery() const noexcept {
+  if (queryMark_ == beforeFragment_.size()) return std::nullopt;
+  return std::string_view(beforeFragment_).substr(queryMark_ + 1);
+}
 
 std::optional<std::string_view> URLComponents::percentEncodedFragment() const noexcept {
-  return splitUri(text_).fragment;
+  if (fragment_.empty()) return std::nullopt;
+  return std::string_view(fragment_).substr(1);
 }
 
 std::optional<std::vector<URLQueryItem>> URLComponents::queryItems() const {
@@ -61,47 +65,29 @@ std::optional<std::vector<URLQueryItem>> URLComponents::queryItems() const {
 }
 
 void URLComponents::setQueryItems(std::span<const URLQueryItem> items) {
-  const std::string fragment = takeFragment();
-  text_.resize(std::min(text_.find('?'), text_.size()));
-  char before = '?';
+  removeQuery();
+  beforeFragment_ += '?';
   for (const URLQueryItem& item : items) {
-    (text_ += before) += item.text();
-    before = '&';
+    if (&item != &items.front()) beforeFragment_ += '&';
+    beforeFragment_ += item.text();
   }
-  if (items.empty()) text_ += '?';
-  text_ += fragment;
 }
 
 void URLComponents::appendQueryItem(std::string_view name, std::optional<std::string_view> value) {
-  const std::string fragment = takeFragment();
-  const std::size_t mark = text_.find('?');
-  if (mark == text_.npos) {
-    text_ += '?';
-  } else if (mark + 1 != text_.size()) {
-    text_ += '&';
+  if (queryMark_ == beforeFragment_.size()) {
+    beforeFragment_ += '?';
+  } else if (queryMark_ + 1 != beforeFragment_.size()) {
+    beforeFragment_ += '&';
   }
-  appendEncodedItem(text_, name, value);
-  text_ += fragment;
+  appendEncodedItem(beforeFragment_, name, value);
 }
 
-void URLComponents::removeQuery() {
-  const std::string fragment = takeFragment();
-  text_.resize(std::min(text_.find('?'), text_.size()));
-  text_ += fragment;
-}
+void URLComponents::removeQuery() { beforeFragment_.resize(queryMark_); }
 
-std::optional<URL> URLComponents::url() const {
-  if (text_.empty()) return std::nullopt;
-  return URL(text_, true);
-}
-
-// Cuts the fragment off the text, with its "#": the first one, since it may stand nowhere else.
-std::string URLComponents::takeFragment() {
-  const std::size_t hash = text_.find('#');
-  if (hash == text_.npos) return {};
-  std::string fragment = text_.substr(hash);
-  text_.resize(hash);
-  return fragment;
+std::optional<URL> URLComponents::takeUrl() {
+  beforeFragment_ += fragment_;
+  if (beforeFragment_.empty()) return std::nullopt;
+  return URL(std::move(beforeFragment_), true);
 }
 
 }  // namespace havrin::inline platform

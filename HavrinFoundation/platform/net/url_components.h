@@ -34,23 +34,36 @@ class HAVRIN_EXPORT URLQueryItemView {
   [[nodiscard]] std::string_view text() const noexcept { return text_; }
 
   /// What stands before the first "=", or all; percent-decoded.
-  [[nodiscard]] std::string name() const;
+  [[nodiscard]] std::string name() const { return decoded(text_.substr(0, nameLength_)); }
 
   /// What stands behind the first "=", percent-decoded; it may be the empty text.
   /// Empty when: there is no "=".
-  [[nodiscard]] std::optional<std::string> value() const;
+  [[nodiscard]] std::optional<std::string> value() const {
+    if (nameLength_ == text_.npos) return std::nullopt;
+    return decoded(text_.substr(nameLength_ + 1));
+  }
 
   /// Whether name() is `name`.
-  [[nodiscard]] bool isNamed(std::string_view name) const;
+  [[nodiscard]] bool isNamed(std::string_view name) const {
+    return nameHasEscapes_ ? this->name() == name : text_.substr(0, nameLength_) == name;
+  }
 
  private:
   friend class URLComponents;
   friend class URLQueryItem;
 
-  explicit URLQueryItemView(std::string_view text) noexcept : text_(text), nameLength_(text.find('=')) {}
+  URLQueryItemView(std::string_view text, bool hasEscapes) noexcept
+      : text_(text),
+        nameLength_(text.find('=')),
+        hasEscapes_(hasEscapes),
+        nameHasEscapes_(hasEscapes && text.substr(0, nameLength_).find('%') != text.npos) {}
+
+  [[nodiscard]] std::string decoded(std::string_view part) const;
 
   std::string_view text_;
   std::size_t nameLength_;  // npos: no "="
+  bool hasEscapes_;         // whether "%" stands in the text
+  bool nameHasEscapes_;
 };
 
 /// One name and perhaps a value of a query. Equal when names and values are, however they were written.
@@ -64,14 +77,16 @@ class HAVRIN_EXPORT URLQueryItem {
 
   /// How the item stands in a query.
   [[nodiscard]] const std::string& text() const noexcept { return text_; }
-  [[nodiscard]] std::string name() const { return URLQueryItemView(text_).name(); }
-  [[nodiscard]] std::optional<std::string> value() const { return URLQueryItemView(text_).value(); }
+  [[nodiscard]] std::string name() const { return view().name(); }
+  [[nodiscard]] std::optional<std::string> value() const { return view().value(); }
 
   [[nodiscard]] friend bool operator==(const URLQueryItem& first, const URLQueryItem& second) {
     return first.text_ == second.text_ || (first.name() == second.name() && first.value() == second.value());
   }
 
  private:
+  [[nodiscard]] URLQueryItemView view() const { return {text_, text_.find('%') != text_.npos}; }
+
   std::string text_;
 };
 
@@ -92,8 +107,9 @@ class HAVRIN_EXPORT URLComponents {
   [[nodiscard]] std::optional<std::string_view> percentEncodedQuery() const noexcept;
   [[nodiscard]] std::optional<std::string_view> percentEncodedFragment() const noexcept;
 
-  /// The items of the query, in its order. Empty pieces are items too: "a&" gives "a" and an item without name and
-  /// value. Empty when: there is no "?". Behind a lone "?" stands an empty list.
+  /// The items of the query, in its order. Empty pieces are items too: "a&" gives "a" and one without name and value.
+  /// Behind a lone "?" stands an empty list.
+  /// Empty when: there is no "?".
   [[nodiscard]] std::optional<std::vector<URLQueryItem>> queryItems() const;
 
   /// Calls `visit(item)` with each item of queryItems() as a URLQueryItemView, without making the list.
@@ -101,12 +117,12 @@ class HAVRIN_EXPORT URLComponents {
   template <class F>
   bool forEachQueryItem(F&& visit) const {
     const std::optional<std::string_view> query = percentEncodedQuery();
-    if (!query) return false;
-    for (std::string_view rest = *query; !query->empty();) {
-      const std::size_t length = rest.find('&');
-      visit(URLQueryItemView(rest.substr(0, length)));
-      if (length == rest.npos) break;
-      rest.remove_prefix(length + 1);
+    if (!query || query->empty()) return query.has_value();
+    std::size_t escape = query->find('%');  // the first at or behind `begin`
+    for (std::size_t begin = 0, end = 0; end != query->npos; begin = end + 1) {
+      end = query->find('&', begin);
+      visit(URLQueryItemView(query->substr(begin, end - begin), escape < end));
+      if (escape < end) escape = query->find('%', end);
     }
     return true;
   }
@@ -123,13 +139,17 @@ class HAVRIN_EXPORT URLComponents {
 
   /// The link of the parts, without a base.
   /// Empty when: no text is left, as when "?a" loses its query.
-  [[nodiscard]] std::optional<URL> url() const;
+  [[nodiscard]] std::optional<URL> url() const& { return URLComponents(*this).takeUrl(); }
+  [[nodiscard]] std::optional<URL> url() && { return takeUrl(); }
 
  private:
-  explicit URLComponents(std::string text) : text_(std::move(text)) {}
-  std::string takeFragment();
+  explicit URLComponents(std::string text);
+  [[nodiscard]] std::optional<URL> takeUrl();
 
-  std::string text_;  // follows the grammar; taken apart where a part is asked for
+  // Together they follow the grammar. They are taken apart further where a part is asked for.
+  std::string beforeFragment_;
+  std::string fragment_;   // with its "#"; empty: there is none
+  std::size_t queryMark_;  // where "?" stands in beforeFragment_, or its length
 };
 
 }  // namespace havrin::inline platform
