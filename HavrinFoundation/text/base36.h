@@ -1,0 +1,31 @@
+// Base-36 text of signed 64-bit integers, both ways: digits 0-9, then A-Z. As messages: base36_messages.h.
+//
+//   base36Value(1'000'000)           "LFLS"
+//   base36Value(-1)                  "-1"
+//   base36ValueAsBase10("lfls")      1000000
+//   base36ValueAsBase10("1_0")       empty
+#pragma once
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/signed_integer.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace havrin {
+
+/// `integer` in radix 36, upper case, with the fewest digits and, below zero, a "-".
+[[nodiscard]] HAVRIN_EXPORT std::string base36Value(std::int64_t integer);
+template <OtherThanSignedInteger T>
+std::string base36Value(T integer) = delete;
+
+/// The integer that `text` writes in radix 36: an optional "+" or "-", then digits in either case, leading zeros
+/// allowed, and nothing else. Empty when: text is empty or a lone sign; any other character occurs, a blank included;
+/// the value leaves 64 bits.
+[[nodiscard]] HAVRIN_EXPORT std::optional<std::int64_t> base36ValueAsBase10(std::string_view text) noexcept;
+std::optional<std::int64_t> base36ValueAsBase10(std::nullptr_t) = delete;
+
+}  // namespace havrin

@@ -1,0 +1,162 @@
+#include <HavrinFoundation/text/base36.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "tests/random_seed.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+using havrin::base36Value;
+using havrin::base36ValueAsBase10;
+
+constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+
+std::string upperCaseToChars(std::int64_t integer) {
+  char text[24];
+  const auto end = std::to_chars(std::begin(text), std::end(text), integer, 36).ptr;
+  std::transform(text, end, text,
+                 [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
+  return {text, end};
+}
+
+// The rule in the words of the standard library: from_chars takes everything, and no sign but "-" of its own.
+std::optional<std::int64_t> readByFromChars(std::string_view text) {
+  if (text.starts_with('+')) {
+    text.remove_prefix(1);
+    if (text.starts_with('-')) return std::nullopt;
+  }
+  std::int64_t value;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, 36);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+TEST(Base36, WritesTheFewestUpperCaseDigits) {
+  const struct {
+    std::int64_t integer;
+    const char* text;
+  } rows[] = {
+      {0, "0"},
+      {35, "Z"},
+      {36, "10"},
+      {-1, "-1"},
+      {1295, "ZZ"},
+      {1296, "100"},
+      {1'679'615, "ZZZZ"},
+      {1'679'616, "10000"},
+      {1'000'000, "LFLS"},
+      {kLargest, "1Y2P0IJ32E8E7"},
+      {kSmallest, "-1Y2P0IJ32E8E8"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.integer);
+    EXPECT_EQ(base36Value(row.integer), row.text);
+    EXPECT_EQ(base36ValueAsBase10(row.text), row.integer);
+  }
+}
+
+TEST(Base36, ReadsTheWholeTextOrNothing) {
+  const struct {
+    std::string_view text;
+    std::optional<std::int64_t> integer;
+    const char* why;
+  } rows[] = {
+      {"zz", 1295, "lower case"},
+      {"Zz", 1295, "both cases"},
+      {"+Z", 35, "a plus"},
+      {"-Z", -35, "a minus"},
+      {"-0", 0, "minus zero"},
+      {"000Z", 35, "leading zeros"},
+      {"00000000000000000000000000000000Z", 35, "more zeros than an integer has digits"},
+      {"-0000000000000000000000", 0, "nothing but zeros"},
+      {"0001Y2P0IJ32E8E7", kLargest, "zeros before the largest"},
+      {"1Y2P0IJ32E8E8", {}, "one more than the largest"},
+      {"-1Y2P0IJ32E8E8", kSmallest, "the smallest"},
+      {"-1Y2P0IJ32E8E9", {}, "one less than the smallest"},
+      {"ZZZZZZZZZZZZ", 4'738'381'338'321'616'895, "twelve digits always fit"},
+      {"ZZZZZZZZZZZZZ", {}, "thirteen need not"},
+      {"10000000000000", {}, "fourteen never do"},
+      {"", {}, "empty"},
+      {"+", {}, "a lone sign"},
+      {"-", {}, "a lone sign"},
+      {"+-1", {}, "two signs"},
+      {" 1Z", {}, "a blank before"},
+      {"1Z ", {}, "a blank behind"},
+      {"1.5", {}, "a point"},
+      {"1_0", {}, "a low line"},
+      {"1\0"sv, {}, "U+0000"},
+      {"１", {}, "a full-width digit"},
+      {"٣", {}, "a digit of another script"},
+      {"1\xFF", {}, "ill-formed text"},
+      {"1Y2P0IJ32E8E_", {}, "no digit in the thirteenth place"},
+      {"00000000000000000_", {}, "no digit behind zeros"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(base36ValueAsBase10(row.text), row.integer);
+  }
+}
+
+TEST(Base36, EveryByteIsADigitOrNone) {
+  for (int byte = 0; byte < 256; ++byte) {
+    for (std::size_t size = 1; size <= 13; ++size) {
+      for (std::size_t at = 0; at < size; ++at) {
+        std::string text(size, '0');
+        text[at] = static_cast<char>(byte);
+        ASSERT_EQ(base36ValueAsBase10(text), readByFromChars(text))
+            << "byte " << byte << " at " << at << " of " << size;
+      }
+    }
+  }
+}
+
+TEST(Base36, WhatIsWrittenReadsBack) {
+  auto generator = seededGenerator();
+  const auto expectBothWays = [](std::int64_t integer) {
+    const std::string text = base36Value(integer);
+    ASSERT_EQ(text, upperCaseToChars(integer));
+    ASSERT_EQ(base36ValueAsBase10(text), integer);
+  };
+  for (std::int64_t power = 1; power < kLargest / 36; power *= 36) {
+    for (std::int64_t integer = power - 2; integer <= power + 2; ++integer) {
+      expectBothWays(integer);
+      expectBothWays(-integer);
+    }
+  }
+  for (std::int64_t step = 0; step < 100; ++step) {
+    expectBothWays(kLargest - step);
+    expectBothWays(kSmallest + step);
+  }
+  for (int i = 0; i < 300'000; ++i) {
+    const auto integer = static_cast<std::int64_t>(generator() >> (generator() % 64));
+    expectBothWays(integer);
+    expectBothWays(-integer);
+  }
+}
+
+template <class T>
+concept Writable = requires(T integer) {
+  base36Value(integer);
+};
+static_assert(Writable<int> && Writable<signed char> && Writable<long>);
+static_assert(!Writable<double> && !Writable<std::uint64_t> && !Writable<bool> && !Writable<char>);
+template <class T>
+concept Readable = requires(T text) {
+  base36ValueAsBase10(text);
+};
+static_assert(Readable<const char*> && Readable<std::string> && !Readable<std::nullptr_t>);
+
+}  // namespace
