@@ -37,6 +37,7 @@ FACILITY_LINKS = {
     ("observation/responder_observations", "observation/key_value_observation"): "the registry creates and owns tokens",
     ("collections/set_blocks", "collections/array_blocks"): "sets send the array operations",
     ("colours/hex_codes", "text/character_sets"): "a code keeps hexadecimal characters only",
+    ("text/sha256", "text/hex"): "a digest is written as hexadecimal text",
     ("text/attributed_strings", "frame/not_localized"): "the empty fallback is marked as not localised",
 }
 

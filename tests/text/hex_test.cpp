@@ -1,0 +1,44 @@
+#include <HavrinFoundation/platform/foundation/wide_instructions.h>
+#include <HavrinFoundation/text/hex.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string printed(std::span<const std::byte> bytes) {
+  std::string text;
+  char pair[3];
+  for (const std::byte byte : bytes) {
+    std::snprintf(pair, sizeof pair, "%02x", std::to_integer<unsigned>(byte));
+    text += pair;
+  }
+  return text;
+}
+
+TEST(Hex, WritesTwoLowerCaseDigitsForEachByte) {
+  const std::byte bytes[] = {std::byte{0x00}, std::byte{0x01}, std::byte{0xAB}, std::byte{0xFF}};
+  EXPECT_EQ(havrin::hexString(bytes), "0001abff");
+  EXPECT_EQ(havrin::hexString({}), "");
+}
+
+TEST(Hex, WritesEveryByteInEveryPlaceOfEveryLength) {
+  using havrin::detail::WideInstructions;
+  std::vector<std::byte> bytes(600);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::byte>(i * 7);  // all values, 256 apart
+  for (const auto body : {WideInstructions::absent, WideInstructions::unknown}) {
+    havrin::detail::wideInstructions = body;
+    for (std::size_t size = 0; size <= 300; ++size) {
+      for (const std::size_t begin : {std::size_t{0}, size}) {
+        const auto part = std::span(bytes).subspan(begin, size);
+        ASSERT_EQ(havrin::hexString(part), printed(part)) << size;
+      }
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,79 @@
+#include <HavrinFoundation/text/sha256.h>
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace std::string_view_literals;
+using havrin::groupedSHA256;
+
+TEST(SHA256, GroupsTheDigestOfTheTextUpToItsFirstZero) {
+  constexpr const char* kEmpty = "e3b0c442-98fc1c14-9afbf4c8-996fb924-27ae41e4-649b934c-a495991b-7852b855";
+  constexpr const char* kA = "ca978112-ca1bbdca-fac231b3-9a23dc4d-a786eff8-147c4e72-b9807785-afee48bb";
+  const struct {
+    std::string_view text;
+    std::optional<std::string> digest;
+    const char* why;
+  } rows[] = {
+      {"", kEmpty, "nothing"},
+      {"\0"sv, kEmpty, "a zero byte first"},
+      {"a", kA, "one byte"},
+      {"a\0b"sv, kA, "up to the zero byte"},
+      {"abc", "ba7816bf-8f01cfea-414140de-5dae2223-b00361a3-96177a9c-b410ff61-f20015ad", "three"},
+      {"é👍", "11451712-37b5f382-18853d82-e7837eda-a7895304-dd2ffb40-daf9d3cc-e579392f", "UTF-8"},
+      {"a\xFF", {}, "ill-formed text has no digest"},
+      {"a\0\xED\xA0\xBD"sv, {}, "not even behind a zero"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(groupedSHA256(row.text), row.digest);
+  }
+}
+
+// A text of 4 GiB that takes 16 MiB of memory: the same pages, again and again.
+class RepeatedPages {
+ public:
+  static constexpr std::size_t kPart = std::size_t{16} << 20, kSize = std::size_t{1} << 32;
+
+  RepeatedPages() : file_(memfd_create("pages", 0)), text_(reserve()) {
+    const std::string part(kPart, 'a');
+    usable_ = file_ >= 0 && text_ != MAP_FAILED && write(file_, part.data(), kPart) == static_cast<ssize_t>(kPart);
+    for (std::size_t at = 0; usable_ && at < kSize; at += kPart) {
+      usable_ = mmap(text_ + at, kPart, PROT_READ, MAP_SHARED | MAP_FIXED, file_, 0) != MAP_FAILED;
+    }
+  }
+  ~RepeatedPages() {
+    munmap(text_, kSize);
+    close(file_);
+  }
+  RepeatedPages(const RepeatedPages&) = delete;
+  RepeatedPages& operator=(const RepeatedPages&) = delete;
+
+  bool usable() const { return usable_; }
+  std::string_view text() const { return {text_, kSize}; }
+
+ private:
+  static char* reserve() {
+    return static_cast<char*>(mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+  }
+
+  int file_;
+  char* text_;
+  bool usable_ = false;
+};
+
+TEST(SHA256, TextOfFourGibibytesHasNoDigest) {
+  const RepeatedPages pages;
+  if (!pages.usable()) GTEST_SKIP() << "no room for 4 GiB of addresses";
+  EXPECT_EQ(groupedSHA256(pages.text()), std::nullopt);
+}
+
+}  // namespace
