@@ -1,0 +1,39 @@
+#include <HavrinFoundation/text/character_sets.h>
+
+#include <string_view>
+
+namespace havrin {
+
+namespace {
+
+CharacterSet alphabetDigitsAnd(std::string_view more) {
+  CharacterSet set;
+  set.formUnion(internal::asciiAlphabetSet());
+  set.insert("0123456789");
+  set.insert(more);
+  return set;
+}
+
+}  // namespace
+
+const CharacterSet& internal::hexadecimalSet() {
+  static const auto& set = *new CharacterSet("0123456789abcdefABCDEF");
+  return set;
+}
+
+const CharacterSet& internal::asciiAlphabetSet() {
+  static const auto& set = *new CharacterSet("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ");
+  return set;
+}
+
+CharacterSet& internal::urlSchemeAllowedSet() {
+  static auto& set = *new CharacterSet(alphabetDigitsAnd("+-."));
+  return set;
+}
+
+CharacterSet& internal::validSubhavrinNameSet() {
+  static auto& set = *new CharacterSet(alphabetDigitsAnd("_"));
+  return set;
+}
+
+}  // namespace havrin

@@ -1,0 +1,73 @@
+// Four named character sets, two of which the application may replace. As messages: character_sets_messages.h.
+//
+//   hexadecimal<CharacterSet>().contains(U'g')                           false
+//   containsOnlyCharacters("a-b", validSubhavrinName<CharacterSet>())    false
+//   setUrlSchemeAllowed<CharacterSet>(CharacterSet("a"));                every surface gives the new set from now on
+//   changeValidSubhavrinName<CharacterSet>([](CharacterSet& set) { set.insert(U'-'); });
+//
+// Each is one value for the whole process, built at its first use, by whichever thread comes first, and never
+// destroyed. What is read is a copy, which shares the storage. Reads and writes of the two settable sets take no lock:
+// a set is replaced or changed while no other thread uses it.
+#pragma once
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/character_set.h>
+
+#include <concepts>
+#include <functional>
+#include <utility>
+
+namespace havrin {
+
+namespace internal {
+HAVRIN_EXPORT const CharacterSet& hexadecimalSet();
+HAVRIN_EXPORT const CharacterSet& asciiAlphabetSet();
+HAVRIN_EXPORT CharacterSet& urlSchemeAllowedSet();
+HAVRIN_EXPORT CharacterSet& validSubhavrinNameSet();
+}  // namespace internal
+
+/// 0-9, a-f, A-F: 22 characters.
+template <std::same_as<CharacterSet> C>
+[[nodiscard]] C hexadecimal() {
+  return internal::hexadecimalSet();
+}
+
+/// a-z, A-Z: 52 characters.
+template <std::same_as<CharacterSet> C>
+[[nodiscard]] C asciiAlphabet() {
+  return internal::asciiAlphabetSet();
+}
+
+/// At first asciiAlphabet, 0-9, "+", "-" and ".": 65 characters, those that a link's scheme may have. Which of them may
+/// stand first is not asked.
+/// Source: RFC 3986, 3.1.
+template <std::same_as<CharacterSet> C>
+[[nodiscard]] C urlSchemeAllowed() {
+  return internal::urlSchemeAllowedSet();
+}
+template <std::same_as<CharacterSet> C>
+void setUrlSchemeAllowed(C value) {
+  internal::urlSchemeAllowedSet() = std::move(value);
+}
+/// Calls `change(CharacterSet&)` with the set itself.
+template <std::same_as<CharacterSet> C, std::invocable<C&> F>
+void changeUrlSchemeAllowed(F&& change) {
+  std::invoke(std::forward<F>(change), internal::urlSchemeAllowedSet());
+}
+
+/// At first asciiAlphabet, 0-9 and "_": 63 characters.
+template <std::same_as<CharacterSet> C>
+[[nodiscard]] C validSubhavrinName() {
+  return internal::validSubhavrinNameSet();
+}
+template <std::same_as<CharacterSet> C>
+void setValidSubhavrinName(C value) {
+  internal::validSubhavrinNameSet() = std::move(value);
+}
+/// Calls `change(CharacterSet&)` with the set itself.
+template <std::same_as<CharacterSet> C, std::invocable<C&> F>
+void changeValidSubhavrinName(F&& change) {
+  std::invoke(std::forward<F>(change), internal::validSubhavrinNameSet());
+}
+
+}  // namespace havrin

@@ -1,0 +1,62 @@
+// Whole ranges of a text, tests of its characters, repetition. As messages: string_helpers_messages.h.
+//
+//   nsrange("👍")                                                {0, 2}
+//   containsAnyCharacters("abc1", CharacterSet::decimalDigits()) true
+//   containsOnlyCharacters("abc1", CharacterSet::letters())      false
+//   repeating<NSString>("ab", 3, ", ")                           "ab, ab, ab"
+#pragma once
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/character_set.h>
+#include <HavrinFoundation/platform/foundation/class_names.h>
+#include <HavrinFoundation/platform/foundation/range.h>
+#include <HavrinFoundation/platform/foundation/signed_integer.h>
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace havrin {
+
+/// From the first byte of `text` up to its end.
+[[nodiscard]] constexpr Range<std::size_t> entireRange(std::string_view text) noexcept { return {0, text.size()}; }
+Range<std::size_t> entireRange(std::nullptr_t) = delete;
+
+/// The whole of `text` in UTF-16 units: not characters, not scalars.
+[[nodiscard]] HAVRIN_EXPORT NSRange nsrange(std::string_view text) noexcept;
+NSRange nsrange(std::nullptr_t) = delete;
+
+/// Whether a character of `text` is in `set`; for empty text, false.
+[[nodiscard]] inline bool containsAnyCharacters(std::string_view text, const CharacterSet& set) noexcept {
+  return rangeOfCharacter(text, set).has_value();
+}
+bool containsAnyCharacters(std::nullptr_t, const CharacterSet&) = delete;
+
+/// Whether every character of `text` is in `set`; for empty text, true.
+[[nodiscard]] inline bool containsOnlyCharacters(std::string_view text, const CharacterSet& set) noexcept {
+  return !rangeOfCharacterOutside(text, set).has_value();
+}
+bool containsOnlyCharacters(std::nullptr_t, const CharacterSet&) = delete;
+
+namespace internal {
+HAVRIN_EXPORT std::string repeatedText(std::string_view text, std::int64_t times, std::string_view joinedBy);
+}  // namespace internal
+
+/// `text` as often as `times` says, with `joinedBy` between neighbours; an absent separator counts as the empty one.
+/// Result: the empty text for no repetition, and for fewer than none.
+/// Throws: std::length_error where no string could hold the result.
+template <std::same_as<NSString> C>
+[[nodiscard]] std::string repeating(std::string_view text, std::int64_t times,
+                                    std::optional<std::string_view> joinedBy) {
+  return internal::repeatedText(text, times, joinedBy.value_or(std::string_view()));
+}
+template <std::same_as<NSString> C, OtherThanSignedInteger T>
+std::string repeating(std::string_view text, T times, std::optional<std::string_view> joinedBy) = delete;
+
+template <std::same_as<NSString> C>
+std::string repeating(std::nullptr_t, std::int64_t times, std::optional<std::string_view> joinedBy) = delete;
+
+}  // namespace havrin

@@ -1,0 +1,105 @@
+#include <HavrinFoundation/text/string_helpers.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace {
+
+using namespace std::string_view_literals;
+using havrin::CharacterSet;
+using havrin::NSString;
+using havrin::repeating;
+
+TEST(StringHelpers, RangesCoverTheWholeText) {
+  const struct {
+    std::string_view text;
+    std::uint64_t units;
+    const char* why;
+  } rows[] = {
+      {"", 0, "nothing"},
+      {"abc", 3, "ASCII"},
+      {"a\0b"sv, 3, "U+0000 counts"},
+      {"é", 1, "two bytes, one unit"},
+      {"e\u0301", 2, "a letter and its mark"},
+      {"👍", 2, "a surrogate pair"},
+      {"👨‍👩‍👧‍👦", 11, "a family with joiners"},
+      {"a\xF0\x9F\x91", 2, "an ill-formed part is one U+FFFD"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(havrin::nsrange(row.text), (havrin::NSRange{0, row.units}));
+    EXPECT_EQ(havrin::entireRange(row.text), (havrin::Range<std::size_t>{0, row.text.size()}));
+  }
+}
+
+TEST(StringHelpers, CharactersAreTestedScalarByScalar) {
+  const CharacterSet letters = CharacterSet::letters(), digits = CharacterSet::decimalDigits(), none;
+  const CharacterSet ascii({U'\0', U'\x7F'}), thumb("👍"), replacement("\uFFFD");
+  const struct {
+    std::string_view text;
+    CharacterSet set;
+    bool any, only;
+    const char* why;
+  } rows[] = {
+      {"", letters, false, true, "empty text"},
+      {"", none, false, true, "empty text, empty set"},
+      {"abc", none, false, false, "the empty set"},
+      {"abc", letters, true, true, "only members"},
+      {"abc", digits, false, false, "no member"},
+      {"abc1", letters, true, false, "a last one that is none"},
+      {"abc1", digits, true, false, "a last one that is"},
+      {"e\u0301", letters, true, true, "a mark is a letter"},
+      {"e\u0301", ascii, true, false, "but not in ASCII"},
+      {"👍", thumb, true, true, "a pair is one scalar"},
+      {"👎", thumb, false, false, "half of it is no match"},
+      {"👍", thumb.inverted(), false, false, "nor in the complement"},
+      {"\xF0\x9F", replacement, true, true, "an ill-formed part is U+FFFD"},
+      {"a\0"sv, letters, true, false, "U+0000 is looked at"},
+      {"٣", digits, true, true, "digits of any script"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(containsAnyCharacters(row.text, row.set), row.any);
+    EXPECT_EQ(containsOnlyCharacters(row.text, row.set), row.only);
+    EXPECT_EQ(containsAnyCharacters(row.text, row.set.inverted()), !row.only);
+  }
+}
+
+TEST(StringHelpers, RepetitionJoinsNeighboursOnly) {
+  const struct {
+    std::string_view text;
+    std::int64_t times;
+    std::optional<std::string_view> joinedBy;
+    std::string_view result;
+    const char* why;
+  } rows[] = {
+      {"ab", 3, ", ", "ab, ab, ab", "a separator between neighbours"},
+      {"ab", 3, {}, "ababab", "no separator"},
+      {"ab", 3, "", "ababab", "the empty separator"},
+      {"ab", 1, ", ", "ab", "one copy"},
+      {"ab", 0, ", ", "", "no copy"},
+      {"ab", -1, ", ", "", "fewer than none"},
+      {"", 3, "-", "--", "copies of nothing"},
+      {"", 3, {}, "", "nothing of nothing"},
+      {"", std::numeric_limits<std::int64_t>::max(), {}, "", "any number of times"},
+      {"a\0"sv, 2, "\0"sv, "a\0\0a\0"sv, "U+0000 is kept"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(repeating<NSString>(row.text, row.times, row.joinedBy), row.result);
+  }
+  for (std::int64_t times = 1; times < 70; ++times) {
+    std::string expected = "abc";
+    for (std::int64_t copy = 1; copy < times; ++copy) expected += "-+abc";
+    ASSERT_EQ(repeating<NSString>("abc", times, "-+"), expected);
+  }
+  EXPECT_THROW((void)repeating<NSString>("ab", std::numeric_limits<std::int64_t>::max(), {}), std::length_error);
+}
+
+}  // namespace
