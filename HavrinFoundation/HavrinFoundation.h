@@ -7,3 +7,10 @@
 #include <HavrinFoundation/frame/unfair_lock.h>
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
 #include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/runtime/clamp.h>
+#include <HavrinFoundation/text/base36.h>
+#include <HavrinFoundation/text/character_sets.h>
+#include <HavrinFoundation/text/friendly_number.h>
+#include <HavrinFoundation/text/hex.h>
+#include <HavrinFoundation/text/sha256.h>
+#include <HavrinFoundation/text/string_helpers.h>
