@@ -1,0 +1,15 @@
+// What the two libraries and the program of this test share: a message, and a class that each of them sees through its
+// own copy of this header.
+#pragma once
+
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/members.h>
+
+template <>
+struct havrin::Message<havrin::NSObject, "img_greet:"> : Signature<Strong<NSString>(NSString*)> {};
+
+class Guest : public havrin::Object<Guest, havrin::NSObject> {
+ public:
+  std::int64_t seats() { return 2; }
+  using Members = havrin::List<havrin::Method<"img_seats", &Guest::seats>>;
+};
