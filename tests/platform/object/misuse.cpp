@@ -1,0 +1,49 @@
+// What must not compile: one mistake a case, and none in case 0.
+#include <string>
+
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/members.h>
+
+using namespace havrin;
+
+template <>
+struct havrin::Message<NSObject, "greet:"> : Signature<Strong<NSString>(NSString*)> {};
+
+struct Listener : Object<Listener, NSObject> {
+  Strong<NSString> name_;
+  std::int64_t age() { return 7; }
+  using Members = List<Property<"name", &Listener::name_>, Method<"age", &Listener::age>>;
+};
+
+#if HAVRIN_CASE == 6
+struct Shouter : Object<Shouter, Listener> {
+  Strong<NSString> age() { return makeString("old"); }
+  using Members = List<Method<"age", &Shouter::age>>;
+};
+#endif
+
+Strong<NSString> greet(NSObject&, NSString* word) { return word; }
+std::int64_t wrong(NSObject&, std::int64_t number) { return number; }
+
+void use(Listener& listener) {
+  static_assert(Answers<Listener, "greet:"> && !Answers<Listener, "greeet:">);
+#if HAVRIN_CASE == 0
+  send<"greet:">(listener, makeString("x"));
+  (void)row<NSObject, "greet:", greet>();
+#elif HAVRIN_CASE == 1
+  send<"greeet:">(listener, makeString("x"));
+#elif HAVRIN_CASE == 2
+  send<"greet:">(listener, 7);
+#elif HAVRIN_CASE == 3
+  send<"greet:">(listener);
+#elif HAVRIN_CASE == 4
+  std::string text;
+  send<"greet:">(text, makeString("x"));
+#elif HAVRIN_CASE == 5
+  (void)row<NSObject, "greet:", wrong>();
+#elif HAVRIN_CASE == 6
+  (void)make<Shouter>();
+#elif HAVRIN_CASE == 7
+  const std::int64_t age = send<"name">(listener);
+#endif
+}
