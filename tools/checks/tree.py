@@ -114,7 +114,7 @@ def check_headers(tree):
         if "#pragma once" not in text:
             yield f"{name}:1: no #pragma once"
         for number, line in enumerate(text.splitlines(), 1):
-            if re.match(r"\s*using namespace\b", line):
+            if re.match(r"using namespace\b", line):
                 yield f"{name}:{number}: 'using namespace' in a header"
             if re.match(r"\s*#\s*define\s", line) and not re.match(r"#define HAVRIN_EXPORT\b", line):
                 yield f"{name}:{number}: the one macro of the headers is HAVRIN_EXPORT"
