@@ -1,7 +1,5 @@
 #include <HavrinFoundation/platform/time/calendar.h>
 
-#include <algorithm>
-
 #include <HavrinFoundation/platform/time/civil.h>
 #include <HavrinFoundation/platform/time/environment.h>
 #include <HavrinFoundation/platform/time/instant.h>
@@ -9,6 +7,8 @@
 #include <HavrinFoundation/platform/time/system_zone.h>
 #include <HavrinFoundation/platform/time/text_cache.h>
 #include <HavrinFoundation/platform/time/zone_rules.h>
+
+#include <algorithm>
 
 namespace havrin::inline platform {
 namespace {

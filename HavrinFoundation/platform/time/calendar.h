@@ -13,13 +13,13 @@
 // Left out: making dates from components, adding months and years, weeks, leap-month marks, the first day of the week.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/time/date.h>
 #include <HavrinFoundation/platform/time/locale.h>
 #include <HavrinFoundation/platform/time/zone.h>
+
+#include <cstdint>
+#include <optional>
 
 namespace havrin::inline platform {
 

@@ -1,9 +1,9 @@
-// Day numbers and civil days of the Gregorian calendar, whose days before 15 October 1582 are Julian. Internal.
+// The civil days of day numbers in the Gregorian calendar, whose days before 15 October 1582 are Julian. Internal.
 //
 //   civilDayOf(0)                      1970-01-01
 //   civilDayOf(-141'427)               1582-10-15, the first Gregorian day
 //   civilDayOf(-141'428)               1582-10-04, the last Julian day
-//   dayNumberOf({1500, 2, 29})         -171'596: the Julian year 1500 is a leap year
+//   civilDayOf(-171'596)               1500-02-29: the Julian year 1500 is a leap year
 //   weekdayOf(0)                       4, a Thursday
 //
 // Source: C. Neri and L. Schneider, "Euclidean affine functions and their application to calendar algorithms",
@@ -79,18 +79,6 @@ constexpr std::int64_t floorDivide(std::int64_t dividend, std::int64_t divisor) 
 /// The civil day of a day number, at most six million years from 1970.
 constexpr CivilDay civilDayOf(std::int64_t dayNumber) {
   return dayNumber >= kFirstGregorianDay ? civil_detail::gregorian(dayNumber) : civil_detail::julian(dayNumber);
-}
-
-/// The day number of a civil day. The ten days that 1582 left out, and days beyond the end of a month, run on.
-constexpr std::int64_t dayNumberOf(CivilDay civil) {
-  using namespace civil_detail;
-  const std::int64_t year = civil.year + kShiftYears - (civil.month < 3);
-  const std::int64_t dayOfYear = (153 * (civil.month + (civil.month < 3 ? 9 : -3)) + 2) / 5 + civil.day - 1;
-  const std::int64_t julianDays = kShiftYears / kJulianCycleYears * kJulianCycleDays + kJulianMarchFirst;
-  const std::int64_t julian = year * 365 + year / 4 + dayOfYear - julianDays;
-  if (julian < kFirstGregorianDay) return julian;
-  const std::int64_t gregorianDays = kShiftYears / kGregorianCycleYears * kGregorianCycleDays + kGregorianMarchFirst;
-  return year * 365 + year / 4 - year / 100 + year / 400 + dayOfYear - gregorianDays;
 }
 
 /// The day of the week, 0 for Sunday.

@@ -11,6 +11,8 @@
 // Left out: the distant past and future as named values, text (see date_format.h), calendar fields (see calendar.h).
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <chrono>
 #include <cmath>
 #include <compare>
@@ -18,8 +20,6 @@
 #include <functional>
 #include <ratio>
 #include <utility>
-
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

@@ -1,8 +1,8 @@
 #include <HavrinFoundation/platform/time/environment.h>
 
-#include <string_view>
-
 #include <unistd.h>
+
+#include <string_view>
 
 namespace havrin::inline platform {
 namespace {

@@ -1,9 +1,9 @@
 // Dates as whole seconds since 1970 and a fraction, inside the range of every calendar. Internal.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/platform/time/date.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 

@@ -1,14 +1,15 @@
 #include <HavrinFoundation/platform/time/locale.h>
 
+#include <HavrinFoundation/platform/time/environment.h>
+
+#include <unicode/calendar.h>
+#include <unicode/locid.h>
+#include <unicode/resbund.h>
+
 #include <algorithm>
 #include <array>
 #include <memory>
 #include <utility>
-
-#include <HavrinFoundation/platform/time/environment.h>
-#include <unicode/calendar.h>
-#include <unicode/locid.h>
-#include <unicode/resbund.h>
 
 namespace havrin::inline platform {
 namespace {

@@ -11,10 +11,10 @@
 // Left out: everything but dates: collation, numbers, measures, names of languages.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <string>
 #include <string_view>
-
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

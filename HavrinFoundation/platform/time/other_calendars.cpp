@@ -1,14 +1,15 @@
 #include <HavrinFoundation/platform/time/other_calendars.h>
 
+#include <HavrinFoundation/platform/time/civil.h>
+#include <HavrinFoundation/platform/time/instant.h>
+
+#include <unicode/calendar.h>
+#include <unicode/locid.h>
+
 #include <algorithm>
 #include <map>
 #include <memory>
 #include <string>
-
-#include <HavrinFoundation/platform/time/civil.h>
-#include <HavrinFoundation/platform/time/instant.h>
-#include <unicode/calendar.h>
-#include <unicode/locid.h>
 
 namespace havrin::inline platform {
 namespace {

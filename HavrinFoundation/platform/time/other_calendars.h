@@ -1,9 +1,9 @@
 // Calendars that are not Gregorian: what ICU is asked for. Internal.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/platform/time/calendar.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 

@@ -1,5 +1,10 @@
 #include <HavrinFoundation/platform/time/system_zone.h>
 
+#include <HavrinFoundation/platform/time/text_cache.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -9,12 +14,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <utility>
-
-#include <HavrinFoundation/platform/time/text_cache.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace havrin::inline platform {
 namespace {

@@ -1,10 +1,10 @@
 // Where zones are found: the zone files, the link to the system's zone, and the answer to TZ. Internal.
 #pragma once
 
+#include <HavrinFoundation/platform/time/zone_rules.h>
+
 #include <string>
 #include <string_view>
-
-#include <HavrinFoundation/platform/time/zone_rules.h>
 
 namespace havrin::inline platform {
 

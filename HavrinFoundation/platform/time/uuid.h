@@ -7,6 +7,8 @@
 // Left out: making new random identifiers.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -14,8 +16,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

@@ -10,12 +10,12 @@
 // Left out: zones made from a bare offset, POSIX rules in TZ, TZDIR, localised names (a date format writes them).
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/time/date.h>
+
 #include <cstdint>
 #include <optional>
 #include <string_view>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/time/date.h>
 
 namespace havrin::inline platform {
 

@@ -1,15 +1,16 @@
 #include <HavrinFoundation/platform/time/zone_rules.h>
 
+#include <cctz/time_zone.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <limits>
 #include <string_view>
 #include <utility>
-
-#include <cctz/time_zone.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace havrin::inline platform {
 namespace {

@@ -9,14 +9,14 @@
 // wall clock. Instants and readings lie inside the calendars' range (see instant.h).
 #pragma once
 
+#include <HavrinFoundation/platform/time/civil.h>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <HavrinFoundation/platform/time/civil.h>
 
 namespace havrin::inline platform {
 

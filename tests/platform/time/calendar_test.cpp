@@ -1,14 +1,13 @@
 #include <HavrinFoundation/platform/time/calendar.h>
+#include <tests/platform/time/pinned_environment.h>
+
+#include <gtest/gtest.h>
+#include <unicode/gregocal.h>
 
 #include <limits>
 #include <memory>
 #include <random>
 #include <string>
-
-#include <gtest/gtest.h>
-#include <unicode/gregocal.h>
-
-#include "pinned_environment.h"
 
 namespace havrin {
 namespace {

@@ -1,11 +1,12 @@
 #include <HavrinFoundation/platform/time/date.h>
 
+#include <HavrinFoundation/platform/dispatch/clock.h>
+
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <cmath>
 #include <limits>
-
-#include <HavrinFoundation/platform/dispatch/clock.h>
-#include <gtest/gtest.h>
 
 namespace havrin {
 namespace {

@@ -1,10 +1,9 @@
 #include <HavrinFoundation/platform/time/locale.h>
-
-#include <string>
+#include <tests/platform/time/pinned_environment.h>
 
 #include <gtest/gtest.h>
 
-#include "pinned_environment.h"
+#include <string>
 
 namespace havrin {
 namespace {

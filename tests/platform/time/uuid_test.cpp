@@ -1,9 +1,9 @@
 #include <HavrinFoundation/platform/time/uuid.h>
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <unordered_set>
-
-#include <gtest/gtest.h>
 
 namespace havrin {
 namespace {

@@ -1,5 +1,13 @@
 #include <HavrinFoundation/platform/time/zone.h>
 
+#include <HavrinFoundation/platform/time/calendar.h>
+#include <HavrinFoundation/platform/time/system_zone.h>
+#include <tests/platform/time/pinned_environment.h>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
 #include <atomic>
 #include <ctime>
 #include <filesystem>
@@ -9,13 +17,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <HavrinFoundation/platform/time/calendar.h>
-#include <HavrinFoundation/platform/time/system_zone.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include "pinned_environment.h"
 
 namespace havrin {
 namespace {
