@@ -1,6 +1,8 @@
 // The whole library in one include.
 #pragma once
 
+#include <HavrinFoundation/dates/date_arithmetic.h>
+#include <HavrinFoundation/dates/zero_uuid.h>
 #include <HavrinFoundation/frame/identity.h>
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/log.h>
