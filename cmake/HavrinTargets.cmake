@@ -7,6 +7,7 @@ add_library(havrin_build_flags INTERFACE)
 target_compile_features(havrin_build_flags INTERFACE cxx_std_20)
 target_compile_options(havrin_build_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # g++ 12 sees overlaps in std::string's own concatenation
   $<$<BOOL:${HAVRIN_WARNINGS_AS_ERRORS}>:-Werror>)
 if(HAVRIN_SANITIZERS)
   target_compile_options(havrin_build_flags INTERFACE
