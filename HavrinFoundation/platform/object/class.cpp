@@ -113,7 +113,7 @@ void ClassObject::addRows(std::span<const MethodRow> rows) {
   for (const MethodRow& row : rows) {
     const std::uint32_t number = Selector(*row.selector).number();
     for (ClassObject* cls : runtime.all) {
-      if (cls->inheritsFrom(this)) cls->slots()[number].store(nullptr, std::memory_order_release);
+      if (cls->inheritsFrom(this)) cls->methodTable()[number].store(nullptr, std::memory_order_release);
     }
   }
   runtime.methodChanges.fetch_add(1, std::memory_order_release);
@@ -149,7 +149,7 @@ Implementation ClassObject::resolve(const SelectorConstant& constant, const std:
     const MethodRow* row = findRow(selector.record());
     if (row && *row->signature->type == signature) {
       const Implementation found = implementation(*row);
-      if (const std::uint32_t number = selector.number()) slots()[number].store(found, std::memory_order_release);
+      if (const std::uint32_t number = selector.number()) methodTable()[number].store(found, std::memory_order_release);
       return found;
     }
     if (row) {

@@ -72,7 +72,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
 
   /// The cached method for a selector's number; null when it must be resolved.
   [[nodiscard]] Implementation cached(std::uint32_t number) const {
-    return slots()[number].load(std::memory_order_acquire);
+    return methodTable()[number].load(std::memory_order_acquire);
   }
   /// The method that answers `selector` with exactly this signature. Throws: NSException (InvalidArgument) when there
   /// is none, or one of another signature. `receiver` is for the text.
@@ -97,7 +97,8 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   friend struct Runtime;
   ClassObject(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
   static ClassObject* place(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
-  [[nodiscard]] std::atomic<Implementation>* slots() const {
+  // Not called `slots`: programs that use Qt have a macro of that name.
+  [[nodiscard]] std::atomic<Implementation>* methodTable() const {
     // The table stands behind the object, in memory that starts zeroed and is touched page by page.
     return reinterpret_cast<std::atomic<Implementation>*>(const_cast<ClassObject*>(this) + 1);
   }
