@@ -32,4 +32,6 @@ ClockSource* installClockSource(ClockSource* source) {
   return installedSource.exchange(source, std::memory_order_acq_rel);
 }
 
+ClockSource* installedClockSource() { return installedSource.load(std::memory_order_acquire); }
+
 }  // namespace havrin::inline platform

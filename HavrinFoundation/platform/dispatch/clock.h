@@ -33,6 +33,9 @@ class HAVRIN_EXPORT ClockSource {
   [[nodiscard]] virtual double monotonicSeconds() const = 0;
   /// The answer of `havrin::wallSecondsSince1970` while this source is installed. Called on any thread.
   [[nodiscard]] virtual double wallSecondsSince1970() const = 0;
+  /// A run loop of the calling thread has nothing to do before `deadline`, which may be infinite.
+  /// Result: true when this source has brought the time there; false when the loop is to wait until it is woken.
+  [[nodiscard]] virtual bool passTimeTo(double deadline) = 0;
 
  protected:
   virtual ~ClockSource();
@@ -42,5 +45,8 @@ class HAVRIN_EXPORT ClockSource {
 /// Result: the source that was installed before, null for the system's clocks.
 /// Threads: any. The source must outlive every reading that has begun; meant for test programs.
 HAVRIN_EXPORT ClockSource* installClockSource(ClockSource* source);
+
+/// The installed source, null for the system's clocks.
+[[nodiscard]] HAVRIN_EXPORT ClockSource* installedClockSource();
 
 }  // namespace havrin::inline platform

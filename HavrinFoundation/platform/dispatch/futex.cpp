@@ -5,11 +5,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <ctime>
 
 namespace havrin::inline platform::futex {
 
-void wait(std::uint32_t& word, std::uint32_t expected, double seconds) {
+bool wait(std::uint32_t& word, std::uint32_t expected, double seconds) {
   // Longer than a day is cut into days: the caller looks again anyway, and no conversion can overflow.
   timespec limit{};
   if (seconds != kForever) {
@@ -17,7 +18,8 @@ void wait(std::uint32_t& word, std::uint32_t expected, double seconds) {
     limit.tv_sec = static_cast<time_t>(wanted);
     limit.tv_nsec = static_cast<long>((wanted - static_cast<double>(limit.tv_sec)) * 1e9);
   }
-  syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, expected, seconds == kForever ? nullptr : &limit, nullptr, 0);
+  const timespec* until = seconds == kForever ? nullptr : &limit;
+  return syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, expected, until, nullptr, 0) == 0 || errno != ETIMEDOUT;
 }
 
 void wake(std::uint32_t& word, int threads) {

@@ -10,13 +10,14 @@ namespace havrin::inline platform::futex {
 inline constexpr double kForever = std::numeric_limits<double>::infinity();
 
 /// Sleeps while `word` holds `expected`, at most `seconds`; may return early for no reason. The caller looks again.
-void wait(std::uint32_t& word, std::uint32_t expected, double seconds = kForever);
+/// Result: false when the time was up.
+bool wait(std::uint32_t& word, std::uint32_t expected, double seconds = kForever);
 
 /// Wakes at most `threads` of those that sleep on `word`, which may already be gone.
 void wake(std::uint32_t& word, int threads);
 
-inline void wait(std::atomic<std::uint32_t>& word, std::uint32_t expected, double seconds = kForever) {
-  wait(reinterpret_cast<std::uint32_t&>(word), expected, seconds);
+inline bool wait(std::atomic<std::uint32_t>& word, std::uint32_t expected, double seconds = kForever) {
+  return wait(reinterpret_cast<std::uint32_t&>(word), expected, seconds);
 }
 inline void wake(std::atomic<std::uint32_t>& word, int threads) {
   wake(reinterpret_cast<std::uint32_t&>(word), threads);

@@ -12,6 +12,7 @@ class FixedClock : public ClockSource {
  public:
   double monotonicSeconds() const override { return 12.5; }
   double wallSecondsSince1970() const override { return -1.25; }
+  bool passTimeTo(double) override { return false; }
 };
 
 TEST(Clock, FollowsTheSystemsClocks) {

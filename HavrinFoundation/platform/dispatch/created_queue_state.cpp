@@ -1,0 +1,115 @@
+#include <HavrinFoundation/platform/dispatch/created_queue_state.h>
+
+#include <HavrinFoundation/platform/dispatch/execution_frame.h>
+
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+DispatchQueue orGlobal(const DispatchQueue& target) { return target ? target : dispatch_get_global_queue(); }
+
+}  // namespace
+
+CreatedQueueState::CreatedQueueState(std::string_view label, dispatch_queue_attr_t attribute,
+                                     const DispatchQueue& target)
+    : QueueState(label, Lifetime::kCounted), serial_(attribute == DISPATCH_QUEUE_SERIAL), target_(orGlobal(target)) {}
+
+DispatchQueue CreatedQueueState::target() {
+  UnfairLockGuard guard(lock_);
+  return target_;
+}
+
+void CreatedQueueState::setTarget(const DispatchQueue& target) {
+  DispatchQueue replaced = orGlobal(target);
+  UnfairLockGuard guard(lock_);
+  std::swap(target_, replaced);
+  retargeted_.store(true, std::memory_order_relaxed);
+}
+
+void CreatedQueueState::append(Work&& work) {
+  DispatchQueue target;
+  {
+    UnfairLockGuard guard(lock_);
+    pending_.push(std::move(work));
+    if (serial_ && std::exchange(busy_, true)) return;
+    target = target_;
+  }
+  queueTurnOn(target);
+}
+
+void CreatedQueueState::queueTurnOn(const DispatchQueue& target) {
+  of(target).append(Work([self = reference()] { static_cast<CreatedQueueState&>(of(self)).takeTurn(); }));
+}
+
+void CreatedQueueState::takeTurn() {
+  const ExecutionFrame* below = ExecutionFrame::current();
+  DispatchQueue target;
+  {
+    UnfairLockGuard guard(lock_);
+    target = target_;
+    retargeted_.store(false, std::memory_order_relaxed);
+  }
+  if (&of(target) != below->queue) {
+    queueTurnOn(target);
+    return;
+  }
+  EnterQueue frame(*this, below);
+  serial_ ? runBatch() : runOne();
+}
+
+void CreatedQueueState::runOne() {
+  Work work;
+  {
+    UnfairLockGuard guard(lock_);
+    work = pending_.pop();
+  }
+  runQueued(std::move(work));
+}
+
+void CreatedQueueState::runBatch() {
+  if (batch_.empty()) {
+    UnfairLockGuard guard(lock_);
+    batch_.swap(pending_);
+  }
+  while (!batch_.empty()) {
+    runQueued(batch_.pop());
+    if (retargeted_.load(std::memory_order_relaxed)) break;
+  }
+  leave();
+}
+
+// Gives a serial queue up, or queues its next turn when closures are left.
+void CreatedQueueState::leave() {
+  DispatchQueue target;
+  {
+    UnfairLockGuard guard(lock_);
+    if (batch_.empty() && pending_.empty()) {
+      busy_ = false;
+      return;
+    }
+    target = target_;
+  }
+  queueTurnOn(target);
+}
+
+bool CreatedQueueState::callAtOnce(BlockView<void()> block) {
+  DispatchQueue target;
+  {
+    UnfairLockGuard guard(lock_);
+    if (serial_ && std::exchange(busy_, true)) return false;
+    target = target_;
+  }
+  struct Leave {
+    CreatedQueueState* serial;
+    ~Leave() {
+      if (serial != nullptr) serial->leave();
+    }
+  } const leaveAfterwards{serial_ ? this : nullptr};
+  return of(target).callAtOnce([&] {
+    EnterQueue frame(*this, ExecutionFrame::current());
+    block();
+  });
+}
+
+}  // namespace havrin::inline platform

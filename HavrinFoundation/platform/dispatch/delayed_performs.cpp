@@ -1,0 +1,226 @@
+#include <HavrinFoundation/platform/dispatch/delayed_performs.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+constexpr std::size_t kFirstSlots = 16;
+// Below this many cancelled requests it is not worth while to rebuild the heap.
+constexpr std::size_t kFewCancelled = 64;
+
+std::uint64_t mixed(const void* target, const void* selector) {
+  const auto a = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(target));
+  const auto b = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(selector));
+  // Addresses differ in their middle bits; the product brings these to the top, from where they are taken.
+  std::uint64_t hash = (a ^ (b << 21 | b >> 43)) * 0x9e37'79b9'7f4a'7c15;
+  return hash ^ hash >> 32;
+}
+
+}  // namespace
+
+DelayedPerforms::DelayedPerforms() : slots_(kFirstSlots) {}
+
+DelayedPerforms::~DelayedPerforms() {
+  // A destructor of what the work holds may still cancel here: it finds nothing, and then the next one goes.
+  slots_.assign(kFirstSlots, Slot());
+  std::vector<Place> heap = std::exchange(heap_, {});
+  for (const Place& place : heap) delete place.request;
+}
+
+void DelayedPerforms::schedule(const PerformKey& key, DueTime due, Work&& work) {
+  ++waiting_;
+  if (key.target != nullptr) {
+    // The place of a cancelled request of the same name serves again.
+    Request* old = firstWith(key.target, key.selector);
+    if (old != nullptr && !old->waits()) {
+      old->key = key;
+      old->work = std::move(work);
+      moveTo(old, due);
+      return;
+    }
+  }
+  auto* request = new Request{key, due, heap_.size(), nullptr, std::move(work)};
+  heap_.push_back({due, request});
+  siftUp(request->place);
+  if (key.target != nullptr) link(request);
+}
+
+bool DelayedPerforms::postpone(const void* target, const void* selector, DueTime due) {
+  Request* only = firstWith(target, selector);
+  if (only == nullptr || only->next != nullptr || !only->waits() || only->key.argument != nullptr) return false;
+  moveTo(only, due);
+  return true;
+}
+
+void DelayedPerforms::moveTo(Request* request, DueTime due) {
+  request->due = due;
+  if (due < heap_[request->place].due) {
+    heap_[request->place].due = due;
+    siftUp(request->place);
+  }
+}
+
+Work DelayedPerforms::withdraw(Request* request) {
+  --waiting_;
+  return std::move(request->work);
+}
+
+void DelayedPerforms::cancel(const PerformKey& key, BlockView<bool(const void* argument)> sameArgument) {
+  // What the work holds is released after the walk: its destructors may arrange and cancel.
+  Work first;
+  std::vector<Work> others;
+  for (Request* each = firstWith(key.target, key.selector); each != nullptr; each = each->next) {
+    if (!each->waits()) continue;
+    const void* argument = each->key.argument;
+    const bool same =
+        argument == key.argument || (argument != nullptr && key.argument != nullptr && sameArgument(argument));
+    if (!same) continue;
+    if (first) {
+      others.push_back(withdraw(each));
+    } else {
+      first = withdraw(each);
+    }
+  }
+  removeCancelledIfMany();
+}
+
+void DelayedPerforms::cancel(const void* target) {
+  std::vector<Work> withdrawn;
+  for (const Place& place : heap_) {
+    if (place.request->key.target == target && place.request->waits()) withdrawn.push_back(withdraw(place.request));
+  }
+  removeCancelledIfMany();
+}
+
+std::optional<DueTime> DelayedPerforms::first() {
+  while (!heap_.empty()) {
+    Request* request = heap_.front().request;
+    if (!request->waits()) {
+      removeTop();
+    } else if (heap_.front().due < request->due) {
+      heap_.front().due = request->due;
+      siftDown(0);
+    } else {
+      return request->due;
+    }
+  }
+  return std::nullopt;
+}
+
+Work DelayedPerforms::takeFirst() {
+  Work work = withdraw(heap_.front().request);
+  removeTop();
+  return work;
+}
+
+void DelayedPerforms::removeTop() {
+  Request* request = heap_.front().request;
+  if (request->key.target != nullptr) unlink(request);
+  delete request;
+  const Place last = heap_.back();
+  heap_.pop_back();
+  if (!heap_.empty()) {
+    put(0, last);
+    siftDown(0);
+  }
+}
+
+void DelayedPerforms::removeCancelledIfMany() {
+  const std::size_t cancelled = heap_.size() - waiting_;
+  if (cancelled <= kFewCancelled || cancelled <= waiting_) return;
+  std::erase_if(heap_, [this](const Place& place) {
+    if (place.request->waits()) return false;
+    if (place.request->key.target != nullptr) unlink(place.request);
+    delete place.request;
+    return true;
+  });
+  for (std::size_t place = 0; place < heap_.size(); ++place) heap_[place].request->place = place;
+  for (std::size_t place = heap_.size() / 2; place-- > 0;) siftDown(place);
+}
+
+void DelayedPerforms::put(std::size_t place, const Place& entry) {
+  heap_[place] = entry;
+  entry.request->place = place;
+}
+
+void DelayedPerforms::siftUp(std::size_t place) {
+  const Place rising = heap_[place];
+  while (place > 0) {
+    const std::size_t parent = (place - 1) / 2;
+    if (!(rising.due < heap_[parent].due)) break;
+    put(place, heap_[parent]);
+    place = parent;
+  }
+  put(place, rising);
+}
+
+void DelayedPerforms::siftDown(std::size_t place) {
+  const Place sinking = heap_[place];
+  for (;;) {
+    std::size_t child = 2 * place + 1;
+    if (child >= heap_.size()) break;
+    if (child + 1 < heap_.size() && heap_[child + 1].due < heap_[child].due) ++child;
+    if (!(heap_[child].due < sinking.due)) break;
+    put(place, heap_[child]);
+    place = child;
+  }
+  put(place, sinking);
+}
+
+// The slot that holds the key, or the empty one where it would stand.
+std::size_t DelayedPerforms::slotOf(const void* target, const void* selector) const {
+  const std::size_t mask = slots_.size() - 1;
+  std::size_t slot = mixed(target, selector) & mask;
+  while (slots_[slot].first != nullptr && (slots_[slot].target != target || slots_[slot].selector != selector)) {
+    slot = (slot + 1) & mask;
+  }
+  return slot;
+}
+
+DelayedPerforms::Request* DelayedPerforms::firstWith(const void* target, const void* selector) const {
+  return slots_[slotOf(target, selector)].first;
+}
+
+void DelayedPerforms::link(Request* request) {
+  if (2 * (usedSlots_ + 1) > slots_.size()) growSlots();
+  Slot& slot = slots_[slotOf(request->key.target, request->key.selector)];
+  if (slot.first == nullptr) {
+    slot = {request->key.target, request->key.selector, nullptr};
+    ++usedSlots_;
+  }
+  request->next = std::exchange(slot.first, request);
+}
+
+void DelayedPerforms::unlink(Request* request) {
+  const std::size_t slot = slotOf(request->key.target, request->key.selector);
+  Request** link = &slots_[slot].first;
+  while (*link != request) link = &(*link)->next;
+  *link = request->next;
+  if (slots_[slot].first == nullptr) eraseSlot(slot);
+}
+
+// Moves later entries of the same run up, so that no look-up meets a gap.
+void DelayedPerforms::eraseSlot(std::size_t slot) {
+  --usedSlots_;
+  const std::size_t mask = slots_.size() - 1;
+  std::size_t gap = slot;
+  for (std::size_t next = (gap + 1) & mask; slots_[next].first != nullptr; next = (next + 1) & mask) {
+    const std::size_t home = mixed(slots_[next].target, slots_[next].selector) & mask;
+    if (((next - home) & mask) >= ((next - gap) & mask)) {
+      slots_[gap] = slots_[next];
+      gap = next;
+    }
+  }
+  slots_[gap] = Slot();
+}
+
+void DelayedPerforms::growSlots() {
+  const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
+  for (const Slot& slot : old) {
+    if (slot.first != nullptr) slots_[slotOf(slot.target, slot.selector)] = slot;
+  }
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,93 @@
+// The delayed work of one mode of one run loop. Internal to the layer; used on one thread.
+//
+// A heap finds what is due next, a hash table what bears a key. Debouncing moves one request's deadline again and
+// again, nearly always later, so a request's place in the heap may be older than its deadline: moving it later, or
+// cancelling it, writes the request and leaves the heap alone, and arranging it again finds the place it had. The heap
+// sets itself right when such a place comes to its top, or when they have become too many.
+#pragma once
+
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/dispatch/work.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace havrin::inline platform {
+
+/// When work is due, and its rank among what is due at the same time.
+struct DueTime {
+  double deadline;
+  std::uint64_t rank;
+
+  friend bool operator<(const DueTime& a, const DueTime& b) {
+    return a.deadline != b.deadline ? a.deadline < b.deadline : a.rank < b.rank;
+  }
+};
+
+class DelayedPerforms {
+ public:
+  DelayedPerforms();
+  ~DelayedPerforms();
+  DelayedPerforms(const DelayedPerforms&) = delete;
+  DelayedPerforms& operator=(const DelayedPerforms&) = delete;
+
+  /// Adds a request; without a target it cannot be cancelled.
+  void schedule(const PerformKey& key, DueTime due, Work&& work);
+  /// Moves the only request that waits with this target, this selector and no argument; false when it is not the only
+  /// one.
+  bool postpone(const void* target, const void* selector, DueTime due);
+  void cancel(const PerformKey& key, BlockView<bool(const void* argument)> sameArgument);
+  void cancel(const void* target);
+
+  /// How many requests wait.
+  [[nodiscard]] std::size_t size() const { return waiting_; }
+  /// How many places the heap holds, those of cancelled requests included.
+  [[nodiscard]] std::size_t places() const { return heap_.size(); }
+  /// The due time of the request that is due first; empty when none waits.
+  [[nodiscard]] std::optional<DueTime> first();
+  /// Takes that request away and returns its work.
+  [[nodiscard]] Work takeFirst();
+
+ private:
+  struct Request {
+    PerformKey key;
+    DueTime due;
+    std::size_t place;  // in the heap
+    Request* next;      // with the same target and selector
+    Work work;          // empty: cancelled
+    [[nodiscard]] bool waits() const { return static_cast<bool>(work); }
+  };
+  struct Place {
+    DueTime due;  // never later than the request's
+    Request* request;
+  };
+  struct Slot {
+    const void* target = nullptr;
+    const void* selector = nullptr;
+    Request* first = nullptr;
+  };
+
+  [[nodiscard]] std::size_t slotOf(const void* target, const void* selector) const;
+  [[nodiscard]] Request* firstWith(const void* target, const void* selector) const;
+  void link(Request* request);
+  void unlink(Request* request);
+  void eraseSlot(std::size_t slot);
+  void growSlots();
+
+  void moveTo(Request* request, DueTime due);
+  void siftUp(std::size_t place);
+  void siftDown(std::size_t place);
+  void put(std::size_t place, const Place& entry);
+  void removeTop();
+  void removeCancelledIfMany();
+  [[nodiscard]] Work withdraw(Request* request);
+
+  std::vector<Place> heap_;
+  std::vector<Slot> slots_;  // open addressing, a power of two of them
+  std::size_t usedSlots_ = 0;
+  std::size_t waiting_ = 0;
+};
+
+}  // namespace havrin::inline platform

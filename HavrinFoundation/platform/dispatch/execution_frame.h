@@ -1,0 +1,34 @@
+// Which queue's closure a thread is running: the frames on its stack. Internal to the layer.
+//
+// A closure's frame stands on the frames of the queues through which its queue runs, as they were when it began: that
+// chain, and not the queues' present targets, is what a closure can ask about. A dispatch_sync starts a new chain.
+#pragma once
+
+#include <HavrinFoundation/platform/dispatch/queue_state.h>
+
+namespace havrin::inline platform {
+
+struct ExecutionFrame {
+  QueueState* queue;             // null in the frame of a thread that runs no queue's closure
+  const ExecutionFrame* target;  // the frame of the queue through which this one runs, or null
+  const ExecutionFrame* outer;   // what the thread was running before, or null
+
+  /// The innermost frame of this thread. The main thread's outermost one is the main queue's.
+  static const ExecutionFrame* current();
+  /// Whether a closure of `queue` is somewhere on this thread's stack.
+  static bool isHeldHere(const QueueState& queue);
+};
+
+/// A closure of `queue` runs on this thread as long as this stands.
+class EnterQueue {
+ public:
+  EnterQueue(QueueState& queue, const ExecutionFrame* target);
+  ~EnterQueue();
+  EnterQueue(const EnterQueue&) = delete;
+  EnterQueue& operator=(const EnterQueue&) = delete;
+
+ private:
+  ExecutionFrame frame_;
+};
+
+}  // namespace havrin::inline platform

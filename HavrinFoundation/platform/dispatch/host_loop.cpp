@@ -1,0 +1,33 @@
+#include <HavrinFoundation/platform/dispatch/host_loop.h>
+
+#include <HavrinFoundation/platform/dispatch/host_descriptor.h>
+#include <HavrinFoundation/platform/dispatch/misuse.h>
+#include <HavrinFoundation/platform/dispatch/queue.h>
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+
+namespace havrin::inline platform {
+namespace {
+
+RunLoop& mainLoop(const char* function) {
+  if (!isMainThread()) abortOnMisuse(function, "called on another thread than the main thread");
+  return RunLoop::main();
+}
+
+}  // namespace
+
+int mainLoopDescriptor() { return mainLoop("mainLoopDescriptor").hostDescriptor().descriptor(); }
+
+void drainMainLoop() {
+  RunLoop& loop = mainLoop("drainMainLoop");
+  // Cleared first: what comes from now on makes the descriptor readable again.
+  loop.hostDescriptor().clear();
+  struct ReportAfterwards {
+    RunLoop& loop;
+    ~ReportAfterwards() { loop.reportToHost(); }
+  } const report{loop};
+  loop.runDue();
+}
+
+std::optional<double> mainLoopDeadline() { return mainLoop("mainLoopDeadline").nextDeadline(); }
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,46 @@
+#include <HavrinFoundation/platform/dispatch/main_queue_state.h>
+
+#include <HavrinFoundation/platform/dispatch/execution_frame.h>
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+
+namespace havrin::inline platform {
+
+MainQueueState::MainQueueState() : QueueState("main", Lifetime::kProcess) {}
+
+MainQueueState& MainQueueState::shared() {
+  static MainQueueState& queue = *new MainQueueState;
+  return queue;
+}
+
+void MainQueueState::append(Work&& work) {
+  bool first = false;
+  {
+    UnfairLockGuard guard(lock_);
+    first = pending_.empty();
+    pending_.push(std::move(work));
+  }
+  // Whoever made the queue non-empty has woken the loop; it looks at the whole queue.
+  if (first) RunLoop::main().wake();
+}
+
+bool MainQueueState::canDrain() {
+  if (draining_) return false;
+  UnfairLockGuard guard(lock_);
+  return !pending_.empty();
+}
+
+bool MainQueueState::drain() {
+  if (draining_) return false;
+  {
+    UnfairLockGuard guard(lock_);
+    if (pending_.empty()) return false;
+    pending_.swap(batch_);
+  }
+  draining_ = true;
+  EnterQueue frame(*this, nullptr);
+  while (!batch_.empty()) runQueued(batch_.pop());
+  draining_ = false;
+  return true;
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,139 @@
+// Dispatch queues: closures run in order, one at a time or side by side, somewhere else or here.
+//
+//   DispatchQueue line = dispatch_queue_create("com.example.line", DISPATCH_QUEUE_SERIAL);
+//   dispatch_async(line, [] { work(); });                              returns at once; runs on a worker thread
+//   dispatch_sync(line, [&] { result = state; });                      runs here, after what was queued before
+//   dispatch_async(dispatch_get_main_queue(), [] { redraw(); });       runs on the main thread's run loop
+//
+// The **current queue** is the one whose closure is running: after a dispatch_sync the queue that was named, not the
+// caller's. The main thread has the main queue as current queue whenever it is in no other queue's closure, also in a
+// plain main() before any run loop. Other threads that run no queue's closure have none.
+//
+// The main thread is the process's first thread, whoever touched a queue first. Its run loop runs what is queued on the
+// main queue (run_loop.h), or somebody else's event loop does (host_loop.h). Worker threads appear when something is
+// queued on another queue, and go when they have been idle for some seconds; none of them keeps the process alive.
+//
+// An exception that leaves a queued closure ends the process with one line; one that leaves a closure of dispatch_sync
+// reaches the caller.
+//
+// Left out: barriers, groups, semaphores, sources, timers (run_loop.h has delayed work), priorities, suspending,
+// dispatch_main, queues in the child of a fork.
+#pragma once
+
+#include <HavrinFoundation/platform/dispatch/work.h>
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/block.h>
+
+#include <atomic>
+#include <concepts>
+#include <cstdint>
+#include <string_view>
+#include <utility>
+
+namespace havrin::inline platform {
+
+class QueueState;
+
+/// The part of a queue that its references see.
+class HAVRIN_EXPORT QueueOwners {
+ protected:
+  explicit constexpr QueueOwners(std::uint32_t count) : count_(count) {}
+  ~QueueOwners() = default;
+
+  // The process's own queues are never destroyed and count nothing.
+  static constexpr std::uint32_t kImmortal = 0;
+
+ private:
+  friend class DispatchQueue;
+
+  std::atomic<std::uint32_t> count_;
+};
+
+/// A shared reference to a queue; null by default. A queue lives as long as a reference to it or a closure on it.
+/// Threads: copies may be used from any thread.
+class HAVRIN_EXPORT DispatchQueue {
+ public:
+  DispatchQueue() = default;
+  DispatchQueue(const DispatchQueue& other) noexcept : owners_(other.owners_) {
+    if (isCounted()) owners_->count_.fetch_add(1, std::memory_order_relaxed);
+  }
+  DispatchQueue(DispatchQueue&& other) noexcept : owners_(std::exchange(other.owners_, nullptr)) {}
+  DispatchQueue& operator=(DispatchQueue other) noexcept {
+    std::swap(owners_, other.owners_);
+    return *this;
+  }
+  ~DispatchQueue() {
+    if (isCounted() && owners_->count_.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy(owners_);
+  }
+
+  /// The text the queue was made with; lives as long as the queue.
+  [[nodiscard]] std::string_view label() const;
+  explicit operator bool() const { return owners_ != nullptr; }
+  /// True for two references to one queue.
+  friend bool operator==(const DispatchQueue&, const DispatchQueue&) = default;
+
+ private:
+  friend class QueueState;
+
+  [[nodiscard]] bool isCounted() const {
+    return owners_ != nullptr && owners_->count_.load(std::memory_order_relaxed) != QueueOwners::kImmortal;
+  }
+  static void destroy(QueueOwners* owners);
+
+  QueueOwners* owners_ = nullptr;
+};
+
+/// How many closures of a queue may run at once: one, in the order of their queueing; or any number, begun in that
+/// order.
+enum dispatch_queue_attr_t { DISPATCH_QUEUE_SERIAL, DISPATCH_QUEUE_CONCURRENT };
+
+/// The queue whose closures run on the main thread.
+[[nodiscard]] HAVRIN_EXPORT DispatchQueue dispatch_get_main_queue();
+
+/// The process's concurrent queue, whose closures run on worker threads: as many as there are processors, and more, up
+/// to 64, while those make no progress.
+[[nodiscard]] HAVRIN_EXPORT DispatchQueue dispatch_get_global_queue();
+
+/// A new queue. Its closures run as closures of `target`, the global queue when that is null.
+[[nodiscard]] HAVRIN_EXPORT DispatchQueue dispatch_queue_create(std::string_view label, dispatch_queue_attr_t attribute,
+                                                                const DispatchQueue& target = DispatchQueue());
+
+/// Lets the closures of `queue` that have not begun run as closures of `target`, the global queue when that is null:
+/// closures of all queues that target one serial queue run one at a time. The process's own queues have no target.
+/// Aborts when `target` runs through `queue` itself, or `queue` is one of the process's own.
+HAVRIN_EXPORT void dispatch_set_target_queue(const DispatchQueue& queue, const DispatchQueue& target);
+
+/// Queues `work` and returns. It is destroyed on the queue when it has run.
+HAVRIN_EXPORT void queueWork(const DispatchQueue& queue, Work&& work);
+
+/// Queues a closure to be run once and returns at once. It, or its copy, lives until it has run.
+/// Throws: NSException (InvalidArgument) when it is a null block or a null function; nothing is queued.
+/// Cost: no allocation for a block, or for a closure of at most three words.
+template <class Closure>
+requires std::invocable < std::decay_t<Closure>
+& > void dispatch_async(const DispatchQueue& queue, Closure&& closure) {
+  queueWork(queue, Work(std::forward<Closure>(closure)));
+}
+
+/// Runs `block` as a closure of `queue`, after everything queued before, and returns when it has run. It runs on the
+/// calling thread; on the main thread when `queue` is the main queue or runs through it.
+/// Aborts when the caller already holds `queue`, or a serial queue through which it runs: that could never begin.
+/// Throws: what the block throws; NSException (InvalidArgument) when it is null.
+HAVRIN_EXPORT void dispatch_sync(const DispatchQueue& queue, BlockView<void()> block);
+
+/// The value under `key` of the current queue, or else of the nearest queue through which its closure runs. Null when
+/// none of them has one, or no queue is current. Keys are compared as addresses.
+[[nodiscard]] HAVRIN_EXPORT void* dispatch_get_specific(const void* key);
+
+/// The value under `key` of this very queue, null when it has none.
+[[nodiscard]] HAVRIN_EXPORT void* dispatch_queue_get_specific(const DispatchQueue& queue, const void* key);
+
+/// Puts `context` under `key`, or takes the value away when `context` is null. A value that is replaced or taken away,
+/// and every value of a queue that is destroyed, goes to the function it came with, later, on the global queue.
+HAVRIN_EXPORT void dispatch_queue_set_specific(const DispatchQueue& queue, const void* key, void* context,
+                                               void (*destructor)(void*));
+
+/// Whether this is the process's first thread.
+[[nodiscard]] HAVRIN_EXPORT bool isMainThread();
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,86 @@
+#include <HavrinFoundation/platform/dispatch/queue_state.h>
+
+#include <HavrinFoundation/platform/dispatch/misuse.h>
+
+#include <exception>
+#include <string>
+
+namespace havrin::inline platform {
+namespace {
+
+void destroyLater(void* context, void (*destructor)(void*)) {
+  if (context == nullptr || destructor == nullptr) return;
+  dispatch_async(dispatch_get_global_queue(), [context, destructor] { destructor(context); });
+}
+
+[[noreturn]] void endProcess(std::string_view label, std::string_view why) {
+  abortOnMisuse("an exception left a closure on the queue " + std::string(label), why);
+}
+
+}  // namespace
+
+QueueState::QueueState(std::string_view label, Lifetime lifetime)
+    : QueueOwners(lifetime == Lifetime::kProcess ? kImmortal : 1), label_(label) {}
+
+QueueState::~QueueState() {
+  for (Specific* each = specifics_.load(std::memory_order_relaxed); each != nullptr;) {
+    destroyLater(each->context.load(std::memory_order_relaxed), each->destructor);
+    delete std::exchange(each, each->next);
+  }
+}
+
+DispatchQueue QueueState::adopt(QueueState* state) {
+  DispatchQueue queue;
+  queue.owners_ = state;
+  return queue;
+}
+
+DispatchQueue QueueState::reference() {
+  DispatchQueue borrowed = adopt(this);
+  DispatchQueue counted = borrowed;
+  borrowed.owners_ = nullptr;
+  return counted;
+}
+
+QueueState::Specific* QueueState::find(const void* key) const {
+  Specific* each = specifics_.load(std::memory_order_acquire);
+  while (each != nullptr && each->key != key) each = each->next;
+  return each;
+}
+
+void* QueueState::specific(const void* key) const {
+  const Specific* found = find(key);
+  return found == nullptr ? nullptr : found->context.load(std::memory_order_acquire);
+}
+
+void QueueState::setSpecific(const void* key, void* context, void (*destructor)(void*)) {
+  void* replaced = nullptr;
+  void (*replacedDestructor)(void*) = nullptr;
+  {
+    UnfairLockGuard guard(specificsLock_);
+    if (Specific* found = find(key)) {
+      replaced = found->context.exchange(context, std::memory_order_acq_rel);
+      replacedDestructor = std::exchange(found->destructor, destructor);
+    } else if (context != nullptr) {
+      Specific* first = specifics_.load(std::memory_order_relaxed);
+      specifics_.store(new Specific{key, context, destructor, first}, std::memory_order_release);
+    }
+  }
+  destroyLater(replaced, replacedDestructor);
+}
+
+void QueueState::setTarget(const DispatchQueue&) {
+  abortOnMisuse("dispatch_set_target_queue", "the process's own queues have no target");
+}
+
+void QueueState::runQueued(Work work) noexcept {
+  try {
+    work.run();
+  } catch (const std::exception& exception) {
+    endProcess(label_, exception.what());
+  } catch (...) {
+    endProcess(label_, "it is not derived from std::exception");
+  }
+}
+
+}  // namespace havrin::inline platform

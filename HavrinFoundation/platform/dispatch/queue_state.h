@@ -1,0 +1,64 @@
+// What stands behind a reference to a queue. Internal to the layer.
+#pragma once
+
+#include <HavrinFoundation/platform/dispatch/queue.h>
+#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
+
+#include <atomic>
+#include <string>
+#include <string_view>
+
+namespace havrin::inline platform {
+
+class QueueState : public QueueOwners {
+ public:
+  QueueState(const QueueState&) = delete;
+  QueueState& operator=(const QueueState&) = delete;
+  virtual ~QueueState();
+
+  [[nodiscard]] static QueueState& of(const DispatchQueue& queue) { return *static_cast<QueueState*>(queue.owners_); }
+  /// A reference that takes over the count with which a queue is made.
+  [[nodiscard]] static DispatchQueue adopt(QueueState* state);
+  /// One more reference.
+  [[nodiscard]] DispatchQueue reference();
+
+  [[nodiscard]] std::string_view label() const { return label_; }
+  [[nodiscard]] void* specific(const void* key) const;
+  void setSpecific(const void* key, void* context, void (*destructor)(void*));
+
+  /// Queues `work`, from any thread.
+  virtual void append(Work&& work) = 0;
+  /// Runs `block` on this thread as a closure of this queue, if that needs no waiting.
+  /// Result: false when it has not been run. Throws: what the block throws.
+  virtual bool callAtOnce(BlockView<void()> block) = 0;
+  /// Whether at most one closure runs at a time.
+  [[nodiscard]] virtual bool isSerial() const = 0;
+  /// The queue through which this one's closures run; null for the process's own queues.
+  [[nodiscard]] virtual DispatchQueue target() = 0;
+  /// Aborts on the process's own queues.
+  virtual void setTarget(const DispatchQueue& target);
+
+  /// Runs `work`, whose exceptions nobody is there to catch: one ends the process with one line.
+  void runQueued(Work work) noexcept;
+
+ protected:
+  enum class Lifetime { kProcess, kCounted };
+  QueueState(std::string_view label, Lifetime lifetime);
+
+ private:
+  // Only ever added to the front, so that reading needs no lock; a value taken away leaves its entry with null.
+  struct Specific {
+    const void* key;
+    std::atomic<void*> context;
+    void (*destructor)(void*);  // guarded by the lock
+    Specific* next;
+  };
+
+  [[nodiscard]] Specific* find(const void* key) const;
+
+  const std::string label_;
+  os_unfair_lock specificsLock_;
+  std::atomic<Specific*> specifics_{nullptr};
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,26 @@
+// What waits in one mode of one run loop. Internal to the layer.
+#pragma once
+
+#include <HavrinFoundation/platform/dispatch/delayed_performs.h>
+#include <HavrinFoundation/platform/dispatch/work_fifo.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace havrin::inline platform {
+
+class RunLoopMode {
+ public:
+  explicit RunLoopMode(std::string_view modeName) : name(modeName) {}
+
+  const std::string name;
+  DelayedPerforms delayed;  // the loop's thread only
+
+  // Guarded by the loop's lock.
+  bool isCommon = false;
+  WorkFifo posted;
+  std::size_t sources = 0;
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,57 @@
+// The global queue and the threads behind it. Internal to the layer.
+#pragma once
+
+#include <HavrinFoundation/platform/dispatch/queue_state.h>
+#include <HavrinFoundation/platform/dispatch/work_fifo.h>
+
+#include <sys/types.h>
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+namespace havrin::inline platform {
+
+/// Begins closures in the order of their queueing, on threads of its own: as many as there are processors. While these
+/// are busy and closures wait, one more thread stands by; when no closure has begun for a moment although a processor
+/// is free, the busy threads must be blocked, perhaps by a closure that waits, and it runs one. Threads go when they
+/// have had nothing to do for some seconds; none is ever joined.
+class WorkerPool final : public QueueState {
+ public:
+  static WorkerPool& shared();
+
+  void append(Work&& work) override;
+  bool callAtOnce(BlockView<void()> block) override;
+  [[nodiscard]] bool isSerial() const override { return false; }
+  [[nodiscard]] DispatchQueue target() override { return DispatchQueue(); }
+
+ private:
+  enum class Turn { kRun, kStandBy, kWait };
+  enum class Help { kNone, kWake, kStart };
+
+  WorkerPool();
+
+  void serve();
+  Turn takeTurn(Work& work, bool gotUp);
+  bool standBy();
+  bool waitForWork();
+  void getHelp(Help help);
+
+  // With the lock held.
+  [[nodiscard]] Help help();
+  [[nodiscard]] std::size_t busy() const { return threads_.size() + starting_ - idle_ - standingBy_; }
+
+  const std::size_t processors_;
+
+  os_unfair_lock lock_;  // guards everything below it but the word
+  WorkFifo pending_;
+  std::uint64_t begun_ = 0;              // closures ever taken from `pending_`
+  std::vector<pid_t> threads_;           // those that have started and not ended
+  std::size_t starting_ = 0;             // those that have not started yet
+  std::size_t idle_ = 0;                 // those that wait and have not been chosen to get up
+  std::size_t chosen_ = 0;               // those that may get up, whichever they are
+  std::size_t standingBy_ = 0;           // none or one
+  std::atomic<std::uint32_t> wakes_{0};  // what the idle ones sleep on
+};
+
+}  // namespace havrin::inline platform

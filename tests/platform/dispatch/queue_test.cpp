@@ -1,0 +1,442 @@
+#include <HavrinFoundation/platform/dispatch/queue.h>
+
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/testkit/test_clock.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <barrier>
+#include <cstdlib>
+#include <functional>
+#include <future>
+#include <latch>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace havrin;
+
+constexpr double kLong = 1e9;
+
+// Addresses that serve as keys and values.
+int firstKey;
+int secondKey;
+int mainKey;
+int valueA;
+int valueB;
+
+// Waits until everything queued so far on a serial queue has run.
+void finish(const DispatchQueue& queue) {
+  dispatch_sync(queue, [] {});
+}
+
+TEST(Queue, ASerialQueueRunsInTheOrderOfQueueing) {
+  const DispatchQueue queue = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+  std::vector<int> order;
+  for (int i = 0; i < 1000; ++i) dispatch_async(queue, [&order, i] { order.push_back(i); });
+  finish(queue);
+  ASSERT_EQ(order.size(), 1000u);
+  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+  EXPECT_EQ(queue.label(), "line");
+}
+
+TEST(Queue, ASerialQueueRunsOneAtATimeWhoeverQueuesAndHowever) {
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 2000;
+  const DispatchQueue queue = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+  int count = 0;  // no atomic: the queue is the guard
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&] {
+      for (int round = 0; round < kRounds; ++round) {
+        dispatch_async(queue, [&count] { ++count; });
+        if (round % 8 == 0) dispatch_sync(queue, [&count] { ++count; });
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  finish(queue);
+  EXPECT_EQ(count, kThreads * (kRounds + kRounds / 8));
+}
+
+TEST(Queue, AConcurrentQueueRunsManyThoughEachWaitsForTheOthers) {
+  // More than there are processors: threads that are blocked do not count.
+  constexpr int kTogether = 6;
+  for (const DispatchQueue& queue :
+       {dispatch_get_global_queue(), dispatch_queue_create("side by side", DISPATCH_QUEUE_CONCURRENT)}) {
+    std::barrier meeting(kTogether);
+    std::latch done(kTogether);
+    for (int i = 0; i < kTogether; ++i) {
+      dispatch_async(queue, [&] {
+        meeting.arrive_and_wait();
+        done.count_down();
+      });
+    }
+    done.wait();
+  }
+}
+
+TEST(Queue, QueuesThatTargetOneSerialQueueExcludeEachOther) {
+  const DispatchQueue target = dispatch_queue_create("target", DISPATCH_QUEUE_SERIAL);
+  const DispatchQueue queues[] = {dispatch_queue_create("a", DISPATCH_QUEUE_SERIAL, target),
+                                  dispatch_queue_create("b", DISPATCH_QUEUE_CONCURRENT, target),
+                                  dispatch_queue_create("c", DISPATCH_QUEUE_SERIAL, target), target};
+  int count = 0;  // no atomic: the target is the guard
+  for (int round = 0; round < 500; ++round) {
+    for (const DispatchQueue& queue : queues) dispatch_async(queue, [&count] { ++count; });
+    if (round % 50 == 0) dispatch_sync(queues[static_cast<std::size_t>(round / 50) % 4], [&count] { ++count; });
+  }
+  for (const DispatchQueue& queue : queues) finish(queue);
+  // The concurrent queue has no order that `finish` could wait for; its turns stand in the target's.
+  finish(target);
+  EXPECT_EQ(count, 4 * 500 + 10);
+}
+
+TEST(Queue, SpecificsAreThoseOfTheCurrentQueueAndThenOfItsTargets) {
+  const DispatchQueue target = dispatch_queue_create("target", DISPATCH_QUEUE_SERIAL);
+  const DispatchQueue queue = dispatch_queue_create("queue", DISPATCH_QUEUE_SERIAL, target);
+  const DispatchQueue stranger = dispatch_queue_create("stranger", DISPATCH_QUEUE_SERIAL);
+  dispatch_queue_set_specific(target, &firstKey, &valueA, nullptr);
+
+  const auto seenOn = [](const DispatchQueue& on, const void* key) {
+    void* synchronously = nullptr;
+    dispatch_sync(on, [&] { synchronously = dispatch_get_specific(key); });
+    std::promise<void*> later;
+    dispatch_async(on, [&] { later.set_value(dispatch_get_specific(key)); });
+    EXPECT_EQ(later.get_future().get(), synchronously);
+    return synchronously;
+  };
+  EXPECT_EQ(seenOn(target, &firstKey), &valueA);
+  EXPECT_EQ(seenOn(queue, &firstKey), &valueA) << "through the target";
+  EXPECT_EQ(seenOn(queue, &secondKey), nullptr) << "keys are addresses";
+  EXPECT_EQ(seenOn(stranger, &firstKey), nullptr);
+  EXPECT_EQ(dispatch_queue_get_specific(queue, &firstKey), nullptr) << "of this very queue";
+
+  dispatch_queue_set_specific(queue, &firstKey, &valueB, nullptr);
+  EXPECT_EQ(seenOn(queue, &firstKey), &valueB) << "the nearest";
+  dispatch_queue_set_specific(queue, &firstKey, nullptr, nullptr);
+  EXPECT_EQ(seenOn(queue, &firstKey), &valueA) << "taken away, so the target's again";
+
+  void* nested = &valueB;
+  dispatch_sync(queue, [&] { dispatch_sync(stranger, [&] { nested = dispatch_get_specific(&firstKey); }); });
+  EXPECT_EQ(nested, nullptr) << "a sync inside a sync is no target";
+
+  dispatch_set_target_queue(stranger, queue);
+  EXPECT_EQ(seenOn(stranger, &firstKey), &valueA) << "through two targets";
+}
+
+TEST(Queue, SpecificsThatGoAreDestroyedLaterOnTheGlobalQueue) {
+  static std::atomic<int> destroyed;
+  static std::atomic<int> onGlobal;
+  destroyed = 0;
+  onGlobal = 0;
+  dispatch_queue_set_specific(dispatch_get_global_queue(), &secondKey, &valueB, nullptr);
+  const auto destructor = [](void*) {
+    if (dispatch_get_specific(&secondKey) == &valueB) ++onGlobal;
+    ++destroyed;
+    destroyed.notify_all();
+  };
+  const auto waitFor = [](int count) {
+    for (int seen = destroyed; seen < count; seen = destroyed) destroyed.wait(seen);
+  };
+  {
+    const DispatchQueue queue = dispatch_queue_create("queue", DISPATCH_QUEUE_SERIAL);
+    dispatch_queue_set_specific(queue, &firstKey, &valueA, destructor);
+    dispatch_queue_set_specific(queue, &firstKey, &valueB, destructor);
+    waitFor(1);
+    dispatch_queue_set_specific(queue, &firstKey, nullptr, nullptr);
+    waitFor(2);
+    dispatch_queue_set_specific(queue, &firstKey, &valueA, destructor);
+  }
+  waitFor(3);
+  EXPECT_EQ(onGlobal, 3);
+  dispatch_queue_set_specific(dispatch_get_global_queue(), &secondKey, nullptr, nullptr);
+}
+
+TEST(Queue, ASyncRunsOnTheCallingThreadAlsoWhenItHasToWait) {
+  const DispatchQueue queue = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+  std::thread::id seen;
+  dispatch_sync(queue, [&] { seen = std::this_thread::get_id(); });
+  EXPECT_EQ(seen, std::this_thread::get_id());
+
+  std::latch begun(1);
+  std::latch go(1);
+  std::vector<int> order;
+  dispatch_async(queue, [&] {
+    begun.count_down();
+    go.wait();
+    order.push_back(1);
+  });
+  begun.wait();
+  std::thread caller([&] {
+    const auto self = std::this_thread::get_id();
+    dispatch_sync(queue, [&] {
+      order.push_back(2);
+      EXPECT_EQ(std::this_thread::get_id(), self);
+    });
+  });
+  go.count_down();
+  caller.join();
+  finish(queue);
+  EXPECT_EQ(order, (std::vector<int>{1, 2}));
+}
+
+TEST(Queue, ASyncPassesOnWhatTheBlockThrows) {
+  const DispatchQueue queue = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+  EXPECT_THROW(dispatch_sync(queue, [] { throw std::runtime_error("out"); }), std::runtime_error);
+  std::latch begun(1);
+  dispatch_async(queue, [&] {
+    begun.count_down();
+    std::this_thread::yield();
+  });
+  begun.wait();
+  EXPECT_THROW(dispatch_sync(queue, [] { throw std::runtime_error("out"); }), std::runtime_error);
+  bool ran = false;
+  dispatch_sync(queue, [&] { ran = true; });
+  EXPECT_TRUE(ran) << "the queue is free again";
+}
+
+TEST(Queue, ARetargetedQueueGoesOnThroughItsNewTarget) {
+  const DispatchQueue marked = dispatch_queue_create("marked", DISPATCH_QUEUE_SERIAL);
+  dispatch_queue_set_specific(marked, &firstKey, &valueA, nullptr);
+  const DispatchQueue queue = dispatch_queue_create("queue", DISPATCH_QUEUE_SERIAL);
+  std::latch begun(1);
+  std::latch go(1);
+  std::vector<void*> seen;
+  const auto look = [&seen] { seen.push_back(dispatch_get_specific(&firstKey)); };
+  dispatch_async(queue, [&] {
+    begun.count_down();
+    go.wait();
+    look();
+  });
+  dispatch_async(queue, look);
+  begun.wait();
+  dispatch_async(queue, look);
+  dispatch_set_target_queue(queue, marked);
+  go.count_down();
+  finish(queue);
+  EXPECT_EQ(seen, (std::vector<void*>{nullptr, &valueA, &valueA})) << "the one that had begun stays where it is";
+}
+
+TEST(Queue, PendingClosuresKeepTheirQueueAndItsTarget) {
+  std::promise<std::string> ran;
+  std::latch queued(1);
+  {
+    const DispatchQueue target = dispatch_queue_create("target", DISPATCH_QUEUE_SERIAL);
+    const DispatchQueue queue = dispatch_queue_create("queue", DISPATCH_QUEUE_CONCURRENT, target);
+    dispatch_queue_set_specific(target, &firstKey, &valueA, nullptr);
+    dispatch_async(target, [&] { queued.wait(); });
+    dispatch_async(queue,
+                   [&ran] { ran.set_value(dispatch_get_specific(&firstKey) == &valueA ? "through target" : "lost"); });
+    queued.count_down();
+  }
+  EXPECT_EQ(ran.get_future().get(), "through target");
+}
+
+TEST(Queue, ClosuresAreDestroyedOnTheQueueWhenTheyHaveRun) {
+  const DispatchQueue queue = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+  dispatch_queue_set_specific(queue, &firstKey, &valueA, nullptr);
+  std::vector<std::string> events;
+  struct Witness {
+    explicit Witness(std::vector<std::string>* itsEvents) : events(itsEvents) {}
+    std::vector<std::string>* events;
+    ~Witness() { events->push_back(dispatch_get_specific(&firstKey) == &valueA ? "destroyed there" : "elsewhere"); }
+  };
+  auto witness = std::make_shared<Witness>(&events);
+  // One closure that fits where it is queued, one that needs memory of its own, and a block.
+  dispatch_async(queue, [moved = std::move(witness), &events] { events.push_back("small"); });
+  dispatch_async(queue, [moved = std::make_shared<Witness>(&events), &events, padding = std::string(40, ' ')] {
+    events.push_back("large" + padding.substr(40));
+  });
+  dispatch_async(queue,
+                 Block<void()>([moved = std::make_shared<Witness>(&events), &events] { events.push_back("block"); }));
+  finish(queue);
+  EXPECT_EQ(events, (std::vector<std::string>{"small", "destroyed there", "large", "destroyed there", "block",
+                                              "destroyed there"}));
+}
+
+TEST(Queue, NothingIsQueuedForANullBlock) {
+  const DispatchQueue queue = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+  EXPECT_THROW(dispatch_async(queue, Block<void()>()), NSException);
+  EXPECT_THROW(dispatch_async(queue, std::function<void()>()), NSException);
+  EXPECT_THROW(dispatch_sync(queue, nullptr), NSException);
+  EXPECT_THROW(dispatch_async(DispatchQueue(), [] {}), NSException);
+  finish(queue);
+}
+
+TEST(MainQueue, IsCurrentOnTheMainThreadOutsideOtherQueues) {
+  dispatch_queue_set_specific(dispatch_get_main_queue(), &mainKey, &valueA, nullptr);
+  ASSERT_TRUE(isMainThread());
+  EXPECT_EQ(dispatch_get_specific(&mainKey), &valueA) << "also before any run loop";
+
+  const DispatchQueue line = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+  void* insideSync = &valueB;
+  dispatch_sync(line, [&] {
+    insideSync = dispatch_get_specific(&mainKey);
+    EXPECT_TRUE(isMainThread());
+  });
+  EXPECT_EQ(insideSync, nullptr) << "the main thread, but not the main queue";
+
+  void* onAThread = &valueB;
+  std::thread([&] {
+    onAThread = dispatch_get_specific(&mainKey);
+    EXPECT_FALSE(isMainThread());
+  }).join();
+  EXPECT_EQ(onAThread, nullptr);
+
+  TestClock clock;
+  void* inATimer = nullptr;
+  RunLoop::current().performAfter(1, [&] { inATimer = dispatch_get_specific(&mainKey); });
+  clock.advance(1);
+  EXPECT_EQ(inATimer, &valueA);
+
+  const DispatchQueue through = dispatch_queue_create("through main", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue());
+  void* seen = nullptr;
+  bool onMain = false;
+  dispatch_async(through, [&] {
+    seen = dispatch_get_specific(&mainKey);
+    onMain = isMainThread();
+  });
+  EXPECT_TRUE(clock.runUntil([&] { return onMain; }));
+  EXPECT_EQ(seen, &valueA);
+}
+
+TEST(MainQueue, RunsInOrderAndNotWithinItself) {
+  TestClock clock;
+  std::vector<int> order;
+  const DispatchQueue main = dispatch_get_main_queue();
+  dispatch_async(main, [&] {
+    order.push_back(1);
+    dispatch_async(main, [&] { order.push_back(4); });
+    RunLoop::current().performAfter(0, [&] { order.push_back(2); });
+    // A nested loop runs what is due, but no other closure of the queue.
+    EXPECT_TRUE(RunLoop::current().runMode(NSDefaultRunLoopMode, monotonicSeconds() + 5));
+  });
+  dispatch_async(main, [&] { order.push_back(3); });
+  EXPECT_TRUE(clock.runUntil([&] { return order.size() == 4; }));
+  EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST(MainQueue, TakesClosuresFromAnyThreadInEachOnesOrder) {
+  constexpr int kThreads = 3;
+  constexpr int kEach = 2000;
+  TestClock clock;
+  std::vector<std::vector<int>> seen(kThreads);
+  int count = 0;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      for (int i = 0; i < kEach; ++i) {
+        dispatch_async(dispatch_get_main_queue(), [&, t, i] {
+          seen[static_cast<std::size_t>(t)].push_back(i);
+          ++count;
+        });
+      }
+    });
+  }
+  EXPECT_TRUE(clock.runUntil([&] { return count == kThreads * kEach; }));
+  for (std::thread& thread : threads) thread.join();
+  for (const std::vector<int>& each : seen) EXPECT_TRUE(std::is_sorted(each.begin(), each.end()));
+}
+
+TEST(MainQueue, RunsASyncFromAnotherThreadOnTheMainThread) {
+  TestClock clock;
+  std::atomic<int> done{0};
+  const DispatchQueue through = dispatch_queue_create("through main", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue());
+  std::thread caller([&] {
+    for (const DispatchQueue& queue : {dispatch_get_main_queue(), through}) {
+      bool onMain = false;
+      dispatch_sync(queue, [&] { onMain = isMainThread(); });
+      EXPECT_TRUE(onMain);
+      EXPECT_THROW(dispatch_sync(queue, [] { throw std::runtime_error("out"); }), std::runtime_error);
+    }
+    done = 1;
+    RunLoop::main().wake();
+  });
+  EXPECT_TRUE(clock.runUntil([&] { return done == 1; }));
+  caller.join();
+}
+
+void spinMain() { RunLoop::main().runMode(NSDefaultRunLoopMode, kLong); }
+
+TEST(QueueDeathTest, StopsTheProcessWithOneLine) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const DispatchQueue line = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+  const DispatchQueue above = dispatch_queue_create("above", DISPATCH_QUEUE_CONCURRENT, line);
+  const DispatchQueue throughMain = dispatch_queue_create("m", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue());
+  struct Row {
+    const char* why;
+    std::function<void()> misuse;
+    const char* line;
+  };
+  const Row rows[] = {
+      {"a sync onto the queue itself", [&] { dispatch_sync(line, [&] { dispatch_sync(line, [] {}); }); },
+       "dispatch_sync: called on a queue that the caller already holds: line\n"},
+      {"a sync onto what runs through a held queue", [&] { dispatch_sync(line, [&] { dispatch_sync(above, [] {}); }); },
+       "already holds: line\n"},
+      {"a sync onto the target from inside", [&] { dispatch_sync(above, [&] { dispatch_sync(line, [] {}); }); },
+       "already holds: line\n"},
+      {"a sync from inside an async",
+       [&] {
+         dispatch_async(line, [&] { dispatch_sync(line, [] {}); });
+         dispatch_sync(line, [] {});
+       },
+       "already holds: line\n"},
+      {"the main thread onto the main queue", [] { dispatch_sync(dispatch_get_main_queue(), [] {}); },
+       "already holds: main\n"},
+      {"the same from inside another queue",
+       [&] { dispatch_sync(line, [] { dispatch_sync(dispatch_get_main_queue(), [] {}); }); }, "already holds: main\n"},
+      {"the main thread onto a queue through main", [&] { dispatch_sync(throughMain, [] {}); },
+       "already holds: main\n"},
+      {"an exception on the main queue",
+       [] {
+         dispatch_async(dispatch_get_main_queue(), [] { throw NSException(NSRangeException, "index 3 beyond 2"); });
+         spinMain();
+       },
+       "an exception left a closure on the queue main: NSRangeException: index 3 beyond 2\n"},
+      {"an exception of no known kind",
+       [&] {
+         dispatch_async(line, [] { throw 7; });
+         finish(line);
+       },
+       "an exception left a closure on the queue line: it is not derived from std::exception\n"},
+      {"a circle of targets", [&] { dispatch_set_target_queue(line, above); }, "the queue would run through itself\n"},
+      {"a target for the main queue", [&] { dispatch_set_target_queue(dispatch_get_main_queue(), line); },
+       "the process's own queues have no target\n"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_DEATH(row.misuse(), row.line);
+  }
+}
+
+TEST(QueueDeathTest, AProcessEndsCleanlyWithWorkPending) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(
+      {
+        const DispatchQueue line = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
+        std::latch begun(1);
+        std::promise<void> never;
+        dispatch_async(line, [&] {
+          begun.count_down();
+          never.get_future().wait();
+        });
+        for (int i = 0; i < 100; ++i) {
+          dispatch_async(line, [] {});
+          dispatch_async(dispatch_get_main_queue(), [] {});
+          dispatch_async(dispatch_get_global_queue(), [] {});
+        }
+        begun.wait();
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
