@@ -1,0 +1,28 @@
+#include <HavrinFoundation/frame/main_queue.h>
+
+#include <HavrinFoundation/image.h>  // its initialisers mark the main queue: without them every call would be queued
+#include <HavrinFoundation/platform/dispatch/once.h>
+#include <HavrinFoundation/platform/dispatch/queue.h>
+
+namespace havrin {
+
+constinit void* const kMainQueueKey = const_cast<void**>(&kMainQueueKey);
+constinit void* const kMainQueueValue = const_cast<void**>(&kMainQueueValue);
+
+void SetMainQueueIdentifier() {
+  static constinit dispatch_once_t onceToken;
+  dispatch_once(&onceToken, [] {
+    dispatch_queue_set_specific(dispatch_get_main_queue(), kMainQueueKey, kMainQueueValue, nullptr);
+  });
+}
+
+void GuaranteeMainQueue(const Block<void()>& block) {
+  if (dispatch_get_specific(kMainQueueKey) == kMainQueueValue) {
+    const Block<void()> kept = block;
+    kept();
+  } else {
+    dispatch_async(dispatch_get_main_queue(), block);
+  }
+}
+
+}  // namespace havrin

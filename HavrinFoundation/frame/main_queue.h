@@ -1,0 +1,29 @@
+// A block on the main queue: at once when the caller is on it already, later when not.
+//
+//   GuaranteeMainQueue([view] { view->redraw(); });
+//       on the main queue, or on a queue that runs through it:  has run when the call returns
+//       anywhere else:                                           is queued, and runs on the main thread's run loop
+//
+// The question is about the queue and not about the thread: the main thread inside a dispatch_sync to a private queue is
+// not on the main queue.
+#pragma once
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/block.h>
+
+namespace havrin {
+
+/// Runs `block` once on the main queue: now, nested inside the caller, when the caller is on the main queue; else after
+/// what has been queued there, and the call returns at once. Exported under this unadorned name.
+/// Throws: what the block throws when it runs now; NSException (InvalidArgument) for a null block.
+/// Threads: any.
+HAVRIN_EXPORT void GuaranteeMainQueue(const Block<void()>& block) __asm__("GuaranteeMainQueue");
+
+// Internal: how the main queue is known. Each of the two pointers holds its own address, so that it equals no other
+// key or value in the process.
+extern void* const kMainQueueKey;
+extern void* const kMainQueueValue;
+/// Marks the main queue, at the first call; run when the library is loaded.
+void SetMainQueueIdentifier();
+
+}  // namespace havrin
