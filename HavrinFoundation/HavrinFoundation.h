@@ -1,6 +1,10 @@
 // The whole library in one include.
 #pragma once
 
+#include <HavrinFoundation/colours/colour_arithmetic.h>
+#include <HavrinFoundation/colours/colour_arithmetic_messages.h>
+#include <HavrinFoundation/colours/hex_codes.h>
+#include <HavrinFoundation/colours/hex_codes_messages.h>
 #include <HavrinFoundation/dates/date_arithmetic.h>
 #include <HavrinFoundation/dates/zero_uuid.h>
 #include <HavrinFoundation/frame/identity.h>

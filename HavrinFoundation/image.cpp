@@ -6,11 +6,24 @@
 
 namespace havrin {
 
+extern const Category kColourCodes;
+extern const Category kColourArithmetic;
+
+namespace {
+
+const Category* const kCategories[] = {
+    // colours
+    &kColourCodes,       // UIColor(HavrinFoundation)
+    &kColourArithmetic,  // UIColor(HavrinFoundation)
+};
+
+}  // namespace
+
 constinit const Image kHavrinFoundation{
     .name = "HavrinFoundation",
     .identification = HavrinFoundationVersionString,
     .strings = {},
-    .categories = {},
+    .categories = kCategories,
     .initialisers = {},
 };
 

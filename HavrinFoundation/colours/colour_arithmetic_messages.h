@@ -1,0 +1,22 @@
+// UIColor(HavrinFoundation), colour arithmetic: colour_arithmetic.h as messages.
+#pragma once
+
+#include <HavrinFoundation/image.h>
+#include <HavrinFoundation/platform/graphics/ui_color.h>
+
+namespace havrin::inline platform {
+
+/// As `isEqual` with a tolerance; false for null.
+template <>
+struct Message<UIColor, "isEqualToColor:withTolerance:"> : Signature<bool(UIColor*, double)> {};
+/// As `isApproximatelyWhite`.
+template <>
+struct Message<UIColor, "isApproximatelyWhiteColor"> : Signature<bool()> {};
+/// As `inverse`; a plain UIColor.
+template <>
+struct Message<UIColor, "inverseColor"> : Signature<Strong<UIColor>()> {};
+/// As `blend`; a plain UIColor, null for null.
+template <>
+struct Message<UIColor, "blendWithColor:weight:"> : Signature<Strong<UIColor>(UIColor*, double)> {};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,135 @@
+#include <HavrinFoundation/colours/colour_arithmetic.h>
+
+#include <limits>
+#include <string>
+
+#include <HavrinFoundation/colours/colour_arithmetic_messages.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+
+Strong<UIColor> rgb(double red, double green, double blue, double alpha = 1.0) {
+  return make<UIColor>(red, green, blue, alpha);
+}
+Strong<UIColor> cmyk() { return make<UIColor>(CGColor(CGColorSpace::genericCMYK(), {0, 1, 1, 0, 1})); }
+Strong<UIColor> pattern() { return make<UIColor>(CGColor(CGColorSpace::pattern(), {1})); }
+
+class Patterned : public Object<Patterned, UIColor> {
+ public:
+  bool neverEqual(UIColor*, double tolerance) {
+    asked = tolerance;
+    return false;
+  }
+  double asked = 0;
+  using Members = List<Method<"isEqualToColor:withTolerance:", &Patterned::neverEqual>>;
+};
+
+TEST(ColourComparison, HoldsEveryComponentToTheTolerance) {
+  const struct {
+    const char* why;
+    Strong<UIColor> colour, other;
+    double tolerance;
+    bool equal;
+  } rows[] = {
+      {"the bound is included", rgb(0.5, 0, 0), rgb(0.75, 0, 0), 0.25, true},
+      {"beyond the bound", rgb(0.5, 0, 0), rgb(0.75, 0, 0), 0.2, false},
+      {"alpha counts", rgb(1, 0, 0), rgb(1, 0, 0, 0.5), 0.4, false},
+      {"grey against RGB", make<UIColor>(0.7, 1.0), rgb(0.7, 0.7, 0.7), 0.001, true},
+      {"not-a-number component", rgb(0, kNotANumber, 0), rgb(0, kNotANumber, 0), 1.0, false},
+      {"not-a-number tolerance", rgb(0, 0, 0), rgb(0, 0, 0), kNotANumber, false},
+      {"negative tolerance", rgb(0, 0, 0), rgb(0, 0, 0), -0.1, false},
+      {"unreadable receiver", cmyk(), rgb(1, 0, 0), 100.0, false},
+      {"unreadable other", rgb(1, 0, 0), pattern(), 100.0, false},
+      {"no other", rgb(1, 0, 0), nullptr, 100.0, false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(send<"isEqualToColor:withTolerance:">(row.colour, row.other, row.tolerance), row.equal);
+    if (row.other) {
+      EXPECT_EQ(isEqual(*row.colour, *row.other, row.tolerance), row.equal);
+    }
+  }
+}
+
+TEST(NearlyWhite, IsATenthFromOpaqueWhiteAndAskedByMessage) {
+  const struct {
+    Strong<UIColor> colour;
+    bool white;
+  } rows[] = {
+      {rgb(0.9, 0.9, 0.9, 0.9), true}, {rgb(0.9, 0.9, 0.85), false},  {make<UIColor>(1.0, 0.5), false},
+      {rgb(1.1, 1, 1), false},         {UIColor::whiteColor(), true}, {cmyk(), false},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(isApproximatelyWhite(*row.colour), row.white);
+    EXPECT_EQ(send<"isApproximatelyWhiteColor">(row.colour), row.white);
+  }
+  const auto patterned = make<Patterned>();
+  patterned->initWithRed(1, 1, 1, 1);
+  EXPECT_FALSE(isApproximatelyWhite(*patterned));
+  EXPECT_EQ(patterned->asked, 0.1);
+  EXPECT_FALSE(send<"isApproximatelyWhiteColor">(patterned));
+}
+
+TEST(Inversion, TurnsColoursAndLeavesAlpha) {
+  EXPECT_TRUE(inverse(*UIColor::blackColor())->isEqual(rgb(1, 1, 1)));
+  const auto turned = send<"inverseColor">(rgb(0.2, 0.4, 0.6, 0.5))->getRedGreenBlueAlpha();
+  EXPECT_EQ(turned, (RGBA{1.0 - 0.2, 1.0 - 0.4, 1.0 - 0.6, 0.5}));
+  EXPECT_TRUE(inverse(*pattern())->isEqual(rgb(1, 1, 1, 0)));
+  EXPECT_TRUE(inverse(*cmyk())->isEqual(rgb(1, 1, 1, 0)));
+  const auto patterned = make<Patterned>();
+  EXPECT_EQ(classOf(*inverse(*patterned)).name(), "UIColor");
+}
+
+TEST(Blending, WeighsTheOtherColour) {
+  const auto black = UIColor::blackColor();
+  const auto white = UIColor::whiteColor();
+  const struct {
+    const char* why;
+    double weight;
+    double level;
+  } rows[] = {
+      {"a quarter", 0.25, 0.25}, {"none", 0.0, 0.0},        {"all", 1.0, 1.0},
+      {"too much", 1.5, 0.5},    {"too little", -0.1, 0.5}, {"not a number", kNotANumber, 0.5},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const RGBA expected{row.level, row.level, row.level, 1.0};
+    EXPECT_EQ(blend(*black, *white, row.weight)->getRedGreenBlueAlpha(), expected);
+    EXPECT_EQ(send<"blendWithColor:weight:">(black, white, row.weight)->getRedGreenBlueAlpha(), expected);
+  }
+  EXPECT_EQ(blend(*black, *make<UIColor>(0.0, 0.0), 0.5)->getRedGreenBlueAlpha()->alpha, 0.5);
+  EXPECT_FALSE(blend(*cmyk(), *white, 0.5));
+  EXPECT_FALSE(blend(*white, *pattern(), 0.5));
+  EXPECT_FALSE(send<"blendWithColor:weight:">(white, nullptr, 0.5));
+}
+
+// Each of these comes out otherwise when the two products and the sum are fused.
+TEST(Blending, RoundsEachProductByItself) {
+  const struct {
+    double weight, first, other, mixed;
+  } rows[] = {
+      {0.1, 0.1, 0.8, 0.17000000000000004}, {0.1, 0.3, 0.4, 0.31000000000000005}, {0.2, 0.2, 0.9, 0.3400000000000001}};
+  for (const auto& row : rows) {
+    const auto colour = blend(*rgb(row.first, 0, 0), *rgb(row.other, 0, 0), row.weight);
+    EXPECT_EQ(colour->getRedGreenBlueAlpha()->red, row.mixed);
+  }
+}
+
+TEST(Colours, AreEqualByModelAndComponents) {
+  EXPECT_FALSE(UIColor::whiteColor()->isEqual(rgb(1, 1, 1)));
+  EXPECT_TRUE(UIColor::redColor()->isEqual(rgb(1, 0, 0)));
+  EXPECT_EQ(UIColor::redColor()->hash(), rgb(1, 0, -0.0)->hash());
+  EXPECT_TRUE(UIColor::redColor()->isEqual(rgb(1, 0, -0.0)));
+  EXPECT_EQ(rgb(1.5, -1, 0, 1.5)->getRedGreenBlueAlpha(), (RGBA{1.5, -1, 0, 1}));
+  const auto p3 = make<UIColor>(CGColor(CGColorSpace::displayP3(), {0, 210.0 / 255.0, 0, 1}))->getRedGreenBlueAlpha();
+  // Known to four decimals: the matrices in use differ beyond.
+  EXPECT_NEAR(p3->red, -0.416964, 2e-4);
+  EXPECT_NEAR(p3->green, 0.838774, 2e-4);
+  EXPECT_NEAR(p3->blue, -0.249501, 2e-4);
+}
+
+}  // namespace

@@ -1,0 +1,198 @@
+#include <HavrinFoundation/colours/hex_codes.h>
+
+#include <cmath>
+#include <limits>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <HavrinFoundation/colours/hex_code_cleaning.h>
+#include <HavrinFoundation/colours/hex_codes_messages.h>
+#include <HavrinFoundation/platform/foundation/random.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+constexpr double kHuge = std::numeric_limits<double>::max();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+
+class MyColour : public Object<MyColour, UIColor> {
+ public:
+  static inline int initialised = 0;
+  Strong<UIColor> initWithRed(double red, double green, double blue, double alpha) override {
+    ++initialised;
+    return UIColor::initWithRed(red, green, blue, alpha);
+  }
+};
+
+std::string text(NSString* string) { return string ? utf8(*string) : "none"; }
+std::string codeOf(NSObject* colour) {
+  return colour ? hexString(*static_cast<UIColor*>(colour)).value_or("none") : "none";
+}
+
+TEST(HexCodes, AreReadLooselyOrNotAtAll) {
+  const std::string combining = "\xCC\x81";
+  const struct {
+    const char* why;
+    std::string code;
+    const char* cleaned;
+    const char* written;
+  } rows[] = {
+      {"six digits", "FF8800", "FF8800", "#FF8800"},
+      {"lower case", "ff8800", "ff8800", "#FF8800"},
+      {"number sign", "#FF8800", "FF8800", "#FF8800"},
+      {"prefix", "0xFF8800", "FF8800", "#FF8800"},
+      {"prefix in upper case", "0XFF8800", "FF8800", "#FF8800"},
+      {"alpha comes last", "#12345678", "12345678", "#12345678"},
+      {"prefix and alpha", "0xFF880080", "FF880080", "#FF880080"},
+      {"an opaque alpha is not written", "FF8800FF", "FF8800FF", "#FF8800"},
+      {"dashes", "ff-88-00", "ff8800", "#FF8800"},
+      {"blanks around", " #ff8800 ", "ff8800", "#FF8800"},
+      {"11 characters", "#FF8800\r\n\r\n\r\n\r\n", "FF8800", "#FF8800"},
+      {"11 characters, the last five joined pairs", "FF8800\r\n\r\n\r\n\r\n\r\n", "FF8800", "#FF8800"},
+      {"12 characters", "FF8800\r\n\r\n\r\n\r\n\r\n\r\n", "none", "none"},
+      {"a joined family is one character", "FF8800👨‍👩‍👧‍👦", "FF8800", "#FF8800"},
+      {"combining marks count with what they mark", "F" + combining + "F" + combining + "8800", "FF8800", "#FF8800"},
+      {"short form", "#FFF", "none", "none"},
+      {"four digits", "FFFF", "none", "none"},
+      {"five digits in six characters", "#FFFFF", "none", "none"},
+      {"seven digits", "#FFFFFFF", "none", "none"},
+      {"nine digits", "#FFFFFFFFF", "none", "none"},
+      {"blanks that make it 12", "  #FF8800   ", "none", "none"},
+      {"letters that are no digits", "#GG0000", "none", "none"},
+      {"a prefix that is not at the start", "#0xFF8800", "none", "none"},
+      {"an x that is no prefix is dropped", "00xFF88", "00FF88", "#00FF88"},
+      {"two prefixes", "0x0x1234", "none", "none"},
+      {"a marked x is no prefix", "0x" + combining + "FF8800", "none", "none"},
+      {"a marked zero is no prefix", "0" + combining + "xFF8800", "none", "none"},
+      {"full-width digits are removed", "１２FF8800", "FF8800", "#FF8800"},
+      {"bytes that are no UTF-8 count one by one", "FF8800\xFF\xFF\xFF\xFF\xFF", "FF8800", "#FF8800"},
+      {"one such byte more", "FF8800\xFF\xFF\xFF\xFF\xFF\xFF", "none", "none"},
+      {"a zero byte",
+       std::string("FF88\0"
+                   "00",
+                   7),
+       "FF8800", "#FF8800"},
+      {"empty", "", "none", "none"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(codeOf(fromHexString<UIColor>(row.code)), row.written);
+    EXPECT_EQ(codeOf(colorWithHexString(row.code)), row.written);
+    EXPECT_EQ(codeOf(send<"h_colorWithHexString:">(classOf<UIColor>(), makeString(row.code))), row.written);
+    EXPECT_EQ(text(send<"sanitizedWithHexString:">(classOf<UIColor>(), makeString(row.code))), row.cleaned);
+  }
+  EXPECT_FALSE(fromHexString<UIColor>(std::nullopt));
+  EXPECT_FALSE(send<"h_colorWithHexString:">(classOf<UIColor>(), nullptr));
+  EXPECT_FALSE(send<"sanitizedWithHexString:">(classOf<UIColor>(), nullptr));
+}
+
+TEST(HexCodes, AreWrittenFromTheColoursOwnComponents) {
+  const auto in = [](CGColorSpace space, std::initializer_list<double> components) {
+    return make<UIColor>(CGColor(space, components));
+  };
+  const struct {
+    const char* why;
+    Strong<UIColor> colour;
+    const char* code;
+  } rows[] = {
+      {"grey", make<UIColor>(0.5, 1.0), "#7F7F7F"},
+      {"clear is a grey", UIColor::clearColor(), "#00000000"},
+      {"truncated", make<UIColor>(1.0, 0.5, 0.0, 1.0), "#FF7F00"},
+      {"translucent", make<UIColor>(1.0, 0.5, 0.0, 0.5), "#FF7F007F"},
+      {"nearly opaque", make<UIColor>(1.0, 0.5, 0.0, 0.999), "#FF7F00FE"},
+      {"beyond one", make<UIColor>(1.2, 0.0, 0.0, 1.0), "#1320000"},
+      {"below zero", make<UIColor>(-0.2, 0.0, 0.0, 1.0), "#FFFFFFCD0000"},
+      {"the low 32 bits", make<UIColor>(4294967297.0 / 255.0, 0.0, 0.0, 1.0), "#010000"},
+      {"display P3 is not converted", in(CGColorSpace::displayP3(), {0, 210.0 / 255.0, 0, 1}), "#00D200"},
+      {"infinite", make<UIColor>(kInfinity, 0.0, 0.0, 1.0), "none"},
+      {"not a number", make<UIColor>(0.0, kNotANumber, 0.0, 1.0), "none"},
+      {"beyond 64 bits", make<UIColor>(0.0, 0.0, -kHuge, 1.0), "none"},
+      {"an alpha that is not a number", make<UIColor>(0.0, 0.0, 0.0, kNotANumber), "none"},
+      {"CMYK", in(CGColorSpace::genericCMYK(), {0, 1, 1, 0, 1}), "none"},
+      {"a pattern", in(CGColorSpace::pattern(), {1}), "none"},
+      {"two components of RGB", in(CGColorSpace::extendedSRGB(), {1, 1}), "none"},
+      {"no components", in(CGColorSpace::extendedGray(), {}), "none"},
+      {"no space", make<UIColor>(CGColor(std::nullopt, {1, 1, 1, 1})), "none"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(codeOf(row.colour), row.code);
+    EXPECT_EQ(text(send<"h_hexString">(row.colour)), row.code);
+  }
+}
+
+TEST(HexCodes, MakeTheReceivingClassOrAPlainColourAsEachPromises) {
+  MyColour::initialised = 0;
+  const Strong<MyColour> mine = fromHexString<MyColour>("#FF8800");
+  EXPECT_EQ(classOf(*mine).name(), "MyColour");
+  EXPECT_EQ(MyColour::initialised, 1);
+  EXPECT_EQ(classOf(*send<"h_colorWithHexString:">(classOf<MyColour>(), makeString("FF8800"))).name(), "UIColor");
+  EXPECT_EQ(classOf(*send<"randomColor">(classOf<MyColour>())).name(), "UIColor");
+  EXPECT_EQ(MyColour::initialised, 1);
+}
+
+// Every channel byte comes back; HexCodesAtLength (run by name) walks all codes.
+TEST(HexCodes, ComeBackAsTheyWereRead) {
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    char code[16];
+    std::snprintf(code, sizeof code, "#%02X%02X%02X", byte, 255 - byte, byte ^ 0x5A);
+    EXPECT_EQ(codeOf(fromHexString<UIColor>(code)), code);
+    std::snprintf(code, sizeof code, "#0080FF%02X", byte);
+    EXPECT_EQ(codeOf(fromHexString<UIColor>(code)), byte == 255 ? "#0080FF" : code);
+  }
+}
+
+TEST(HexCodesAtLength, DISABLED_EverySixDigitCodeAndAGridOfEightDigitCodesComeBack) {
+  char code[16];
+  for (unsigned value = 0; value < 1U << 24; ++value) {
+    std::snprintf(code, sizeof code, "#%06X", value);
+    ASSERT_EQ(codeOf(fromHexString<UIColor>(code)), code);
+  }
+  for (std::uint64_t value = 0; value < 1ULL << 32; value += 4093) {
+    std::snprintf(code, sizeof code, "#%08llX", static_cast<unsigned long long>(value));
+    const std::string expected = (value & 0xFF) == 0xFF ? std::string(code, 7) : code;
+    ASSERT_EQ(codeOf(fromHexString<UIColor>(code)), expected);
+  }
+}
+
+class GivenBits : public RandomSource {
+ public:
+  explicit GivenBits(std::uint64_t bits) : bits_(bits), before_(installRandomSource(this)) {}
+  ~GivenBits() override { installRandomSource(before_); }
+  std::uint32_t uniform(std::uint32_t) override { return 0; }
+  bool fill(std::uint64_t& bits) override {
+    bits = bits_;
+    return bits_ != 0;
+  }
+
+ private:
+  std::uint64_t bits_;
+  RandomSource* before_;
+};
+
+TEST(RandomColours, AreTheLowBitsOfTheSecureSource) {
+  {
+    const GivenBits bits(0xFEDC'BA98'7600'0A0B);
+    EXPECT_EQ(codeOf(randomColor()), "#000A0B");
+    EXPECT_EQ(codeOf(send<"randomColor">(classOf<UIColor>())), "#000A0B");
+  }
+  std::set<std::string> seen;
+  for (int i = 0; i < 4096; ++i) {
+    const Strong<UIColor> colour = randomColor();
+    EXPECT_EQ(colour->getRedGreenBlueAlpha()->alpha, 1.0);
+    seen.insert(codeOf(colour));
+  }
+  EXPECT_GT(seen.size(), 4000U);  // a birthday or two among 2^24 is fine
+}
+
+TEST(RandomColoursDeathTest, EndTheProcessWhenTheSourceFails) {
+  const GivenBits none(0);
+  EXPECT_DEATH((void)randomColor(), "random");
+}
+
+}  // namespace
