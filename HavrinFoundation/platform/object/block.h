@@ -102,7 +102,7 @@ concept PlainCallable = requires {
 };
 
 template <class R, class F, class... A>
-R callFitted(F& callable, A... arguments) {
+R callFitted(F& callable, A&&... arguments) {
   if constexpr (std::is_invocable_v<F&, A...>) {
     return static_cast<R>(std::invoke(callable, std::forward<A>(arguments)...));
   } else {
