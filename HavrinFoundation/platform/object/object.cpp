@@ -73,6 +73,12 @@ void* NSObject::operator new(std::size_t size) {
   return new (memory) ObjectHeader(unborn()) + 1;
 }
 
+void* NSObject::resizeUnborn(void* memory, std::size_t size) {
+  void* resized = std::realloc(static_cast<ObjectHeader*>(memory) - 1, sizeof(ObjectHeader) + size);
+  if (!resized) throw std::bad_alloc();
+  return static_cast<ObjectHeader*>(resized) + 1;
+}
+
 void NSObject::freeUnborn(void* memory) noexcept {
   if (memory) std::free(static_cast<ObjectHeader*>(memory) - 1);
 }

@@ -81,6 +81,9 @@ class HAVRIN_EXPORT NSObject {
   struct Placed {};
   constexpr explicit NSObject(Placed) noexcept {}
 
+  /// Gives memory from `operator new`, in which no object has been constructed yet, another size; its bytes move along.
+  [[nodiscard]] static void* resizeUnborn(void* memory, std::size_t size);
+
  private:
   static void freeUnborn(void* memory) noexcept;
   void releaseAttached() noexcept;

@@ -1,0 +1,274 @@
+#include <HavrinFoundation/platform/foundation/array.h>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/array_buffer.h>
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+namespace havrin::inline platform {
+
+namespace {
+
+constinit const std::uint64_t kNeverMutated = 0;
+
+ClassObject* classIn(const NSObject& object) { return headerOf(&object).cls.load(std::memory_order_relaxed); }
+
+Strong<NSArray> emptyArray() {
+  static NSArray* const kEmpty = make<NSArray>().detach();
+  return kEmpty;
+}
+
+}  // namespace
+
+NSArray::~NSArray() {
+  if (buffer_) {
+    buffer_->end(length_);
+  } else {
+    std::destroy_n(slots_, length_);
+  }
+}
+
+void NSArray::adopt(ArrayBuffer* buffer, std::uint64_t length) noexcept {
+  buffer_ = buffer;
+  slots_ = buffer ? buffer->slots() : nullptr;
+  length_ = length;
+}
+
+bool NSArray::isPlain() const {
+  const ClassObject* cls = classIn(*this);
+  return cls == classObject<NSArray>() || cls == classObject<NSMutableArray>();
+}
+
+const std::uint64_t& NSArray::mutations() const { return kNeverMutated; }
+
+Strong<NSObject> NSArray::objectAtIndex(std::uint64_t index) const {
+  if (index >= length_) throwIndexBeyond(*this, "objectAtIndex:", index, length_);
+  return slots_[index];
+}
+
+Strong<NSObject> NSArray::objectAtIndexedSubscript(std::uint64_t index) const { return objectAtIndex(index); }
+
+Strong<NSObject> NSArray::firstObject() const { return count() == 0 ? nullptr : objectAtIndex(0); }
+
+Strong<NSObject> NSArray::lastObject() const {
+  const std::uint64_t number = count();
+  return number == 0 ? nullptr : objectAtIndex(number - 1);
+}
+
+bool NSArray::containsObject(const NSObject* object) const { return indexOfObject(object) != kNotFound; }
+
+std::uint64_t NSArray::indexOfObject(const NSObject* object) const {
+  if (!object) return kNotFound;
+  const Strong<NSObject> hold(const_cast<NSObject*>(object));
+  std::uint64_t found = kNotFound;
+  visit([&](NSObject* element, std::uint64_t index) {
+    if (element == object || object->isEqual(element)) found = index;
+    return found == kNotFound;
+  });
+  return found;
+}
+
+std::uint64_t NSArray::indexOfObjectPassingTest(Test test) const {
+  if (!test) throwNullArgument(*this, "indexOfObjectPassingTest:", "block");
+  std::uint64_t found = kNotFound;
+  visit([&](NSObject* element, std::uint64_t index) {
+    bool stop = false;
+    if (test(element, index, stop)) found = index;
+    return found == kNotFound && !stop;
+  });
+  return found;
+}
+
+Strong<NSIndexSet> NSArray::indexesOfObjectsPassingTest(Test test) const {
+  if (!test) throwNullArgument(*this, "indexesOfObjectsPassingTest:", "block");
+  std::vector<NSRange> passing;
+  visit([&](NSObject* element, std::uint64_t index) {
+    bool stop = false;
+    if (test(element, index, stop)) appendIndex(passing, index);
+    return !stop;
+  });
+  return make<NSIndexSet>(std::move(passing));
+}
+
+void NSArray::enumerateObjectsUsingBlock(
+    BlockView<void(NSObject* object, std::uint64_t index, bool& stop)> block) const {
+  if (!block) throwNullArgument(*this, "enumerateObjectsUsingBlock:", "block");
+  visit([&](NSObject* element, std::uint64_t index) {
+    bool stop = false;
+    block(element, index, stop);
+    return !stop;
+  });
+}
+
+// A new array of the elements and `more`, in the same buffer where the slots behind the elements are free.
+Strong<NSArray> NSArray::adding(std::span<const Slot> more) const {
+  const auto result = make<NSArray>();
+  Slot* free = buffer_ ? buffer_->claim(length_, more.size()) : nullptr;
+  ArrayBuffer* buffer = buffer_;
+  if (!free) {
+    buffer = ArrayBuffer::copyOf(slots_, length_, ArrayBuffer::grownCapacity(length_ + more.size()));
+    buffer->resizeSole(length_, length_ + more.size());
+    free = buffer->slots() + length_;
+  }
+  std::uninitialized_copy(more.begin(), more.end(), free);
+  result->adopt(buffer, length_ + more.size());
+  return result;
+}
+
+Strong<NSArray> NSArray::arrayByAddingObject(NSObject* object) const {
+  if (!object) throwNullArgument(*this, "arrayByAddingObject:", "object");
+  const Slot one(object);
+  return isPlain() ? adding({&one, 1}) : snapshot()->adding({&one, 1});
+}
+
+Strong<NSArray> NSArray::arrayByAddingObjectsFromArray(const NSArray* array) const {
+  if (!array || array->count() == 0) return snapshot();
+  const Strong<NSArray> more = array->snapshot();
+  return isPlain() ? adding(more->elements()) : snapshot()->adding(more->elements());
+}
+
+Strong<NSArray> NSArray::subarrayWithRange(NSRange range) const {
+  if (!isWithin(range, count())) throwRangeBeyond(*this, "subarrayWithRange:", range, count());
+  ArrayBuilder builder(range.length);
+  const bool plain = isPlain();
+  for (std::uint64_t i = range.location; i < range.location + range.length; ++i) {
+    builder.add(plain ? slots_[i] : objectAtIndex(i));
+  }
+  return builder.finish();
+}
+
+Strong<NSArray> NSArray::objectsAtIndexes(const NSIndexSet* indexes) const {
+  if (!indexes) throwNullArgument(*this, "objectsAtIndexes:", "index set");
+  if (indexes->count() != 0 && indexes->lastIndex() >= count()) {
+    throwIndexBeyond(*this, "objectsAtIndexes:", indexes->lastIndex(), count());
+  }
+  ArrayBuilder builder(indexes->count());
+  const bool plain = isPlain();
+  for (const NSRange& range : indexes->ranges()) {
+    for (std::uint64_t i = range.location; i < range.location + range.length; ++i) {
+      builder.add(plain ? slots_[i] : objectAtIndex(i));
+    }
+  }
+  return builder.finish();
+}
+
+bool NSArray::isEqual(const NSObject* other) const {
+  if (this == other) return true;
+  const NSArray* array = cast<NSArray>(other);
+  if (!array || array->count() != count()) return false;
+  const Strong<NSArray> theirs = array->snapshot();
+  if (theirs->length_ != count()) return false;
+  bool equal = true;
+  visit([&](NSObject* element, std::uint64_t index) {
+    const NSObject* their = theirs->slots_[index];
+    equal = element == their || element->isEqual(their);
+    return equal;
+  });
+  return equal;
+}
+
+std::uint64_t NSArray::hash() const {
+  // Of an array in an array only the count: its own first object may be the outer array.
+  const Strong<NSObject> first = firstObject();
+  const NSArray* inner = cast<NSArray>(first.get());
+  const std::uint64_t firstHash = inner ? inner->count() : first ? first->hash() : 0;
+  return firstHash * 31 + count();
+}
+
+Strong<NSString> NSArray::description() const {
+  std::string text = "(";
+  visit([&](NSObject* element, std::uint64_t index) {
+    if (index != 0) text += ", ";
+    text += element == this ? "(this array)" : utf8(*element->description());
+    return true;
+  });
+  return makeString(text + ")");
+}
+
+Strong<NSObject> NSArray::copy() const { return snapshot(); }
+
+Strong<NSObject> NSArray::mutableCopy() const {
+  const Strong<NSArray> present = snapshot();
+  auto result = make<NSMutableArray>();
+  if (present->length_ != 0) {
+    result->adopt(ArrayBuffer::copyOf(present->slots_, present->length_, present->length_), present->length_);
+  }
+  return result;
+}
+
+Strong<NSArray> NSArray::snapshot() const {
+  const ClassObject* cls = classIn(*this);
+  if (cls == classObject<NSArray>()) return const_cast<NSArray*>(this);
+  if (cls == classObject<NSMutableArray>()) {
+    if (length_ == 0) return emptyArray();
+    if (length_ >= buffer_->capacity() / 2) {
+      const auto result = make<NSArray>();
+      buffer_->share(length_);
+      result->adopt(buffer_, length_);
+      return result;
+    }
+    return makeArray(elements());  // most of the buffer would be kept for nothing
+  }
+  const std::uint64_t number = count();
+  ArrayBuilder builder(number);
+  for (std::uint64_t i = 0; i < number; ++i) builder.add(objectAtIndex(i));
+  return builder.finish();
+}
+
+std::uint64_t NSArray::countByEnumeratingWithState(NSFastEnumerationState& state,
+                                                   std::span<Strong<NSObject>> slots) const {
+  state.mutations = &mutations();
+  if (isPlain()) {
+    if (state.state++ != 0) return 0;
+    state.items = slots_;
+    return length_;
+  }
+  const std::uint64_t end = count();
+  std::uint64_t filled = 0;
+  while (filled < slots.size() && state.state < end) slots[filled++] = objectAtIndex(state.state++);
+  state.items = slots.data();
+  return filled;
+}
+
+ArrayBuilder::ArrayBuilder(std::uint64_t expected) : capacity_(expected) {
+  if (expected > std::numeric_limits<std::int64_t>::max() / sizeof(Strong<NSObject>)) throw std::bad_alloc();
+  if (expected != 0) memory_ = NSArray::operator new(sizeof(NSArray) + expected * sizeof(Strong<NSObject>));
+}
+
+ArrayBuilder::~ArrayBuilder() {
+  if (!memory_) return;
+  std::destroy_n(slots(), count_);
+  NSArray::operator delete(memory_);
+}
+
+void ArrayBuilder::grow() {
+  const std::uint64_t capacity = capacity_ < 4 ? 8 : capacity_ * 2;
+  const std::size_t size = sizeof(NSArray) + capacity * sizeof(Strong<NSObject>);
+  memory_ = memory_ ? NSArray::resizeUnborn(memory_, size) : NSArray::operator new(size);
+  capacity_ = capacity;
+}
+
+Strong<NSArray> ArrayBuilder::finish() {
+  if (count_ == 0) return emptyArray();
+  constexpr std::uint64_t kWorthACall = 32;
+  if (capacity_ - count_ >= kWorthACall) {
+    memory_ = NSArray::resizeUnborn(memory_, sizeof(NSArray) + count_ * sizeof(Strong<NSObject>));
+  }
+  capacity_ = 0;
+  return Strong<NSArray>::adopt(::new (std::exchange(memory_, nullptr))
+                                    NSArray(NSArray::Behind{}, std::exchange(count_, 0)));
+}
+
+void ArrayBuilder::throwNull() { throw NSException(NSInvalidArgumentException, "an array cannot hold null"); }
+
+Strong<NSArray> makeArray(std::initializer_list<NSObject*> objects) {
+  return makeArray(std::span<NSObject* const>(objects.begin(), objects.size()));
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,113 @@
+#include <HavrinFoundation/platform/foundation/array_buffer.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+#include <thread>
+#include <utility>
+
+namespace havrin::inline platform {
+
+namespace {
+
+constinit std::atomic<std::uint64_t> slotsCopied{0};
+
+}  // namespace
+
+std::uint64_t arraySlotsCopied() { return slotsCopied.load(std::memory_order_relaxed); }
+
+ArrayBuffer* ArrayBuffer::make(std::uint64_t capacity) {
+  constexpr std::size_t kPerSlot = sizeof(Slot) + sizeof(std::uint32_t);
+  if (capacity > std::numeric_limits<std::int64_t>::max() / kPerSlot) throw std::bad_alloc();
+  void* memory = std::malloc(sizeof(ArrayBuffer) + capacity * kPerSlot + sizeof(std::uint32_t));
+  if (!memory) throw std::bad_alloc();
+  auto* buffer = new (memory) ArrayBuffer(capacity);
+  std::memset(buffer->ends(), 0, (capacity + 1) * sizeof(std::uint32_t));
+  buffer->ends()[0] = 1;
+  return buffer;
+}
+
+ArrayBuffer* ArrayBuffer::copyOf(const Slot* slots, std::uint64_t length, std::uint64_t capacity) {
+  ArrayBuffer* buffer = make(std::max(length, capacity));
+  std::uninitialized_copy_n(slots, length, buffer->slots());
+  buffer->resizeSole(0, length);
+  slotsCopied.fetch_add(length, std::memory_order_relaxed);
+  return buffer;
+}
+
+ArrayBuffer* ArrayBuffer::grownSole(std::uint64_t length, std::uint64_t capacity) {
+  ArrayBuffer* buffer = make(capacity);
+  std::uninitialized_move_n(slots(), length, buffer->slots());
+  buffer->resizeSole(0, length);
+  slotsCopied.fetch_add(length, std::memory_order_relaxed);
+  std::free(this);
+  return buffer;
+}
+
+std::uint64_t ArrayBuffer::lock() noexcept {
+  constexpr int kSpins = 64;
+  for (int spins = 0;; ++spins) {
+    std::uint64_t handles = word_.load(std::memory_order_relaxed);
+    if (!(handles & kLocked) &&
+        word_.compare_exchange_weak(handles, handles | kLocked, std::memory_order_acquire, std::memory_order_relaxed)) {
+      return handles;
+    }
+    if (spins >= kSpins) std::this_thread::yield();  // its holder was taken off its core
+  }
+}
+
+void ArrayBuffer::share(std::uint64_t length) noexcept {
+  const std::uint64_t handles = lock();
+  ++ends()[length];
+  unlock(handles + kOneHandle);
+}
+
+ArrayBuffer::Slot* ArrayBuffer::claim(std::uint64_t length, std::uint64_t more) noexcept {
+  const std::uint64_t handles = lock();
+  if (filled_ != length || capacity_ - length < more) {
+    unlock(handles);
+    return nullptr;
+  }
+  filled_ += more;
+  ++ends()[filled_];
+  unlock(handles + kOneHandle);
+  return slots() + length;
+}
+
+void ArrayBuffer::end(std::uint64_t length) noexcept {
+  if (isSole()) {
+    destroy();
+    return;
+  }
+  // Elements are taken out under the lock and released outside it, a few at a time. The handle counts until the last
+  // of them is out, so that the buffer stands.
+  constexpr int kBatch = 16;
+  for (bool first = true;; first = false) {
+    Slot released[kBatch];
+    int count = 0;
+    const std::uint64_t handles = lock();
+    if (first) --ends()[length];
+    while (count < kBatch && filled_ != 0 && ends()[filled_] == 0) {
+      Slot& last = slots()[--filled_];
+      released[count++] = std::move(last);
+      last.~Slot();
+    }
+    if (count == kBatch) {
+      unlock(handles);
+      continue;
+    }
+    unlock(handles - kOneHandle);
+    if (handles == kOneHandle) destroy();
+    return;
+  }
+}
+
+void ArrayBuffer::destroy() noexcept {
+  std::destroy_n(slots(), filled_);
+  std::free(this);
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,26 @@
+// What collections throw, with receiver and selector in the reason. For the layer's own sources.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include <HavrinFoundation/platform/foundation/range.h>
+#include <HavrinFoundation/platform/object/object.h>
+
+namespace havrin::inline platform {
+
+/// Throws NSException (Range): "-[NSArray objectAtIndex:]: index 9 beyond count 3".
+[[noreturn]] void throwIndexBeyond(const NSObject& receiver, std::string_view selector, std::uint64_t index,
+                                   std::uint64_t count);
+/// Throws NSException (Range): "-[NSArray subarrayWithRange:]: range {2, 9} beyond count 3".
+[[noreturn]] void throwRangeBeyond(const NSObject& receiver, std::string_view selector, NSRange range,
+                                   std::uint64_t count);
+/// Throws NSException (InvalidArgument): "-[NSMutableArray addObject:]: the object is null".
+[[noreturn]] void throwNullArgument(const NSObject& receiver, std::string_view selector, std::string_view argument);
+
+/// True when `range` lies within `count` elements.
+[[nodiscard]] constexpr bool isWithin(NSRange range, std::uint64_t count) {
+  return range.location <= count && range.length <= count - range.location;
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,15 @@
+#include <HavrinFoundation/platform/foundation/fast_enumeration.h>
+
+#include <string>
+
+#include <HavrinFoundation/platform/object/class.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+namespace havrin::inline platform {
+
+void throwMutatedWhileEnumerated(const NSObject* collection) {
+  const std::string name = collection ? std::string(classOf(*collection).name()) : "collection";
+  throw NSException(NSGenericException, "the " + name + " was mutated while it was being enumerated");
+}
+
+}  // namespace havrin::inline platform

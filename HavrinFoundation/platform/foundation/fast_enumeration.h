@@ -1,0 +1,124 @@
+// Fast enumeration: how a collection hands out its objects in batches, and the loop over it.
+//
+//   for (NSObject* object : each(stations)) ...          NSException (Generic) when the collection is changed meanwhile
+//
+//   class Playlist : public Object<Playlist, NSObject>, public NSFastEnumeration {
+//     std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
+//                                               std::span<Strong<NSObject>> slots) const override;
+//   };
+//
+// Arrays, sets, ordered sets and dictionaries (their keys) are enumerable; application classes that implement the
+// interface are so everywhere the library asks for one.
+// Left out: enumerator objects, enumeration in reverse.
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/object.h>
+
+namespace havrin::inline platform {
+
+/// What a collection and the loop over it pass to and fro. Zero at the first call.
+struct NSFastEnumerationState {
+  /// The collection's own note of where it stands.
+  std::uint64_t state = 0;
+  /// Set by the collection: the batch, in its own storage or in the slots it was lent.
+  const Strong<NSObject>* items = nullptr;
+  /// Set by the collection: a number that it changes with every mutation, and that lives as long as it does.
+  const std::uint64_t* mutations = nullptr;
+  /// Also the collection's own.
+  std::array<std::uint64_t, 5> extra{};
+};
+
+/// Implemented by collections, as a base beside NSObject.
+class HAVRIN_EXPORT NSFastEnumeration {
+ public:
+  /// Sets `state.items` to the next batch and `state.mutations`, and answers how many objects the batch has; 0 ends the
+  /// enumeration. `slots` is room for 16 objects, to be used where the objects do not stand in a row already; it is the
+  /// same at every call of one enumeration.
+  virtual std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
+                                                    std::span<Strong<NSObject>> slots) const = 0;
+
+ protected:
+  ~NSFastEnumeration() = default;
+};
+
+/// Throws NSException (Generic): `collection`, which may be null where it is no NSObject, was changed while its elements
+/// were being handed out.
+[[noreturn]] HAVRIN_EXPORT void throwMutatedWhileEnumerated(const NSObject* collection);
+
+/// One enumeration of a collection, as the range of a `for` loop. Made by `each`.
+class HAVRIN_EXPORT FastEnumeration {
+ public:
+  static constexpr std::size_t kSlots = 16;
+
+  FastEnumeration(const NSFastEnumeration* collection, NSObject* held) : collection_(collection), held_(held) {}
+  FastEnumeration(const FastEnumeration&) = delete;
+  FastEnumeration& operator=(const FastEnumeration&) = delete;
+
+  struct End {};
+  class Iterator {
+   public:
+    explicit Iterator(FastEnumeration& enumeration) : enumeration_(enumeration) {}
+    NSObject* operator*() const { return enumeration_.state_.items[enumeration_.next_]; }
+    Iterator& operator++() {
+      enumeration_.advance();
+      return *this;
+    }
+    bool operator!=(End) const { return enumeration_.count_ != 0; }
+
+   private:
+    FastEnumeration& enumeration_;
+  };
+  /// Starts the enumeration; once only.
+  [[nodiscard]] Iterator begin() {
+    if (collection_) fetch();
+    if (count_) mutations_ = *state_.mutations;
+    return Iterator(*this);
+  }
+  [[nodiscard]] End end() const { return {}; }
+
+ private:
+  void advance() {
+    if (*state_.mutations != mutations_) throwMutatedWhileEnumerated(held_);
+    if (++next_ == count_) fetch();
+  }
+  void fetch() {
+    next_ = 0;
+    count_ = collection_->countByEnumeratingWithState(state_, slots_);
+  }
+
+  const NSFastEnumeration* collection_;
+  Strong<NSObject> held_;
+  NSFastEnumerationState state_;
+  std::uint64_t mutations_ = 0;
+  std::uint64_t next_ = 0;
+  std::uint64_t count_ = 0;
+  std::array<Strong<NSObject>, kSlots> slots_;
+};
+
+/// The objects of `collection`, for a `for` loop; none for null. The objects are borrowed, the collection is held.
+/// Throws, from the step after the change: NSException (Generic) when the collection was mutated in the loop.
+template <std::derived_from<NSFastEnumeration> C>
+[[nodiscard]] FastEnumeration each(const C* collection) {
+  if constexpr (std::derived_from<C, NSObject>) {
+    return FastEnumeration(collection, const_cast<C*>(collection));
+  } else {
+    return FastEnumeration(collection, nullptr);
+  }
+}
+template <std::derived_from<NSFastEnumeration> C>
+[[nodiscard]] FastEnumeration each(const Strong<C>& collection) {
+  return each(static_cast<const C*>(collection.get()));
+}
+template <std::derived_from<NSFastEnumeration> C>
+[[nodiscard]] FastEnumeration each(const C& collection) {
+  return each(&collection);
+}
+
+}  // namespace havrin::inline platform

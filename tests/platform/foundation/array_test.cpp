@@ -1,0 +1,362 @@
+#include <HavrinFoundation/platform/foundation/array.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+#include "tests/random_seed.h"
+
+using namespace havrin;
+
+namespace {
+
+Strong<NSString> s(std::string_view text) { return makeString(text); }
+
+// "(a, b)" without the comma: what the tests compare.
+std::string text(const NSArray& array) {
+  std::string all;
+  for (NSObject* object : each(array)) all += utf8(*object->description());
+  return all;
+}
+
+// What a test expects of a call: the name of the exception, or "none".
+std::string thrown(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const NSException& exception) {
+    return exception.name();
+  }
+  return "none";
+}
+
+// The least that an array is: the letters from `a` on, made as they are asked for.
+class Letters : public Object<Letters, NSArray> {
+ public:
+  explicit Letters(std::uint64_t number) : number_(number) {}
+  std::uint64_t count() const override { return number_; }
+  Strong<NSObject> objectAtIndex(std::uint64_t index) const override {
+    if (index >= number_) throw NSException(NSRangeException, "beyond the letters");
+    return s(std::string(1, static_cast<char>('a' + index)));
+  }
+
+ private:
+  std::uint64_t number_;
+};
+
+// The least that a mutable array is, with storage of its own.
+class OwnList : public Object<OwnList, NSMutableArray> {
+ public:
+  std::uint64_t count() const override { return objects_.size(); }
+  Strong<NSObject> objectAtIndex(std::uint64_t index) const override { return objects_.at(index); }
+  void insertObject(NSObject* object, std::uint64_t index) override {
+    objects_.insert(objects_.begin() + static_cast<std::ptrdiff_t>(index), object);
+  }
+  void removeObjectAtIndex(std::uint64_t index) override {
+    objects_.erase(objects_.begin() + static_cast<std::ptrdiff_t>(index));
+  }
+  void replaceObjectAtIndex(std::uint64_t index, NSObject* object) override { objects_[index] = object; }
+
+ private:
+  std::vector<Strong<NSObject>> objects_;
+};
+
+// The letters a, b, c, d in every kind of array there is.
+struct Kind {
+  const char* why;
+  Strong<NSArray> array;
+};
+std::vector<Kind> everyKind() {
+  const auto list = makeMutableArray({s("a"), s("b"), s("c"), s("d")});
+  const auto own = make<OwnList>();
+  own->addObjectsFromArray(list);
+  return {{"in one piece", makeArray({s("a"), s("b"), s("c"), s("d")})},
+          {"made by adding", makeArray({s("a"), s("b")})->arrayByAddingObject(s("c"))->arrayByAddingObject(s("d"))},
+          {"mutable", list},
+          {"a copy of a mutable one", list->snapshot()},
+          {"a subclass with count and objectAtIndex only", make<Letters>(4U)},
+          {"a mutable subclass with storage of its own", own}};
+}
+
+}  // namespace
+
+TEST(Array, OfEveryKindAnswersAlike) {
+  for (const Kind& kind : everyKind()) {
+    SCOPED_TRACE(kind.why);
+    const NSArray& array = *kind.array;
+    EXPECT_EQ(array.count(), 4U);
+    EXPECT_EQ(utf8(*array.description()), "(a, b, c, d)");
+    EXPECT_EQ(utf8(*array.objectAtIndexedSubscript(2)->description()), "c");
+    EXPECT_EQ(utf8(*array.firstObject()->description()) + utf8(*array.lastObject()->description()), "ad");
+    EXPECT_EQ(array.indexOfObject(s("c")), 2U);
+    EXPECT_EQ(array.indexOfObject(s("z")), kNotFound);
+    EXPECT_EQ(array.indexOfObject(nullptr), kNotFound);
+    EXPECT_TRUE(array.containsObject(s("d")));
+    EXPECT_EQ(text(*array.arrayByAddingObject(s("e"))), "abcde");
+    EXPECT_EQ(text(*array.arrayByAddingObjectsFromArray(kind.array)), "abcdabcd");
+    EXPECT_EQ(text(*array.arrayByAddingObjectsFromArray(nullptr)), "abcd");
+    EXPECT_EQ(text(*array.subarrayWithRange({1, 2})), "bc");
+    EXPECT_EQ(text(*array.subarrayWithRange({4, 0})), "");
+    EXPECT_EQ(text(*array.objectsAtIndexes(makeIndexSet({3, 0}))), "ad") << "in ascending order";
+    for (const Kind& other : everyKind()) {
+      EXPECT_TRUE(array.isEqual(other.array)) << other.why;
+      EXPECT_EQ(array.hash(), other.array->hash()) << other.why;
+    }
+    EXPECT_FALSE(array.isEqual(makeArray({s("a"), s("b"), s("d"), s("c")})));
+    EXPECT_FALSE(array.isEqual(makeArray({s("a"), s("b"), s("c")})));
+    EXPECT_FALSE(array.isEqual(s("a")));
+    const auto changed = array.mutableCopy();
+    EXPECT_EQ(classOf(*changed).name(), "NSMutableArray");
+    static_cast<NSMutableArray&>(*changed).removeLastObject();
+    EXPECT_EQ(text(static_cast<NSArray&>(*changed)), "abc");
+    EXPECT_EQ(text(array), "abcd") << "nothing above has changed it";
+  }
+}
+
+TEST(Array, TestsInAscendingOrderAndStopsWhenTold) {
+  for (const Kind& kind : everyKind()) {
+    SCOPED_TRACE(kind.why);
+    std::string seen;
+    const auto isBOrD = [&](NSString& letter, std::uint64_t index, bool&) {
+      seen += utf8(letter) + std::to_string(index);
+      return index % 2 == 1;
+    };
+    EXPECT_TRUE(kind.array->indexesOfObjectsPassingTest(isBOrD)->isEqual(makeIndexSet({1, 3})));
+    EXPECT_EQ(kind.array->indexOfObjectPassingTest(isBOrD), 1U);
+    EXPECT_EQ(seen, "a0b1c2d3a0b1");
+    const auto stopsAtOnce = [&](NSObject*, std::uint64_t, bool& stop) { return !(stop = true); };
+    EXPECT_EQ(kind.array->indexOfObjectPassingTest(stopsAtOnce), kNotFound);
+    EXPECT_EQ(kind.array->indexesOfObjectsPassingTest(stopsAtOnce)->count(), 0U);
+    kind.array->enumerateObjectsUsingBlock([&](NSObject*, std::uint64_t index, bool& stop) {
+      seen = std::to_string(index);
+      stop = index == 2;
+    });
+    EXPECT_EQ(seen, "2");
+  }
+}
+
+TEST(Array, RefusesWhatIsOutOfRangeOrNullBeforeItChangesAnything) {
+  const std::uint64_t huge = ~std::uint64_t{0};
+  for (const Kind& kind : everyKind()) {
+    SCOPED_TRACE(kind.why);
+    const NSArray& array = *kind.array;
+    if (array.isPlain()) {
+      EXPECT_EQ(thrown([&] { (void)array.objectAtIndex(4); }), NSRangeException);
+    }
+    EXPECT_EQ(thrown([&] { (void)array.subarrayWithRange({3, 2}); }), NSRangeException);
+    EXPECT_EQ(thrown([&] { (void)array.subarrayWithRange({1, huge}); }), NSRangeException);
+    EXPECT_EQ(thrown([&] { (void)array.objectsAtIndexes(makeIndexSet({0, 4})); }), NSRangeException);
+    EXPECT_EQ(thrown([&] { (void)array.objectsAtIndexes(nullptr); }), NSInvalidArgumentException);
+    EXPECT_EQ(thrown([&] { (void)array.arrayByAddingObject(nullptr); }), NSInvalidArgumentException);
+    EXPECT_EQ(thrown([&] { (void)array.indexesOfObjectsPassingTest(nullptr); }), NSInvalidArgumentException);
+    EXPECT_EQ(thrown([&] { (void)array.indexOfObjectPassingTest(nullptr); }), NSInvalidArgumentException);
+    EXPECT_EQ(thrown([&] { array.enumerateObjectsUsingBlock(nullptr); }), NSInvalidArgumentException);
+  }
+  const auto list = makeMutableArray({s("a"), s("b")});
+  const auto copy = list->snapshot();
+  const std::uint64_t changes = list->mutations();
+  const std::pair<std::string_view, std::function<void()>> bad[] = {
+      {NSRangeException, [&] { list->insertObject(s("x"), 3); }},
+      {NSRangeException, [&] { list->removeObjectAtIndex(2); }},
+      {NSRangeException, [&] { list->replaceObjectAtIndex(2, s("x")); }},
+      {NSRangeException, [&] { list->exchangeObjectAtIndex(0, 2); }},
+      {NSRangeException, [&] { list->exchangeObjectAtIndex(2, 2); }},
+      {NSRangeException,
+       [&] {
+         list->removeObjectsInRange({1, 2});
+       }},
+      {NSRangeException,
+       [&] {
+         list->removeObjectsAtIndexes(makeIndexSet({0, 2}));
+       }},
+      {NSInvalidArgumentException, [&] { list->removeObjectsAtIndexes(nullptr); }},
+      {NSInvalidArgumentException, [&] { list->addObject(nullptr); }},
+      {NSInvalidArgumentException, [&] { list->insertObject(nullptr, 0); }},
+      {NSInvalidArgumentException, [&] { list->replaceObjectAtIndex(0, nullptr); }},
+      {NSInvalidArgumentException,
+       [] {
+         (void)makeArray({s("a"), nullptr});
+       }},
+  };
+  for (const auto& [name, call] : bad) EXPECT_EQ(thrown(call), name);
+  EXPECT_EQ(list->mutations(), changes);
+  EXPECT_TRUE(list->isEqual(copy));
+  try {
+    list->removeObjectAtIndex(7);
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.reason(), "-[NSMutableArray removeObjectAtIndex:]: index 7 beyond count 2");
+  }
+}
+
+TEST(MutableArray, ChangesAsAPlainListWould) {
+  std::mt19937_64 random = seededGenerator();
+  const Strong<NSMutableArray> kinds[] = {make<NSMutableArray>(), make<OwnList>()};
+  for (const auto& list : kinds) {
+    SCOPED_TRACE(std::string(classOf(*list).name()));
+    std::vector<std::string> model;
+    std::vector<std::pair<Strong<NSArray>, std::vector<std::string>>> copies;
+    const auto at = [&](std::size_t index) { return model.begin() + static_cast<std::ptrdiff_t>(index); };
+    for (int step = 0; step < 5000; ++step) {
+      const std::string name = std::to_string(step) + ' ';
+      const std::size_t i = model.empty() ? 0 : random() % model.size();
+      const std::size_t j = model.empty() ? 0 : random() % model.size();
+      switch (random() % 10) {
+        case 0:
+        case 1:
+          list->addObject(s(name));
+          model.push_back(name);
+          break;
+        case 2:
+          list->insertObject(s(name), i);
+          model.insert(at(i), name);
+          break;
+        case 3:
+          if (model.empty()) break;
+          list->removeObjectAtIndex(i);
+          model.erase(at(i));
+          break;
+        case 4:
+          if (model.empty()) break;
+          list->replaceObjectAtIndex(i, s(name));
+          model[i] = name;
+          break;
+        case 5:
+          if (model.empty()) break;
+          list->exchangeObjectAtIndex(i, j);
+          std::swap(model[i], model[j]);
+          break;
+        case 6: {
+          std::vector<std::uint64_t> chosen;
+          for (std::size_t k = model.size(); k-- > 0;) {
+            if (random() % 8 != 0) continue;
+            chosen.push_back(k);
+            model.erase(at(k));
+          }
+          list->removeObjectsAtIndexes(makeIndexSet(chosen));
+          break;
+        }
+        case 7: {
+          const std::size_t length = std::min<std::size_t>(random() % 4, model.size() - i);
+          list->removeObjectsInRange({i, length});
+          model.erase(at(i), at(i + length));
+          break;
+        }
+        case 8:
+          list->addObjectsFromArray(random() % 2 == 0 ? list->subarrayWithRange({0, i}) : list->snapshot());
+          if (const std::size_t added = list->count() - model.size(); added != 0) {
+            const std::vector<std::string> front(model.begin(), at(added));
+            model.insert(model.end(), front.begin(), front.end());
+          }
+          if (model.size() > 60) {
+            list->removeAllObjects();
+            model.clear();
+          }
+          break;
+        default:
+          copies.emplace_back(list->snapshot(), model);
+          if (copies.size() > 5) copies.erase(copies.begin());
+      }
+      std::string expected;
+      for (const std::string& one : model) expected += one;
+      ASSERT_EQ(text(*list), expected) << "after step " << step;
+      for (const auto& [copy, then] : copies) {
+        ASSERT_EQ(copy->count(), then.size());
+        for (std::size_t k = 0; k < then.size(); ++k) {
+          ASSERT_EQ(utf8(*copy->objectAtIndex(k)->description()), then[k]) << "a copy changed at step " << step;
+        }
+      }
+    }
+  }
+}
+
+TEST(MutableArray, AddsItselfToItself) {
+  const auto list = makeMutableArray({s("a"), s("b")});
+  list->addObjectsFromArray(list);
+  EXPECT_EQ(text(*list), "abab");
+  EXPECT_EQ(text(*list->arrayByAddingObjectsFromArray(list)), "abababab");
+}
+
+TEST(MutableArray, StandsWhenAnObjectThatLeavesComesBackToIt) {
+  class Visitor : public Object<Visitor, NSObject> {
+   public:
+    explicit Visitor(NSMutableArray* list) : list_(list) {}
+    ~Visitor() override { list_->addObject(makeNumber(1)); }
+    NSMutableArray* list_;
+  };
+  const auto list = makeMutableArray({});
+  const std::function<void()> removals[] = {[&] { list->removeAllObjects(); }, [&] { list->removeObjectAtIndex(0); },
+                                            [&] { list->replaceObjectAtIndex(1, s("x")); },
+                                            [&] {
+                                              list->removeObjectsAtIndexes(makeIndexSet({0, 2}));
+                                            }};
+  for (const auto& remove : removals) {
+    for (int i = 0; i < 3; ++i) list->addObject(make<Visitor>(list));
+    const std::uint64_t before = list->count();
+    remove();
+    EXPECT_LE(list->count(), before);
+  }
+  EXPECT_EQ(list->lastObject()->hash(), makeNumber(1)->hash());
+  for (int i = 0; i < 40; ++i) list->addObject(makeNumber(i));
+  while (list->count() > 45) list->removeObjectAtIndex(0);
+  const auto rest = list->snapshot();
+  list->removeAllObjects();
+}
+
+TEST(FastEnumeration, GoesThroughEveryKindOfArrayInOrder) {
+  const auto longList = make<Letters>(26U);
+  EXPECT_EQ(text(*longList), "abcdefghijklmnopqrstuvwxyz") << "in batches of sixteen";
+  for (const Kind& kind : everyKind()) EXPECT_EQ(text(*kind.array), "abcd") << kind.why;
+  for (NSObject* object : each(Strong<NSArray>())) FAIL() << object;
+  for (NSObject* object : each(makeArray({}))) FAIL() << object;
+  std::string held;
+  for (NSObject* object : each(makeArray({s("a"), s("b")}))) held += utf8(*object->description());
+  EXPECT_EQ(held, "ab") << "a temporary array is held for the loop";
+}
+
+TEST(FastEnumeration, OfAChangedCollectionThrowsAtTheNextStep) {
+  class Crate : public Object<Crate, NSObject>, public NSFastEnumeration {
+   public:
+    std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
+                                              std::span<Strong<NSObject>> slots) const override {
+      EXPECT_EQ(slots.size(), 16U);
+      state.mutations = &changes_;
+      state.items = slots.data();
+      std::uint64_t number = 0;
+      while (number < slots.size() && state.state < 40) slots[number++] = makeNumber(state.state++);
+      return number;
+    }
+    std::uint64_t changes_ = 0;
+  };
+  const auto crate = make<Crate>();
+  std::uint64_t sum = 0;
+  for (NSObject* number : each(crate)) sum += static_cast<NSNumber*>(number)->unsignedIntegerValue();
+  EXPECT_EQ(sum, 780U);
+  const auto list = makeMutableArray({s("a"), s("b")});
+  int steps = 0;
+  const std::function<void()> loops[] = {
+      [&] {
+        for (NSObject* number : each(crate)) {
+          if (++steps && number->isEqual(makeNumber(17))) ++crate->changes_;
+        }
+      },
+      [&] {
+        for (NSObject* object : each(list)) {
+          steps += object != nullptr;
+          list->removeAllObjects();
+        }
+      },
+      [&] {
+        list->addObject(s("a"));
+        list->enumerateObjectsUsingBlock([&](NSString& string, std::uint64_t, bool&) {
+          list->removeAllObjects();
+          EXPECT_EQ(utf8(string), "a") << "held while the block runs";
+          ++steps;
+        });
+      }};
+  for (const auto& loop : loops) EXPECT_EQ(thrown(loop), NSGenericException);
+  EXPECT_EQ(steps, 18 + 1 + 1);
+}
