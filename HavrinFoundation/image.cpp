@@ -3,6 +3,7 @@
 #include <HavrinFoundation/image.h>
 
 #include <HavrinFoundation/frame/identity.h>
+#include <HavrinFoundation/frame/main_queue.h>
 
 namespace havrin {
 
@@ -17,6 +18,8 @@ const Category* const kCategories[] = {
     &kColourArithmetic,  // UIColor(HavrinFoundation)
 };
 
+void (*const kInitialisers[])() = {SetMainQueueIdentifier};
+
 }  // namespace
 
 constinit const Image kHavrinFoundation{
@@ -24,7 +27,7 @@ constinit const Image kHavrinFoundation{
     .identification = HavrinFoundationVersionString,
     .strings = {},
     .categories = kCategories,
-    .initialisers = {},
+    .initialisers = kInitialisers,
 };
 
 namespace {
