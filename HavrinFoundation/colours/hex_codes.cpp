@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstdio>
 
-#include <HavrinFoundation/colours/hex_code_cleaning.h>
 #include <HavrinFoundation/platform/foundation/random.h>
 #include <HavrinFoundation/platform/foundation/unicode.h>
 #include <HavrinFoundation/text/character_sets.h>
@@ -80,7 +79,7 @@ class Writer {
 
 }  // namespace
 
-std::optional<HexCode> sanitizedHexCode(std::string_view code) noexcept {
+std::optional<detail::HexCode> detail::sanitizedHexCode(std::string_view code) noexcept {
   const std::size_t characters = characterCount(code);
   if (characters < kFewestCharacters || characters > kMostCharacters) return std::nullopt;
   if (beginsWithPrefix(code)) code.remove_prefix(2);
@@ -96,7 +95,7 @@ std::optional<HexCode> sanitizedHexCode(std::string_view code) noexcept {
 }
 
 std::optional<RGBA> detail::readHexCode(std::string_view code) noexcept {
-  const auto clean = sanitizedHexCode(code);
+  const auto clean = detail::sanitizedHexCode(code);
   if (!clean) return std::nullopt;
   const DigitTable& values = digitValues();
   const auto value = [&](std::size_t index) { return values[static_cast<unsigned char>(clean->digits[index])]; };

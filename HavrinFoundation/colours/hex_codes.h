@@ -11,7 +11,9 @@
 // A code that was read is written back the same, but for its case and the "#".
 #pragma once
 
+#include <array>
 #include <concepts>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,8 +24,21 @@
 namespace havrin {
 
 namespace detail {
+
+/// Six or eight hexadecimal digits, their case kept.
+struct HexCode {
+  std::array<char, 9> digits;  // one more than a code has, for what comes after the last digit
+  std::size_t count;
+
+  [[nodiscard]] std::string_view view() const { return {digits.data(), count}; }
+};
+
+/// The digits that a loosely written code leaves, as `fromHexString` says.
+[[nodiscard]] std::optional<HexCode> sanitizedHexCode(std::string_view code) noexcept;
+
 /// The components that a loosely written code stands for.
 [[nodiscard]] HAVRIN_EXPORT std::optional<RGBA> readHexCode(std::string_view code) noexcept;
+
 }  // namespace detail
 
 /// The code of a colour: "#" and six upper-case digits, or eight when alpha is below 1. Each component times 255,

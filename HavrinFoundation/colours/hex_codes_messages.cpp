@@ -1,6 +1,5 @@
 #include <HavrinFoundation/colours/hex_codes_messages.h>
 
-#include <HavrinFoundation/colours/hex_code_cleaning.h>
 #include <HavrinFoundation/colours/hex_codes.h>
 
 namespace havrin {
@@ -17,7 +16,7 @@ Strong<UIColor> colorWithHexStringMessage(ClassOf<UIColor>, NSString* code) {
 }
 
 Strong<NSString> sanitizedWithHexString(ClassOf<UIColor>, NSString* code) {
-  const auto clean = sanitizedHexCode(code ? utf8(*code) : "");
+  const auto clean = detail::sanitizedHexCode(code ? utf8(*code) : "");
   return clean ? makeString(clean->view()) : nullptr;
 }
 

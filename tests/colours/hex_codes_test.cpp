@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include <HavrinFoundation/colours/hex_code_cleaning.h>
 #include <HavrinFoundation/colours/hex_codes_messages.h>
 #include <HavrinFoundation/platform/foundation/random.h>
 #include <HavrinFoundation/platform/object/exception.h>
