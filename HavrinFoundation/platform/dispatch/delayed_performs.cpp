@@ -23,10 +23,7 @@ std::uint64_t mixed(const void* target, const void* selector) {
 DelayedPerforms::DelayedPerforms() : slots_(kFirstSlots) {}
 
 DelayedPerforms::~DelayedPerforms() {
-  // A destructor of what the work holds may still cancel here: it finds nothing, and then the next one goes.
-  slots_.assign(kFirstSlots, Slot());
-  std::vector<Place> heap = std::exchange(heap_, {});
-  for (const Place& place : heap) delete place.request;
+  for (const Place& place : heap_) delete place.request;
 }
 
 void DelayedPerforms::schedule(const PerformKey& key, DueTime due, Work&& work) {
@@ -48,8 +45,13 @@ void DelayedPerforms::schedule(const PerformKey& key, DueTime due, Work&& work) 
 }
 
 bool DelayedPerforms::postpone(const void* target, const void* selector, DueTime due) {
-  Request* only = firstWith(target, selector);
-  if (only == nullptr || only->next != nullptr || !only->waits() || only->key.argument != nullptr) return false;
+  Request* only = nullptr;
+  for (Request* each = firstWith(target, selector); each != nullptr; each = each->next) {
+    if (!each->waits()) continue;
+    if (only != nullptr) return false;
+    only = each;
+  }
+  if (only == nullptr || only->key.argument != nullptr) return false;
   moveTo(only, due);
   return true;
 }

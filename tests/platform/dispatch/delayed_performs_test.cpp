@@ -1,0 +1,136 @@
+#include <HavrinFoundation/platform/dispatch/delayed_performs.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace havrin;
+
+const void* address(std::size_t number) {
+  static const char bytes[4096] = {};
+  return bytes + number;
+}
+
+void cancelSame(DelayedPerforms& performs, const PerformKey& key) {
+  performs.cancel(key, [](const void*) { return false; });
+}
+
+TEST(DelayedPerforms, ABurstOfPostponementsHoldsOnePlace) {
+  DelayedPerforms performs;
+  const PerformKey key{address(1), address(2)};
+  performs.schedule(key, {0, 0}, Work([] {}));
+  std::uint64_t rank = 1;
+  for (int i = 1; i <= 1'000'000; ++i) {
+    ASSERT_TRUE(performs.postpone(key.target, key.selector, {static_cast<double>(i), rank++}));
+  }
+  EXPECT_EQ(performs.places(), 1u);
+  // The same by cancelling and arranging again.
+  for (int i = 0; i < 1'000'000; ++i) {
+    cancelSame(performs, key);
+    performs.schedule(key, {2e6 + i, rank++}, Work([] {}));
+  }
+  EXPECT_EQ(performs.places(), 1u);
+  EXPECT_EQ(performs.first()->deadline, 2e6 + 999'999);
+}
+
+TEST(DelayedPerforms, CancelledRequestsDoNotPileUp) {
+  DelayedPerforms performs;
+  std::uint64_t rank = 0;
+  performs.schedule({address(4001), address(0)}, {1, rank++}, Work([] {}));
+  for (std::size_t i = 1; i < 100'000; ++i) {
+    const PerformKey key{address(i % 4000), address(i % 3)};
+    performs.schedule(key, {1e9, rank++}, Work([] {}));
+    cancelSame(performs, key);
+    ASSERT_LE(performs.places(), 200u);
+  }
+  EXPECT_EQ(performs.size(), 1u);
+}
+
+// What the engine is to do, done slowly.
+class Model {
+ public:
+  struct Request {
+    PerformKey key;
+    DueTime due;
+    int id;
+  };
+
+  void cancel(const PerformKey& key) {
+    std::erase_if(requests, [&](const Request& r) {
+      return r.key.target == key.target && r.key.selector == key.selector && r.key.argument == key.argument;
+    });
+  }
+  bool postpone(const PerformKey& key, DueTime due) {
+    Request* found = nullptr;
+    for (Request& r : requests) {
+      if (r.key.target != key.target || r.key.selector != key.selector) continue;
+      if (found != nullptr) return false;
+      found = &r;
+    }
+    if (found == nullptr || found->key.argument != nullptr) return false;
+    found->due = due;
+    return true;
+  }
+  Request takeFirst() {
+    const auto first = std::min_element(requests.begin(), requests.end(),
+                                        [](const Request& a, const Request& b) { return a.due < b.due; });
+    const Request taken = *first;
+    requests.erase(first);
+    return taken;
+  }
+  std::vector<Request> requests;
+};
+
+unsigned seed() {
+  const char* given = std::getenv("HAVRIN_TEST_SEED");
+  return given == nullptr ? std::random_device{}() : static_cast<unsigned>(std::strtoul(given, nullptr, 10));
+}
+
+TEST(DelayedPerforms, DoesAsASimpleListWould) {
+  const unsigned start = seed();
+  SCOPED_TRACE("HAVRIN_TEST_SEED=" + std::to_string(start));
+  std::mt19937 random(start);
+  DelayedPerforms performs;
+  Model model;
+  int lastRun = 0;
+  std::uint64_t rank = 0;
+  for (int step = 0; step < 100'000; ++step) {
+    // Few keys and few deadlines at times, many at others; half of the arguments are null.
+    const std::size_t spread = step / 10'000 % 2 == 0 ? 5 : 500;
+    const PerformKey key{address(1 + random() % spread), address(random() % 2),
+                         random() % 2 == 0 ? nullptr : address(random() % 2)};
+    const DueTime due{static_cast<double>(random() % (2 * spread)), rank++};
+    switch (random() % 5) {
+      case 0:
+      case 1:
+        performs.schedule(key, due, Work([&lastRun, step] { lastRun = step; }));
+        model.requests.push_back({key, due, step});
+        break;
+      case 2:
+        cancelSame(performs, key);
+        model.cancel(key);
+        break;
+      case 3:
+        ASSERT_EQ(performs.postpone(key.target, key.selector, due), model.postpone(key, due)) << step;
+        break;
+      case 4:
+        if (const std::optional<DueTime> first = performs.first()) {
+          performs.takeFirst().run();
+          ASSERT_EQ(lastRun, model.takeFirst().id) << step;
+        } else {
+          ASSERT_TRUE(model.requests.empty());
+        }
+        break;
+    }
+    ASSERT_EQ(performs.size(), model.requests.size()) << step;
+  }
+}
+
+}  // namespace
