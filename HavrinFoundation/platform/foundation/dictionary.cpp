@@ -1,0 +1,194 @@
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+
+#include <string>
+
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+namespace havrin::inline platform {
+
+NSDictionary::NSDictionary(std::initializer_list<KeyAndValue> entries) {
+  entries_.reserve(entries.size());
+  for (const auto& [key, value] : entries) {
+    if (!key) throwNullArgument(*this, "initWithObjects:forKeys:", "a key");
+    if (!value) throwNullArgument(*this, "initWithObjects:forKeys:", "a value");
+    store(key->copy(), value);
+  }
+}
+
+NSDictionary::~NSDictionary() = default;
+
+bool NSDictionary::isPlain() const {
+  const ClassObject* cls = headerOf(this).cls.load(std::memory_order_relaxed)->shown();
+  return cls == classObject<NSDictionary>() || cls == classObject<NSMutableDictionary>();
+}
+
+bool NSDictionary::store(Strong<NSObject> key, Strong<NSObject> value) {
+  if (Entry* entry = entries_.find(*key)) {
+    std::swap(entry->value, value);  // the old value goes when the table is whole again
+    return false;
+  }
+  return entries_.insert({std::move(key), std::move(value)});
+}
+
+std::uint64_t NSDictionary::count() const { return entries_.size(); }
+
+Strong<NSObject> NSDictionary::objectForKey(const NSObject* key) const {
+  const Entry* entry = key ? entries_.find(*key) : nullptr;
+  return entry ? entry->value : nullptr;
+}
+
+Strong<NSArray> NSDictionary::allKeys() const {
+  ArrayBuilder keys(entries_.size());
+  entries_.forEach([&](const Entry& entry) {
+    keys.add(entry.key);
+    return true;
+  });
+  return keys.finish();
+}
+
+Strong<NSArray> NSDictionary::allValues() const {
+  ArrayBuilder values(count());
+  forEach([&](NSObject*, NSObject* value) {
+    values.add(value);
+    return true;
+  });
+  return values.finish();
+}
+
+void NSDictionary::forEach(BlockView<bool(NSObject*, NSObject*)> body) const {
+  if (!isPlain()) {
+    for (NSObject* key : each(this)) {
+      const Strong<NSObject> value = objectForKey(key);
+      if (value && !body(key, value)) return;
+    }
+    return;
+  }
+  const Strong<NSDictionary> hold(const_cast<NSDictionary*>(this));
+  const std::uint64_t& counter = mutations();
+  const std::uint64_t before = counter;
+  std::size_t position = 0;
+  while (const Entry* next = entries_.next(position)) {
+    const Entry entry = *next;
+    const bool goesOn = body(entry.key, entry.value);
+    if (counter != before) throwMutatedWhileEnumerated(this);
+    if (!goesOn) return;
+  }
+}
+
+std::uint64_t NSDictionary::countByEnumeratingWithState(NSFastEnumerationState& state,
+                                                        std::span<Strong<NSObject>> slots) const {
+  state.mutations = &mutations();
+  state.items = slots.data();
+  std::uint64_t filled = 0;
+  if (isPlain()) {
+    std::size_t position = state.state;
+    const Entry* entry = nullptr;
+    while (filled < slots.size() && (entry = entries_.next(position))) slots[filled++] = entry->key;
+    state.state = position;
+  } else {
+    const Strong<NSArray> keys = allKeys();
+    const std::uint64_t end = keys->count();
+    while (filled < slots.size() && state.state < end) slots[filled++] = keys->objectAtIndex(state.state++);
+  }
+  return filled;
+}
+
+const std::uint64_t& NSDictionary::mutations() const {
+  static constexpr std::uint64_t kNever = 0;
+  return kNever;
+}
+
+bool NSDictionary::isEqual(const NSObject* other) const {
+  if (this == other) return true;
+  const auto* dictionary = cast<NSDictionary>(other);
+  if (!dictionary || dictionary->count() != count()) return false;
+  bool same = true;
+  forEach([&](NSObject* key, NSObject* value) {
+    const Strong<NSObject> theirs = dictionary->objectForKey(key);
+    return same = theirs && (theirs.get() == value || value->isEqual(theirs));
+  });
+  return same;
+}
+
+std::uint64_t NSDictionary::hash() const { return count(); }
+
+Strong<NSString> NSDictionary::description() const {
+  std::string text = "{";
+  forEach([&](NSObject* key, NSObject* value) {
+    if (text.size() > 1) text += "; ";
+    text += utf8(*key->description()) + " = " + utf8(*value->description());
+    return true;
+  });
+  return makeString(text + "}");
+}
+
+Strong<NSObject> NSDictionary::copy() const { return Strong<NSObject>(const_cast<NSDictionary*>(this)); }
+
+Strong<NSObject> NSDictionary::mutableCopy() const {
+  auto result = make<NSMutableDictionary>();
+  result->addEntriesFromDictionary(this);
+  return result;
+}
+
+void NSMutableDictionary::setObject(NSObject* value, NSObject* key) {
+  if (!key) throwNullArgument(*this, "setObject:forKey:", "the key");
+  if (!value) throwNullArgument(*this, "setObject:forKey:", "the value");
+  Strong<NSObject> stored(value);
+  if (Entry* entry = entries_.find(*key)) {
+    std::swap(entry->value, stored);
+  } else {
+    entries_.insert({key->copy(), std::move(stored)});
+    ++mutations_;
+  }
+}
+
+void NSMutableDictionary::removeObjectForKey(NSObject* key) {
+  if (!key) throwNullArgument(*this, "removeObjectForKey:", "the key");
+  if (entries_.erase(*key)) ++mutations_;
+}
+
+void NSMutableDictionary::set(NSObject* key, NSObject* value) {
+  if (value) {
+    setObject(value, key);
+  } else {
+    removeObjectForKey(key);
+  }
+}
+
+void NSMutableDictionary::addEntriesFromDictionary(const NSDictionary* other) {
+  if (!other || other == this) return;
+  const bool plain = isPlain();
+  if (plain) entries_.reserve(entries_.size() + other->count());
+  other->forEach([&](NSObject* key, NSObject* value) {
+    if (plain) {
+      if (store(key, value)) ++mutations_;  // the keys of a dictionary are copies already
+    } else {
+      setObject(value, key);
+    }
+    return true;
+  });
+}
+
+void NSMutableDictionary::removeAllObjects() {
+  if (isPlain()) {
+    const ObjectTable<Entry> gone = std::exchange(entries_, {});  // released when the table is empty
+    ++mutations_;
+    return;
+  }
+  const Strong<NSArray> keys = allKeys();
+  for (std::uint64_t i = 0, count = keys->count(); i < count; ++i) removeObjectForKey(keys->objectAtIndex(i));
+}
+
+Strong<NSObject> NSMutableDictionary::copy() const {
+  auto result = make<NSDictionary>();
+  result->entries_.reserve(count());
+  forEach([&](NSObject* key, NSObject* value) {
+    result->store(key, value);
+    return true;
+  });
+  return result;
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,151 @@
+// The hash table under the collections that find objects by equality: entries in the order of their insertion, found by
+// their key's `hash` and `isEqual`. Up to eight entries are searched without an index.
+//
+//   struct Entry { Strong<NSObject> key; Strong<NSObject> value; };
+//   ObjectTable<Entry> table;
+//   table.insert({key, value})            true: there was none; an entry of an equal key stays as it is
+//   table.find(*key)                      Entry*, or null
+//   table.erase(*key)                     optional<Entry>: what was there, for the caller to let go of
+//   table.forEach([](Entry& e) { return true; });     false ends it
+//
+// `hash` and `isEqual` are the keys' own code; they must not change the table. Removed entries are handed out rather
+// than destroyed, so that what their release sets off finds the table whole.
+// Threads: one at a time, or readers alone.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include <HavrinFoundation/platform/object/object.h>
+
+namespace havrin::inline platform {
+
+template <class Entry>
+class ObjectTable {
+ public:
+  [[nodiscard]] std::size_t size() const { return live_; }
+
+  [[nodiscard]] const Entry* find(const NSObject& key) const {
+    const std::size_t position = locate(key);
+    return position == kNone ? nullptr : &slots_[position].entry;
+  }
+  [[nodiscard]] Entry* find(const NSObject& key) {
+    return const_cast<Entry*>(static_cast<const ObjectTable*>(this)->find(key));
+  }
+
+  /// Adds the entry unless an equal key is there.
+  bool insert(Entry entry) {
+    const std::uint64_t hash = entry.key->hash();
+    if (locate(*entry.key, hash) != kNone) return false;
+    makeRoom();
+    if (!index_.empty()) index_[freeIndex(hash)] = static_cast<std::uint32_t>(slots_.size() + 1);
+    slots_.push_back({hash, std::move(entry)});
+    ++live_;
+    return true;
+  }
+
+  std::optional<Entry> erase(const NSObject& key) {
+    const std::size_t position = locate(key);
+    if (position == kNone) return std::nullopt;
+    Slot& slot = slots_[position];
+    if (!index_.empty()) {
+      std::size_t i = slot.hash & mask();
+      while (index_[i] != position + 1) i = (i + 1) & mask();
+      index_[i] = kErased;
+    }
+    --live_;
+    return std::exchange(slot.entry, Entry{});
+  }
+
+  void reserve(std::size_t count) {
+    slots_.reserve(count);
+    if (count > kUnindexed) rebuild(count);
+  }
+
+  template <class Body>
+  void forEach(Body&& body) const {
+    for (const Slot& slot : slots_) {
+      if (slot.entry.key && !body(slot.entry)) return;
+    }
+  }
+
+  /// The entry at or after `position`, counted over everything ever inserted; moves `position` behind it. Null at the
+  /// end. Start from 0.
+  [[nodiscard]] const Entry* next(std::size_t& position) const {
+    while (position < slots_.size()) {
+      const Entry& entry = slots_[position++].entry;
+      if (entry.key) return &entry;
+    }
+    return nullptr;
+  }
+
+ private:
+  struct Slot {
+    std::uint64_t hash;
+    Entry entry;  // key null: removed
+  };
+  static constexpr std::size_t kUnindexed = 8;
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+  static constexpr std::uint32_t kErased = 0xFFFF'FFFF;
+
+  [[nodiscard]] std::size_t mask() const { return index_.size() - 1; }
+
+  [[nodiscard]] std::size_t locate(const NSObject& key) const {
+    if (live_ == 0) return kNone;
+    if (index_.empty()) {
+      for (std::size_t i = 0; i < slots_.size(); ++i) {
+        if (slots_[i].entry.key.get() == &key) return i;
+      }
+    }
+    return locate(key, key.hash());
+  }
+
+  [[nodiscard]] std::size_t locate(const NSObject& key, std::uint64_t hash) const {
+    const auto matches = [&](const Slot& slot) {
+      return slot.hash == hash && slot.entry.key && (slot.entry.key.get() == &key || slot.entry.key->isEqual(&key));
+    };
+    if (index_.empty()) {
+      for (std::size_t i = 0; i < slots_.size(); ++i) {
+        if (matches(slots_[i])) return i;
+      }
+      return kNone;
+    }
+    for (std::size_t i = hash & mask(); index_[i] != 0; i = (i + 1) & mask()) {
+      if (index_[i] != kErased && matches(slots_[index_[i] - 1])) return index_[i] - 1;
+    }
+    return kNone;
+  }
+
+  [[nodiscard]] std::size_t freeIndex(std::uint64_t hash) const {
+    std::size_t i = hash & mask();
+    while (index_[i] != 0) i = (i + 1) & mask();
+    return i;
+  }
+
+  // Every slot, removed or not, has its place in the index: three quarters of it may be taken.
+  void makeRoom() {
+    const std::size_t next = slots_.size() + 1;
+    if (index_.empty() ? next > kUnindexed : next * 4 > index_.size() * 3) rebuild(live_ + 1);
+  }
+
+  void rebuild(std::size_t count) {
+    std::erase_if(slots_, [](const Slot& slot) { return !slot.entry.key; });
+    index_.clear();
+    if (count <= kUnindexed) return;
+    std::size_t size = 16;
+    while (count * 2 > size) size *= 2;
+    index_.resize(size);
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
+      index_[freeIndex(slots_[i].hash)] = static_cast<std::uint32_t>(i + 1);
+    }
+  }
+
+  std::vector<Slot> slots_;
+  std::vector<std::uint32_t> index_;  // positions in slots_ plus one, by hash; a power of two, or empty
+  std::size_t live_ = 0;
+};
+
+}  // namespace havrin::inline platform

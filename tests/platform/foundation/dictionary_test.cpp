@@ -1,0 +1,222 @@
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+
+#include <map>
+#include <string>
+
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+#include "tests/random_seed.h"
+
+using namespace havrin;
+
+namespace {
+
+std::string text(const NSObject* object) { return object ? utf8(*object->description()) : "(null)"; }
+
+std::string joined(const Strong<NSArray>& array) {
+  std::string all;
+  for (std::uint64_t i = 0; i < array->count(); ++i) all += text(array->objectAtIndex(i)) + " ";
+  return all;
+}
+
+template <class F>
+std::string nameOf(F body) {
+  try {
+    body();
+  } catch (const NSException& exception) {
+    return exception.name();
+  }
+  return "none";
+}
+
+// Numbers below ten under their own text, kept nowhere.
+class Digits : public Object<Digits, NSDictionary> {
+ public:
+  std::uint64_t count() const override { return 3; }
+  Strong<NSObject> objectForKey(const NSObject* key) const override {
+    const auto* string = cast<NSString>(key);
+    if (!string || string->length() != 1 || string->characterAtIndex(0) > '2') return nullptr;
+    return makeNumber(string->integerValue());
+  }
+  Strong<NSArray> allKeys() const override {
+    auto keys = make<NSMutableArray>();
+    for (const char* key : {"0", "1", "2"}) keys->addObject(makeString(key));
+    return keys;
+  }
+};
+
+// Counts what reaches the two primitives.
+class Counted : public Object<Counted, NSMutableDictionary> {
+ public:
+  int set = 0;
+  int removed = 0;
+  void setObject(NSObject* value, NSObject* key) override {
+    ++set;
+    NSMutableDictionary::setObject(value, key);
+  }
+  void removeObjectForKey(NSObject* key) override {
+    ++removed;
+    NSMutableDictionary::removeObjectForKey(key);
+  }
+};
+
+}  // namespace
+
+TEST(Dictionary, FindsValuesByEqualKeysToTheLetter) {
+  const auto kind = makeString("kind");
+  const auto value = make<NSObject>();
+  const auto dictionary = makeDictionary({{kind, value}, {makeNumber(3), kind}});
+  const struct {
+    Strong<NSObject> key;
+    NSObject* value;
+    const char* why;
+  } rows[] = {
+      {makeString("kind"), value, "an equal string, not the same one"},
+      {makeString("Kind"), nullptr, "letter case counts"},
+      {makeNumber(3.0), kind, "numbers are equal by value"},
+      {makeString("3"), nullptr, "text is no number"},
+      {nullptr, nullptr, "null is no key"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(dictionary->objectForKey(row.key).get(), row.value);
+  }
+  EXPECT_EQ(dictionary->count(), 2U);
+}
+
+TEST(Dictionary, CopiesItsKeysAndRetainsItsValues) {
+  const auto key = make<NSMutableString>("a");
+  auto value = make<NSObject>();
+  const Weak<NSObject> weak = value;
+  const auto dictionary = make<NSMutableDictionary>();
+  dictionary->setObject(value, key);
+  key->append("b");
+  value = nullptr;
+  EXPECT_TRUE(dictionary->objectForKey(makeString("a")));
+  EXPECT_FALSE(dictionary->objectForKey(key));
+  dictionary->removeObjectForKey(makeString("a"));
+  EXPECT_FALSE(weak.lock());
+}
+
+TEST(Dictionary, RefusesNullAndKeysWithoutCopies) {
+  const auto dictionary = make<NSMutableDictionary>();
+  const auto key = makeString("key");
+  EXPECT_EQ(nameOf([&] { dictionary->setObject(nullptr, key); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { dictionary->setObject(key, nullptr); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { dictionary->setObject(key, make<NSObject>()); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { dictionary->removeObjectForKey(nullptr); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { (void)makeDictionary({{key, nullptr}}); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { (void)makeDictionary({{nullptr, key}}); }), NSInvalidArgumentException);
+  EXPECT_EQ(dictionary->count(), 0U);
+  dictionary->set(key, key);
+  dictionary->set(key, nullptr);
+  dictionary->set(key, nullptr);
+  EXPECT_EQ(dictionary->count(), 0U);
+}
+
+TEST(Dictionary, KeepsTheOrderOfFirstSetting) {
+  const auto dictionary = make<NSMutableDictionary>();
+  for (const char* key : {"b", "a", "c", "a"}) dictionary->setObject(makeNumber(dictionary->count()), makeString(key));
+  EXPECT_EQ(joined(dictionary->allKeys()), "b a c ");
+  EXPECT_EQ(joined(dictionary->allValues()), "0 3 2 ");
+  EXPECT_EQ(text(dictionary), "{b = 0; a = 3; c = 2}");
+  EXPECT_EQ(text(makeDictionary({})), "{}");
+  std::string seen;
+  dictionary->forEach([&](NSString& key, NSNumber&) {
+    seen += utf8(key);
+    return seen.size() < 2;
+  });
+  EXPECT_EQ(seen, "ba");
+}
+
+TEST(Dictionary, HandsOutItsKeysAndNoticesChangesMeanwhile) {
+  const auto dictionary = make<NSMutableDictionary>();
+  for (int i = 0; i < 40; ++i) dictionary->setObject(makeNumber(i), makeNumber(i));
+  std::int64_t next = 0;
+  for (NSObject* key : each(dictionary)) EXPECT_EQ(cast<NSNumber>(key)->integerValue(), next++);
+  EXPECT_EQ(next, 40);
+  for (NSObject* key : each(dictionary)) dictionary->setObject(key, key);  // a new value for a key is no change of keys
+  EXPECT_EQ(nameOf([&] {
+              for (NSObject* key : each(dictionary)) dictionary->removeObjectForKey(key);
+            }),
+            NSGenericException);
+  EXPECT_EQ(nameOf([&] {
+              dictionary->forEach([&](NSObject*, NSObject*) {
+                dictionary->removeAllObjects();
+                return true;
+              });
+            }),
+            NSGenericException);
+  EXPECT_EQ(dictionary->count(), 0U);
+  for (NSObject* key : each(make<Digits>())) next -= cast<NSString>(key)->integerValue();
+  EXPECT_EQ(next, 37);
+}
+
+TEST(Dictionary, CopiesAreOfTheirMoment) {
+  const auto key = makeString("key");
+  const auto dictionary = make<NSMutableDictionary>();
+  dictionary->setObject(key, key);
+  const Strong<NSObject> copy = dictionary->copy();
+  const Strong<NSObject> again = copy->mutableCopy();
+  EXPECT_EQ(classOf(*copy).name(), "NSDictionary");
+  EXPECT_EQ(classOf(*again).name(), "NSMutableDictionary");
+  EXPECT_EQ(copy->copy().get(), copy.get());
+  EXPECT_TRUE(copy->isEqual(again));
+  EXPECT_EQ(copy->hash(), again->hash());
+  dictionary->removeAllObjects();
+  EXPECT_EQ(dictionary->count(), 0U);
+  EXPECT_EQ(cast<NSDictionary>(copy)->count(), 1U);
+  EXPECT_FALSE(copy->isEqual(dictionary));
+  EXPECT_FALSE(copy->isEqual(makeDictionary({{key, makeString("other")}})));
+  EXPECT_FALSE(copy->isEqual(makeDictionary({{makeString("other"), key}})));
+  EXPECT_FALSE(copy->isEqual(key));
+}
+
+TEST(Dictionary, WorksOverASubclassesPrimitives) {
+  const auto digits = make<Digits>();
+  EXPECT_EQ(text(digits), "{0 = 0; 1 = 1; 2 = 2}");
+  const Strong<NSObject> copied = digits->mutableCopy();
+  EXPECT_TRUE(digits->isEqual(copied));
+  EXPECT_TRUE(copied->isEqual(digits));
+  const auto counted = make<Counted>();
+  counted->addEntriesFromDictionary(digits);
+  EXPECT_TRUE(counted->isEqual(digits));
+  counted->removeAllObjects();
+  EXPECT_EQ(counted->set, 3);
+  EXPECT_EQ(counted->removed, 3);
+  EXPECT_EQ(counted->count(), 0U);
+}
+
+// Against the standard map, with keys that collide and come back after removal.
+TEST(Dictionary, AgreesWithAMapThroughRandomChanges) {
+  auto random = seededGenerator();
+  const auto dictionary = make<NSMutableDictionary>();
+  std::map<std::int64_t, std::int64_t> model;
+  for (int step = 0; step < 20000; ++step) {
+    const auto number = static_cast<std::int64_t>(random() % (step < 10000 ? 40 : 4000));
+    const Strong<NSNumber> key = makeNumber(number << (number % 3 * 20));
+    if (random() % 3 == 0) {
+      dictionary->removeObjectForKey(key);
+      model.erase(key->integerValue());
+    } else {
+      dictionary->setObject(makeNumber(step), key);
+      model[key->integerValue()] = step;
+    }
+    ASSERT_EQ(dictionary->count(), model.size());
+    const Strong<NSObject> found = dictionary->objectForKey(makeNumber(number));
+    const auto expected = model.find(number);
+    ASSERT_EQ(static_cast<bool>(found), expected != model.end());
+    if (found) {
+      ASSERT_EQ(cast<NSNumber>(found)->integerValue(), expected->second);
+    }
+  }
+  std::size_t visited = 0;
+  dictionary->forEach([&](NSNumber& key, NSNumber& value) {
+    ++visited;
+    return model.at(key.integerValue()) == value.integerValue();
+  });
+  EXPECT_EQ(visited, model.size());
+}
