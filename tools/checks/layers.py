@@ -41,11 +41,17 @@ FACILITY_LINKS = {
     ("text/attributed_strings", "frame/not_localized"): "the empty fallback is marked as not localised",
 }
 
+# Sources without messages that need the library's image all the same.
+IMAGE_USERS = {
+    "frame/main_queue.cpp": "its initialisers mark the main queue, also in a static link",
+}
+
 # Facilities whose typed form is about objects, so that their typed header brings in the object runtime.
 ABOUT_OBJECTS = {
     "frame/test_flag": "the process information object is asked for its environment",
     "frame/main_queue": "a block is what is queued",
     "frame/not_localized": "the text is a string object",
+    "testkit/test_clock": "drives the run loop, whose work may be a block",
     "frame/log": "a handle comes from the layer's log",
     "text/attributed_strings": "makes attributed-string objects",
     "dates/shared_formatter": "hands out the formatter object",
@@ -110,7 +116,8 @@ def room_include(name, included):
     if included.startswith(PLATFORM) or name.removeprefix(LIBRARY) in ROOT_FILES:
         return None
     if included == LIBRARY + "image.h":
-        return None if name.endswith(("_messages.h", "_messages.cpp")) else "only message files need the image"
+        wanted = name.endswith(("_messages.h", "_messages.cpp")) or name.removeprefix(LIBRARY) in IMAGE_USERS
+        return None if wanted else "only message files need the image"
     facility, other = facility_of(name), facility_of(included)
     if facility == other:
         if "_messages" in included and "_messages" not in name:
