@@ -27,7 +27,6 @@ struct Place {
 
 // Before main(), and before anything else has touched a queue.
 const bool ranBeforeMain = [] {
-  SetMainQueueIdentifier();
   bool ran = false;
   GuaranteeMainQueue([&ran] { ran = true; });
   return ran;

@@ -2,7 +2,6 @@
 
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/platform/object/exception.h>
-#include <HavrinFoundation/testkit/test_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -28,7 +27,6 @@ constexpr double kLong = 1e9;
 // Addresses that serve as keys and values.
 int firstKey;
 int secondKey;
-int mainKey;
 int valueA;
 int valueB;
 
@@ -269,99 +267,6 @@ TEST(Queue, NothingIsQueuedForANullBlock) {
   EXPECT_THROW(dispatch_sync(queue, nullptr), NSException);
   EXPECT_THROW(dispatch_async(DispatchQueue(), [] {}), NSException);
   finish(queue);
-}
-
-TEST(MainQueue, IsCurrentOnTheMainThreadOutsideOtherQueues) {
-  dispatch_queue_set_specific(dispatch_get_main_queue(), &mainKey, &valueA, nullptr);
-  ASSERT_TRUE(isMainThread());
-  EXPECT_EQ(dispatch_get_specific(&mainKey), &valueA) << "also before any run loop";
-
-  const DispatchQueue line = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
-  void* insideSync = &valueB;
-  dispatch_sync(line, [&] {
-    insideSync = dispatch_get_specific(&mainKey);
-    EXPECT_TRUE(isMainThread());
-  });
-  EXPECT_EQ(insideSync, nullptr) << "the main thread, but not the main queue";
-
-  void* onAThread = &valueB;
-  std::thread([&] {
-    onAThread = dispatch_get_specific(&mainKey);
-    EXPECT_FALSE(isMainThread());
-  }).join();
-  EXPECT_EQ(onAThread, nullptr);
-
-  TestClock clock;
-  void* inATimer = nullptr;
-  RunLoop::current().performAfter(1, [&] { inATimer = dispatch_get_specific(&mainKey); });
-  clock.advance(1);
-  EXPECT_EQ(inATimer, &valueA);
-
-  const DispatchQueue through = dispatch_queue_create("through main", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue());
-  void* seen = nullptr;
-  bool onMain = false;
-  dispatch_async(through, [&] {
-    seen = dispatch_get_specific(&mainKey);
-    onMain = isMainThread();
-  });
-  EXPECT_TRUE(clock.runUntil([&] { return onMain; }));
-  EXPECT_EQ(seen, &valueA);
-}
-
-TEST(MainQueue, RunsInOrderAndNotWithinItself) {
-  TestClock clock;
-  std::vector<int> order;
-  const DispatchQueue main = dispatch_get_main_queue();
-  dispatch_async(main, [&] {
-    order.push_back(1);
-    dispatch_async(main, [&] { order.push_back(4); });
-    RunLoop::current().performAfter(0, [&] { order.push_back(2); });
-    // A nested loop runs what is due, but no other closure of the queue.
-    EXPECT_TRUE(RunLoop::current().runMode(NSDefaultRunLoopMode, monotonicSeconds() + 5));
-  });
-  dispatch_async(main, [&] { order.push_back(3); });
-  EXPECT_TRUE(clock.runUntil([&] { return order.size() == 4; }));
-  EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
-}
-
-TEST(MainQueue, TakesClosuresFromAnyThreadInEachOnesOrder) {
-  constexpr int kThreads = 3;
-  constexpr int kEach = 2000;
-  TestClock clock;
-  std::vector<std::vector<int>> seen(kThreads);
-  int count = 0;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&, t] {
-      for (int i = 0; i < kEach; ++i) {
-        dispatch_async(dispatch_get_main_queue(), [&, t, i] {
-          seen[static_cast<std::size_t>(t)].push_back(i);
-          ++count;
-        });
-      }
-    });
-  }
-  EXPECT_TRUE(clock.runUntil([&] { return count == kThreads * kEach; }));
-  for (std::thread& thread : threads) thread.join();
-  for (const std::vector<int>& each : seen) EXPECT_TRUE(std::is_sorted(each.begin(), each.end()));
-}
-
-TEST(MainQueue, RunsASyncFromAnotherThreadOnTheMainThread) {
-  TestClock clock;
-  std::atomic<int> done{0};
-  const DispatchQueue through = dispatch_queue_create("through main", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue());
-  std::thread caller([&] {
-    for (const DispatchQueue& queue : {dispatch_get_main_queue(), through}) {
-      bool onMain = false;
-      dispatch_sync(queue, [&] { onMain = isMainThread(); });
-      EXPECT_TRUE(onMain);
-      EXPECT_THROW(dispatch_sync(queue, [] { throw std::runtime_error("out"); }), std::runtime_error);
-    }
-    done = 1;
-    RunLoop::main().wake();
-  });
-  EXPECT_TRUE(clock.runUntil([&] { return done == 1; }));
-  caller.join();
 }
 
 void spinMain() { RunLoop::main().runMode(NSDefaultRunLoopMode, kLong); }
