@@ -14,6 +14,7 @@
 #include <HavrinFoundation/frame/unfair_lock.h>
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
 #include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/clamp.h>
 #include <HavrinFoundation/text/base36.h>
 #include <HavrinFoundation/text/character_sets.h>

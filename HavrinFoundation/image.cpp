@@ -7,12 +7,15 @@
 
 namespace havrin {
 
+extern const Category kCasts;
 extern const Category kColourCodes;
 extern const Category kColourArithmetic;
 
 namespace {
 
 const Category* const kCategories[] = {
+    // runtime
+    &kCasts,  // NSObject(Cast)
     // colours
     &kColourCodes,       // UIColor(HavrinFoundation)
     &kColourArithmetic,  // UIColor(HavrinFoundation)

@@ -1,0 +1,36 @@
+#include <HavrinFoundation/runtime/casts_messages.h>
+
+namespace havrin {
+
+namespace {
+
+Strong<NSObject> ifInstance(ClassOf<NSObject> self, NSObject* object) {
+  const Strong<NSObject> hold(object);
+  return object && object->isKindOfClass(self) ? hold : nullptr;
+}
+
+Strong<NSObject> ifConformance(NSObject& self, const AnyProtocol& protocol) {
+  const Strong<NSObject> hold(&self);
+  return self.conformsToProtocol(protocol) ? hold : nullptr;
+}
+
+bool isAnyKindOfClass(NSObject& self, NSFastEnumeration* classes) {
+  const Strong<NSObject> hold(&self);
+  if (!classes) return false;
+  for (NSObject* element : each(*classes)) {
+    const Class cls = Class::from(element);
+    if (!cls) throwWrongClass(element, "class");
+    if (self.isKindOfClass(cls)) return true;
+  }
+  return false;
+}
+
+constexpr MethodRow kRows[] = {row<NSObject, "ifConformance:", ifConformance>(),
+                               row<NSObject, "isAnyKindOfClass:", isAnyKindOfClass>()};
+constexpr MethodRow kClassRows[] = {classRow<NSObject, "ifInstance:", ifInstance>()};
+
+}  // namespace
+
+extern constinit const Category kCasts{classObject<NSObject>, "Cast", kRows, kClassRows};
+
+}  // namespace havrin

@@ -1,0 +1,116 @@
+#include <HavrinFoundation/runtime/casts_messages.h>
+
+#include <string>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+struct Playable : Protocol<Playable> {};
+struct Recordable : Protocol<Recordable, Playable> {};
+
+class Station : public Object<Station, NSObject> {
+ public:
+  using Protocols = List<Recordable>;
+};
+class Relay : public Object<Relay, Station> {};
+
+// Counts how it is asked, and answers as it likes.
+class Chameleon : public Object<Chameleon, NSObject> {
+ public:
+  bool isKindOfClass(Class cls) const override {
+    asked.emplace_back(cls.name());
+    return cls == classOf<Station>() || cls == classOf<NSObject>();
+  }
+  bool conformsToProtocol(const AnyProtocol&) const override { return true; }
+  mutable std::vector<std::string> asked;
+};
+
+// An application's own collection: hands out classes in batches of `batch`, and changes itself when told to.
+class Playlist : public Object<Playlist, NSObject>, public NSFastEnumeration {
+ public:
+  std::vector<Strong<NSObject>> classes;
+  std::size_t batch = 16;
+  std::size_t changesAt = SIZE_MAX;
+  mutable std::uint64_t mutations = 0;
+
+  std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
+                                            std::span<Strong<NSObject>> slots) const override {
+    EXPECT_EQ(slots.size(), 16U);
+    state.mutations = &mutations;
+    state.items = slots.data();
+    std::uint64_t count = 0;
+    while (count < batch && state.state < classes.size()) {
+      if (state.state == changesAt) ++mutations;
+      slots[count++] = classes[state.state++];
+    }
+    return count;
+  }
+};
+
+TEST(Casts, GiveTheVeryObjectOrNull) {
+  const auto relay = make<Relay>();
+  const Strong<Station> station = send<"ifInstance:">(classOf<Station>(), relay);
+  EXPECT_EQ(station.get(), relay.get());
+  EXPECT_FALSE(send<"ifInstance:">(classOf<Relay>(), make<Station>()));
+  EXPECT_FALSE(send<"ifInstance:">(classOf<NSString>(), relay));
+  EXPECT_FALSE(send<"ifInstance:">(classOf<NSString>(), nullptr));
+  EXPECT_TRUE(send<"ifInstance:">(classOf<NSString>(), make<NSMutableString>()));
+
+  EXPECT_EQ(send<"ifConformance:">(relay, protocolOf<Recordable>()).get(), relay.get());
+  EXPECT_EQ(send<"ifConformance:">(relay, protocolOf<Playable>()).get(), relay.get());
+  EXPECT_FALSE(send<"ifConformance:">(makeString("x"), protocolOf<Playable>()));
+  EXPECT_FALSE(send<"ifConformance:">(Strong<Relay>(), protocolOf<Playable>()));
+}
+
+TEST(Casts, AskTheObjectAndLetItsOverrideDecide) {
+  const auto chameleon = make<Chameleon>();
+  EXPECT_EQ(send<"ifInstance:">(ClassOf<NSObject>(classOf<Station>()), chameleon).get(), chameleon.get());
+  EXPECT_THROW((void)send<"ifInstance:">(classOf<Station>(), chameleon), NSException)
+      << "it says that it is a Station, and a Strong<Station> cannot hold it";
+  EXPECT_TRUE(send<"ifConformance:">(chameleon, protocolOf<Playable>()));
+  chameleon->asked.clear();
+  const auto classes = makeArray({classOf<NSString>(), classOf<Station>(), classOf<NSNumber>()});
+  EXPECT_TRUE(send<"isAnyKindOfClass:">(chameleon, classes));
+  EXPECT_EQ(chameleon->asked, (std::vector<std::string>{"NSString", "Station"})) << "nothing is asked after the first";
+}
+
+TEST(Casts, FindTheClassInAnyCollection) {
+  const auto relay = make<Relay>();
+  EXPECT_TRUE(send<"isAnyKindOfClass:">(relay, makeArray({classOf<NSString>(), classOf<Station>()})));
+  EXPECT_FALSE(send<"isAnyKindOfClass:">(make<Station>(), makeArray({classOf<Relay>()})));
+  EXPECT_FALSE(send<"isAnyKindOfClass:">(relay, makeArray({})));
+  EXPECT_FALSE(send<"isAnyKindOfClass:">(relay, nullptr));
+
+  const auto playlist = make<Playlist>();
+  for (int i = 0; i < 40; ++i) playlist->classes.emplace_back(classOf<NSString>());
+  for (const std::size_t batch : {1U, 7U, 16U}) {
+    playlist->batch = batch;
+    EXPECT_FALSE(send<"isAnyKindOfClass:">(relay, playlist));
+  }
+  playlist->classes.emplace_back(classOf<Station>());
+  EXPECT_TRUE(send<"isAnyKindOfClass:">(relay, playlist));
+}
+
+TEST(Casts, RaiseForACollectionThatChangesOrHoldsNoClasses) {
+  const auto relay = make<Relay>();
+  const auto playlist = make<Playlist>();
+  for (int i = 0; i < 40; ++i) playlist->classes.emplace_back(classOf<NSString>());
+  playlist->changesAt = 20;
+  try {
+    (void)send<"isAnyKindOfClass:">(relay, playlist);
+    FAIL();
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.name(), NSGenericException);
+  }
+  EXPECT_THROW((void)send<"isAnyKindOfClass:">(relay, makeArray({makeString("no class")})), NSException);
+}
+
+}  // namespace
