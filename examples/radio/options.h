@@ -1,0 +1,33 @@
+// What the command line says.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace radio {
+
+enum class Colours { never, always, automatic };
+
+struct Options {
+  std::string stationsFile;              // the shipped one when empty
+  std::optional<std::string> link;       // shown with its campaign parameters, instead of the board
+  std::optional<std::string> keys;       // typed by a script instead of the keyboard
+  std::optional<std::string> stateFile;  // where favourites and the search are kept
+  bool keepsState = true;
+  bool once = false;
+  bool verbose = false;
+  double seconds = 30;  // 0: until q
+  Colours colours = Colours::automatic;
+};
+
+/// What to print, and the exit status, when there is nothing to run.
+struct Answer {
+  std::string text;
+  int status;
+};
+
+/// The options of a command line, or what to answer to one that asks for help or cannot be read.
+std::variant<Options, Answer> readOptions(int count, const char* const* words);
+
+}  // namespace radio

@@ -1,0 +1,149 @@
+#include "screen.h"
+
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <cwchar>
+
+#include <HavrinFoundation/platform/foundation/unicode.h>
+
+namespace radio {
+
+namespace {
+
+std::size_t columnsOf(char32_t scalar) {
+  return static_cast<std::size_t>(std::max(0, wcwidth(static_cast<wchar_t>(scalar))));
+}
+
+int byteOf(double component) { return static_cast<int>(std::clamp(component, 0.0, 1.0) * 255.0); }
+
+std::string rgbCode(const char* kind, const havrin::RGBA& colour) {
+  return std::string(kind) + ";2;" + std::to_string(byteOf(colour.red)) + ";" + std::to_string(byteOf(colour.green)) +
+         ";" + std::to_string(byteOf(colour.blue));
+}
+
+// Relative luminance. Source: WCAG 2.1.
+double luminance(const havrin::RGBA& colour) {
+  const auto linear = [](double c) {
+    c = std::clamp(c, 0.0, 1.0);
+    return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.red) + 0.7152 * linear(colour.green) + 0.0722 * linear(colour.blue);
+}
+
+void writeAll(std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = ::write(STDOUT_FILENO, text.data(), text.size());
+    if (count <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+termios before;
+bool changed = false;
+
+void restore() {
+  if (!std::exchange(changed, false)) return;
+  tcsetattr(STDIN_FILENO, TCSANOW, &before);
+  writeAll("\x1b[?25h\x1b[?1049l");
+}
+
+void restoreAndDie(int signal) {
+  restore();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
+}  // namespace
+
+std::size_t columns(std::string_view text) {
+  std::size_t total = 0;
+  for (std::size_t i = 0; i < text.size();) {
+    const havrin::Scalar scalar = havrin::scalarAt(text, i);
+    total += columnsOf(scalar.value);
+    i += scalar.length;
+  }
+  return total;
+}
+
+std::string fitted(std::string_view text, std::size_t width, bool toTheRight) {
+  const std::size_t whole = columns(text);
+  if (whole <= width) {
+    const std::string blanks(width - whole, ' ');
+    return toTheRight ? blanks + std::string(text) : std::string(text) + blanks;
+  }
+  if (width == 0) return {};
+  std::string cut;
+  std::size_t used = 0;
+  for (std::size_t i = 0; i < text.size();) {
+    const havrin::Scalar scalar = havrin::scalarAt(text, i);
+    if (used + columnsOf(scalar.value) > width - 1) break;
+    used += columnsOf(scalar.value);
+    cut += text.substr(i, scalar.length);
+    i += scalar.length;
+  }
+  return cut + "…" + std::string(width - 1 - used, ' ');
+}
+
+std::string Paint::wrapped(const std::string& code, std::string_view text) const {
+  return on_ ? "\x1b[" + code + "m" + std::string(text) + "\x1b[0m" : std::string(text);
+}
+
+std::string Paint::inked(std::string_view text, const havrin::UIColor& ink) const {
+  const auto colour = ink.getRedGreenBlueAlpha();
+  return colour ? wrapped(rgbCode("38", *colour), text) : std::string(text);
+}
+
+std::string Paint::swatch(std::string_view text, const havrin::UIColor& ground) const {
+  const auto colour = ground.getRedGreenBlueAlpha();
+  if (!colour) return std::string(text);
+  // The contrast ratios with white and with black are equal at this luminance.
+  constexpr double kBothReadAlike = 0.1791;
+  const char* ink = luminance(*colour) > kBothReadAlike ? "38;2;0;0;0" : "38;2;255;255;255";
+  return wrapped(rgbCode("48", *colour) + ";" + ink, text);
+}
+
+Terminal::Terminal() {
+  tcgetattr(STDIN_FILENO, &before);
+  changed = true;
+  termios raw = before;
+  raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
+  raw.c_cc[VMIN] = 0;
+  raw.c_cc[VTIME] = 0;
+  tcsetattr(STDIN_FILENO, TCSANOW, &raw);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, restoreAndDie);
+  std::atexit(restore);
+  writeAll("\x1b[?1049h\x1b[?25l");
+}
+
+Terminal::~Terminal() { restore(); }
+
+bool Terminal::isPresent() { return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO); }
+
+Terminal::Size Terminal::size() {
+  winsize window{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) != 0 || window.ws_col == 0) return {100, 30};
+  return {window.ws_col, window.ws_row};
+}
+
+void Terminal::draw(const std::vector<std::string>& lines) const {
+  std::string frame = "\x1b[H";
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    frame += lines[i] + "\x1b[K";
+    if (i + 1 < lines.size()) frame += "\r\n";
+  }
+  writeAll(frame + "\x1b[J");
+}
+
+std::string Terminal::typed() const {
+  char bytes[64];
+  const ssize_t count = ::read(STDIN_FILENO, bytes, sizeof bytes);
+  return count > 0 ? std::string(bytes, static_cast<std::size_t>(count)) : std::string();
+}
+
+}  // namespace radio
