@@ -7,6 +7,7 @@
 
 namespace havrin {
 
+extern const Category kProcessTestFlag;
 extern const Category kCasts;
 extern const Category kColourCodes;
 extern const Category kColourArithmetic;
@@ -14,6 +15,8 @@ extern const Category kColourArithmetic;
 namespace {
 
 const Category* const kCategories[] = {
+    // frame
+    &kProcessTestFlag,  // NSProcessInfo(HavrinFoundation)
     // runtime
     &kCasts,  // NSObject(Cast)
     // colours

@@ -1,0 +1,15 @@
+#include <HavrinFoundation/frame/test_flag.h>
+
+#include <string_view>
+
+#include <HavrinFoundation/platform/foundation/string.h>
+
+namespace havrin {
+
+bool isExecutingTests(const NSProcessInfo& process) {
+  constexpr std::string_view kVariable = "IS_EXECUTING_TEST";
+  const auto value = process.environmentValue(kVariable);
+  return value && boolValue(*value);
+}
+
+}  // namespace havrin

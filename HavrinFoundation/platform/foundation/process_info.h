@@ -1,0 +1,36 @@
+// What the process knows of itself and of the system it runs on.
+//
+//   NSProcessInfo::processInfo()->environmentValue("HOME")            "/home/listener"
+//   NSProcessInfo::processInfo()->operatingSystemVersionString()      "Debian GNU/Linux 12 (bookworm)"
+//
+// Left out: arguments, host name, memory and processor counts, thermal and power states.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/members.h>
+
+namespace havrin::inline platform {
+
+class NSDictionary;
+class NSString;
+
+class HAVRIN_EXPORT NSProcessInfo : public Object<NSProcessInfo, NSObject> {
+ public:
+  /// The one object for this process.
+  [[nodiscard]] static NSProcessInfo* processInfo();
+
+  /// A new dictionary of the environment as it is now: names to values, both strings, split at the first "=". Entries
+  /// without "=" are dropped; text that is no UTF-8 is repaired.
+  [[nodiscard]] virtual Strong<NSDictionary> environment() const;
+  /// The value of one variable; empty when it is absent. Asks `environment` where a subclass has its own.
+  [[nodiscard]] std::optional<std::string> environmentValue(std::string_view name) const;
+
+  /// The system's name and version for people, never empty, never for parsing.
+  [[nodiscard]] virtual Strong<NSString> operatingSystemVersionString() const;
+};
+
+}  // namespace havrin::inline platform
