@@ -3,6 +3,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <cstring>
 #include <fstream>
 
 #include <HavrinFoundation/platform/foundation/dictionary.h>
@@ -58,11 +59,11 @@ std::optional<std::string> NSProcessInfo::environmentValue(std::string_view name
     const NSString* text = cast<NSString>(static_cast<const NSObject*>(value.get()));
     return text ? std::optional(utf8(*text)) : std::nullopt;
   }
+  if (name.empty()) return std::nullopt;
   for (char** entry = environ; entry && *entry; ++entry) {
-    const std::string_view text = *entry;
-    if (text.size() > name.size() && text[name.size()] == '=' && text.starts_with(name)) {
-      return std::string(text.substr(name.size() + 1));
-    }
+    const char* text = *entry;
+    if (text[0] != name[0]) continue;  // most differ here already
+    if (std::strncmp(text, name.data(), name.size()) == 0 && text[name.size()] == '=') return text + name.size() + 1;
   }
   return std::nullopt;
 }
