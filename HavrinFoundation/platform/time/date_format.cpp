@@ -1,0 +1,57 @@
+#include <HavrinFoundation/platform/time/date_format.h>
+
+#include <HavrinFoundation/platform/time/civil.h>
+#include <HavrinFoundation/platform/time/icu_format.h>
+#include <HavrinFoundation/platform/time/instant.h>
+#include <HavrinFoundation/platform/time/pattern_writer.h>
+#include <HavrinFoundation/platform/time/zone_rules.h>
+
+#include <cmath>
+
+namespace havrin::inline platform {
+namespace {
+
+/// The whole microseconds of a fraction of a second, to the nearest: what a double adds to a decimal fraction is noise.
+std::int64_t microsecondsOf(double fraction) { return static_cast<std::int64_t>(fraction * 1e6 + 0.5); }
+
+}  // namespace
+
+class DateFormat::Compiled {
+ public:
+  Compiled(std::string_view pattern, const Locale& locale, const Calendar& calendar)
+      : pattern_(pattern),
+        locale_(locale),
+        calendar_(calendar),
+        writer_(PatternWriter::compile(pattern, locale, calendar)),
+        icu_(pattern, locale, calendar) {}
+
+  std::string string(Date date) const {
+    const Instant instant = instantOf(date);
+    const std::int64_t microseconds = microsecondsOf(instant.fraction);
+    const std::int64_t second = instant.seconds + (microseconds == 1'000'000);
+    const int millisecond = static_cast<int>(microseconds / 1000 % 1000);
+    if (!writer_) return icu_.string(second * 1000 + millisecond);
+    return writer_->string(second + calendar_.timeZone().rules().offsetAt(second), millisecond);
+  }
+
+  const std::string pattern_;
+  const Locale locale_;
+  const Calendar calendar_;
+  const std::optional<PatternWriter> writer_;
+  const IcuFormat icu_;
+};
+
+DateFormat::DateFormat(std::string_view pattern, const Locale& locale, const Calendar& calendar)
+    : compiled_(std::make_shared<const Compiled>(pattern, locale, calendar)) {}
+
+const std::string& DateFormat::pattern() const { return compiled_->pattern_; }
+
+const Locale& DateFormat::locale() const { return compiled_->locale_; }
+
+const Calendar& DateFormat::calendar() const { return compiled_->calendar_; }
+
+std::string DateFormat::string(Date date) const { return isNotANumber(date) ? std::string() : compiled_->string(date); }
+
+std::optional<Date> DateFormat::date(std::string_view text) const { return compiled_->icu_.date(text); }
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,189 @@
+#include <HavrinFoundation/platform/time/date_format.h>
+
+#include <HavrinFoundation/platform/time/civil.h>
+#include <HavrinFoundation/platform/time/icu_format.h>
+#include <HavrinFoundation/platform/time/pattern_writer.h>
+#include <tests/platform/time/pinned_environment.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace havrin {
+namespace {
+
+constexpr const char* kHttp = "EEE',' dd MMM yyyy HH':'mm':'ss z";
+
+Date at(double secondsSince1970) { return Date::fromTimeIntervalSince1970(secondsSince1970); }
+
+DateFormat format(std::string_view pattern, std::string_view locale, std::string_view zone) {
+  return {pattern, Locale(locale), Calendar(Locale(locale).calendar(), TimeZone::named(zone).value())};
+}
+
+TEST(DateFormat, WritesThePatternInTheWordsOfTheLocale) {
+  constexpr double kMarch = 1709649000;  // 2024-03-05 14:30:00 UTC
+  constexpr double kJuly = 1720189800;   // 2024-07-05 14:30:00 UTC
+  const struct {
+    const char* locale;
+    const char* zone;
+    double instant;
+    const char* text;
+  } rows[] = {
+      {"POSIX", "GMT", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
+      {"POSIX", "Etc/UTC", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
+      {"POSIX", "GMT", -0.001, "Wed, 31 Dec 1969 23:59:59 GMT"},
+      {"POSIX", "GMT", 253402300800, "Sat, 01 Jan 10000 00:00:00 GMT"},
+      {"POSIX", "GMT", -62135769601, "Fri, 31 Dec 0001 23:59:59 GMT"},
+      {"POSIX", "GMT", -12219292801, "Thu, 04 Oct 1582 23:59:59 GMT"},
+      {"POSIX", "GMT", 1e300, "Tue, 20 Dec 5828963 00:00:00 GMT"},
+      {"en_US", "America/New_York", kMarch, "Tue, 05 Mar 2024 09:30:00 EST"},
+      {"en_US", "America/New_York", kJuly, "Fri, 05 Jul 2024 10:30:00 EDT"},
+      {"en_US", "Asia/Kolkata", kMarch, "Tue, 05 Mar 2024 20:00:00 GMT+5:30"},
+      {"en_US", "Europe/London", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
+      {"en_US", "Europe/London", kJuly, "Fri, 05 Jul 2024 15:30:00 GMT+1"},
+      {"en_US", "Europe/Paris", kJuly, "Fri, 05 Jul 2024 16:30:00 GMT+2"},
+      {"en_US", "Asia/Tokyo", kMarch, "Tue, 05 Mar 2024 23:30:00 GMT+9"},
+      {"en_US", "Africa/Cairo", kJuly, "Fri, 05 Jul 2024 17:30:00 GMT+3"},  // younger than ICU's own rules
+      {"en_US", "Asia/Beirut", kJuly, "Fri, 05 Jul 2024 17:30:00 GMT+3"},
+      {"en_US", "America/Mexico_City", kJuly, "Fri, 05 Jul 2024 08:30:00 CST"},
+      {"en_GB", "Europe/London", kJuly, "Fri, 05 Jul 2024 15:30:00 BST"},
+      {"en_GB", "America/New_York", kMarch, "Tue, 05 Mar 2024 09:30:00 GMT-5"},
+      {"en_GB", "Europe/Paris", kMarch, "Tue, 05 Mar 2024 15:30:00 CET"},
+      {"en_GB", "Europe/Paris", kJuly, "Fri, 05 Jul 2024 16:30:00 CEST"},
+      {"en_IE", "Europe/Dublin", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
+      {"en_IE", "Europe/Dublin", kJuly, "Fri, 05 Jul 2024 15:30:00 IST"},
+      {"en_IN", "Asia/Kolkata", kMarch, "Tue, 05 Mar 2024 20:00:00 IST"},
+      {"de_DE", "GMT", kMarch, "Di., 05 März 2024 14:30:00 GMT"},
+      {"fr_FR", "GMT", kMarch, "mar., 05 mars 2024 14:30:00 UTC"},
+      {"th_TH", "GMT", kMarch, "อ., 05 มี.ค. 2567 14:30:00 GMT"},
+      {"ja_JP@calendar=japanese", "GMT", kMarch, "火, 05 3月 0006 14:30:00 GMT"},
+      {"fa_IR", "GMT", kMarch, "سه‌شنبه, ۱۵ اسفند ۱۴۰۲ ۱۴:۳۰:۰۰ گرینویچ"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.locale) + ' ' + row.zone);
+    EXPECT_EQ(format(kHttp, row.locale, row.zone).string(at(row.instant)), row.text);
+  }
+  EXPECT_EQ(format(kHttp, "C", "GMT").string(at(std::numeric_limits<double>::quiet_NaN())), "");
+  EXPECT_EQ(format(kHttp, "C", "GMT").pattern(), kHttp);
+}
+
+TEST(DateFormat, WritesDigitsAndLiterals) {
+  const double moment = -3600 * 11 + 60 * 5 + 7.0567;  // 1969-12-31 13:05:07.0567
+  const struct {
+    const char* pattern;
+    const char* text;
+  } rows[] = {
+      {"y yy yyy yyyy yyyyy", "1969 69 1969 1969 01969"},
+      {"M MM MMM MMMM MMMMM LLL", "12 12 Dec December D Dec"},
+      {"d dd ddd E EE EEEE EEEEE", "31 31 031 Wed Wed Wednesday W"},
+      {"H HH h hh K KK k kk a", "13 13 1 01 1 01 13 13 PM"},
+      {"m mm s ss S SS SSS", "5 05 7 07 0 05 056"},
+      {"'o''clock' ''yy'' -/:.,", "o'clock '69' -/:.,"},
+      {"z zzzz", "GMT GMT"},
+      {"QQQ w D SSSS xxx", "Q4 1 365 0560 +00:00"},
+      {"'' '''' ' '''' ' ''", "' ''  ''  '"},
+      {"\xff'\xff'", "\ufffd\ufffd"},
+      {"'half", "half"},
+      {"", ""},
+      {"b j", ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.pattern);
+    EXPECT_EQ(format(row.pattern, "C", "GMT").string(at(moment)), row.text);
+  }
+  EXPECT_EQ(format("ss.SSS", "C", "GMT")
+                .string(Date(std::chrono::sys_time<std::chrono::milliseconds>(std::chrono::milliseconds(1999)))),
+            "01.999")
+      << "what the double lost below a microsecond does not show";
+  EXPECT_EQ(format("ss.SSS", "C", "GMT").string(at(59.9999999)), "00.000");
+}
+
+TEST(DateFormat, WritesWhatIcuWouldByItsOwnSteps) {
+  std::mt19937_64 random(1123);
+  const std::string letters = "yMLdEaHkKhmsSz";
+  const char* locales[] = {"C", "en_GB", "de_DE", "ru_RU", "zh_CN", "vi_VN"};
+  std::uniform_real_distribution<double> instants(-1e11, 1e11);
+  int compiled = 0;
+  for (int i = 0; i < 1500; ++i) {
+    std::string pattern;
+    for (std::uint64_t fields = 1 + random() % 5; fields > 0; --fields) {
+      pattern += std::string(1 + random() % 5, letters[random() % letters.size()]) + " '' ,";
+    }
+    const Locale locale(locales[random() % std::size(locales)]);
+    const Calendar calendar(CalendarIdentifier::gregorian, TimeZone::gmt());
+    const std::int64_t milliseconds = static_cast<std::int64_t>(instants(random) * 1000);
+    const std::int64_t second = floorDivide(milliseconds, 1000);
+    const auto writer = PatternWriter::compile(pattern, locale, calendar);
+    if (!writer) continue;
+    ++compiled;
+    ASSERT_EQ(writer->string(second, static_cast<int>(milliseconds - second * 1000)),
+              IcuFormat(pattern, locale, calendar).string(milliseconds))
+        << pattern << ' ' << locale.identifier() << ' ' << milliseconds;
+  }
+  EXPECT_GT(compiled, 500);
+}
+
+TEST(DateFormat, ReadsWhatFollowsThePattern) {
+  const struct {
+    const char* text;
+    std::optional<double> instant;
+    const char* why;
+  } rows[] = {
+      {"Tue, 05 Mar 2024 14:30:00 GMT", 1709649000, "as written"},
+      {"tue, 05 mar 2024 14:30:00 gmt", 1709649000, "any case"},
+      {"Wed, 05 Mar 2024 14:30:00 GMT", 1709649000, "a wrong weekday"},
+      {"Tue, 05 Mar 2024 14:30:00 GMT   ", 1709649000, "blanks behind"},
+      {"Tue, 05 Mar 2024 09:30:00 EST", 1709649000, "the zone in the text"},
+      {"Tue, 05 Mar 2024 20:00:00 GMT+5:30", 1709649000, "an offset"},
+      {"Tue, 35 Mar 2024 14:30:00 GMT", std::nullopt, "a day that no month has"},
+      {"Fri, 30 Feb 2024 14:30:00 GMT", std::nullopt, "a day that February lacks"},
+      {"Tue, 05 Mar 2024 24:30:00 GMT", std::nullopt, "hour 24"},
+      {"Tue, 05 Mar 2024 14:30:00 GMT, or so", std::nullopt, "text behind"},
+      {"Tue, 05 Mar 2024 14:30:00", std::nullopt, "no zone"},
+      {"Tue, 05 Foo 2024 14:30:00 GMT", std::nullopt, "no month"},
+      {"", std::nullopt, "empty"},
+      {"\xff\xfe, 05 Mar", std::nullopt, "no UTF-8"},
+  };
+  const DateFormat http = format(kHttp, "C", "GMT");
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const std::optional<Date> read = http.date(row.text);
+    EXPECT_EQ(read.has_value(), row.instant.has_value());
+    EXPECT_EQ(read.value_or(Date()).timeIntervalSince1970(), row.instant.value_or(Date().timeIntervalSince1970()));
+  }
+}
+
+TEST(DateFormat, ReadsWallClocksByTheZoneFiles) {
+  const DateFormat local = format("yyyy-MM-dd HH:mm", "C", "America/New_York");
+  EXPECT_EQ(local.date("2024-07-05 10:30"), at(1720189800));
+  EXPECT_EQ(local.date("2024-03-10 02:30"), std::nullopt) << "the clock never showed it";
+  EXPECT_EQ(local.date("2024-11-03 01:30"), at(1730615400)) << "twice: the second";
+  EXPECT_EQ(format("yyyy-MM-dd HH:mm", "C", "Africa/Cairo").date("2024-07-05 17:30"), at(1720189800));
+  EXPECT_EQ(format("yyyy-MM-dd HH:mm VV", "C", "GMT").date("2024-07-05 17:30 Africa/Cairo"), at(1720189800))
+      << "also those of a zone that the text names";
+  EXPECT_EQ(format("HH:mm", "C", "GMT").date("14:30"), at(52200)) << "on the first day of 1970";
+}
+
+TEST(DateFormat, ServesManyThreads) {
+  const DateFormat http = format(kHttp, "C", "GMT");
+  const DateFormat local = format(kHttp, "en_US", "America/New_York");
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&, i] {
+      for (int day = 0; day < 50; ++day) {
+        const Date date = at(1.7e9 + i * 1000 + day * 86400);
+        EXPECT_EQ(http.date(http.string(date)), date);
+        EXPECT_EQ(local.date(local.string(date)), date);
+        EXPECT_EQ(http.date(local.string(date)), date);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+}  // namespace
+}  // namespace havrin
