@@ -1,6 +1,7 @@
 // The whole library in one include.
 #pragma once
 
+#include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/colours/colour_arithmetic.h>
 #include <HavrinFoundation/colours/colour_arithmetic_messages.h>
 #include <HavrinFoundation/colours/hex_codes.h>

@@ -8,6 +8,7 @@
 namespace havrin {
 
 extern const Category kProcessTestFlag;
+extern const Category kArrayBlocks;
 extern const Category kCasts;
 extern const Category kColourCodes;
 extern const Category kColourArithmetic;
@@ -17,6 +18,8 @@ namespace {
 const Category* const kCategories[] = {
     // frame
     &kProcessTestFlag,  // NSProcessInfo(HavrinFoundation)
+    // collections
+    &kArrayBlocks,  // NSArray(Blocks)
     // runtime
     &kCasts,  // NSObject(Cast)
     // colours

@@ -1,9 +1,10 @@
-// What collections throw, with receiver and selector in the reason. For the layer's own sources.
+// What collections throw, with receiver and selector in the reason. For the project's own sources.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
+#include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/range.h>
 #include <HavrinFoundation/platform/object/object.h>
 
@@ -16,7 +17,8 @@ namespace havrin::inline platform {
 [[noreturn]] void throwRangeBeyond(const NSObject& receiver, std::string_view selector, NSRange range,
                                    std::uint64_t count);
 /// Throws NSException (InvalidArgument): "-[NSMutableArray addObject:]: the object is null".
-[[noreturn]] void throwNullArgument(const NSObject& receiver, std::string_view selector, std::string_view argument);
+[[noreturn]] HAVRIN_EXPORT void throwNullArgument(const NSObject& receiver, std::string_view selector,
+                                                  std::string_view argument);
 
 /// True when `range` lies within `count` elements.
 [[nodiscard]] constexpr bool isWithin(NSRange range, std::uint64_t count) {

@@ -1,0 +1,236 @@
+#include <HavrinFoundation/collections/array_blocks_messages.h>
+
+#include <algorithm>
+#include <atomic>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+namespace havrin {
+
+namespace {
+
+template <class AnyBlock>
+void requireBlock(const NSArray& self, std::string_view selector, const AnyBlock& block) {
+  if (!block) throwNullArgument(self, selector, "block");
+}
+
+// Calls `body(element)` in order: where the elements stand in an array of the layer's own class, through the receiver's
+// enumeration in a subclass, which may have its own.
+template <class Body>
+void forEach(const NSArray& array, Body body) {
+  if (array.isPlain()) {
+    array.visit([&](NSObject* element, std::uint64_t) {
+      body(element);
+      return true;
+    });
+  } else {
+    array.enumerateObjectsUsingBlock([&](NSObject* element, std::uint64_t, bool&) { body(element); });
+  }
+}
+
+Strong<NSArray> select(NSArray& self, ElementPredicate predicate) {
+  requireBlock(self, "select:", predicate);
+  const Strong<NSArray> hold(&self);
+  const auto held = predicate.share();
+  if (self.isPlain()) {
+    ArrayBuilder passing(self.count());
+    forEach(self, [&](NSObject* element) {
+      if (predicate(element)) passing.add(element);
+    });
+    return passing.finish();
+  }
+  return self.objectsAtIndexes(
+      self.indexesOfObjectsPassingTest([&](NSObject* element, std::uint64_t, bool&) { return predicate(element); }));
+}
+
+Strong<NSArray> reject(NSArray& self, ElementPredicate predicate) {
+  requireBlock(self, "reject:", predicate);
+  const auto held = predicate.share();
+  return send<"select:">(self, [&](NSObject* element) { return !predicate(element); });
+}
+
+Strong<NSArray> map(NSArray& self, ElementTransform transform) {
+  requireBlock(self, "map:", transform);
+  const Strong<NSArray> hold(&self);
+  const auto held = transform.share();
+  ArrayBuilder mapped(self.count());
+  forEach(self, [&](NSObject* element) {
+    Strong<NSObject> value = transform(element);
+    mapped.add(value ? std::move(value) : NSNull::null());
+  });
+  return mapped.finish();
+}
+
+// The asynchronous map. A completion that is called inside its own transform would nest the rest of the chain in it, so
+// the next step is left with a loop below, which sends it when the transform has returned.
+
+struct Step {
+  Strong<NSArray> array;
+  std::uint64_t index = 0;
+  AsyncTransform transform;
+  Strong<NSArray> partial;
+  AsyncResult result;
+};
+
+class Loop;
+
+// A transform that runs on this thread, and the loop that takes the steps its completion asks for.
+struct Running {
+  std::uint64_t number;  // of the step: no other step of the process has it
+  Loop& loop;
+  Running* outer;
+};
+
+struct Chains {
+  Running* running = nullptr;  // innermost first
+  Loop* sending = nullptr;     // the loop whose message is on its way to the step
+};
+constinit thread_local Chains chains;
+constinit std::atomic<std::uint64_t> steps{0};
+
+// Gives a variable another value for a scope.
+template <class T>
+class Scoped {
+ public:
+  Scoped(T& variable, T value) : variable_(variable), before_(std::exchange(variable, value)) {}
+  Scoped(const Scoped&) = delete;
+  Scoped& operator=(const Scoped&) = delete;
+  ~Scoped() { variable_ = before_; }
+
+ private:
+  T& variable_;
+  T before_;
+};
+
+// Sends steps, one after the other, until none is left. What one step leaves goes before what waited behind it, in the
+// order in which it was asked for, as if each completion had gone on at once.
+class Loop {
+ public:
+  void add(Step step) { steps_.push_back(std::move(step)); }
+  void run();
+  // Runs the transform of a step, whose completion may leave further steps here.
+  void transform(Step step);
+  // True for the message that this loop has sent: an override may have changed all but the blocks.
+  [[nodiscard]] bool isSending(const AsyncTransform& transform, const AsyncResult& result) const {
+    return sent_.transform == transform && sent_.result == result;
+  }
+
+ private:
+  std::vector<Step> steps_;  // the last is next
+  Step sent_;
+};
+
+void complete(const Step& step, std::uint64_t number, NSObject* value) {
+  if (!value) {
+    throw NSException(NSInvalidArgumentException,
+                      "the completion of an asynchronous map was given null for index " + std::to_string(step.index));
+  }
+  Step next{step.array, step.index + 1, step.transform, step.partial->arrayByAddingObject(value), step.result};
+  for (const Running* running = chains.running; running; running = running->outer) {
+    if (running->number == number) {
+      running->loop.add(std::move(next));
+      return;
+    }
+  }
+  Loop loop;
+  loop.add(std::move(next));
+  loop.run();
+}
+
+void Loop::run() {
+  std::size_t waiting = 0;
+  while (!steps_.empty()) {
+    std::reverse(steps_.begin() + static_cast<std::ptrdiff_t>(waiting), steps_.end());
+    sent_ = std::move(steps_.back());
+    steps_.pop_back();
+    waiting = steps_.size();
+    const Scoped sending(chains.sending, this);
+    send<"asyncMapAux:block:currentResult:result:">(sent_.array, sent_.index, sent_.transform, sent_.partial,
+                                                    sent_.result);
+  }
+}
+
+void Loop::transform(Step step) {
+  const Strong<NSObject> element = step.array->objectAtIndexedSubscript(step.index);
+  const AsyncTransform transform = step.transform;
+  Running running{steps.fetch_add(1, std::memory_order_relaxed), *this, chains.running};
+  const Scoped entered(chains.running, &running);
+  const AsyncCompletion completion = [step = std::move(step), number = running.number](NSObject* value) {
+    complete(step, number, value);
+  };
+  transform(element, completion);
+}
+
+void asyncMap(NSArray& self, const AsyncTransform& transform, const AsyncResult& result) {
+  requireBlock(self, "asyncMap:result:", transform);
+  requireBlock(self, "asyncMap:result:", result);
+  send<"asyncMapAux:block:currentResult:result:">(self, 0, transform, makeArray({}), result);
+}
+
+void asyncMapAux(NSArray& self, std::uint64_t index, const AsyncTransform& transform, NSArray* partial,
+                 const AsyncResult& result) {
+  constexpr std::string_view kSelector = "asyncMapAux:block:currentResult:result:";
+  requireBlock(self, kSelector, transform);
+  requireBlock(self, kSelector, result);
+  if (!partial) throwNullArgument(self, kSelector, "partial result");
+  Step step{&self, index, transform, partial, result};
+  Loop* const sender = chains.sending && chains.sending->isSending(transform, result) ? chains.sending : nullptr;
+  const Scoped arrived(chains.sending, static_cast<Loop*>(nullptr));
+  if (index >= self.count()) {
+    step.result(partial);
+    return;
+  }
+  Loop own;
+  (sender ? *sender : own).transform(std::move(step));
+  own.run();
+}
+
+Strong<NSArray> compactMap(NSArray& self, ElementTransform transform) {
+  requireBlock(self, "compactMap:", transform);
+  const Strong<NSArray> hold(&self);
+  const auto held = transform.share();
+  ArrayBuilder mapped(self.count());
+  forEach(self, [&](NSObject* element) {
+    if (Strong<NSObject> value = transform(element)) mapped.add(std::move(value));
+  });
+  return mapped.finish();
+}
+
+Strong<NSObject> reduce(NSArray& self, NSObject* initial, ElementReducer reducer) {
+  requireBlock(self, "reduce:withBlock:", reducer);
+  const Strong<NSArray> hold(&self);
+  const auto held = reducer.share();
+  Strong<NSObject> accumulator(initial);
+  forEach(self, [&](NSObject* element) { accumulator = reducer(accumulator, element); });
+  return accumulator;
+}
+
+Strong<NSObject> firstWhere(NSArray& self, ElementPredicate predicate) {
+  requireBlock(self, "firstWhere:", predicate);
+  const Strong<NSArray> hold(&self);
+  const auto held = predicate.share();
+  const std::uint64_t index =
+      self.indexOfObjectPassingTest([&](NSObject* element, std::uint64_t, bool&) { return predicate(element); });
+  return index == kNotFound ? nullptr : self.objectAtIndex(index);
+}
+
+constexpr MethodRow kRows[] = {row<NSArray, "select:", select>(),
+                               row<NSArray, "reject:", reject>(),
+                               row<NSArray, "map:", map>(),
+                               row<NSArray, "asyncMap:result:", asyncMap>(),
+                               row<NSArray, "asyncMapAux:block:currentResult:result:", asyncMapAux>(),
+                               row<NSArray, "compactMap:", compactMap>(),
+                               row<NSArray, "reduce:withBlock:", reduce>(),
+                               row<NSArray, "firstWhere:", firstWhere>()};
+
+}  // namespace
+
+extern constinit const Category kArrayBlocks{classObject<NSArray>, "Blocks", kRows, {}};
+
+}  // namespace havrin

@@ -1,0 +1,281 @@
+// The block operations that finish before they return. The asynchronous map: async_map_test.cpp.
+#include <HavrinFoundation/collections/array_blocks_messages.h>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+#include "tests/random_seed.h"
+
+using namespace havrin;
+
+namespace {
+
+int allocations = 0;
+
+}  // namespace
+
+// The linker sends every call of malloc and realloc in this program here.
+extern "C" {
+void* __real_malloc(std::size_t size);
+void* __real_realloc(void* memory, std::size_t size);
+void* __wrap_malloc(std::size_t size) {
+  ++allocations;
+  return __real_malloc(size);
+}
+void* __wrap_realloc(void* memory, std::size_t size) {
+  ++allocations;
+  return __real_realloc(memory, size);
+}
+}
+
+namespace {
+
+Strong<NSString> s(std::string_view text) { return makeString(text); }
+std::string text(const NSObject* object) { return object ? utf8(*object->description()) : "nil"; }
+bool isVowel(NSString* letter) { return std::string("aeiou").find(text(letter)) != std::string::npos; }
+
+std::string thrown(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const NSException& exception) {
+    EXPECT_FALSE(exception.reason().empty());
+    return exception.name();
+  }
+  return "none";
+}
+
+// The least that an array is.
+class Word : public Object<Word, NSArray> {
+ public:
+  explicit Word(std::string letters) : letters_(std::move(letters)) {}
+  std::uint64_t count() const override { return letters_.size(); }
+  Strong<NSObject> objectAtIndex(std::uint64_t index) const override { return s(letters_.substr(index, 1)); }
+
+ private:
+  std::string letters_;
+};
+
+struct Kind {
+  const char* why;
+  Strong<NSArray> array;
+};
+// A word's letters in every kind of array.
+std::vector<Kind> everyKind(const std::string& word) {
+  const auto list = makeMutableArray({});
+  for (const char letter : word) list->addObject(s(std::string(1, letter)));
+  return {{"immutable", makeArray(list->elements())},
+          {"mutable", list},
+          {"the copy of a mutable one", list->snapshot()},
+          {"a subclass with count and objectAtIndex only", make<Word>(word)}};
+}
+
+Strong<NSString> upperVowel(NSString* letter) {
+  return isVowel(letter) ? s(std::string(1, static_cast<char>(text(letter)[0] - 32))) : nullptr;
+}
+Strong<NSObject> join(NSString* word, NSString* letter) { return s(text(word) + text(letter)); }
+
+// Each override leaves a mark that the operation's result must show.
+class Marked : public Object<Marked, NSArray> {
+ public:
+  std::uint64_t count() const override { return 3; }
+  Strong<NSObject> objectAtIndex(std::uint64_t index) const override { return makeNumber(index); }
+  Strong<NSIndexSet> indexesOfObjectsPassingTest(Test) const override { return makeIndexSet({2}); }
+  Strong<NSArray> objectsAtIndexes(const NSIndexSet* indexes) const override {
+    return makeArray({s("chosen"), makeNumber(indexes->firstIndex())});
+  }
+  void enumerateObjectsUsingBlock(BlockView<void(NSObject*, std::uint64_t, bool&)> block) const override {
+    bool stop = false;
+    for (int i = 0; i < 5; ++i) block(s("seen"), 0, stop);
+  }
+  std::uint64_t indexOfObjectPassingTest(Test) const override { return 1; }
+};
+class Selecting : public Object<Selecting, Marked> {
+ public:
+  Strong<NSArray> selectOnce(ElementPredicate predicate) {
+    return makeArray({makeNumber(predicate(makeNumber(1))), s("selected")});
+  }
+  using Members = List<Method<"select:", &Selecting::selectOnce>>;
+};
+
+}  // namespace
+
+TEST(ArrayBlocks, FilterTransformFoldAndSearchInOrder) {
+  const struct {
+    const char* word;
+    const char* vowels;
+    const char* others;
+    const char* mapped;
+    const char* compacted;
+    const char* folded;
+    const char* first;
+    const char* why;
+  } rows[] = {
+      {"", "()", "()", "()", "()", "nil", "nil", "an empty receiver: no block is called"},
+      {"queue", "(u, e, u, e)", "(q)", "(<null>, U, E, U, E)", "(U, E, U, E)", "nilqueue", "u", "duplicates stay"},
+      {"try", "()", "(t, r, y)", "(<null>, <null>, <null>)", "()", "niltry", "nil", "nothing passes"},
+      {"a", "(a)", "()", "(A)", "(A)", "nila", "a", "everything passes"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    for (const Kind& kind : everyKind(row.word)) {
+      SCOPED_TRACE(kind.why);
+      const auto& array = kind.array;
+      const auto vowels = send<"select:">(array, isVowel);
+      const auto mapped = send<"map:">(array, upperVowel);
+      const auto compacted = send<"compactMap:">(array, upperVowel);
+      EXPECT_EQ(text(vowels), row.vowels);
+      EXPECT_EQ(text(send<"reject:">(array, isVowel)), row.others);
+      EXPECT_EQ(text(mapped), row.mapped);
+      EXPECT_EQ(text(compacted), row.compacted);
+      EXPECT_EQ(text(send<"reduce:withBlock:">(array, nullptr, join)), row.folded);
+      EXPECT_EQ(text(send<"firstWhere:">(array, isVowel)), row.first);
+      for (const NSArray* result : {vowels.get(), mapped.get(), compacted.get()}) {
+        EXPECT_EQ(classOf(*result).name(), "NSArray") << "immutable, whatever the receiver is";
+      }
+    }
+  }
+}
+
+TEST(ArrayBlocks, CallThePredicateOnceForEachElementInOrder) {
+  for (const Kind& kind : everyKind("xyazae")) {
+    SCOPED_TRACE(kind.why);
+    std::string seen;
+    const auto watched = [&](NSString* letter) {
+      seen += text(letter);
+      return isVowel(letter);
+    };
+    (void)send<"select:">(kind.array, watched);
+    EXPECT_EQ(std::exchange(seen, ""), "xyazae");
+    (void)send<"reject:">(kind.array, watched);
+    EXPECT_EQ(std::exchange(seen, ""), "xyazae");
+    (void)send<"firstWhere:">(kind.array, watched);
+    EXPECT_EQ(seen, "xya") << "nothing after the first match";
+  }
+}
+
+TEST(ArrayBlocks, SelectAndRejectPartTheReceiver) {
+  std::mt19937_64 random = seededGenerator();
+  for (const std::size_t size : {1U, 7U, 100U, 5000U}) {
+    const auto list = makeMutableArray({});
+    for (std::size_t i = 0; i < size; ++i) list->addObject(makeNumber(static_cast<std::int64_t>(random() % 1000)));
+    const auto bound = static_cast<std::int64_t>(random() % 1000);
+    const auto isSmall = [&](NSNumber& number) { return number.integerValue() < bound; };
+    const auto small = send<"select:">(list, isSmall);
+    const auto large = send<"reject:">(list, isSmall);
+    EXPECT_EQ(small->count() + large->count(), size);
+    std::uint64_t next[2] = {0, 0};
+    for (NSObject* number : each(list)) {
+      const bool isLarge = !isSmall(static_cast<NSNumber&>(*number));
+      ASSERT_EQ((isLarge ? large : small)->objectAtIndex(next[isLarge]++).get(), number);
+    }
+  }
+}
+
+TEST(ArrayBlocks, TakeNullAccumulatorsAndMessagesToNull) {
+  const auto word = make<Word>("abcd");
+  std::string given;
+  const auto last = send<"reduce:withBlock:">(word, s("start"), [&](NSObject* accumulator, NSString* letter) {
+    given += text(accumulator) + ",";
+    return text(letter) == "b" ? nullptr : Strong<NSObject>(letter);
+  });
+  EXPECT_EQ(given, "start,a,nil,c,");
+  EXPECT_EQ(text(last), "d");
+  EXPECT_EQ(text(send<"reduce:withBlock:">(makeArray({}), s("start"), join)), "start");
+  EXPECT_FALSE(send<"select:">(Strong<NSArray>(), isVowel));
+}
+
+TEST(ArrayBlocks, AskTheReceiverByItsOwnMethods) {
+  const auto always = [](NSObject*) { return true; };
+  const auto same = [](NSObject* object) { return Strong<NSObject>(object); };
+  const auto marked = make<Marked>();
+  EXPECT_EQ(text(send<"select:">(marked, always)), "(chosen, 2)");
+  EXPECT_EQ(text(send<"map:">(marked, same)), "(seen, seen, seen, seen, seen)") << "more than the count said";
+  EXPECT_EQ(text(send<"compactMap:">(marked, same)), "(seen, seen, seen, seen, seen)");
+  EXPECT_EQ(text(send<"firstWhere:">(marked, always)), "1");
+  EXPECT_EQ(text(send<"reject:">(Strong<NSArray>(make<Selecting>()), always)), "(0, selected)")
+      << "reject: sends select: with the opposite predicate";
+}
+
+TEST(ArrayBlocks, RefuseNullBlocksBeforeAnythingRuns) {
+  const auto word = make<Word>("a");
+  const std::function<void()> calls[] = {
+      [&] { (void)send<"select:">(word, nullptr); },
+      [&] { (void)send<"reject:">(word, nullptr); },
+      [&] { (void)send<"map:">(word, nullptr); },
+      [&] { (void)send<"compactMap:">(word, nullptr); },
+      [&] { (void)send<"reduce:withBlock:">(word, nullptr, nullptr); },
+      [&] { (void)send<"firstWhere:">(word, Block<bool(NSObject*)>()); },
+      [&] { (void)send<"select:">(makeArray({}), nullptr); },
+      [&] { (void)send<"select:">(word, [](NSNumber&) { return true; }); },
+  };
+  for (const auto& call : calls) EXPECT_EQ(thrown(call), NSInvalidArgumentException);
+  try {
+    (void)send<"map:">(word, nullptr);
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.reason(), "-[Word map:]: the block is null");
+  }
+}
+
+TEST(ArrayBlocks, ThrowWhenABlockChangesTheReceiver) {
+  const auto list = makeMutableArray({});
+  int calls = 0;
+  const auto change = [&](NSString& letter) {
+    ++calls;
+    list->removeAllObjects();
+    EXPECT_EQ(text(&letter), "a") << "held while the block runs";
+    return Strong<NSObject>();
+  };
+  const std::function<void()> operations[] = {
+      [&] { (void)send<"select:">(list, [&](NSString& letter) { return change(letter) != nullptr; }); },
+      [&] { (void)send<"map:">(list, change); },
+      [&] { (void)send<"reduce:withBlock:">(list, nullptr, [&](NSObject*, NSString& l) { return change(l); }); },
+      [&] { (void)send<"firstWhere:">(list, [&](NSString& letter) { return change(letter) != nullptr; }); },
+  };
+  for (const auto& operation : operations) {
+    calls = 0;
+    list->addObject(s("a"));
+    list->addObject(s("b"));
+    EXPECT_EQ(thrown(operation), NSGenericException);
+    EXPECT_EQ(calls, 1);
+  }
+}
+
+TEST(ArrayBlocks, OutliveTheLastReferenceToReceiverAndBlock) {
+  for (Kind& kind : everyKind("abc")) {
+    SCOPED_TRACE(kind.why);
+    Strong<NSArray> only = std::exchange(kind.array, nullptr);
+    Block<Strong<NSObject>(NSObject*)> transform;
+    const auto capture = makeNumber(7);
+    transform = [&only, &transform, capture](NSObject* object) {
+      only = nullptr;
+      transform = nullptr;
+      return capture->boolValue() ? Strong<NSObject>(object) : nullptr;
+    };
+    EXPECT_EQ(text(send<"map:">(only, transform)), "(a, b, c)");
+  }
+}
+
+TEST(ArrayBlocks, MakeOneAllocationForTheResult) {
+  for (const int size : {1, 10, 31, 1000}) {
+    const auto list = makeMutableArray({});
+    for (int i = 0; i < size; ++i) list->addObject(makeNumber(i));
+    const Strong<NSArray> array = makeArray(list->elements());
+    const auto even = [](NSObject* number) { return static_cast<NSNumber*>(number)->integerValue() % 2 == 0; };
+    const auto same = [](NSObject* object) { return Strong<NSObject>(object); };
+    (void)send<"select:">(array, even);
+    (void)send<"map:">(array, same);
+    allocations = 0;
+    const auto mapped = send<"map:">(array, same);
+    EXPECT_EQ(allocations, 1) << size;
+    allocations = 0;
+    const auto selected = send<"select:">(array, even);
+    EXPECT_EQ(allocations, size < 64 ? 1 : 2) << size << ": what a large one does not need is given back";
+  }
+}
