@@ -2,6 +2,7 @@
 #pragma once
 
 #include <HavrinFoundation/collections/array_blocks_messages.h>
+#include <HavrinFoundation/collections/collection_helpers_messages.h>
 #include <HavrinFoundation/colours/colour_arithmetic.h>
 #include <HavrinFoundation/colours/colour_arithmetic_messages.h>
 #include <HavrinFoundation/colours/hex_codes.h>

@@ -9,6 +9,8 @@ namespace havrin {
 
 extern const Category kProcessTestFlag;
 extern const Category kArrayBlocks;
+extern const Category kArrayHelpers;
+extern const Category kMutableArrayHelpers;
 extern const Category kCasts;
 extern const Category kColourCodes;
 extern const Category kColourArithmetic;
@@ -19,7 +21,9 @@ const Category* const kCategories[] = {
     // frame
     &kProcessTestFlag,  // NSProcessInfo(HavrinFoundation)
     // collections
-    &kArrayBlocks,  // NSArray(Blocks)
+    &kArrayBlocks,          // NSArray(Blocks)
+    &kArrayHelpers,         // NSArray(HavrinFoundation)
+    &kMutableArrayHelpers,  // NSMutableArray(Helpers)
     // runtime
     &kCasts,  // NSObject(Cast)
     // colours

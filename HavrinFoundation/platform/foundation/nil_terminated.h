@@ -1,0 +1,61 @@
+// A list of objects in a call, ended by null.
+//
+//   send<"arrayByCombiningElementsOfArrays:">(classOf<NSArray>(), nilTerminated(first, second, nullptr))
+//
+// A null ends the list wherever it stands, and nothing behind it is read; so does the end of the list.
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <span>
+
+#include <HavrinFoundation/platform/object/object.h>
+
+namespace havrin::inline platform {
+
+template <class... A>
+struct NilTerminatedValues {
+  std::array<NSObject*, sizeof...(A)> objects;
+};
+
+/// The objects of a list before its first null. Borrows them, and the list: for the length of the call that takes it.
+template <std::derived_from<NSObject> C>
+class NilTerminated {
+ public:
+  template <class... A>
+  requires(std::convertible_to<A, C*>&&...) NilTerminated(const NilTerminatedValues<A...>& values)
+  noexcept : objects_(values.objects) {
+    std::size_t count = 0;
+    while (count < objects_.size() && objects_[count]) ++count;
+    objects_ = objects_.first(count);
+  }
+
+  class Iterator {
+   public:
+    explicit Iterator(NSObject* const* object) noexcept : object_(object) {}
+    C* operator*() const noexcept { return static_cast<C*>(*object_); }
+    Iterator& operator++() noexcept {
+      ++object_;
+      return *this;
+    }
+    friend bool operator==(const Iterator&, const Iterator&) = default;
+
+   private:
+    NSObject* const* object_;
+  };
+  [[nodiscard]] Iterator begin() const noexcept { return Iterator(objects_.data()); }
+  [[nodiscard]] Iterator end() const noexcept { return Iterator(objects_.data() + objects_.size()); }
+
+ private:
+  std::span<NSObject* const> objects_;
+};
+
+/// The list, from pointers, `Strong`s and null.
+template <class... A>
+requires(std::convertible_to<const A&, NSObject*>&&...)
+    [[nodiscard]] NilTerminatedValues<A...> nilTerminated(const A&... objects) {
+  return {{static_cast<NSObject*>(objects)...}};
+}
+
+}  // namespace havrin::inline platform

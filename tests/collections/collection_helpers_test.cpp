@@ -1,0 +1,244 @@
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <HavrinFoundation/collections/collection_helpers_messages.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/random.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+Strong<NSString> s(std::string_view text) { return makeString(text); }
+std::string text(const NSObject* object) { return object ? utf8(*object->description()) : "nil"; }
+Strong<NSMutableArray> letters(std::string_view word) {
+  auto list = makeMutableArray({});
+  for (const char letter : word) list->addObject(s(std::string(1, letter)));
+  return list;
+}
+
+// Gives out the numbers it is told to, and keeps the bounds it is asked for.
+class Draws : public RandomSource {
+ public:
+  explicit Draws(std::vector<std::uint32_t> numbers) : numbers_(std::move(numbers)) { installRandomSource(this); }
+  ~Draws() override { installRandomSource(nullptr); }
+  std::uint32_t uniform(std::uint32_t bound) override {
+    bounds_.push_back(bound);
+    return numbers_.at(bounds_.size() - 1);
+  }
+  bool fill(std::uint64_t&) override { return false; }
+
+  std::vector<std::uint32_t> numbers_;
+  std::vector<std::uint32_t> bounds_;
+};
+
+// Writes down what is asked of it.
+class Watched : public Object<Watched, NSMutableArray> {
+ public:
+  void exchangeObjectAtIndex(std::uint64_t index, std::uint64_t otherIndex) override {
+    log_ += std::to_string(index) + "<>" + std::to_string(otherIndex) + " ";
+    NSMutableArray::exchangeObjectAtIndex(index, otherIndex);
+  }
+  void addObject(NSObject* object) override {
+    log_ += "add ";
+    NSMutableArray::addObject(object);
+  }
+  void insertObject(NSObject* object, std::uint64_t index) override {
+    log_ += "insert" + std::to_string(index) + " ";
+    NSMutableArray::insertObject(object, index);
+  }
+  void removeObjectsAtIndexes(const NSIndexSet* indexes) override {
+    log_ += "remove" + text(indexes) + " ";
+    NSMutableArray::removeObjectsAtIndexes(indexes);
+  }
+  void removeAllObjects() override {
+    log_ += "removeAll ";
+    NSMutableArray::removeAllObjects();
+  }
+  std::string log() { return std::exchange(log_, ""); }
+
+ private:
+  std::string log_;
+};
+Strong<Watched> watched(std::string_view word) {
+  auto list = make<Watched>();
+  list->addObjectsFromArray(letters(word));
+  (void)list->log();
+  return list;
+}
+
+// An array whose mutable copy removes nothing.
+class Stubborn : public Object<Stubborn, NSArray> {
+  class Copy : public Object<Copy, NSMutableArray> {
+   public:
+    Strong<NSArray> removeNothing(std::int64_t) {
+      addObject(s("z"));
+      return makeArray({});
+    }
+    using Members = List<Method<"removeObjectsFromIndex:", &Copy::removeNothing>>;
+  };
+
+ public:
+  std::uint64_t count() const override { return 0; }
+  Strong<NSObject> mutableCopy() const override { return make<Copy>(); }
+};
+
+}  // namespace
+
+TEST(CollectionHelpers, PickEachElementByItsNumber) {
+  EXPECT_FALSE(send<"hav_randomObject">(makeArray({})));
+  EXPECT_EQ(text(send<"hav_randomObject">(letters("a"))), "a");
+  const auto abc = letters("abc");
+  Draws draws({2, 0, 1});
+  for (const char* expected : {"c", "a", "b"}) EXPECT_EQ(text(send<"hav_randomObject">(abc)), expected);
+  EXPECT_EQ(draws.bounds_, (std::vector<std::uint32_t>{3, 3, 3}));
+}
+
+TEST(CollectionHelpers, CutAnArrayAtAnIndex) {
+  constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
+  constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
+  const struct {
+    std::int64_t index;
+    const char* kept;
+    const char* removed;
+  } rows[] = {{2, "(a, b)", "(c, d)"},   {3, "(a, b, c)", "(d)"},    {1, "(a)", "(b, c, d)"},
+              {0, "()", "(a, b, c, d)"}, {-1, "()", "(a, b, c, d)"}, {kLowest, "()", "(a, b, c, d)"},
+              {4, "(a, b, c, d)", "()"}, {10, "(a, b, c, d)", "()"}, {kHighest, "(a, b, c, d)", "()"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.index);
+    const auto list = letters("abcd");
+    const auto before = list->snapshot();
+    EXPECT_EQ(text(send<"arrayByRemovingObjectsFromIndex:">(before, row.index)), row.kept);
+    EXPECT_EQ(text(send<"arrayByRemovingObjectsFromIndex:">(list, row.index)), row.kept);
+    EXPECT_EQ(text(list), "(a, b, c, d)") << "the receiver is as it was";
+    const auto removed = send<"removeObjectsFromIndex:">(list, row.index);
+    EXPECT_EQ(text(removed), row.removed);
+    EXPECT_EQ(classOf(*removed).name(), "NSArray");
+    EXPECT_EQ(text(list), row.kept);
+    EXPECT_EQ(text(before), "(a, b, c, d)");
+  }
+  EXPECT_EQ(text(send<"arrayByRemovingObjectsFromIndex:">(make<Stubborn>(), 2)), "(z)")
+      << "it is the copy that is sent removeObjectsFromIndex:";
+  const auto list = watched("ab");
+  (void)send<"removeObjectsFromIndex:">(list, 0);
+  EXPECT_EQ(list->log().find("removeAll "), 0U);
+}
+
+TEST(CollectionHelpers, CombineArraysUpToTheFirstNull) {
+  const auto xy = letters("xy");
+  const Strong<NSArray> z = makeArray({s("z")});
+  const Strong<NSArray> none;
+  const auto cls = classOf<NSArray>();
+  EXPECT_EQ(text(send<"arrayByCombiningElementsOfArrays:">(cls, nilTerminated(xy, z, xy, nullptr))), "(x, y, z, x, y)");
+  EXPECT_EQ(text(send<"arrayByCombiningElementsOfArrays:">(cls, nilTerminated(z, none, xy, nullptr))), "(z)");
+  EXPECT_EQ(text(send<"arrayByCombiningElementsOfArrays:">(cls, nilTerminated(z, makeArray({s("w")})))), "(z, w)");
+  EXPECT_EQ(text(send<"arrayByCombiningElementsOfArrays:">(cls, nilTerminated(nullptr))), "()");
+  const auto combined =
+      send<"arrayByCombiningElementsOfArrays:">(classOf<NSMutableArray>(), nilTerminated(xy, nullptr));
+  EXPECT_EQ(classOf(*combined).name(), "NSArray");
+  xy->removeAllObjects();
+  EXPECT_EQ(text(combined), "(x, y)");
+}
+
+TEST(CollectionHelpers, AddWhatIsNotNull) {
+  const auto list = watched("a");
+  send<"safeAddObject:">(list, nullptr);
+  EXPECT_EQ(list->log(), "");
+  send<"safeAddObject:">(list, s("b"));
+  EXPECT_EQ(list->log(), "add insert1 ");
+  EXPECT_EQ(text(list), "(a, b)");
+}
+
+TEST(CollectionHelpers, ShuffleByOneDrawAndOneExchangeForEachElementButTheLast) {
+  {
+    Draws draws({2, 0, 1, 1});
+    const auto list = watched("abcde");
+    send<"shuffle">(list);
+    EXPECT_EQ(draws.bounds_, (std::vector<std::uint32_t>{5, 4, 3, 2}));
+    EXPECT_EQ(list->log(), "0<>2 1<>1 2<>3 3<>4 ") << "also where an element stays";
+    EXPECT_EQ(text(list), "(c, b, d, e, a)");
+  }
+  Draws none({});
+  for (const char* word : {"", "a"}) {
+    const auto list = watched(word);
+    send<"shuffle">(list);
+    EXPECT_EQ(list->log(), "");
+  }
+  EXPECT_TRUE(none.bounds_.empty());
+}
+
+TEST(CollectionHelpers, ShuffleToEveryOrderEquallyOften) {
+  std::map<std::string, int> orders;
+  for (std::uint32_t a = 0; a < 4; ++a) {
+    for (std::uint32_t b = 0; b < 3; ++b) {
+      for (std::uint32_t c = 0; c < 2; ++c) {
+        Draws draws({a, b, c});
+        const auto list = letters("abcd");
+        send<"shuffle">(list);
+        ++orders[text(list)];
+      }
+    }
+  }
+  EXPECT_EQ(orders.size(), 24U) << "4 x 3 x 2 draws make 24 orders";
+  const auto list = letters("abcdefghijklmnopqrstuvwxyz");
+  send<"shuffle">(list);
+  for (const char letter : std::string("abcdefghijklmnopqrstuvwxyz")) {
+    EXPECT_TRUE(list->containsObject(s(std::string(1, letter)))) << "with the system's numbers nothing is lost";
+  }
+}
+
+TEST(CollectionHelpers, InsertWhatIsNotThereYet) {
+  const struct {
+    const char* object;
+    std::uint64_t preferred;
+    std::uint64_t index;
+    const char* after;
+    const char* log;
+  } rows[] = {{"b", 0, 1, "(a, b, c)", ""},
+              {"x", 0, 0, "(x, a, b, c)", "insert0 "},
+              {"x", 2, 2, "(a, b, x, c)", "insert2 "},
+              {"x", 3, 3, "(a, b, c, x)", "insert3 "},
+              {"x", 100, 3, "(a, b, c, x)", "insert3 "},
+              {"x", ~std::uint64_t{0}, 3, "(a, b, c, x)", "insert3 "}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.object) + " at " + std::to_string(row.preferred));
+    const auto list = watched("abc");
+    EXPECT_EQ(send<"uniqueInsertObject:atPreferredIdx:">(list, s(row.object), row.preferred), row.index);
+    EXPECT_EQ(text(list), row.after);
+    EXPECT_EQ(list->log(), row.log);
+  }
+  const auto list = letters("abc");
+  EXPECT_THROW((void)send<"uniqueInsertObject:atPreferredIdx:">(list, nullptr, 0), NSException);
+  EXPECT_EQ(text(list), "(a, b, c)");
+}
+
+TEST(CollectionHelpers, RemoveEveryOccurrenceOfWhatAnArrayContains) {
+  const struct {
+    const char* word;
+    const char* unwanted;
+    const char* after;
+    const char* positions;
+  } rows[] = {{"abad", "az", "(b, d)", "(0 2)"},
+              {"abad", "", "(a, b, a, d)", "()"},
+              {"abad", "adb", "()", "(0-3)"},
+              {"", "a", "()", "()"}};
+  for (const auto& row : rows) {
+    const auto list = watched(row.word);
+    EXPECT_EQ(text(send<"hav_removeObjectsInArray:">(list, letters(row.unwanted))), row.positions);
+    EXPECT_EQ(text(list), row.after);
+    EXPECT_EQ(list->log(), "remove" + std::string(row.positions) + " ") << "in one step";
+  }
+  const auto list = letters("abc");
+  EXPECT_EQ(send<"hav_removeObjectsInArray:">(list, nullptr)->count(), 0U);
+  EXPECT_EQ(text(list), "(a, b, c)");
+  EXPECT_EQ(send<"hav_removeObjectsInArray:">(list, list)->count(), 3U);
+  EXPECT_EQ(text(list), "()");
+}
