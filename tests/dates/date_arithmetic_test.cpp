@@ -1,6 +1,6 @@
 #include <HavrinFoundation/dates/date_arithmetic.h>
 
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/testkit/test_clock.h>
 #include <tests/platform/time/pinned_environment.h>
 
 #include <gtest/gtest.h>
@@ -18,16 +18,6 @@ constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 
 Date at(double secondsSince1970) { return Date::fromTimeIntervalSince1970(secondsSince1970); }
-
-/// The wall clock stands at one instant.
-struct StoppedClock final : ClockSource {
-  explicit StoppedClock(double seconds) : seconds_(seconds), former_(installClockSource(this)) {}
-  ~StoppedClock() override { installClockSource(former_); }
-  double monotonicSeconds() const override { return 0; }
-  double wallSecondsSince1970() const override { return seconds_; }
-  double seconds_;
-  ClockSource* former_;
-};
 
 TEST(DateArithmetic, KeepsTheFractionOfATimestampAndDropsItWhenReadBack) {
   const struct {
@@ -94,7 +84,8 @@ TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
     const PinnedEnvironment environment(row.zone, row.language);
     EXPECT_EQ(isSameMonthAndDay(at(row.first), at(row.second)), row.same);
     EXPECT_EQ(isSameMonthAndDay(at(row.second), at(row.first)), row.same);
-    const StoppedClock clock(row.second);
+    TestClock clock;
+    clock.setWallSecondsSince1970(row.second);
     EXPECT_EQ(isSameMonthAndDayAsToday(at(row.first)), row.same);
   }
   const Date nothing = at(std::numeric_limits<double>::quiet_NaN());

@@ -1,6 +1,6 @@
 #include <HavrinFoundation/platform/time/date.h>
 
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/testkit/test_clock.h>
 
 #include <gtest/gtest.h>
 
@@ -54,13 +54,11 @@ TEST(DateValue, SaturatesTimePointsThatADurationLacks) {
 }
 
 TEST(DateValue, TellsTheTimeOfTheInstalledClock) {
-  struct Fixed final : ClockSource {
-    double monotonicSeconds() const override { return 0; }
-    double wallSecondsSince1970() const override { return 1709649000.25; }
-  } clock;
-  ClockSource* former = installClockSource(&clock);
-  EXPECT_EQ(Date::now().timeIntervalSince1970(), 1709649000.25);
-  installClockSource(former);
+  {
+    TestClock clock;
+    clock.setWallSecondsSince1970(1709649000.25);
+    EXPECT_EQ(Date::now().timeIntervalSince1970(), 1709649000.25);
+  }
   EXPECT_NEAR(Date::now() - Date(std::chrono::system_clock::now()), 0, 60);
 }
 
