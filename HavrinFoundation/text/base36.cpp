@@ -1,6 +1,5 @@
 #include <HavrinFoundation/text/base36.h>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <limits>
@@ -90,7 +89,7 @@ std::optional<std::int64_t> base36ValueAsBase10(std::string_view text) noexcept 
   const bool negative = !text.empty() && text.front() == '-';
   if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
   if (text.empty()) return std::nullopt;
-  if (text.size() > kUncheckedDigits) text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+  while (text.size() > kUncheckedDigits + 1 && text.front() == '0') text.remove_prefix(1);
   if (text.size() > kUncheckedDigits + 1) return std::nullopt;
 
   const auto leading = readDigits(text.substr(0, kUncheckedDigits));

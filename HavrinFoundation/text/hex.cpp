@@ -36,14 +36,14 @@ void encodePlain(const std::byte* bytes, std::size_t size, char* out) {
 
 #if defined(__x86_64__)
 
-// The digits of 16 bytes: each byte is widened to two, its high half moves down into the first and its low half up into
-// the second, and one shuffle turns all 32 halves into digits.
+// The digits of 16 bytes. Each byte is widened to two: times 1001 (hexadecimal) its low half stands on top and all of it
+// below, and four bits further down the first byte holds the high half and the second the low one. One shuffle turns
+// these into digits.
 [[gnu::target("avx2")]] inline void encode16(const std::byte* bytes, char* out) {
   const __m256i digits = _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(kDigits.data())));
   const __m256i units = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
-  const __m256i halves = _mm256_or_si256(_mm256_slli_epi16(units, 8), _mm256_srli_epi16(units, 4));
-  const __m256i indices = _mm256_and_si256(halves, _mm256_set1_epi8(0x0F));
-  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm256_shuffle_epi8(digits, indices));
+  const __m256i halves = _mm256_srli_epi16(_mm256_mullo_epi16(units, _mm256_set1_epi16(0x1001)), 4);
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(out), _mm256_shuffle_epi8(digits, halves));
 }
 
 [[gnu::target("avx2")]] void encodeWide(const std::byte* bytes, std::size_t size, char* out) {

@@ -31,13 +31,13 @@ NSRange nsrange(std::nullptr_t) = delete;
 
 /// Whether a character of `text` is in `set`; for empty text, false.
 [[nodiscard]] inline bool containsAnyCharacters(std::string_view text, const CharacterSet& set) noexcept {
-  return rangeOfCharacter(text, set).has_value();
+  return set.firstMemberIn(text) != text.size();
 }
 bool containsAnyCharacters(std::nullptr_t, const CharacterSet&) = delete;
 
 /// Whether every character of `text` is in `set`; for empty text, true.
 [[nodiscard]] inline bool containsOnlyCharacters(std::string_view text, const CharacterSet& set) noexcept {
-  return !rangeOfCharacterOutside(text, set).has_value();
+  return set.firstOtherIn(text) == text.size();
 }
 bool containsOnlyCharacters(std::nullptr_t, const CharacterSet&) = delete;
 

@@ -5,6 +5,7 @@
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <openssl/sha.h>
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -13,22 +14,23 @@ namespace havrin::inline platform {
 
 namespace {
 
-template <class Integer>
-void writeBigEndian(std::byte* out, Integer value) {
-  for (std::size_t i = 0; i < sizeof value; ++i) out[i] = static_cast<std::byte>(value >> (8 * (sizeof value - 1 - i)));
+constexpr std::uint64_t bigEndian(std::uint64_t value) {
+  return std::endian::native == std::endian::big ? value : __builtin_bswap64(value);
 }
 
 // The rest of a text of `size` bytes, which is less than a block, with the padding that ends every text: a one bit,
 // zeros, the length in bits. That fills one block or two.
 void transformTail(SHA256_CTX& context, std::span<const std::byte> rest, std::uint64_t size) {
-  std::array<std::byte, 2 * SHA256_CBLOCK> blocks{};
-  if (!rest.empty()) std::memcpy(blocks.data(), rest.data(), rest.size());
-  blocks[rest.size()] = std::byte{0x80};
-  const std::size_t used = rest.size() + 1 + sizeof size <= SHA256_CBLOCK ? SHA256_CBLOCK : 2 * SHA256_CBLOCK;
-  writeBigEndian(&blocks[used - sizeof size], size * 8);
-  for (std::size_t i = 0; i < used; i += SHA256_CBLOCK) {
-    SHA256_Transform(&context, reinterpret_cast<const unsigned char*>(&blocks[i]));
+  std::array<unsigned char, SHA256_CBLOCK> block{};
+  if (!rest.empty()) std::memcpy(block.data(), rest.data(), rest.size());
+  block[rest.size()] = 0x80;
+  const std::uint64_t bits = bigEndian(size * 8);
+  if (rest.size() + 1 + sizeof bits > block.size()) {
+    SHA256_Transform(&context, block.data());
+    block = {};
   }
+  std::memcpy(&block[block.size() - sizeof bits], &bits, sizeof bits);
+  SHA256_Transform(&context, block.data());
 }
 
 }  // namespace
@@ -41,8 +43,11 @@ SHA256Digest sha256(std::span<const std::byte> bytes) noexcept {
   transformTail(context, bytes.subspan(whole), bytes.size());
 
   SHA256Digest digest;
-  static_assert(sizeof context.h[0] * std::size(context.h) == sizeof digest);
-  for (std::size_t i = 0; i < std::size(context.h); ++i) writeBigEndian(&digest[4 * i], std::uint32_t{context.h[i]});
+  static_assert(sizeof context.h == sizeof digest);
+  for (std::size_t i = 0; i < std::size(context.h); i += 2) {
+    const std::uint64_t words = bigEndian(std::uint64_t{context.h[i]} << 32 | context.h[i + 1]);
+    std::memcpy(&digest[i * sizeof context.h[i]], &words, sizeof words);
+  }
   return digest;
 }
 

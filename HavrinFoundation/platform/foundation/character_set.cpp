@@ -6,10 +6,13 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <initializer_list>
 
 namespace havrin::inline platform {
+
+using detail::CharacterSetStorage;
 
 namespace {
 
@@ -19,6 +22,8 @@ constexpr char32_t kFirstSurrogate = 0xD800, kLastSurrogate = 0xDFFF;
 constexpr bool isScalar(char32_t value) {
   return value < kFirstSurrogate || (value > kLastSurrogate && value <= kLastScalar);
 }
+
+constexpr std::array<std::uint64_t, 1024> kEmptyPlane{};
 
 // The scalars whose general category has its bit in `categories`, and some ranges more.
 CharacterSet setOfCategories(std::uint32_t categories, std::initializer_list<ClosedRange<char32_t>> more = {}) {
@@ -41,44 +46,43 @@ CharacterSet setOfCategories(std::uint32_t categories, std::initializer_list<Clo
 
 }  // namespace
 
-CharacterSet::Storage::Page& CharacterSet::Storage::editablePage(std::size_t number) {
-  std::uint16_t& index = index_[number];
-  if (index == kNoneIndex || index == kAllIndex) {
-    const Page copy = pages_[index];
-    pages_.push_back(copy);
-    index = static_cast<std::uint16_t>(pages_.size() - 1);
-  }
-  return pages_[index];
-}
-
-void CharacterSet::Storage::setPage(std::size_t number, const Page& page) {
-  if (page == kNone || page == kAll) {
-    index_[number] = page == kNone ? kNoneIndex : kAllIndex;
-  } else {
-    editablePage(number) = page;
+detail::CharacterSetStorage::CharacterSetStorage(const CharacterSetStorage& other)
+    : asciiRows_(other.asciiRows_), basic_(other.basic_) {
+  for (std::size_t i = 0; i < higher_.size(); ++i) {
+    if (other.higher_[i] != nullptr) higher_[i] = std::make_unique<Plane>(*other.higher_[i]);
   }
 }
 
-void CharacterSet::Storage::setBits(ClosedRange<char32_t> range, bool value) {
-  const auto lastUpTo = [&range](char32_t limit) { return std::min(range.upperBound, limit); };
-  for (char32_t first = range.lowerBound; first <= range.upperBound; first = (first | 0xFF) + 1) {
-    const std::size_t number = first >> 8;
-    const char32_t last = lastUpTo(first | char32_t{0xFF});
-    if (last - first == 0xFF) {
-      index_[number] = value ? kAllIndex : kNoneIndex;
-      continue;
+const CharacterSetStorage::Plane& CharacterSetStorage::plane(std::size_t number) const noexcept {
+  if (number == 0) return basic_;
+  return higher_[number - 1] == nullptr ? kEmptyPlane : *higher_[number - 1];
+}
+
+CharacterSetStorage::Plane& CharacterSetStorage::editablePlane(std::size_t number) {
+  if (number == 0) return basic_;
+  auto& plane = higher_[number - 1];
+  if (plane == nullptr) plane = std::make_unique<Plane>();
+  return *plane;
+}
+
+void CharacterSetStorage::setBits(ClosedRange<char32_t> range, bool value) {
+  for (char32_t first = range.lowerBound; first <= range.upperBound;) {
+    const std::size_t number = first >> 16;
+    const char32_t limit = std::min<char32_t>(range.upperBound, first | 0xFFFF) + 1;
+    if (value || hasPlane(number)) {
+      Plane& plane = editablePlane(number);
+      for (char32_t at = first; at < limit; at = (at | 63) + 1) {
+        std::uint64_t bits = ~0ull << (at & 63);
+        if ((at | 63) >= limit) bits &= ~0ull >> (64 - (limit & 63));
+        std::uint64_t& word = plane[(at >> 6) & 1023];
+        word = value ? word | bits : word & ~bits;
+      }
     }
-    Page& page = editablePage(number);
-    for (char32_t at = first; at <= last; at = (at | 63) + 1) {
-      const std::uint64_t from = ~0ull << (at & 63);
-      const std::uint64_t upTo = ~0ull >> (63 - (lastUpTo(at | char32_t{63}) & 63));
-      std::uint64_t& word = page[(at >> 6) & 3];
-      word = value ? word | (from & upTo) : word & ~(from & upTo);
-    }
+    first = limit;
   }
 }
 
-void CharacterSet::Storage::refreshAsciiRows() noexcept {
+void CharacterSetStorage::refreshAsciiRows() noexcept {
   asciiRows_ = {};
   for (char32_t scalar = 0; scalar < 0x80; ++scalar) {
     if (bit(scalar))
@@ -143,12 +147,12 @@ bool CharacterSet::contains(char32_t scalar) const noexcept {
   return isScalar(scalar) && (storage_ != nullptr && storage_->bit(scalar)) != inverted_;
 }
 
-CharacterSet::Storage& CharacterSet::ownStorage() {
+CharacterSetStorage& CharacterSet::ownStorage() {
   if (storage_ == nullptr) {
-    storage_ = new Storage;
+    storage_ = new CharacterSetStorage;
   } else if (storage_->isShared()) {
     CharacterSet copy;
-    copy.storage_ = new Storage(*storage_);
+    copy.storage_ = new CharacterSetStorage(*storage_);
     std::swap(storage_, copy.storage_);
   }
   return *storage_;
@@ -156,14 +160,14 @@ CharacterSet::Storage& CharacterSet::ownStorage() {
 
 void CharacterSet::setMembership(ClosedRange<char32_t> range, bool member) {
   if (range.lowerBound > kLastScalar) return;
-  Storage& storage = ownStorage();
+  CharacterSetStorage& storage = ownStorage();
   storage.setBits({range.lowerBound, std::min(range.upperBound, kLastScalar)}, member != inverted_);
   if (range.lowerBound < 0x80) storage.refreshAsciiRows();
 }
 
 void CharacterSet::setMembership(std::string_view charactersIn, bool member) {
   if (charactersIn.empty()) return;
-  Storage& storage = ownStorage();
+  CharacterSetStorage& storage = ownStorage();
   for (std::size_t i = 0; i < charactersIn.size();) {
     const Scalar scalar = scalarAt(charactersIn, i);
     storage.setBits({scalar.value, scalar.value}, member != inverted_);
@@ -175,15 +179,16 @@ void CharacterSet::setMembership(std::string_view charactersIn, bool member) {
 void CharacterSet::formUnion(const CharacterSet& other) {
   if (other.storage_ == nullptr && !other.inverted_) return;
   const CharacterSet added = other;  // keeps the storage if `other` is this set
-  Storage& storage = ownStorage();
+  CharacterSetStorage& storage = ownStorage();
   const std::uint64_t flip = inverted_ ? ~0ull : 0, addedFlip = added.inverted_ ? ~0ull : 0;
-  for (std::size_t number = 0; number < Storage::kPageCount; ++number) {
-    Storage::Page page = storage.page(number);
-    for (std::size_t word = 0; word < page.size(); ++word) {
-      const std::uint64_t more = added.storage_ == nullptr ? 0 : added.storage_->page(number)[word];
-      page[word] = ((page[word] ^ flip) | (more ^ addedFlip)) ^ flip;
+  for (std::size_t number = 0; number < CharacterSetStorage::kPlanes; ++number) {
+    const bool stored = added.storage_ != nullptr && added.storage_->hasPlane(number);
+    if (!stored && !added.inverted_) continue;
+    const CharacterSetStorage::Plane& more = stored ? added.storage_->plane(number) : kEmptyPlane;
+    CharacterSetStorage::Plane& plane = storage.editablePlane(number);
+    for (std::size_t word = 0; word < plane.size(); ++word) {
+      plane[word] = ((plane[word] ^ flip) | (more[word] ^ addedFlip)) ^ flip;
     }
-    storage.setPage(number, page);
   }
   storage.refreshAsciiRows();
 }
@@ -196,13 +201,12 @@ CharacterSet CharacterSet::inverted() const noexcept {
 
 bool CharacterSet::hasSameMembersAs(const CharacterSet& other) const noexcept {
   if (storage_ == other.storage_) return inverted_ == other.inverted_;
-  static constexpr Storage::Page kNoPage{};
   const std::uint64_t difference = inverted_ != other.inverted_ ? ~0ull : 0;
-  for (std::size_t number = 0; number < Storage::kPageCount; ++number) {
-    if (number == kFirstSurrogate >> 8) number = (kLastSurrogate >> 8) + 1;
-    const Storage::Page& left = storage_ == nullptr ? kNoPage : storage_->page(number);
-    const Storage::Page& right = other.storage_ == nullptr ? kNoPage : other.storage_->page(number);
+  for (std::size_t number = 0; number < CharacterSetStorage::kPlanes; ++number) {
+    const CharacterSetStorage::Plane& left = storage_ == nullptr ? kEmptyPlane : storage_->plane(number);
+    const CharacterSetStorage::Plane& right = other.storage_ == nullptr ? kEmptyPlane : other.storage_->plane(number);
     for (std::size_t word = 0; word < left.size(); ++word) {
+      if (number == 0 && word == kFirstSurrogate / 64) word = kLastSurrogate / 64 + 1;
       if ((left[word] ^ right[word]) != difference) return false;
     }
   }

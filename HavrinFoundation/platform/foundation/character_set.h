@@ -2,8 +2,9 @@
 //
 //   CharacterSet vowels("aeiou");
 //   vowels.contains(U'e')                          true
-//   rangeOfCharacter("12é", CharacterSet::letters()) {2, 4}
-//   rangeOfCharacterOutside("12é", CharacterSet::decimalDigits())  {2, 4}
+//   rangeOfCharacter("12é", CharacterSet::letters())    {2, 4}
+//   CharacterSet::decimalDigits().firstOtherIn("12é")   2
+//   CharacterSet::decimalDigits().firstOtherIn("12")    2: the end of the text, there is none
 //
 // A set is a value. Copies share their storage until one of them is changed; `inverted()` shares it too. Reading one
 // set from several threads is safe, changing it while another thread uses it is not. A set holds scalars, 0 to U+10FFFF
@@ -23,6 +24,10 @@
 #include <utility>
 
 namespace havrin::inline platform {
+
+namespace detail {
+class CharacterSetStorage;
+}
 
 class HAVRIN_EXPORT CharacterSet {
  public:
@@ -69,51 +74,36 @@ class HAVRIN_EXPORT CharacterSet {
   /// All scalars that are not members, assigned or not. Cost: constant.
   [[nodiscard]] CharacterSet inverted() const noexcept;
 
+  /// Where the first character of `text` begins that is a member, or that is none; the length of the text when there is
+  /// no such character. In units of the text.
+  /// Cost: a table lookup per scalar; runs of ASCII text many bytes at a time.
+  [[nodiscard]] std::size_t firstMemberIn(std::string_view text) const noexcept { return search(text, true); }
+  [[nodiscard]] std::size_t firstMemberIn(std::u16string_view text) const noexcept { return search(text, true); }
+  [[nodiscard]] std::size_t firstOtherIn(std::string_view text) const noexcept { return search(text, false); }
+  [[nodiscard]] std::size_t firstOtherIn(std::u16string_view text) const noexcept { return search(text, false); }
+
   /// Whether both have the same members.
   [[nodiscard]] friend bool operator==(const CharacterSet& left, const CharacterSet& right) noexcept {
     return left.hasSameMembersAs(right);
   }
 
  private:
-  class Storage;
-  using Found = std::optional<Range<std::size_t>>;
-
-  friend Found rangeOfCharacter(std::string_view, const CharacterSet&) noexcept;
-  friend Found rangeOfCharacter(std::u16string_view, const CharacterSet&) noexcept;
-  friend Found rangeOfCharacterOutside(std::string_view, const CharacterSet&) noexcept;
-  friend Found rangeOfCharacterOutside(std::u16string_view, const CharacterSet&) noexcept;
-
   void setMembership(ClosedRange<char32_t> range, bool member);
   void setMembership(std::string_view charactersIn, bool member);
-  Storage& ownStorage();
+  detail::CharacterSetStorage& ownStorage();
   bool hasSameMembersAs(const CharacterSet& other) const noexcept;
-  Found find(std::string_view text, bool outside) const noexcept;
-  Found find(std::u16string_view text, bool outside) const noexcept;
+  std::size_t search(std::string_view text, bool forMember) const noexcept;
+  std::size_t search(std::u16string_view text, bool forMember) const noexcept;
 
-  Storage* storage_ = nullptr;  // counted; null while nothing was ever stored
-  bool inverted_ = false;       // the members are the scalars that are not in the storage
+  detail::CharacterSetStorage* storage_ = nullptr;  // counted; null while nothing was ever stored
+  bool inverted_ = false;                           // the members are the scalars that are not in the storage
 };
 
-/// Where the first character of `text` that is in `set` stands, in units of the text.
+/// The first character of `text` that is in `set`: where it begins and ends, in units of the text.
 /// Empty when: no character of the text is in the set.
-/// Cost: one to two table lookups per scalar; runs of ASCII text many bytes at a time.
-[[nodiscard]] inline std::optional<Range<std::size_t>> rangeOfCharacter(std::string_view text,
-                                                                        const CharacterSet& set) noexcept {
-  return set.find(text, false);
-}
-[[nodiscard]] inline std::optional<Range<std::size_t>> rangeOfCharacter(std::u16string_view text,
-                                                                        const CharacterSet& set) noexcept {
-  return set.find(text, false);
-}
-
-/// rangeOfCharacter(text, set.inverted()).
-[[nodiscard]] inline std::optional<Range<std::size_t>> rangeOfCharacterOutside(std::string_view text,
-                                                                               const CharacterSet& set) noexcept {
-  return set.find(text, true);
-}
-[[nodiscard]] inline std::optional<Range<std::size_t>> rangeOfCharacterOutside(std::u16string_view text,
-                                                                               const CharacterSet& set) noexcept {
-  return set.find(text, true);
-}
+[[nodiscard]] HAVRIN_EXPORT std::optional<Range<std::size_t>> rangeOfCharacter(std::string_view text,
+                                                                               const CharacterSet& set) noexcept;
+[[nodiscard]] HAVRIN_EXPORT std::optional<Range<std::size_t>> rangeOfCharacter(std::u16string_view text,
+                                                                               const CharacterSet& set) noexcept;
 
 }  // namespace havrin::inline platform

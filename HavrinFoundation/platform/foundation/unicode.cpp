@@ -99,23 +99,21 @@ bool hasNoIllFormedPart(Text text) {
   return true;
 }
 
-// Extended grapheme clusters by the rules GB3 to GB13, which look at the scalar before, the one after, and two facts
-// about what came before: whether a pictograph could go on, and whether an odd number of flag letters stands there.
+// Extended grapheme clusters by the rules GB3 to GB13, which look at the scalar before, the one after, and two facts about
+// what came before: whether a pictograph could go on, and whether an odd number of flag letters stands there.
 class ClusterRules {
  public:
   /// Takes the next scalar and tells whether it belongs to the same character as the one before.
   bool joins(char32_t scalar) {
     const Class next = classOf(scalar);
-    const bool pictograph =
-        next == U_GCB_OTHER && u_hasBinaryProperty(static_cast<UChar32>(scalar), kPictographic) != 0;
-    const bool joined = joinsAfter(next, pictograph);
+    const bool joined = joinsAfter(next, scalar);
     flagHalf_ = next == U_GCB_REGIONAL_INDICATOR && !(joined && flagHalf_);
-    // A pictograph, then any Extend, then a joiner: the chain that the next pictograph may continue.
-    if (pictograph) {
-      chain_ = Chain::pictograph;
-    } else if (chain_ == Chain::pictograph && next == U_GCB_ZWJ) {
+    if (next == U_GCB_OTHER) {
+      chain_ = Chain::base;
+      base_ = scalar;
+    } else if (chain_ == Chain::base && next == U_GCB_ZWJ) {
       chain_ = Chain::joiner;
-    } else if (chain_ != Chain::pictograph || next != U_GCB_EXTEND) {
+    } else if (chain_ != Chain::base || next != U_GCB_EXTEND) {
       chain_ = Chain::none;
     }
     before_ = next;
@@ -124,23 +122,28 @@ class ClusterRules {
 
  private:
   using Class = int;  // ICU's UGraphemeClusterBreak
-  enum class Chain { none, pictograph, joiner };
-  static constexpr UProperty kPictographic = UCHAR_EXTENDED_PICTOGRAPHIC;
+  // An ordinary scalar, then any Extend, then a joiner: what the next scalar may continue if both are pictographs.
+  enum class Chain { none, base, joiner };
 
   static Class classOf(char32_t scalar) {
     if (scalar >= 0x20 && scalar < 0x7F) return U_GCB_OTHER;
     return u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK);
   }
 
+  static bool isPictograph(char32_t scalar) {
+    return u_hasBinaryProperty(static_cast<UChar32>(scalar), UCHAR_EXTENDED_PICTOGRAPHIC) != 0;
+  }
+
   static bool isControl(Class c) { return c == U_GCB_CONTROL || c == U_GCB_CR || c == U_GCB_LF; }
 
-  bool joinsAfter(Class next, bool pictograph) const {
+  bool joinsAfter(Class next, char32_t scalar) const {
     if (before_ == U_GCB_CR && next == U_GCB_LF) return true;
     if (isControl(before_) || isControl(next)) return false;
     if (next == U_GCB_EXTEND || next == U_GCB_ZWJ || next == U_GCB_SPACING_MARK || before_ == U_GCB_PREPEND)
       return true;
-    if (pictograph) return chain_ == Chain::joiner;
     switch (before_) {
+      case U_GCB_ZWJ:
+        return chain_ == Chain::joiner && next == U_GCB_OTHER && isPictograph(base_) && isPictograph(scalar);
       case U_GCB_L:
         return next == U_GCB_L || next == U_GCB_V || next == U_GCB_LV || next == U_GCB_LVT;
       case U_GCB_LV:
@@ -158,6 +161,7 @@ class ClusterRules {
 
   Class before_ = U_GCB_CONTROL;  // nothing joins the beginning of the text
   Chain chain_ = Chain::none;
+  char32_t base_ = 0;
   bool flagHalf_ = false;  // the flag letter before is the first of its pair
 };
 
