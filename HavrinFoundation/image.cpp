@@ -8,6 +8,7 @@
 namespace havrin {
 
 extern const Category kProcessTestFlag;
+extern const Category kRateLimits;
 extern const Category kArrayBlocks;
 extern const Category kArrayHelpers;
 extern const Category kMutableArrayHelpers;
@@ -20,6 +21,7 @@ namespace {
 const Category* const kCategories[] = {
     // frame
     &kProcessTestFlag,  // NSProcessInfo(HavrinFoundation)
+    &kRateLimits,       // NSObject(Helpers)
     // collections
     &kArrayBlocks,          // NSArray(Blocks)
     &kArrayHelpers,         // NSArray(HavrinFoundation)

@@ -5,6 +5,7 @@
 #include <HavrinFoundation/platform/dispatch/host_descriptor.h>
 #include <HavrinFoundation/platform/dispatch/main_queue_state.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_mode.h>
+#include <HavrinFoundation/platform/dispatch/thread.h>
 
 #include <pthread.h>
 
@@ -82,10 +83,12 @@ void RunLoop::endForThisThread(void* owner) {
 // What is destroyed here may arrange and post more: it is refused, and destroyed at once.
 void RunLoop::end() {
   std::vector<std::unique_ptr<RunLoopMode>> modes;
+  Strong<NSObject> thread;
   {
     UnfairLockGuard guard(lock_);
     ended_ = true;
     modes.swap(modes_);
+    std::swap(thread, thread_);
   }
 }
 
@@ -289,6 +292,18 @@ std::optional<double> RunLoop::nextDeadline(std::string_view mode) {
 
 void RunLoop::tellHost(double deadline) {
   if (HostDescriptor* host = host_.load(std::memory_order_relaxed)) host->expect(deadline);
+}
+
+Strong<NSThread> RunLoop::thread() {
+  {
+    UnfairLockGuard guard(lock_);
+    if (thread_) return Strong<NSThread>(static_cast<NSThread*>(thread_.get()));
+  }
+  Strong<NSThread> made = make<NSThread>(*this);  // may build its class, so without the lock
+  if (ended_) return made;
+  UnfairLockGuard guard(lock_);
+  if (!thread_) thread_ = made;
+  return Strong<NSThread>(static_cast<NSThread*>(thread_.get()));
 }
 
 HostDescriptor& RunLoop::hostDescriptor() {

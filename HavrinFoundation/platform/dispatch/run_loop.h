@@ -20,6 +20,7 @@
 #include <HavrinFoundation/platform/dispatch/work.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/block.h>
+#include <HavrinFoundation/platform/object/reference.h>
 
 #include <atomic>
 #include <concepts>
@@ -34,6 +35,7 @@
 namespace havrin::inline platform {
 
 class HostDescriptor;
+class NSThread;
 class RunLoopMode;
 
 inline constexpr std::string_view NSDefaultRunLoopMode = "kCFRunLoopDefaultMode";
@@ -115,6 +117,9 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   /// returns at once when posted work or the main queue is there. Threads: the loop's own.
   void waitForWake(double seconds, std::string_view mode = NSDefaultRunLoopMode);
 
+  /// The object of the loop's thread. Threads: the loop's own; the main loop's on any.
+  [[nodiscard]] Strong<NSThread> thread();
+
   /// The layer's own: how the main loop calls a foreign event loop (host_loop.h).
   [[nodiscard]] HostDescriptor& hostDescriptor();
   void reportToHost();
@@ -157,6 +162,7 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   os_unfair_lock lock_;                              // guards what follows; the loop's thread alone writes `ended_`
   std::vector<std::unique_ptr<RunLoopMode>> modes_;  // only ever added to; the first is what is common
   bool ended_ = false;
+  Strong<NSObject> thread_;  // made when it is first asked for
 
   std::atomic<std::uint32_t> wakefulness_{kAwake};
   std::atomic<HostDescriptor*> host_{nullptr};

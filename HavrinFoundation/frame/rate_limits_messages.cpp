@@ -1,0 +1,59 @@
+#include <HavrinFoundation/frame/rate_limits_messages.h>
+
+#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/dispatch/perform_selector.h>
+#include <HavrinFoundation/platform/dispatch/thread.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/association.h>
+
+namespace havrin {
+
+namespace {
+
+void debounce(NSObject& self, Selector message, double delaySeconds) {
+  if (!self.respondsToSelector(message)) return;
+  reperformSelectorAfterDelay(self, message, delaySeconds);
+}
+
+Strong<NSMutableDictionary> timestampsOf(NSObject& self) {
+  if (Strong<NSMutableDictionary> kept = send<"h_throttleTimestamps">(self)) return kept;
+  send<"setH_throttleTimestamps:">(self, make<NSMutableDictionary>());
+  return send<"h_throttleTimestamps">(self);
+}
+
+void throttle(NSObject& self, Selector message, double intervalSeconds) {
+  if (!self.respondsToSelector(message)) return;
+  const Strong<NSObject> held(&self);
+  const Strong<NSMutableDictionary> timestamps = timestampsOf(self);
+  const Strong<NSString> name = makeString(message.name());
+
+  const Strong<NSObject> entry = timestamps ? timestamps->objectForKey(name) : nullptr;
+  if (const auto* last = cast<NSNumber>(entry.get())) {
+    // Written so that an elapsed time equal to the interval, and an interval that is no number, drop the call.
+    if (!(monotonicSeconds() - last->doubleValue() > intervalSeconds)) return;
+  }
+  performSelectorOnThread(self, message, *NSThread::currentThread(), nullptr, true);
+  // The interval begins when the message has returned.
+  if (timestamps) timestamps->setObject(makeNumber(monotonicSeconds()), name);
+}
+
+Strong<NSMutableDictionary> throttleTimestamps(NSObject& self) {
+  return Strong<NSMutableDictionary>(
+      cast<NSMutableDictionary>(associatedValue(self, selector<"h_throttleTimestamps">).get()));
+}
+
+void setThrottleTimestamps(NSObject& self, NSMutableDictionary* timestamps) {
+  setAssociatedValue(self, selector<"h_throttleTimestamps">, timestamps);
+}
+
+constexpr MethodRow kRows[] = {row<NSObject, "h_debounce:delay:", debounce>(),
+                               row<NSObject, "h_throttle:delay:", throttle>(),
+                               row<NSObject, "h_throttleTimestamps", throttleTimestamps>(),
+                               row<NSObject, "setH_throttleTimestamps:", setThrottleTimestamps>()};
+
+}  // namespace
+
+extern constinit const Category kRateLimits{classObject<NSObject>, "Helpers", kRows, {}};
+
+}  // namespace havrin

@@ -1,0 +1,9 @@
+#include <HavrinFoundation/platform/dispatch/thread.h>
+
+namespace havrin::inline platform {
+
+Strong<NSThread> NSThread::currentThread() { return RunLoop::current().thread(); }
+
+Strong<NSThread> NSThread::mainThread() { return RunLoop::main().thread(); }
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,125 @@
+#include <HavrinFoundation/platform/dispatch/perform_selector.h>
+
+#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/testkit/test_clock.h>
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <latch>
+#include <limits>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace havrin;
+
+class Listener : public Object<Listener, NSObject> {
+ public:
+  void ring() { heard.push_back("ring"); }
+  void say(NSObject* what) { heard.push_back(what == nullptr ? "nothing" : utf8(*static_cast<NSString*>(what))); }
+  using Members = List<Method<"ring", &Listener::ring>, Method<"say:", &Listener::say>>;
+  std::vector<std::string> heard;
+};
+
+using Heard = std::vector<std::string>;
+
+TEST(PerformSelector, SendsLaterWithTheArgumentItWasGiven) {
+  TestClock clock;
+  const auto listener = make<Listener>();
+  performSelectorAfterDelay(*listener, selector<"say:">, makeString("two"), 2);
+  performSelectorAfterDelay(*listener, selector<"ring">, makeString("unused"), 1);
+  performSelectorAfterDelay(*listener, selector<"say:">, nullptr, 0);
+  EXPECT_TRUE(listener->heard.empty());
+  clock.advance(2);
+  EXPECT_EQ(listener->heard, (Heard{"nothing", "ring", "two"}));
+  EXPECT_THROW(performSelectorAfterDelay(*listener, selector<"a:b:">, nullptr, 0), NSException);
+  EXPECT_THROW(performSelectorAfterDelay(*listener, Selector(), nullptr, 0), NSException);
+}
+
+TEST(PerformSelector, CancelsByEqualArguments) {
+  TestClock clock;
+  const auto listener = make<Listener>();
+  const auto word = makeString("word");
+  performSelectorAfterDelay(*listener, selector<"say:">, word, 1);
+  performSelectorAfterDelay(*listener, selector<"say:">, nullptr, 1);
+  cancelPreviousPerformRequests(*listener, selector<"say:">, makeString("other"));
+  cancelPreviousPerformRequests(*listener, selector<"say:">, makeString("word"));
+  clock.advance(1);
+  EXPECT_EQ(listener->heard, Heard{"nothing"}) << "null equals null only";
+
+  Weak<Listener> gone;
+  {
+    const auto another = make<Listener>();
+    gone = another;
+    performSelectorAfterDelay(*another, selector<"say:">, word, 1);
+    performSelectorAfterDelay(*another, selector<"ring">, nullptr, 1);
+    cancelPreviousPerformRequests(*another);
+  }
+  EXPECT_FALSE(gone.lock()) << "let go of at once";
+}
+
+TEST(PerformSelector, SendsOnAnotherThread) {
+  const auto listener = make<Listener>();
+  Strong<NSThread> thread;
+  std::latch ready(1);
+  bool done = false;
+  std::thread runner([&] {
+    RunLoopSource keepsAttached([] {});
+    thread = NSThread::currentThread();
+    EXPECT_EQ(thread.get(), NSThread::currentThread().get());
+    EXPECT_FALSE(thread->isMainThread());
+    ready.count_down();
+    while (!done) RunLoop::current().runMode(NSDefaultRunLoopMode, std::numeric_limits<double>::infinity());
+  });
+  ready.wait();
+  performSelectorOnThread(*listener, selector<"say:">, *thread, makeString("queued"), false);
+  performSelectorOnThread(*listener, selector<"ring">, *thread, nullptr, true);
+  EXPECT_EQ(listener->heard, (Heard{"queued", "ring"})) << "the call has waited";
+  thread->runLoop().perform([&done] { done = true; });
+  runner.join();
+  for (const bool wait : {true, false}) {
+    try {
+      performSelectorOnThread(*listener, selector<"ring">, *thread, nullptr, wait);
+      ADD_FAILURE() << "the thread has ended";
+    } catch (const NSException& exception) {
+      EXPECT_EQ(exception.name(), NSDestinationInvalidException);
+    }
+  }
+}
+
+TEST(PerformSelector, AWaitEndsWithTheThreadItWaitsFor) {
+  const auto listener = make<Listener>();
+  std::promise<Strong<NSThread>> started;
+  std::promise<void> mayEnd;
+  std::thread runner([&] {
+    started.set_value(NSThread::currentThread());
+    mayEnd.get_future().wait();
+  });
+  const Strong<NSThread> thread = started.get_future().get();
+  auto waiting = std::async(std::launch::async,
+                            [&] { performSelectorOnThread(*listener, selector<"ring">, *thread, nullptr, true); });
+  mayEnd.set_value();
+  runner.join();
+  EXPECT_THROW(waiting.get(), NSException);
+  EXPECT_TRUE(listener->heard.empty());
+}
+
+TEST(PerformSelector, SendsAtOnceOnItsOwnThreadWhenItIsToWait) {
+  TestClock clock;
+  const auto listener = make<Listener>();
+  performSelectorOnThread(*listener, selector<"ring">, *NSThread::currentThread(), nullptr, true);
+  EXPECT_EQ(listener->heard, Heard{"ring"});
+  performSelectorOnThread(*listener, selector<"say:">, *NSThread::mainThread(), nullptr, false);
+  EXPECT_EQ(listener->heard.size(), 1u);
+  clock.runDue();
+  EXPECT_EQ(listener->heard, (Heard{"ring", "nothing"}));
+  EXPECT_EQ(NSThread::mainThread().get(), NSThread::currentThread().get());
+}
+
+}  // namespace
