@@ -3,6 +3,7 @@
 
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
+#include <HavrinFoundation/collections/set_blocks_messages.h>
 #include <HavrinFoundation/colours/colour_arithmetic.h>
 #include <HavrinFoundation/colours/colour_arithmetic_messages.h>
 #include <HavrinFoundation/colours/hex_codes.h>

@@ -12,6 +12,9 @@ extern const Category kRateLimits;
 extern const Category kArrayBlocks;
 extern const Category kArrayHelpers;
 extern const Category kMutableArrayHelpers;
+extern const Category kMutableSetHelpers;
+extern const Category kSetBlocks;
+extern const Category kOrderedSetBlocks;
 extern const Category kCasts;
 extern const Category kColourCodes;
 extern const Category kColourArithmetic;
@@ -24,7 +27,10 @@ const Category* const kCategories[] = {
     &kRateLimits,       // NSObject(Helpers)
     // collections
     &kArrayBlocks,          // NSArray(Blocks)
+    &kSetBlocks,            // NSSet(HavrinFoundation)
+    &kOrderedSetBlocks,     // NSOrderedSet(HavrinFoundation)
     &kArrayHelpers,         // NSArray(HavrinFoundation)
+    &kMutableSetHelpers,    // NSMutableSet(Helpers)
     &kMutableArrayHelpers,  // NSMutableArray(Helpers)
     // runtime
     &kCasts,  // NSObject(Cast)

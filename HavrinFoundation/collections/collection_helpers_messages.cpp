@@ -28,7 +28,8 @@ Strong<NSArray> arrayByCombiningElementsOfArrays(ClassOf<NSArray>, NilTerminated
   return combined;
 }
 
-void safeAddObject(NSMutableArray& self, NSObject* object) {
+template <class Collection>
+void safeAddObject(Collection& self, NSObject* object) {
   if (object) self.addObject(object);
 }
 
@@ -80,8 +81,9 @@ constexpr MethodRow kArrayRows[] = {
     row<NSArray, "arrayByRemovingObjectsFromIndex:", arrayByRemovingObjectsFromIndex>()};
 constexpr MethodRow kArrayClassRows[] = {
     classRow<NSArray, "arrayByCombiningElementsOfArrays:", arrayByCombiningElementsOfArrays>()};
+constexpr MethodRow kMutableSetRows[] = {row<NSMutableSet, "safeAddObject:", safeAddObject<NSMutableSet>>()};
 constexpr MethodRow kMutableArrayRows[] = {
-    row<NSMutableArray, "safeAddObject:", safeAddObject>(), row<NSMutableArray, "shuffle", shuffle>(),
+    row<NSMutableArray, "safeAddObject:", safeAddObject<NSMutableArray>>(), row<NSMutableArray, "shuffle", shuffle>(),
     row<NSMutableArray, "uniqueInsertObject:atPreferredIdx:", uniqueInsertObject>(),
     row<NSMutableArray, "hav_removeObjectsInArray:", removeObjectsInArray>(),
     row<NSMutableArray, "removeObjectsFromIndex:", removeObjectsFromIndex>()};
@@ -89,6 +91,7 @@ constexpr MethodRow kMutableArrayRows[] = {
 }  // namespace
 
 extern constinit const Category kArrayHelpers{classObject<NSArray>, "HavrinFoundation", kArrayRows, kArrayClassRows};
+extern constinit const Category kMutableSetHelpers{classObject<NSMutableSet>, "Helpers", kMutableSetRows, {}};
 extern constinit const Category kMutableArrayHelpers{classObject<NSMutableArray>, "Helpers", kMutableArrayRows, {}};
 
 }  // namespace havrin

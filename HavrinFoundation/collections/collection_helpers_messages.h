@@ -19,6 +19,7 @@
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/nil_terminated.h>
+#include <HavrinFoundation/platform/foundation/set.h>
 
 namespace havrin {
 
@@ -37,6 +38,10 @@ struct platform::Message<NSArray, "arrayByRemovingObjectsFromIndex:"> : Signatur
 template <>
 struct platform::ClassMessage<NSArray, "arrayByCombiningElementsOfArrays:">
     : Signature<Strong<NSArray>(NilTerminated<NSArray>)> {};
+
+/// Adds the object, by `addObject`; null adds nothing.
+template <>
+struct platform::Message<NSMutableSet, "safeAddObject:"> : Signature<void(NSObject*)> {};
 
 /// Adds the object at the end, by `addObject`; null adds nothing.
 template <>

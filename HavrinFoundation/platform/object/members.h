@@ -75,36 +75,6 @@ struct FieldTypes<Weak<T>> {
 template <Text A, Text B>
 inline constexpr bool sameText = A.view() == B.view();
 
-// The declaration that a member of class C is held to: that of a superclass where there is one, else its own.
-template <class C, Text S, class Own>
-struct DeclaredFor {
-  using Above = decltype(findMessage<typename C::Superclass, S>());
-  static auto pick() {
-    if constexpr (requires { sizeof(Message<C, S>); }) {
-      return MessageOf<C, S>{};
-    } else if constexpr (std::is_same_v<Above, NotFound>) {
-      return FoundMessage<C, Own>{};
-    } else {
-      return Above{};
-    }
-  }
-  using Type = decltype(pick());
-};
-template <class C, Text S, class Own>
-struct DeclaredForClass {
-  using Above = decltype(findClassMessage<typename C::Superclass, S>());
-  static auto pick() {
-    if constexpr (requires { sizeof(ClassMessage<C, S>); }) {
-      return ClassMessageOf<C, S>{};
-    } else if constexpr (std::is_same_v<Above, NotFound>) {
-      return FoundMessage<C, Own>{};
-    } else {
-      return Above{};
-    }
-  }
-  using Type = decltype(pick());
-};
-
 template <class C, auto Member, class F>
 struct MemberTrampoline;
 template <class C, auto Member, class R, class... A>
@@ -139,7 +109,7 @@ struct Method {
   static constexpr std::size_t kRowCount = 1;
   template <class C>
   static constexpr std::array<MethodRow, 1> rows() {
-    using Declared = typename detail::DeclaredFor<C, S, typename detail::MemberType<decltype(Member)>::Type>::Type;
+    using Declared = detail::MessageOf<C, S>;
     return {detail::rowOf<S, Declared, detail::MemberTrampoline<C, Member, typename Declared::Type>>()};
   }
 };
@@ -160,7 +130,7 @@ struct ClassMethod {
   static constexpr std::size_t kRowCount = 1;
   template <class C>
   static constexpr std::array<MethodRow, 1> rows() {
-    using Declared = typename detail::DeclaredForClass<C, S, typename Types<decltype(Function)>::Type>::Type;
+    using Declared = detail::ClassMessageOf<C, S>;
     return {detail::rowOf<S, Declared, detail::ClassTrampoline<C, Function, typename Declared::Type>>()};
   }
 };
@@ -186,8 +156,8 @@ struct Property {
   template <class C>
   static constexpr std::array<MethodRow, 2> rows() {
     constexpr auto kSetter = setterSelector<Key>;
-    using Get = typename detail::DeclaredFor<C, Key, Out()>::Type;
-    using Set = typename detail::DeclaredFor<C, kSetter, void(In)>::Type;
+    using Get = detail::MessageOf<C, Key>;
+    using Set = detail::MessageOf<C, kSetter>;
     static_assert(std::is_same_v<typename Get::Type, Out()> && std::is_same_v<typename Set::Type, void(In)>,
                   "Property: a superclass declares this key with another type");
     return {detail::rowOf<Key, Get, detail::GetterTrampoline<C, Field, Value>>(),

@@ -86,16 +86,22 @@ struct MemberSignature<List<First, Rest...>, S> {
                                            MemberSignature<List<Rest...>, S>>::Type;
 };
 
+// The declaration that holds for C: its own where there is one, else a superclass's, else what its list of members says.
+// A list comes last, so that an override in a list is held to what it overrides.
 template <class C, Text S>
 constexpr auto findMessage() {
   if constexpr (std::is_void_v<C>) {
     return NotFound{};
   } else if constexpr (requires { sizeof(Message<C, S>); }) {
     return FoundMessage<C, typename Message<C, S>::Type>{};
-  } else if constexpr (!std::is_void_v<typename MemberSignature<typename C::Members, S>::Type>) {
-    return FoundMessage<C, typename MemberSignature<typename C::Members, S>::Type>{};
   } else {
-    return findMessage<typename C::Superclass, S>();
+    constexpr auto above = findMessage<typename C::Superclass, S>();
+    using Own = typename MemberSignature<typename C::Members, S>::Type;
+    if constexpr (std::is_same_v<decltype(above), const NotFound> && !std::is_void_v<Own>) {
+      return FoundMessage<C, Own>{};
+    } else {
+      return above;
+    }
   }
 }
 template <class C, Text S>
@@ -104,10 +110,14 @@ constexpr auto findClassMessage() {
     return findMessage<NSObject, S>();  // a class object is an object
   } else if constexpr (requires { sizeof(ClassMessage<C, S>); }) {
     return FoundMessage<C, typename ClassMessage<C, S>::Type>{};
-  } else if constexpr (!std::is_void_v<typename MemberSignature<typename C::ClassMembers, S>::Type>) {
-    return FoundMessage<C, typename MemberSignature<typename C::ClassMembers, S>::Type>{};
   } else {
-    return findClassMessage<typename C::Superclass, S>();
+    constexpr auto above = findClassMessage<typename C::Superclass, S>();
+    using Own = typename MemberSignature<typename C::ClassMembers, S>::Type;
+    if constexpr (std::is_same_v<decltype(above), const NotFound> && !std::is_void_v<Own>) {
+      return FoundMessage<C, Own>{};
+    } else {
+      return above;
+    }
   }
 }
 

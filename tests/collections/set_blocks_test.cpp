@@ -1,0 +1,202 @@
+#include <HavrinFoundation/collections/set_blocks_messages.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include <HavrinFoundation/collections/collection_helpers_messages.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+std::vector<std::int64_t> numbers(NSFastEnumeration& collection) {
+  std::vector<std::int64_t> values;
+  for (NSObject* object : each(collection)) values.push_back(static_cast<NSNumber*>(object)->integerValue());
+  return values;
+}
+std::vector<std::int64_t> sorted(NSFastEnumeration& collection) {
+  auto values = numbers(collection);
+  std::sort(values.begin(), values.end());
+  return values;
+}
+using Numbers = std::vector<std::int64_t>;
+
+bool isOdd(const NSNumber& number) { return number.integerValue() % 2 != 0; }
+Strong<NSObject> sameForAll(NSObject*) { return makeString("same"); }
+Strong<NSObject> oddOrNull(const NSNumber& number) {
+  return isOdd(number) ? Strong<NSObject>(makeNumber(number.integerValue())) : nullptr;
+}
+
+class MySet : public Object<MySet, NSMutableSet> {
+ public:
+  static inline int made = 0;
+  static inline int selected = 0;
+  static Strong<NSSet> setWithSet(ClassOf<MySet> self, NSSet* set) {
+    ++made;
+    return NSSet::setWithSet(self, set);
+  }
+  Strong<NSSet> select(ElementPredicate) {
+    ++selected;
+    return make<NSSet>();
+  }
+  using Members = List<Method<"select:", &MySet::select>>;
+  using ClassMembers = List<ClassMethod<"setWithSet:", &MySet::setWithSet>>;
+};
+
+class MyOrderedSet : public Object<MyOrderedSet, NSOrderedSet> {
+ public:
+  static inline int made = 0;
+  static Strong<NSOrderedSet> orderedSetWithArray(ClassOf<MyOrderedSet> self, NSArray* array) {
+    ++made;
+    return NSOrderedSet::orderedSetWithArray(self, array);
+  }
+  using ClassMembers = List<ClassMethod<"orderedSetWithArray:", &MyOrderedSet::orderedSetWithArray>>;
+};
+
+// One to five without storage.
+class FewNumbers : public Object<FewNumbers, NSSet> {
+ public:
+  std::uint64_t count() const override { return 5; }
+  Strong<NSObject> member(const NSObject* object) const override {
+    const auto* number = cast<NSNumber>(object);
+    const std::int64_t value = number ? number->integerValue() : 0;
+    return value >= 1 && value <= 5 ? Strong<NSObject>(makeNumber(value)) : nullptr;
+  }
+  Strong<NSArray> allObjects() const override {
+    return makeArray({makeNumber(1), makeNumber(2), makeNumber(3), makeNumber(4), makeNumber(5)});
+  }
+};
+class CountDown : public Object<CountDown, NSOrderedSet> {
+ public:
+  std::uint64_t count() const override { return 5; }
+  Strong<NSObject> objectAtIndex(std::uint64_t index) const override { return makeNumber(5 - index); }
+  std::uint64_t indexOfObject(const NSObject* object) const override {
+    return 5 - static_cast<std::uint64_t>(cast<NSNumber>(object)->integerValue());
+  }
+};
+
+template <class F>
+std::string nameOf(F body) {
+  try {
+    body();
+  } catch (const NSException& exception) {
+    return exception.name();
+  }
+  return "none";
+}
+
+TEST(SetBlocks, FilterIntoTheReceiversOwnClass) {
+  const Strong<NSSet> set = makeSet({makeNumber(1), makeNumber(2), makeNumber(3), makeNumber(4), makeNumber(5)});
+  const Strong<NSMutableSet> mutableSet = send<"setWithSet:">(classOf<NSMutableSet>(), set);
+  const Strong<MySet> mine = send<"setWithSet:">(classOf<MySet>(), set);
+  const Strong<NSSet> receivers[] = {set, mutableSet, make<FewNumbers>()};
+  for (const Strong<NSSet>& receiver : receivers) {
+    SCOPED_TRACE(std::string(classOf(*receiver).name()));
+    const Strong<NSSet> odd = isKind<FewNumbers>(receiver) ? receiver : send<"select:">(receiver, isOdd);
+    if (!isKind<FewNumbers>(receiver)) {  // whose instances are always the same five
+      EXPECT_EQ(classOf(*odd), classOf(*receiver));
+      EXPECT_EQ(sorted(*odd), (Numbers{1, 3, 5}));
+      EXPECT_EQ(sorted(*send<"reject:">(receiver, isOdd)), (Numbers{2, 4}));
+    }
+    EXPECT_EQ(sorted(*receiver), (Numbers{1, 2, 3, 4, 5})) << "the receiver stays as it was";
+    EXPECT_EQ(send<"map:">(receiver, sameForAll)->count(), 5U);
+    EXPECT_EQ(send<"compactMap:">(receiver, oddOrNull)->count(), 3U);
+    EXPECT_TRUE(send<"map:">(receiver, oddOrNull)->containsObject(NSNull::null()));
+  }
+  const Strong<NSMutableSet> stillMutable = send<"select:">(mutableSet, isOdd);
+  stillMutable->addObject(makeNumber(9));
+  EXPECT_EQ(stillMutable->count(), 4U);
+
+  MySet::made = 0;
+  const Strong<MySet> rejected = send<"reject:">(mine, isOdd);
+  EXPECT_EQ(sorted(*rejected), (Numbers{2, 4}));
+  EXPECT_EQ(MySet::made, 1);
+  EXPECT_EQ(MySet::selected, 0) << "reject: does not send select:";
+}
+
+TEST(SetBlocks, KeepTheOrderOfOrderedSets) {
+  const auto set = makeOrderedSet({makeNumber(5), makeNumber(2), makeNumber(1), makeNumber(2), makeNumber(4)});
+  const Strong<NSMutableOrderedSet> mutableSet =
+      send<"orderedSetWithArray:">(classOf<NSMutableOrderedSet>(), set->array());
+  const Strong<MyOrderedSet> mine = send<"orderedSetWithArray:">(classOf<MyOrderedSet>(), set->array());
+  MyOrderedSet::made = 0;
+  for (const Strong<NSOrderedSet>& receiver :
+       {Strong<NSOrderedSet>(set), Strong<NSOrderedSet>(mutableSet), Strong<NSOrderedSet>(mine)}) {
+    SCOPED_TRACE(std::string(classOf(*receiver).name()));
+    const Strong<NSOrderedSet> odd = send<"select:">(receiver, isOdd);
+    EXPECT_EQ(classOf(*odd), classOf(*receiver));
+    EXPECT_EQ(numbers(*odd), (Numbers{5, 1}));
+    EXPECT_EQ(numbers(*send<"reject:">(receiver, isOdd)), (Numbers{2, 4}));
+    EXPECT_EQ(numbers(*send<"compactMap:">(receiver, oddOrNull)), (Numbers{5, 1}));
+    EXPECT_EQ(send<"map:">(receiver, sameForAll)->count(), 4U) << "results are not made unique";
+    EXPECT_FALSE(isKind<NSMutableArray>(send<"map:">(receiver, sameForAll)));
+  }
+  EXPECT_EQ(MyOrderedSet::made, 2);
+  EXPECT_EQ(numbers(*make<CountDown>()), (Numbers{5, 4, 3, 2, 1}));
+  EXPECT_EQ(numbers(*send<"map:">(make<CountDown>(), [](NSObject* number) { return Strong<NSObject>(number); })),
+            (Numbers{5, 4, 3, 2, 1}));
+}
+
+TEST(SetBlocks, OfEmptySetsCallNoBlock) {
+  const auto never = [](NSObject*) -> bool { throw std::logic_error("called"); };
+  EXPECT_EQ(send<"select:">(makeSet({}), never)->count(), 0U);
+  EXPECT_EQ(send<"reject:">(make<NSMutableSet>(), never)->count(), 0U);
+  EXPECT_EQ(send<"select:">(makeOrderedSet({}), never)->count(), 0U);
+  EXPECT_EQ(send<"map:">(makeSet({}), sameForAll)->count(), 0U);
+  for (const auto& misuse : std::vector<std::function<void()>>{
+           [] { (void)send<"select:">(makeSet({}), nullptr); }, [] { (void)send<"reject:">(makeSet({}), nullptr); },
+           [] { (void)send<"map:">(makeSet({}), nullptr); }, [] { (void)send<"select:">(makeOrderedSet({}), nullptr); },
+           [] { (void)send<"compactMap:">(makeOrderedSet({}), nullptr); }}) {
+    EXPECT_EQ(nameOf(misuse), NSInvalidArgumentException);
+  }
+}
+
+TEST(Sets, HoldEqualObjectsOnceAndKeepTheFirst) {
+  const auto first = makeString("a");
+  const auto set = make<NSMutableSet>();
+  set->addObject(first);
+  set->addObject(makeString("a"));
+  EXPECT_EQ(set->member(makeString("a")).get(), first.get());
+  EXPECT_EQ(set->count(), 1U);
+  send<"safeAddObject:">(set, nullptr);
+  send<"safeAddObject:">(set, makeString("b"));
+  EXPECT_TRUE(set->isEqual(makeSet({makeString("b"), makeString("a")})));
+  EXPECT_FALSE(set->isEqual(makeArray({makeString("a"), makeString("b")})));
+  const auto copy = Strong<NSObject>(set->copy());
+  set->removeObject(makeString("a"));
+  EXPECT_EQ(cast<NSSet>(copy.get())->count(), 2U);
+  EXPECT_EQ(nameOf([&] { set->addObject(nullptr); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] {
+              for (NSObject* object : each(set)) set->removeObject(object);
+            }),
+            NSGenericException);
+  EXPECT_TRUE(makeSet({classOf<NSString>()})->containsObject(classOf<NSString>())) << "classes are objects";
+}
+
+TEST(OrderedSets, KeepTheFirstOfEqualObjectsAndShowTheirArrayLive) {
+  const auto set = make<NSMutableOrderedSet>();
+  for (const std::int64_t value : {3, 1, 3, 2}) set->addObject(makeNumber(value));
+  const Strong<NSArray> array = set->array();
+  EXPECT_EQ(numbers(*array), (Numbers{3, 1, 2}));
+  set->insertObject(makeNumber(9), 1);
+  set->removeObject(makeNumber(2));
+  EXPECT_EQ(numbers(*array), (Numbers{3, 9, 1}));
+  EXPECT_EQ(set->indexOfObject(makeNumber(1)), 2U);
+  EXPECT_EQ(set->indexOfObject(makeNumber(7)), kNotFound);
+  const auto fixed = Strong<NSObject>(set->copy());
+  set->removeObjectAtIndex(0);
+  EXPECT_EQ(cast<NSOrderedSet>(fixed.get())->count(), 3U);
+  EXPECT_FALSE(fixed->isEqual(array));
+  EXPECT_TRUE(fixed->isEqual(makeOrderedSet({makeNumber(3), makeNumber(9), makeNumber(1)})));
+  EXPECT_EQ(nameOf([&] { set->insertObject(makeNumber(1), 9); }), NSRangeException);
+  EXPECT_EQ(nameOf([&] { set->removeObjectAtIndex(2); }), NSRangeException);
+  EXPECT_EQ(nameOf([&] { (void)set->objectAtIndex(2); }), NSRangeException);
+  EXPECT_EQ(nameOf([&] { set->addObject(nullptr); }), NSInvalidArgumentException);
+}
+
+}  // namespace
