@@ -18,6 +18,8 @@
 #include <HavrinFoundation/frame/test_flag_messages.h>
 #include <HavrinFoundation/frame/unfair_lock.h>
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
+#include <HavrinFoundation/links/app_identity.h>
+#include <HavrinFoundation/links/app_identity_messages.h>
 #include <HavrinFoundation/links/utm_parameters.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/clamp.h>

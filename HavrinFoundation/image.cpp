@@ -18,6 +18,7 @@ extern const Category kOrderedSetBlocks;
 extern const Category kCasts;
 extern const Category kColourCodes;
 extern const Category kColourArithmetic;
+extern const Category kAppIdentity;
 
 namespace {
 
@@ -37,6 +38,8 @@ const Category* const kCategories[] = {
     // colours
     &kColourCodes,       // UIColor(HavrinFoundation)
     &kColourArithmetic,  // UIColor(HavrinFoundation)
+    // links
+    &kAppIdentity,  // NSBundle(HavrinFoundation)
 };
 
 void (*const kInitialisers[])() = {SetMainQueueIdentifier};

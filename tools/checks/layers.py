@@ -28,6 +28,7 @@ PLATFORM_FOLDERS = {
 # What a folder's .cpp files may include besides: the arrow back stands in no header.
 PLATFORM_SOURCES = {
     "object": {"foundation"},  # an object describes itself by a string
+    "foundation": {"coding"},  # a bundle reads its Info.plist
 }
 
 # Facilities that build on another room's facility, or on another of their own room.
@@ -51,6 +52,7 @@ ABOUT_OBJECTS = {
     "frame/test_flag": "the process information object is asked for its environment",
     "frame/main_queue": "a block is what is queued",
     "frame/not_localized": "the text is a string object",
+    "testkit/main_bundle": "bundles are objects",
     "testkit/test_clock": "drives the run loop, whose work may be a block",
     "frame/log": "a handle comes from the layer's log",
     "text/attributed_strings": "makes attributed-string objects",

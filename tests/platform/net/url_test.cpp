@@ -6,11 +6,12 @@
 #include <uriparser/Uri.h>
 
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <random>
 #include <string>
 #include <string_view>
+
+#include "../../random_seed.h"
 
 namespace {
 
@@ -221,10 +222,7 @@ std::string randomLink(std::mt19937_64& random) {
 }
 
 TEST(Url, AgreesWithAnotherReaderOnGeneratedLinks) {
-  const char* given = std::getenv("HAVRIN_TEST_SEED");
-  const std::uint64_t seed = given ? std::strtoull(given, nullptr, 10) : std::random_device()();
-  SCOPED_TRACE("HAVRIN_TEST_SEED=" + std::to_string(seed));
-  std::mt19937_64 random(seed);
+  std::mt19937_64 random = seededGenerator();
   int compared = 0;
   for (int round = 0; round < 100'000; ++round) {
     const std::string base = randomLink(random);

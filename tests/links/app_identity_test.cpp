@@ -1,0 +1,154 @@
+#include <HavrinFoundation/links/app_identity.h>
+
+#include <HavrinFoundation/links/app_identity_messages.h>
+#include <HavrinFoundation/platform/foundation/process_info.h>
+#include <HavrinFoundation/testkit/main_bundle.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "../temporary_folder.h"
+
+namespace {
+
+using namespace havrin;
+
+struct Identity {
+  std::string version, buildString;
+  std::int64_t build;
+  std::string both, agent;
+};
+
+void expectIdentity(const NSBundle& bundle, const Identity& expected) {
+  EXPECT_EQ(appVersionString(bundle), expected.version);
+  EXPECT_EQ(appBuildNumberString(bundle), expected.buildString);
+  EXPECT_EQ(appBuildNumber(bundle), expected.build);
+  EXPECT_EQ(appAndBuildVersionString(bundle), expected.both);
+  EXPECT_EQ(havrinAppUserAgentString(bundle), expected.agent);
+  EXPECT_EQ(utf8(*send<"appVersionString">(bundle)), expected.version);
+  EXPECT_EQ(utf8(*send<"appBuildNumberString">(bundle)), expected.buildString);
+  EXPECT_EQ(send<"appBuildNumber">(bundle), expected.build);
+  EXPECT_EQ(utf8(*send<"appAndBuildVersionString">(bundle)), expected.both);
+  EXPECT_EQ(utf8(*send<"havrinAppUserAgentString">(bundle)), expected.agent);
+}
+
+Identity identityOf(const std::string& version, const std::string& buildString, std::int64_t build) {
+  const std::string system = utf8(*NSProcessInfo::processInfo()->operatingSystemVersionString());
+  return {version, buildString, build, version + "." + buildString,
+          "Havrin/Version " + version + "/Build " + buildString + "/iOS " + system};
+}
+
+const Identity kNone{"", "", 0, "", ""};
+
+std::string information(std::string_view version, std::string_view build) {
+  return "<plist><dict><key>CFBundleShortVersionString</key>" + std::string(version) + "<key>CFBundleVersion</key>" +
+         std::string(build) + "</dict></plist>";
+}
+
+TEST(AppIdentity, IsWhatTheMainBundleSays) {
+  const struct {
+    std::string_view why, version, build;
+    Identity expected;
+  } rows[] = {
+      {"both", "<string>2024.10.0</string>", "<string>612345</string>", identityOf("2024.10.0", "612345", 612345)},
+      {"a number is no string", "<real>1.5</real>", "<integer>7</integer>", identityOf("", "", 0)},
+      {"a boolean, an array", "<true/>", "<array><string>7</string></array>", identityOf("", "", 0)},
+      {"empty strings", "<string></string>", "<string></string>", identityOf("", "", 0)},
+      {"nothing is trimmed or escaped", "<string> 1/0 \u00E9 </string>", "<string> 5</string>",
+       identityOf(" 1/0 \u00E9 ", " 5", 0)},
+      {"a plus", "<string>1</string>", "<string>+7</string>", identityOf("1", "+7", 7)},
+      {"a minus", "<string>1</string>", "<string>-3</string>", identityOf("1", "-3", -3)},
+      {"minus zero", "<string>1</string>", "<string>-0</string>", identityOf("1", "-0", 0)},
+      {"leading zeros", "<string>1</string>", "<string>007</string>", identityOf("1", "007", 7)},
+      {"two signs", "<string>1</string>", "<string>+-7</string>", identityOf("1", "+-7", 0)},
+      {"a lone sign", "<string>1</string>", "<string>+</string>", identityOf("1", "+", 0)},
+      {"a fraction", "<string>1</string>", "<string>1.2</string>", identityOf("1", "1.2", 0)},
+      {"a blank behind", "<string>1</string>", "<string>5 </string>", identityOf("1", "5 ", 0)},
+      {"hexadecimal digits", "<string>1</string>", "<string>0x5</string>", identityOf("1", "0x5", 0)},
+      {"other digits", "<string>1</string>", "<string>\u0665</string>", identityOf("1", "\u0665", 0)},
+      {"the largest", "<string>1</string>", "<string>9223372036854775807</string>",
+       identityOf("1", "9223372036854775807", INT64_MAX)},
+      {"the smallest", "<string>1</string>", "<string>-9223372036854775808</string>",
+       identityOf("1", "-9223372036854775808", INT64_MIN)},
+      {"beyond 64 bits", "<string>1</string>", "<string>9223372036854775808</string>",
+       identityOf("1", "9223372036854775808", 0)},
+      {"far beyond", "<string>1</string>", "<string>99999999999999999999</string>",
+       identityOf("1", "99999999999999999999", 0)},
+  };
+  const TemporaryFolder folder;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    folder.write("Info.plist", information(row.version, row.build));
+    const TestMainBundle main(folder.path().string());
+    expectIdentity(*NSBundle::mainBundle(), row.expected);
+  }
+  folder.write("Info.plist", "<plist><dict><key>CFBundleShortVersionString</key><string>1.0</string></dict></plist>");
+  {
+    const TestMainBundle main(folder.path().string());
+    expectIdentity(*NSBundle::mainBundle(), identityOf("1.0", "", 0));
+  }
+  std::filesystem::remove(folder.path() / "Info.plist");
+  const TestMainBundle main(folder.path().string());
+  expectIdentity(*NSBundle::mainBundle(), identityOf("", "", 0));
+  EXPECT_EQ(appAndBuildVersionString(*NSBundle::mainBundle()), ".");
+}
+
+TEST(AppIdentity, IsTheMainBundlesAlone) {
+  const TemporaryFolder folder;
+  folder.write("Info.plist", information("<string>2.0</string>", "<string>9</string>"));
+  const auto other = NSBundle::bundleWithPath(folder.path().string());
+  EXPECT_TRUE(other->objectForInfoDictionaryKey(makeString("CFBundleVersion")));
+  expectIdentity(*other, kNone);
+}
+
+// Decides for itself which bundle it equals, and what is asked of it.
+class Disguised : public Object<Disguised, NSBundle> {
+ public:
+  explicit Disguised(bool isMain) : isMain_(isMain) {}
+  bool isEqual(const NSObject*) const override { return isMain_; }
+  Strong<NSObject> objectForInfoDictionaryKey(const NSString* key) const override { return key->copy(); }
+
+ private:
+  bool isMain_;
+};
+
+TEST(AppIdentity, AsksTheReceiverWhetherItEqualsTheMainBundle) {
+  expectIdentity(*make<Disguised>(true), identityOf("CFBundleShortVersionString", "CFBundleVersion", 0));
+  const auto stranger = make<Disguised>(false);
+  const TestMainBundle main(stranger.get());
+  expectIdentity(*stranger, kNone);
+}
+
+class Renamed : public Object<Renamed, NSBundle> {
+ public:
+  explicit Renamed(std::string_view path) : Object(path) {}
+  bool isNumbered = true;
+  Strong<NSString> version() { return makeString("v"); }
+  Strong<NSString> build() { return isNumbered ? makeString("12") : nullptr; }
+  using Members = List<Method<"appVersionString", &Renamed::version>, Method<"appBuildNumberString", &Renamed::build>>;
+};
+
+TEST(AppIdentity, IsComposedOfWhatTheReceiverAnswers) {
+  const TemporaryFolder folder;
+  folder.write("Info.plist", information("<string>2.0</string>", "<string>9</string>"));
+  const auto bundle = make<Renamed>(folder.path().string());
+  const TestMainBundle main(bundle.get());
+  EXPECT_EQ(appVersionString(*bundle), "2.0") << "the typed form is the library's own";
+  EXPECT_EQ(appBuildNumber(*bundle), 12);
+  EXPECT_EQ(appAndBuildVersionString(*bundle), "v.12");
+  EXPECT_EQ(send<"appBuildNumber">(bundle), 12);
+  EXPECT_TRUE(havrinAppUserAgentString(*bundle).starts_with("Havrin/Version v/Build 12/iOS "));
+  bundle->isNumbered = false;
+  EXPECT_EQ(utf8(*send<"appAndBuildVersionString">(bundle)), "v.") << "null counts as the empty text";
+}
+
+TEST(AppIdentity, OfNoBundleIsNothing) {
+  NSBundle* const none = nullptr;
+  EXPECT_FALSE(send<"appVersionString">(none));
+  EXPECT_EQ(send<"appBuildNumber">(none), 0);
+}
+
+}  // namespace
