@@ -14,6 +14,7 @@
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/log.h>
 #include <HavrinFoundation/frame/main_queue.h>
+#include <HavrinFoundation/frame/rate_limits_messages.h>
 #include <HavrinFoundation/frame/test_flag.h>
 #include <HavrinFoundation/frame/test_flag_messages.h>
 #include <HavrinFoundation/frame/unfair_lock.h>
