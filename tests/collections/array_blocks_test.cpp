@@ -1,4 +1,4 @@
-// The block operations that finish before they return. The asynchronous map: async_map_test.cpp.
+// The block operations that finish before they return. The asynchronous map: array_blocks_async_map_test.cpp.
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 
 #include <cstddef>
