@@ -25,10 +25,10 @@ void require(bool right) {
 }
 
 void readOurs(benchmark::State& state) {
-  require(detail::readHexCode(kCode)->red == 0x12 / 255.0);
+  require(hex_codes::readHexCode(kCode)->red == 0x12 / 255.0);
   for (auto _ : state) {
     benchmark::DoNotOptimize(kCode);
-    benchmark::DoNotOptimize(detail::readHexCode(kCode));
+    benchmark::DoNotOptimize(hex_codes::readHexCode(kCode));
   }
 }
 void readObject(benchmark::State& state) {
