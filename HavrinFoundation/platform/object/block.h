@@ -34,6 +34,8 @@ class BlockView;
 
 /// Throws NSException (InvalidArgument): a null block was called.
 [[noreturn]] HAVRIN_EXPORT void throwNullBlock();
+/// Throws NSException (InvalidArgument): a borrowed callable that cannot be copied was to be kept.
+[[noreturn]] HAVRIN_EXPORT void throwUncopiableBlock();
 
 /// `object` as the class that a callable's parameter names; throws NSException (InvalidArgument) when it is of another
 /// class. Defined in class.h, which whoever uses such parameters has included with the class itself.
@@ -222,12 +224,11 @@ class BlockView<R(A...)> {
   template <class F>
   requires blockCallable<F, R(A...)> BlockView(F&& callable)
   noexcept
-      : object_(const_cast<void*>(static_cast<const volatile void*>(std::addressof(callable)))),
+      : object_(addressOf(callable)),
         call_([](void* object, A... arguments) -> R {
-          return detail::callFitted<R>(*static_cast<std::remove_reference_t<F>*>(object),
-                                       std::forward<A>(arguments)...);
+          return detail::callFitted<R>(borrowed<std::remove_reference_t<F>>(object), std::forward<A>(arguments)...);
         }),
-        copy_([](void* object) { return copyOf<F>(object); }) {}
+        copy_([](void* object) { return copyOf<std::remove_reference_t<F>>(object); }) {}
 
   /// Throws: what the callable throws; NSException (InvalidArgument) when there is none.
   R operator()(A... arguments) const {
@@ -241,12 +242,29 @@ class BlockView<R(A...)> {
   [[nodiscard]] Block<R(A...)> copy() const { return object_ ? copy_(object_) : Block<R(A...)>(); }
 
  private:
+  // A callable by its address, functions included.
+  template <class F>
+  static void* addressOf(F& callable) noexcept {
+    if constexpr (std::is_function_v<F>) {
+      return reinterpret_cast<void*>(&callable);
+    } else {
+      return const_cast<void*>(static_cast<const volatile void*>(std::addressof(callable)));
+    }
+  }
+  template <class F>
+  static F& borrowed(void* object) noexcept {
+    if constexpr (std::is_function_v<F>) {
+      return *reinterpret_cast<F*>(object);
+    } else {
+      return *static_cast<F*>(object);
+    }
+  }
   template <class F>
   static Block<R(A...)> copyOf(void* object) {
     if constexpr (std::is_copy_constructible_v<std::decay_t<F>>) {
-      return Block<R(A...)>(*static_cast<const std::remove_reference_t<F>*>(object));
+      return Block<R(A...)>(std::as_const(borrowed<F>(object)));
     } else {
-      throwNullBlock();  // a callable that cannot be copied cannot be kept
+      throwUncopiableBlock();
     }
   }
 

@@ -11,4 +11,8 @@ NSException::~NSException() = default;
 
 void throwNullBlock() { throw NSException(NSInvalidArgumentException, "a null block was called"); }
 
+void throwUncopiableBlock() {
+  throw NSException(NSInvalidArgumentException, "a callable that cannot be copied was to be kept as a block");
+}
+
 }  // namespace havrin::inline platform

@@ -55,6 +55,20 @@ struct ReplaceSelf<Strong<Self>, C> {
 
 struct NotFound {};
 
+// A number goes in as the parameter's own type, so that a literal need not be spelt with it; a real is no integer.
+template <class Parameter, class Given>
+inline constexpr bool fitsParameter =
+    std::is_convertible_v<Given, Parameter> &&
+    !(std::is_integral_v<Parameter> && std::is_floating_point_v<std::remove_cvref_t<Given>>);
+template <class Parameter, class Given>
+decltype(auto) asParameter(Given&& given) {
+  if constexpr (std::is_arithmetic_v<Parameter> && std::is_arithmetic_v<std::remove_cvref_t<Given>>) {
+    return static_cast<Parameter>(given);
+  } else {
+    return std::forward<Given>(given);
+  }
+}
+
 template <class Owner, class F>
 struct FoundMessage;
 // A message as found in a superclass chain: declared for Owner, so that every implementation has Owner's types.
@@ -67,9 +81,13 @@ struct FoundMessage<Owner, R(A...)> {
   template <class Receiver>
   using ResultFor = typename ReplaceSelf<R, Receiver>::Type;
   template <class... Given>
+  static Result call(Implementation implementation, NSObject* receiver, Given&&... given) {
+    return reinterpret_cast<Function>(implementation)(receiver, asParameter<A>(std::forward<Given>(given))...);
+  }
+  template <class... Given>
   static constexpr bool accepts() {
     if constexpr (sizeof...(Given) == sizeof...(A)) {
-      return (std::is_convertible_v<Given, A> && ...);
+      return (fitsParameter<A, Given> && ...);
     } else {
       return false;
     }
@@ -175,13 +193,12 @@ inline typename Found::template ResultFor<Static> dispatch(NSObject* receiver, A
   if (!implementation) [[unlikely]] {
     implementation = cls->resolve(selector<S>, typeid(typename Found::Type), receiver);
   }
-  const auto function = reinterpret_cast<typename Found::Function>(implementation);
   if constexpr (std::is_same_v<Result, typename Found::Result>) {
-    return function(receiver, std::forward<A>(arguments)...);
+    return Found::call(implementation, receiver, std::forward<A>(arguments)...);
   } else {
     // `Self` narrowed to the receiver's static class: an override that answers another class is told so.
     using Narrow = typename Result::Object;
-    typename Found::Result wide = function(receiver, std::forward<A>(arguments)...);
+    typename Found::Result wide = Found::call(implementation, receiver, std::forward<A>(arguments)...);
     if (wide && !isKind<Narrow>(wide)) throwWrongClass(wide, typeName<Narrow>());
     return Result::adopt(static_cast<Narrow*>(wide.detach()));
   }

@@ -370,6 +370,13 @@ TEST(Blocks, ShareTheirClosureAndViewsBorrowIt) {
   }
   EXPECT_EQ(Station::destroyed, 1);
   EXPECT_FALSE(BlockView<void()>(Block<void()>()));
+  EXPECT_EQ(nameOf([only = std::make_unique<int>(1)] {
+              const auto callable = [&only] { return *only; };
+              (void)BlockView<int()>(callable).copy();
+            }),
+            "none");
+  const auto moveOnly = [only = std::make_unique<int>(1)] { return *only; };
+  EXPECT_EQ(nameOf([&] { (void)BlockView<int()>(moveOnly).copy(); }), NSInvalidArgumentException);
 }
 
 TEST(ObjectsDeathTest, LiveOnTheHeapOnly) {
