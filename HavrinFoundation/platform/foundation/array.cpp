@@ -17,7 +17,7 @@ namespace {
 
 constinit const std::uint64_t kNeverMutated = 0;
 
-ClassObject* classIn(const NSObject& object) { return headerOf(&object).cls.load(std::memory_order_relaxed); }
+ClassObject* classIn(const NSObject& object) { return dispatchClass(&object); }
 
 Strong<NSArray> emptyArray() {
   static NSArray* const kEmpty = make<NSArray>().detach();

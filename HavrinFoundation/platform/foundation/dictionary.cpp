@@ -20,7 +20,7 @@ NSDictionary::NSDictionary(std::initializer_list<KeyAndValue> entries) {
 NSDictionary::~NSDictionary() = default;
 
 bool NSDictionary::isPlain() const {
-  const ClassObject* cls = headerOf(this).cls.load(std::memory_order_relaxed)->shown();
+  const ClassObject* cls = dispatchClass(this)->shown();
   return cls == classObject<NSDictionary>() || cls == classObject<NSMutableDictionary>();
 }
 
@@ -99,6 +99,8 @@ const std::uint64_t& NSDictionary::mutations() const {
   static constexpr std::uint64_t kNever = 0;
   return kNever;
 }
+
+Strong<NSObject> NSDictionary::valueForKey(NSString* key) const { return objectForKey(key); }
 
 bool NSDictionary::isEqual(const NSObject* other) const {
   if (this == other) return true;
@@ -179,6 +181,13 @@ void NSMutableDictionary::removeAllObjects() {
   }
   const Strong<NSArray> keys = allKeys();
   for (std::uint64_t i = 0, count = keys->count(); i < count; ++i) removeObjectForKey(keys->objectAtIndex(i));
+}
+
+void NSMutableDictionary::setValueForKey(NSObject* value, NSString* key) {
+  if (!key) throwNullArgument(*this, "setValue:forKey:", "the key");
+  willChangeValueForKey(key);
+  set(key, value);
+  didChangeValueForKey(key);
 }
 
 Strong<NSObject> NSMutableDictionary::copy() const {

@@ -52,6 +52,8 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
   /// True for a dictionary with equal keys and values, mutable or not.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] std::uint64_t hash() const override;
+  /// The entry under `key`; null for none.
+  [[nodiscard]] Strong<NSObject> valueForKey(NSString* key) const override;
   /// "{key = value; key = value}".
   [[nodiscard]] Strong<NSString> description() const override;
   /// The dictionary itself.
@@ -98,6 +100,8 @@ class HAVRIN_EXPORT NSMutableDictionary : public Object<NSMutableDictionary, NSD
   void addEntriesFromDictionary(const NSDictionary* other);
   void removeAllObjects();
 
+  /// `set`, between the two halves of a change that observers of the key are told of.
+  void setValueForKey(NSObject* value, NSString* key) override;
   /// An NSDictionary with the entries of now.
   [[nodiscard]] Strong<NSObject> copy() const override;
   [[nodiscard]] const std::uint64_t& mutations() const override { return mutations_; }

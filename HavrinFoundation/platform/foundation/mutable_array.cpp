@@ -29,7 +29,7 @@ NSMutableArray::NSMutableArray(std::uint64_t capacity) {
 
 // True for the layer's own class; a subclass's changes go through its three.
 bool NSMutableArray::isOwn() const {
-  return headerOf(this).cls.load(std::memory_order_relaxed) == classObject<NSMutableArray>();
+  return dispatchClass(this) == classObject<NSMutableArray>();
 }
 
 // Makes the slots this array's alone, with room for `capacity` of them.

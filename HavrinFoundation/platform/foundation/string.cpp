@@ -145,7 +145,7 @@ void NSString::borrow(std::u16string_view wide) noexcept {
 }
 
 bool NSString::isPlain() const {
-  const ClassObject* cls = headerOf(this).cls.load(std::memory_order_relaxed)->shown();
+  const ClassObject* cls = dispatchClass(this)->shown();
   return cls == classObject<NSString>() || cls == classObject<NSMutableString>();
 }
 

@@ -65,6 +65,7 @@ concept Boxable = std::is_void_v<T> || requires(T value) {
 struct SignatureInfo {
   const std::type_info* type;  // of the function type R(A...): equal across images
   std::size_t argumentCount;
+  bool takesNull;  // every argument is an object
   /// Calls an implementation of this signature with objects. Null when some type of it cannot be boxed.
   Strong<NSObject> (*call)(Implementation implementation, NSObject* self, NSObject* const* arguments);
 };
@@ -96,7 +97,8 @@ struct SignatureInfoOf<R(A...)> {
       return nullptr;
     }
   }
-  static constexpr SignatureInfo info{&typeid(R(A...)), sizeof...(A), call()};
+  static constexpr SignatureInfo info{&typeid(R(A...)), sizeof...(A), (std::is_convertible_v<std::nullptr_t, A> && ...),
+                                      call()};
 };
 
 }  // namespace detail

@@ -62,7 +62,7 @@ void notifyingSetter(NSObject* self, A value) {
       self, selector<S>,
       [](void* context) {
         auto& [object, argument] = *static_cast<Change*>(context);
-        ClassObject* below = headerOf(object).cls.load(std::memory_order_relaxed)->shown();
+        ClassObject* below = dispatchClass(object)->shown();
         Implementation setter = below->cached(selector<S>.number.load(std::memory_order_relaxed));
         if (!setter) setter = below->resolve(selector<S>, typeid(void(A)), object);
         reinterpret_cast<void (*)(NSObject*, A)>(setter)(object, std::forward<A>(argument));

@@ -75,8 +75,8 @@ ClassObject* ClassObject::build(const ClassDescription& description) {
   ClassObject* cls = nullptr;
   ClassObject* meta = nullptr;
   if (super) {
-    ClassObject* superMeta = headerOf(super).cls.load(std::memory_order_relaxed);
-    ClassObject* rootMeta = headerOf(superMeta).cls.load(std::memory_order_relaxed);
+    ClassObject* superMeta = dispatchClass(super);
+    ClassObject* rootMeta = dispatchClass(superMeta);
     meta = runtime.place(description.name, superMeta, rootMeta);
     cls = runtime.place(description.name, super, meta);
   } else {
@@ -100,7 +100,7 @@ ClassObject* ClassObject::notifyingClass() {
   Runtime& runtime = Runtime::shared();
   const std::unique_lock guard(runtime.lock);
   if (ClassObject* made = notifying_.load(std::memory_order_relaxed)) return made;
-  ClassObject* made = runtime.place(name_, this, headerOf(this).cls.load(std::memory_order_relaxed));
+  ClassObject* made = runtime.place(name_, this, dispatchClass(this));
   made->shown_ = this;
   notifying_.store(made, std::memory_order_release);
   return made;
@@ -191,7 +191,7 @@ Strong<NSString> ClassObject::description() const { return makeString(name_); }
 Class Class::from(const NSObject* object) {
   if (!object) return {};
   // Of all objects only class objects are of a metaclass.
-  const ClassObject* cls = headerOf(object).cls.load(std::memory_order_relaxed);
+  const ClassObject* cls = dispatchClass(object);
   return cls->isMetaclass() ? Class(static_cast<const ClassObject*>(object)) : Class();
 }
 
@@ -221,7 +221,7 @@ Loader::Loader(const Image& image) {
   for (const Category* category : image.categories) {
     ClassObject* cls = category->cls();
     cls->addRows(category->rows);
-    headerOf(cls).cls.load(std::memory_order_relaxed)->addRows(category->classRows);
+    dispatchClass(cls)->addRows(category->classRows);
   }
   for (void (*initialiser)() : image.initialisers) initialiser();
 }

@@ -181,13 +181,13 @@ template <class T>
 /// The class of an object as the program sees it, observed or not.
 template <std::derived_from<NSObject> T>
 [[nodiscard]] ClassOf<T> classOf(const T& object) {
-  return ClassOf<T>(headerOf(&object).cls.load(std::memory_order_relaxed)->shown());
+  return ClassOf<T>(dispatchClass(&object)->shown());
 }
 
 /// True when `object` is a T; false for null. Not asked as a message: casts that overrides may answer are messages.
 template <class T>
 [[nodiscard]] bool isKind(const NSObject* object) {
-  return object && headerOf(object).cls.load(std::memory_order_relaxed)->inheritsFrom(classObject<T>());
+  return object && dispatchClass(object)->inheritsFrom(classObject<T>());
 }
 /// `object` as a T, or null when it is null or none. Cost: two loads and a compare.
 template <class T>

@@ -244,7 +244,15 @@ class HAVRIN_EXPORT Object : public Super {
  protected:
   template <class... A>
   explicit Object(A&&... arguments) : Super(std::forward<A>(arguments)...) {
-    become<Me>();
+    if constexpr (std::is_same_v<Super, NSObject>) {
+      become<Me>();
+    } else {
+      // An object that a base class's constructor has made observed stays so.
+      const bool observed = dispatchClass(this)->isNotifying();
+      become<Me>();
+      if (observed) [[unlikely]]
+        headerOf(this).cls.store(classObject<Me>()->notifyingClass(), std::memory_order_relaxed);
+    }
   }
   constexpr explicit Object(NSObject::Placed placed) noexcept : Super(placed) {}
 

@@ -188,7 +188,7 @@ inline typename Found::template ResultFor<Static> dispatch(NSObject* receiver, A
   if constexpr (CanBeNull) {
     if (!receiver) return Result();
   }
-  ClassObject* const cls = headerOf(receiver).cls.load(std::memory_order_relaxed);
+  ClassObject* const cls = dispatchClass(receiver);
   Implementation implementation = cls->cached(selector<S>.number.load(std::memory_order_relaxed));
   if (!implementation) [[unlikely]] {
     implementation = cls->resolve(selector<S>, typeid(typename Found::Type), receiver);

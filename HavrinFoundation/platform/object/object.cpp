@@ -32,8 +32,9 @@ constinit thread_local Destruction destruction;
 void destroyNow(NSObject* object) noexcept {
   ObjectHeader& header = headerOf(object);
   header.strong.store(ObjectHeader::kDestroying, std::memory_order_relaxed);
-  if (header.cls.load(std::memory_order_relaxed)->isNotifying()) dropObservations(object);
+  if (dispatchClass(object)->isNotifying()) dropObservations(object);
   object->~NSObject();
+  header.strong.store(ObjectHeader::kDestroyed, std::memory_order_release);  // for those who hold a Weak
   constexpr std::uint32_t kLast = 1;
   if ((header.weak.fetch_sub(1, std::memory_order_acq_rel) & ~ObjectHeader::kHasAssociations) == kLast) {
     std::free(&header);
@@ -118,22 +119,16 @@ Strong<NSObject> NSObject::mutableCopy() const {
                     "-[" + std::string(classOf(*this).name()) + " mutableCopy]: the class has no mutable copies");
 }
 
-bool NSObject::isKindOfClass(Class cls) const {
-  return cls && headerOf(this).cls.load(std::memory_order_relaxed)->inheritsFrom(cls.object());
-}
+bool NSObject::isKindOfClass(Class cls) const { return cls && dispatchClass(this)->inheritsFrom(cls.object()); }
 
 bool NSObject::isMemberOfClass(Class cls) const { return cls && classOf(*this) == cls; }
 
-bool NSObject::conformsToProtocol(const AnyProtocol& protocol) const {
-  return headerOf(this).cls.load(std::memory_order_relaxed)->adopts(protocol);
-}
+bool NSObject::conformsToProtocol(const AnyProtocol& protocol) const { return dispatchClass(this)->adopts(protocol); }
 
-bool NSObject::respondsToSelector(Selector selector) const {
-  return headerOf(this).cls.load(std::memory_order_relaxed)->row(selector) != nullptr;
-}
+bool NSObject::respondsToSelector(Selector selector) const { return dispatchClass(this)->row(selector) != nullptr; }
 
 Strong<NSObject> NSObject::performSelector(Selector selector, NSObject* argument) {
-  ClassObject* cls = headerOf(this).cls.load(std::memory_order_relaxed);
+  ClassObject* cls = dispatchClass(this);
   const MethodRow* row = cls->row(selector);
   if (!row) throwUnrecognized(*cls, selector.name(), this);
   const SignatureInfo& signature = *row->signature;

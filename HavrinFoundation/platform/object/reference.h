@@ -32,6 +32,7 @@ struct ObjectHeader {
 
   static constexpr std::uint32_t kHasAssociations = 0x8000'0000;
   static constexpr std::uint32_t kDestroying = 0x8000'0000;  // strong, while destructors run: cannot come back to 0
+  static constexpr std::uint32_t kDestroyed = 0xC000'0000;   // strong, when destructors have run
   static constexpr std::uint32_t kImmortal = 0x4000'0000;    // strong, of constant objects
 
   // One billion references is where a count could meet the bits above; nothing that fits memory holds as many.
@@ -41,6 +42,12 @@ static_assert(sizeof(ObjectHeader) == 16);
 
 [[nodiscard]] inline ObjectHeader& headerOf(const NSObject* object) {
   return reinterpret_cast<ObjectHeader*>(const_cast<NSObject*>(object))[-1];
+}
+
+/// The class that messages to the object go through: its own, or the notifying one while it is observed. Acquired, since
+/// another thread may just have made that one for it.
+[[nodiscard]] inline ClassObject* dispatchClass(const NSObject* object) {
+  return headerOf(object).cls.load(std::memory_order_acquire);
 }
 
 /// The last strong reference is gone: observations end, destructors run, memory goes with the last weak reference.

@@ -1,0 +1,14 @@
+#include <HavrinFoundation/platform/foundation/lazy_string.h>
+
+namespace havrin::inline platform {
+
+NSString* LazyString::build() const {
+  Strong<NSString> made = makeString(text_);
+  NSString* standing = nullptr;
+  if (string_.compare_exchange_strong(standing, made.get(), std::memory_order_acq_rel, std::memory_order_acquire)) {
+    return made.detach();
+  }
+  return standing;
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,177 @@
+#include <HavrinFoundation/platform/observing/change.h>
+
+#include <utility>
+
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/object/observed.h>
+
+namespace havrin::inline platform {
+
+namespace {
+
+using Values = NSKeyValueChangeDictionary::Values;
+
+Strong<NSObject> orNull(Strong<NSObject> value) {
+  if (!value) return NSNull::null();
+  return value;
+}
+
+// Everybody is told the same, and asks for nothing that would have to be read.
+void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
+  Strong<NSObject> observer;  // held on to from one registration to the next
+  for (const Watcher& watcher : watchers) {
+    if (!watcher.counts()) continue;
+    Registration& registration = *watcher.registration;
+    if (!observer || registration.observer.address() != observer.get()) {
+      observer = registration.observer.lock();
+      if (!observer) {
+        if (registration.isOrphaned()) static_cast<void>(registration.leave());
+        continue;
+      }
+    }
+    observer->observeValueForKeyPath(registration.path, object, NSKeyValueChangeDictionary::plainSetting(),
+                                     registration.context);
+  }
+}
+
+}  // namespace
+
+void tell(Registration& registration, NSObject* object, NSDictionary* change) {
+  if (!registration.isActive.load(std::memory_order_acquire)) return;
+  if (const Strong<NSObject> observer = registration.observer.lock()) {
+    observer->observeValueForKeyPath(registration.path, object, change, registration.context);
+  } else if (registration.isOrphaned()) {
+    static_cast<void>(registration.leave());
+  }
+}
+
+void notifyChange(NSObject* object, const SelectorConstant& setter, void (*apply)(void*), void* context) {
+  const Pin pin(object);
+  const Watch* watch = pin.find(setter);
+  if (!watch || !watch->isAutomatic) return apply(context);
+  const Strong<NSObject> hold(object);
+  const WatcherList& list = watch->list();
+  const std::span<const Watcher> watchers = list.watchers();
+  if (!list.asksForMore()) {
+    apply(context);
+    tellPlainly(object, watchers);
+    return;
+  }
+  Change change(*object, *watch->key, watchers, NSKeyValueChange::setting, nullptr);
+  apply(context);
+  change.finish();
+}
+
+void changeArray(NSObject& object, const NSString& key, NSKeyValueChange kind, NSIndexSet* indexes,
+                 BlockView<void()> apply) {
+  const Pin pin(&object);
+  const Watch* watch = pin.find(key);
+  if (!watch || !watch->isAutomatic) return apply();
+  const Strong<NSObject> hold(&object);
+  Change change(object, *watch->key, watch->list().watchers(), kind, indexes);
+  apply();
+  change.finish();
+}
+
+Change::Change(NSObject& object, NSString& key, std::span<const Watcher> watchers, NSKeyValueChange kind,
+               NSIndexSet* indexes)
+    : object_(object), key_(key), watchers_(watchers), kind_(kind), indexes_(indexes) {
+  readOld();
+  if (hasPrior_) tellPrior();
+}
+
+void Change::readOld() {
+  for (const Watcher& watcher : watchers_) {
+    if (!watcher.counts()) continue;
+    Registration& registration = *watcher.registration;
+    const bool wantsOld = registration.wants(NSKeyValueObservingOptionOld);
+    hasPrior_ = hasPrior_ || registration.wants(NSKeyValueObservingOptionPrior);
+    if (registration.isSimple) {
+      if (wantsOld && !old_) old_ = oldValue(object_, key_, kind_);
+      continue;
+    }
+    if (registration.isStale.load(std::memory_order_acquire)) {
+      registration.follow();
+      if (!watcher.counts()) continue;  // the way no longer leads over this object
+    }
+    Strong<NSObject> root = registration.root.lock();
+    if (!root) continue;
+    Strong<NSObject> old = wantsOld ? oldValue(*root, *registration.path, kindFor(watcher)) : nullptr;
+    indirect_.push_back({&watcher, std::move(root), std::move(old)});
+  }
+}
+
+void Change::tellPrior() {
+  const auto before = [&](const Watcher& watcher, NSObject& root, const Strong<NSObject>& old) {
+    Registration& registration = *watcher.registration;
+    if (!registration.wants(NSKeyValueObservingOptionPrior) || !watcher.counts()) return;
+    const NSKeyValueChange kind = kindFor(watcher);
+    const bool wantsOld = registration.wants(NSKeyValueObservingOptionOld);
+    tell(registration, &root,
+         make<NSKeyValueChangeDictionary>(Values{.kind = kind,
+                                                 .prior = true,
+                                                 .newValue = nullptr,
+                                                 .oldValue = wantsOld ? old : nullptr,
+                                                 .indexes = kind == kind_ ? indexes_ : nullptr}));
+  };
+  for (const Watcher& watcher : watchers_) {
+    if (watcher.registration->isSimple) before(watcher, object_, old_);
+  }
+  for (const Indirect& one : indirect_) before(*one.watcher, *one.root, one.old);
+}
+
+void Change::finish() {
+  for (const Indirect& one : indirect_) {
+    if (one.watcher->moves) one.watcher->registration->follow();
+  }
+  for (const Watcher& watcher : watchers_) {
+    Registration& registration = *watcher.registration;
+    if (registration.isSimple && watcher.counts()) tell(registration, &object_, directChange(registration.options));
+  }
+  for (const Indirect& one : indirect_) {
+    Registration& registration = *one.watcher->registration;
+    if (!registration.isActive.load(std::memory_order_acquire)) continue;
+    const NSKeyValueChange kind = kindFor(*one.watcher);
+    Values values{.kind = kind,
+                  .prior = false,
+                  .newValue = nullptr,
+                  .oldValue = one.old,
+                  .indexes = kind == kind_ ? indexes_ : nullptr};
+    if (registration.wants(NSKeyValueObservingOptionNew)) {
+      values.newValue = newValue(*one.root, *registration.path, kind);
+    }
+    tell(registration, one.root, make<NSKeyValueChangeDictionary>(std::move(values)));
+  }
+}
+
+NSDictionary* Change::directChange(std::uint64_t options) {
+  Strong<NSDictionary>& made = direct_[options & 3];
+  if (made) return made;
+  const bool wantsNew = (options & NSKeyValueObservingOptionNew) != 0;
+  const bool wantsOld = (options & NSKeyValueObservingOptionOld) != 0;
+  if (wantsNew && !new_) new_ = newValue(object_, key_, kind_);
+  made = make<NSKeyValueChangeDictionary>(Values{.kind = kind_,
+                                                 .prior = false,
+                                                 .newValue = wantsNew ? new_ : nullptr,
+                                                 .oldValue = wantsOld ? old_ : nullptr,
+                                                 .indexes = indexes_});
+  return made;
+}
+
+Strong<NSObject> Change::read(NSObject& from, NSString& path, NSKeyValueChange kind) const {
+  Strong<NSObject> value = from.valueForKeyPath(&path);
+  if (kind == NSKeyValueChange::setting) return orNull(std::move(value));
+  const auto* array = cast<NSArray>(value.get());
+  return array && indexes_ ? Strong<NSObject>(array->objectsAtIndexes(indexes_)) : nullptr;
+}
+
+Strong<NSObject> Change::oldValue(NSObject& from, NSString& path, NSKeyValueChange kind) const {
+  return kind == NSKeyValueChange::insertion ? nullptr : read(from, path, kind);
+}
+
+Strong<NSObject> Change::newValue(NSObject& from, NSString& path, NSKeyValueChange kind) const {
+  return kind == NSKeyValueChange::removal ? nullptr : read(from, path, kind);
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,61 @@
+// One change of one key on its way to the observers: what is read and told before it, and after it.
+#pragma once
+
+#include <array>
+#include <span>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/index_set.h>
+#include <HavrinFoundation/platform/observing/change_dictionary.h>
+#include <HavrinFoundation/platform/observing/watch_table.h>
+
+namespace havrin::inline platform {
+
+/// Tells one registration of a change, unless it has ended; ends it when its observer is gone.
+void tell(Registration& registration, NSObject* object, NSDictionary* change);
+
+/// Runs `apply`, which inserts, removes or replaces objects of the array under `key`, between the two halves of a change.
+void changeArray(NSObject& object, const NSString& key, NSKeyValueChange kind, NSIndexSet* indexes,
+                 BlockView<void()> apply);
+
+/// Constructed before the change, finished after it. The object, the key and the watchers have to outlive it.
+/// Throws: what getters and observers throw; who has not been told by then is not told.
+class Change {
+ public:
+  /// Reads the old values that are asked for, then tells those who want a word before.
+  Change(NSObject& object, NSString& key, std::span<const Watcher> watchers, NSKeyValueChange kind,
+         NSIndexSet* indexes);
+  /// Moves paths to their new objects, reads the new values, tells everyone.
+  void finish();
+
+ private:
+  // A watcher whose path ends elsewhere, or whose value only depends on the key.
+  struct Indirect {
+    const Watcher* watcher;
+    Strong<NSObject> root;
+    Strong<NSObject> old;
+  };
+
+  void readOld();
+  void tellPrior();
+  [[nodiscard]] NSKeyValueChange kindFor(const Watcher& watcher) const {
+    return watcher.isEnd ? kind_ : NSKeyValueChange::setting;
+  }
+  [[nodiscard]] Strong<NSObject> read(NSObject& from, NSString& path, NSKeyValueChange kind) const;
+  [[nodiscard]] Strong<NSObject> oldValue(NSObject& from, NSString& path, NSKeyValueChange kind) const;
+  [[nodiscard]] Strong<NSObject> newValue(NSObject& from, NSString& path, NSKeyValueChange kind) const;
+  NSDictionary* directChange(std::uint64_t options);
+
+  NSObject& object_;
+  NSString& key_;
+  const std::span<const Watcher> watchers_;
+  const NSKeyValueChange kind_;
+  const Strong<NSIndexSet> indexes_;
+  Strong<NSObject> old_;  // under the key itself, when somebody asks for it
+  Strong<NSObject> new_;
+  bool hasPrior_ = false;
+  std::array<Strong<NSDictionary>, 4> direct_;  // what simple registrations are told, by New and Old
+  std::vector<Indirect> indirect_;
+};
+
+}  // namespace havrin::inline platform

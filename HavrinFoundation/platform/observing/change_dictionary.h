@@ -1,0 +1,51 @@
+// The dictionary that describes a change to observers: four fixed slots instead of a table.
+//
+//   change->objectForKey(NSKeyValueChangeKindKey)       NSNumber, 1 to 4
+//   change->adding(kPath, path)                         the same change with one entry more, under a key of the caller's
+//
+// It is an NSDictionary in every way: `count`, `allKeys`, equality, enumeration, `mutableCopy`.
+#pragma once
+
+#include <cstdint>
+
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+
+namespace havrin::inline platform {
+
+/// Immutable. Cost: one allocation, and a count for each value. Threads: any.
+class HAVRIN_EXPORT NSKeyValueChangeDictionary final : public Object<NSKeyValueChangeDictionary, NSDictionary> {
+ public:
+  struct Values {
+    NSKeyValueChange kind = NSKeyValueChange::setting;
+    bool prior = false;
+    Strong<NSObject> newValue;  // null: no such entry
+    Strong<NSObject> oldValue;
+    Strong<NSObject> indexes;
+  };
+  explicit NSKeyValueChangeDictionary(Values values) noexcept : values_(std::move(values)) {}
+  ~NSKeyValueChangeDictionary() override;
+
+  [[nodiscard]] std::uint64_t count() const override;
+  [[nodiscard]] Strong<NSObject> objectForKey(const NSObject* key) const override;
+  [[nodiscard]] Strong<NSArray> allKeys() const override;
+  [[nodiscard]] Strong<NSObject> mutableCopy() const override;
+
+  /// This change with the entry `key`, which is not one of the change's own keys and lives as long as the process.
+  [[nodiscard]] Strong<NSDictionary> adding(NSString* key, Strong<NSObject> value) const;
+
+  /// A setting without values: the one object for all of them.
+  [[nodiscard]] static NSKeyValueChangeDictionary* plainSetting();
+
+ private:
+  // Calls `body(key, value)` for each entry until it answers true.
+  template <class Body>
+  bool any(Body body) const;
+
+  Values values_;
+  NSString* extraKey_ = nullptr;
+  Strong<NSObject> extraValue_;
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,82 @@
+#include <HavrinFoundation/platform/observing/key_facts.h>
+
+#include <string>
+
+#include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/observing/class_key_cache.h>
+#include <HavrinFoundation/platform/observing/key_rows.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+
+namespace havrin::inline platform {
+
+namespace {
+
+// The answer of the class method <name><Key>; null when the class has none.
+Strong<NSObject> askForKey(ClassOf<NSObject> self, const char* name, const NSString& key) {
+  ClassObject* meta = dispatchClass(self.object());
+  const std::string selector = withText(key, [name](std::string_view text) { return name + capitalised(text); });
+  const MethodRow* row = callableRow(*meta, selector, 0);
+  return row ? row->signature->call(meta->implementation(*row), self, nullptr) : nullptr;
+}
+
+bool automatically(ClassOf<NSObject> self, NSString* key) {
+  const Strong<NSObject> answer = askForKey(self, "automaticallyNotifiesObserversOf", *key);
+  return !answer || unboxBoolean(answer);
+}
+
+Strong<NSArray> affecting(ClassOf<NSObject> self, NSString* key) {
+  return blockArgument<NSArray>(askForKey(self, "keyPathsForValuesAffecting", *key));
+}
+
+constexpr MethodRow kClassRows[] = {
+    classRow<NSObject, "automaticallyNotifiesObserversForKey:", automatically>(),
+    classRow<NSObject, "keyPathsForValuesAffectingValueForKey:", affecting>(),
+};
+constinit const Category kKeyValueObserving{classObject<NSObject>, "KeyValueObserving", {}, kClassRows};
+
+// The layer runs nothing at load: the rows that the root class answers with come at the first registration.
+void attachDefaults() {
+  static const Category* const kCategories[] = {&kKeyValueObserving};
+  static const Loader kLoader(Image{.name = "key-value observing",
+                                    .identification = nullptr,
+                                    .strings = {},
+                                    .categories = kCategories,
+                                    .initialisers = {}});
+  static_cast<void>(kLoader);
+}
+
+KeyFacts ask(const ClassObject& shown, NSString& key) {
+  const ClassOf<NSObject> cls(&shown);
+  KeyFacts facts{};
+  facts.setter = withText(key, [](std::string_view text) { return Selector::known(setterName(text)); });
+  facts.isAutomatic = send<"automaticallyNotifiesObserversForKey:">(cls, &key);
+  if (const Strong<NSArray> paths = send<"keyPathsForValuesAffectingValueForKey:">(cls, &key);
+      paths && paths->count()) {
+    auto all = std::make_shared<KeyFacts::Paths>();
+    for (NSObject* path : each(paths)) all->push_back(keysOfPath(blockReference<NSString>(path)));
+    facts.affecting = std::move(all);
+  }
+  return facts;
+}
+
+// Never destroyed.
+ClassKeyCache<KeyFacts>& cache() {
+  static auto* const kCache = new ClassKeyCache<KeyFacts>;
+  return *kCache;
+}
+
+}  // namespace
+
+KeyFacts factsForKey(const ClassObject& shown, NSString& key) {
+  attachDefaults();
+  return withText(key, [&](std::string_view text) {
+    const std::uint64_t changes = methodChanges();
+    if (const auto known = cache().find(shown, text, changes)) return *known;
+    const KeyFacts facts = ask(shown, key);
+    const KeyRows rows = rowsForKey(shown, text);
+    if (rows.getter || rows.setter) cache().keep(shown, text, changes, facts);
+    return facts;
+  });
+}
+
+}  // namespace havrin::inline platform

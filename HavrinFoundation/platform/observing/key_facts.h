@@ -1,0 +1,26 @@
+// What observing asks a class about a key.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/class.h>
+
+namespace havrin::inline platform {
+
+struct KeyFacts {
+  using Paths = std::vector<std::vector<Strong<NSString>>>;
+
+  Selector setter;                         // set<Key>:, when anything bears that name
+  bool isAutomatic;                        // the setter notifies
+  std::shared_ptr<const Paths> affecting;  // paths whose change changes this key; null for none
+
+  [[nodiscard]] bool isAlone() const { return !affecting; }
+};
+
+/// Asks the class's own methods, once for each class and key that it has a method for.
+/// Throws: what those methods throw.
+[[nodiscard]] KeyFacts factsForKey(const ClassObject& shown, NSString& key);
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,93 @@
+// Key paths that the compiler checks: a key that the class has no message for does not compile.
+//
+//   station->addObserver(watcher, keyPath<Station, "host.name">, NSKeyValueObservingOptionNew, nullptr);
+//   utf8(*keyPath<Station, "host.name">)               "host.name"
+//   keyPath<Station, "hots.name">                      does not compile: "... no message for a step ..."
+//
+// A step is answered as key-value coding answers it: <key>, get<Key>, is<Key> or _<key>. Every step but the last must
+// lead to an object whose class is declared.
+#pragma once
+
+#include <HavrinFoundation/platform/foundation/lazy_string.h>
+#include <HavrinFoundation/platform/object/message.h>
+#include <HavrinFoundation/platform/object/text.h>
+
+namespace havrin::inline platform {
+
+namespace detail {
+
+template <Text Path, std::size_t Start, std::size_t Length>
+constexpr auto textPart() {
+  Text<Length + 1> part;
+  std::copy_n(Path.text + Start, Length, part.text);
+  return part;
+}
+
+// `prefix` before a key whose first letter is made upper-case: "get", "title" gives "getTitle".
+template <std::size_t P, std::size_t N>
+constexpr auto prefixedKey(const char (&prefix)[P], const Text<N>& key, bool capital) {
+  Text<P + N - 1> name;
+  std::copy_n(prefix, P - 1, name.text);
+  std::copy_n(key.text, N, name.text + P - 1);
+  char& first = name.text[P - 1];
+  if (capital && first >= 'a' && first <= 'z') first = static_cast<char>(first - 32);
+  return name;
+}
+
+template <class C, Text Key>
+constexpr auto findGetter() {
+  constexpr auto kGet = prefixedKey("get", Key, true);
+  constexpr auto kIs = prefixedKey("is", Key, true);
+  constexpr auto kPrivate = prefixedKey("_", Key, false);
+  if constexpr (Answers<C, kGet>) {
+    return MessageOf<C, kGet>{};
+  } else if constexpr (Answers<C, Key>) {
+    return MessageOf<C, Key>{};
+  } else if constexpr (Answers<C, kIs>) {
+    return MessageOf<C, kIs>{};
+  } else {
+    return MessageOf<C, kPrivate>{};
+  }
+}
+
+template <class Result>
+struct StepTarget {
+  using Type = void;
+};
+template <class T>
+struct StepTarget<Strong<T>> {
+  using Type = T;
+};
+
+template <class C, Text Path>
+consteval bool checkedPath() {
+  constexpr std::size_t kDot = Path.view().find('.');
+  constexpr std::size_t kEnd = kDot == std::string_view::npos ? Path.view().size() : kDot;
+  if constexpr (std::is_void_v<C>) {
+    static_assert(never<C>, "keyPath: a step before the last is no object");
+  } else {
+    using Found = decltype(findGetter<C, textPart<Path, 0, kEnd>()>());
+    if constexpr (std::is_same_v<Found, NotFound>) {
+      static_assert(never<C>, "keyPath: the class has no message for a step: is the key spelt right?");
+    } else if constexpr (!Found::template accepts<>() || std::is_void_v<typename Found::Result>) {
+      static_assert(never<C>, "keyPath: the message for a step takes an argument or returns nothing");
+    } else if constexpr (kDot != std::string_view::npos) {
+      using Next = typename StepTarget<typename Found::Result>::Type;
+      return checkedPath<Next, textPart<Path, kDot + 1, Path.view().size() - kDot - 1>()>();
+    }
+  }
+  return true;
+}
+
+template <class C, Text Path>
+requires(checkedPath<C, Path>()) struct CheckedPath {
+  static constexpr Text text = Path;
+};
+
+}  // namespace detail
+
+/// The key path as a string; converts to `NSString*`. Lives as long as the process.
+template <class C, Text Path>
+inline constinit const LazyString keyPath{detail::CheckedPath<C, Path>::text.text};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,80 @@
+#include <HavrinFoundation/platform/observing/key_rows.h>
+
+#include <utility>
+
+#include <HavrinFoundation/platform/object/boxing.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/observing/class_key_cache.h>
+
+namespace havrin::inline platform {
+
+namespace {
+
+// Never destroyed: late threads may still ask.
+ClassKeyCache<KeyRows>& cache() {
+  static auto* const kCache = new ClassKeyCache<KeyRows>;
+  return *kCache;
+}
+
+KeyRows findRows(const ClassObject& cls, std::string_view key) {
+  using Name = std::pair<std::string_view, std::string_view>;
+  const std::string capital = capitalised(key);
+  KeyRows rows;
+  for (const auto& [prefix, stem] : {Name{"get", capital}, Name{"", key}, Name{"is", capital}, Name{"_", key}}) {
+    rows.getter = callableRow(cls, std::string(prefix).append(stem), 0);
+    if (rows.getter) break;
+  }
+  for (const char* prefix : {"set", "_set"}) {
+    rows.setter = callableRow(cls, prefix + capital + ":", 1);
+    if (rows.setter) break;
+  }
+  return rows;
+}
+
+}  // namespace
+
+const MethodRow* callableRow(const ClassObject& cls, std::string_view name, std::size_t arguments) {
+  const MethodRow* row = cls.row(Selector::known(name));
+  if (!row || !row->signature->call || row->signature->argumentCount != arguments) return nullptr;
+  return arguments == 0 && *row->signature->type == typeid(void()) ? nullptr : row;
+}
+
+std::string capitalised(std::string_view key) {
+  std::string text(key);
+  if (!text.empty() && text[0] >= 'a' && text[0] <= 'z') text[0] = static_cast<char>(text[0] - 32);
+  return text;
+}
+
+std::string setterName(std::string_view key) { return "set" + capitalised(key) + ":"; }
+
+KeyRows rowsForKey(const ClassObject& shown, std::string_view key) {
+  const std::uint64_t changes = methodChanges();
+  if (const auto known = cache().find(shown, key, changes)) return *known;
+  const KeyRows rows = findRows(shown, key);
+  if (rows.getter || rows.setter) cache().keep(shown, key, changes, rows);
+  return rows;
+}
+
+Strong<NSString> plainString(NSString& text) {
+  if (classOf(text) == classOf<NSString>()) return &text;
+  return makeString(utf16(text));
+}
+
+std::vector<Strong<NSString>> keysOfPath(const NSString& path) {
+  const std::u16string units = utf16(path);
+  std::vector<Strong<NSString>> keys;
+  for (std::size_t from = 0; from <= units.size();) {
+    const std::size_t to = std::min(units.find(u'.', from), units.size());
+    keys.push_back(makeString(std::u16string_view(units).substr(from, to - from)));
+    from = to + 1;
+  }
+  return keys;
+}
+
+void requireKey(const NSObject& self, const NSString* key, std::string_view selector) {
+  if (key) return;
+  throw NSException(NSInvalidArgumentException,
+                    "-[" + std::string(classOf(self).name()) + " " + std::string(selector) + "]: the key is null");
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,49 @@
+// What a class has for a key: the rows that key-value coding and observing go through.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/class.h>
+
+namespace havrin::inline platform {
+
+struct KeyRows {
+  const MethodRow* getter = nullptr;
+  const MethodRow* setter = nullptr;
+};
+
+/// The rows that answer `key` in the class that the program sees. Kept per class and key until some class's methods
+/// change; keys that have no row are not kept, and no key makes a selector.
+/// Cost: a hash look-up under a shared lock. Threads: any.
+[[nodiscard]] KeyRows rowsForKey(const ClassObject& shown, std::string_view key);
+
+/// The row of this name that key-value coding can call with `arguments` objects; null when there is none.
+[[nodiscard]] const MethodRow* callableRow(const ClassObject& cls, std::string_view name, std::size_t arguments);
+
+/// "title" as "Title".
+[[nodiscard]] std::string capitalised(std::string_view key);
+
+/// "title" as "setTitle:".
+[[nodiscard]] std::string setterName(std::string_view key);
+
+/// Calls `body` with the text of a key as UTF-8, which for plain ASCII is the string's own.
+template <class Body>
+decltype(auto) withText(const NSString& key, Body&& body) {
+  if (key.isPlain() && !key.isWide()) return body(key.narrow());
+  return body(std::string_view(utf8(key)));
+}
+
+/// An immutable string of the layer's own class with the text of now, so that comparing it runs nobody else's code.
+[[nodiscard]] Strong<NSString> plainString(NSString& text);
+
+/// The keys of a path: "host.name" gives "host", "name". At least one, which may be empty.
+[[nodiscard]] std::vector<Strong<NSString>> keysOfPath(const NSString& path);
+
+/// Throws NSException (InvalidArgument) when `key` is null.
+void requireKey(const NSObject& self, const NSString* key, std::string_view selector);
+
+}  // namespace havrin::inline platform

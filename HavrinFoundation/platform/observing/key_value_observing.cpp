@@ -1,0 +1,148 @@
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/observing/change.h>
+#include <HavrinFoundation/platform/observing/key_rows.h>
+#include <HavrinFoundation/platform/observing/observable.h>
+
+namespace havrin::inline platform {
+
+namespace {
+
+// Between `willChangeValueForKey` and its `didChangeValueForKey`, which may never come: nothing in the table is kept
+// from going meanwhile.
+struct ManualChange {
+  Weak<NSObject> object;
+  Strong<NSString> key;
+  std::unique_ptr<WatcherList> list;
+  Change change;
+
+  ManualChange(NSObject& of, const Watch& watch, NSKeyValueChange kind, NSIndexSet* indexes)
+      : object(&of),
+        key(watch.key),
+        list(WatcherList::copy(watch.list(), static_cast<std::uint32_t>(watch.list().watchers().size()))),
+        change(of, *key, list->watchers(), kind, indexes) {}
+};
+
+// The changes of this thread that have been announced and not yet made.
+std::vector<std::unique_ptr<ManualChange>>& announced() {
+  thread_local std::vector<std::unique_ptr<ManualChange>> changes;
+  return changes;
+}
+
+void announce(NSObject& object, NSKeyValueChange kind, NSIndexSet* indexes, NSString& key) {
+  if (!dispatchClass(&object)->isNotifying()) return;
+  const Pin pin(&object);
+  const Watch* watch = pin.find(key);
+  if (!watch) return;
+  const Strong<NSObject> hold(&object);
+  auto change = std::make_unique<ManualChange>(object, *watch, kind, indexes);
+  announced().push_back(std::move(change));
+}
+
+void finish(NSObject& object, const NSString& key) {
+  auto& changes = announced();
+  const auto last = std::find_if(changes.rbegin(), changes.rend(), [&](const std::unique_ptr<ManualChange>& one) {
+    return one->object.address() == &object && one->key->isEqual(&key);
+  });
+  if (last == changes.rend()) return;
+  const Strong<NSObject> hold(&object);
+  const std::unique_ptr<ManualChange> change = std::move(*last);
+  changes.erase(std::next(last).base());
+  change->change.finish();
+}
+
+void end(const NSObject& object, const NSObject* observer, NSString* keyPath, std::optional<void*> context) {
+  requireKey(object, keyPath, "removeObserver:forKeyPath:");
+  const Strong<NSString> path = plainString(*keyPath);
+  const Strong<Registration> registration =
+      endRegistration(object, *keysOfPath(*path).front(), observer, *path, context);
+  if (!registration) {
+    throw NSException(NSRangeException, "-[" + std::string(classOf(object).name()) +
+                                            " removeObserver:forKeyPath:]: the observer is not registered for \"" +
+                                            utf8(*path) + "\"" + (context ? " with this context" : ""));
+  }
+  if (!registration->isSimple) registration->letGo();
+}
+
+void tellInitially(Registration& registration, NSObject& object) {
+  NSKeyValueChangeDictionary::Values values;
+  if (registration.wants(NSKeyValueObservingOptionNew)) {
+    values.newValue = object.valueForKeyPath(registration.path);
+    if (!values.newValue) values.newValue = NSNull::null();
+  }
+  tell(registration, &object, make<NSKeyValueChangeDictionary>(std::move(values)));
+}
+
+}  // namespace
+
+void requireObservable(const NSObject& object) {
+  if (!isKind<NSArray>(&object) && !Class::from(&object)) {
+    return;
+  }
+  throw NSException(NSInvalidArgumentException, "-[" + std::string(classOf(object).name()) +
+                                                    " addObserver:forKeyPath:options:context:]: collections and "
+                                                    "classes are not observable");
+}
+
+void NSObject::addObserver(NSObject* watcher, NSString* keyPath, std::uint64_t options, void* context) {
+  requireObservable(*this);
+  requireKey(*this, keyPath, "addObserver:forKeyPath:options:context:");
+  if (!watcher) {
+    throw NSException(
+        NSInvalidArgumentException,
+        "-[" + std::string(classOf(*this).name()) + " addObserver:forKeyPath:options:context:]: the observer is null");
+  }
+  const Strong<NSObject> hold(this);
+  const auto registration = make<Registration>(this, watcher, plainString(*keyPath), options, context);
+  registration->enter();
+  if (!registration->wants(NSKeyValueObservingOptionInitial)) return;
+  try {
+    tellInitially(*registration, *this);
+  } catch (...) {
+    static_cast<void>(registration->leave());
+    throw;
+  }
+}
+
+void NSObject::removeObserver(NSObject* watcher, NSString* keyPath, void* context) {
+  end(*this, watcher, keyPath, context);
+}
+
+void NSObject::removeObserver(NSObject* watcher, NSString* keyPath) { end(*this, watcher, keyPath, std::nullopt); }
+
+void NSObject::observeValueForKeyPath(NSString* keyPath, NSObject*, NSDictionary*, void*) {
+  throw NSException(NSInternalInconsistencyException,
+                    "-[" + std::string(classOf(*this).name()) +
+                        " observeValueForKeyPath:ofObject:change:context:]: not overridden, but called for \"" +
+                        (keyPath ? utf8(*keyPath) : "(null)") + "\"");
+}
+
+void NSObject::willChangeValueForKey(NSString* key) {
+  requireKey(*this, key, "willChangeValueForKey:");
+  announce(*this, NSKeyValueChange::setting, nullptr, *key);
+}
+
+void NSObject::didChangeValueForKey(NSString* key) {
+  requireKey(*this, key, "didChangeValueForKey:");
+  finish(*this, *key);
+}
+
+void NSObject::willChangeValuesAtIndexes(NSKeyValueChange kind, NSIndexSet* indexes, NSString* key) {
+  requireKey(*this, key, "willChange:valuesAtIndexes:forKey:");
+  announce(*this, kind, indexes, *key);
+}
+
+void NSObject::didChangeValuesAtIndexes(NSKeyValueChange, NSIndexSet*, NSString* key) {
+  requireKey(*this, key, "didChange:valuesAtIndexes:forKey:");
+  finish(*this, *key);
+}
+
+}  // namespace havrin::inline platform

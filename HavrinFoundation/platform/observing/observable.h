@@ -1,0 +1,11 @@
+// Which objects can be observed.
+#pragma once
+
+#include <HavrinFoundation/platform/object/object.h>
+
+namespace havrin::inline platform {
+
+/// Throws NSException (InvalidArgument) for arrays, sets, ordered sets and classes.
+void requireObservable(const NSObject& object);
+
+}  // namespace havrin::inline platform

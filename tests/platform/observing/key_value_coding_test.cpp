@@ -1,0 +1,227 @@
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+class Host : public Object<Host, NSObject> {
+  Strong<NSString> name_;
+
+ public:
+  using Members = List<Property<"name", &Host::name_>>;
+};
+
+class Station : public Object<Station, NSObject> {
+  Strong<Host> host_;
+  std::int64_t listeners_ = 0;
+  bool onAir_ = true;
+
+ public:
+  double rating = 0;
+  std::int64_t plainRating() { return 1; }
+  double getRating() { return rating; }
+  void takeRating(double value) { rating = value * 2; }  // a hand-written setter, under the private name
+  std::int64_t secret() { return 42; }
+  void announce() {}
+  bool isOnAir() { return onAir_; }
+  void setOnAir(bool value) { onAir_ = value; }
+  std::int64_t both(std::int64_t a, std::int64_t b) { return a + b; }
+
+  using Members = List<Property<"host", &Station::host_>, Property<"listeners", &Station::listeners_>,
+                       Method<"rating", &Station::plainRating>, Method<"getRating", &Station::getRating>,
+                       Method<"_setRating:", &Station::takeRating>, Method<"_secret", &Station::secret>,
+                       Method<"announce", &Station::announce>, Method<"isOnAir", &Station::isOnAir>,
+                       Method<"setOnAir:", &Station::setOnAir>, Method<"both:with:", &Station::both>>;
+};
+
+class Relay : public Object<Relay, Station> {
+ public:
+  Strong<NSString> asked;
+  std::int64_t nils = 0;
+  Strong<NSObject> valueForUndefinedKey(NSString* key) const override { return key; }
+  void setValueForUndefinedKey(NSObject*, NSString* key) override { asked = key; }
+  void setNilValueForKey(NSString*) override { ++nils; }
+};
+
+Strong<NSString> text(const char* ascii) { return makeString(ascii); }
+std::string shown(NSObject* object) { return object ? utf8(*object->description()) : "(null)"; }
+
+template <class F>
+std::string nameOf(F body) {
+  try {
+    body();
+  } catch (const NSException& exception) {
+    EXPECT_FALSE(exception.reason().empty());
+    return exception.name();
+  }
+  return "none";
+}
+
+}  // namespace
+
+template <>
+struct havrin::Message<Station, "added"> : Signature<std::int64_t()> {};
+
+namespace {
+
+std::int64_t added(Station&) { return 7; }
+constexpr MethodRow kAddedRows[] = {row<Station, "added", added>()};
+constinit const Category kAdded{classObject<Station>, "Added", kAddedRows, {}};
+
+}  // namespace
+
+TEST(KeyValueCoding, ReadsAndSetsThroughTheMethodsOfAKey) {
+  const auto station = make<Station>();
+  const struct {
+    const char* key;
+    Strong<NSObject> value;
+    const char* before;
+    const char* after;
+    const char* why;
+  } rows[] = {
+      {"listeners", makeNumber(12), "0", "12", "a property"},
+      {"listeners", makeNumber(12.9), "12", "12", "a real is truncated into an integer property"},
+      {"rating", makeNumber(2), "0", "4", "get<Key> goes before <key>, _set<Key>: is found"},
+      {"onAir", makeNumber(false), "1", "0", "is<Key>"},
+      {"host", make<Host>(), "(null)", nullptr, "an object"},
+      {"host", nullptr, nullptr, "(null)", "null for an object"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto key = text(row.key);
+    if (row.before) {
+      EXPECT_EQ(shown(station->valueForKey(key)), row.before);
+    }
+    station->setValueForKey(row.value, key);
+    if (row.after) {
+      EXPECT_EQ(shown(station->valueForKey(key)), row.after);
+    }
+  }
+  EXPECT_EQ(shown(station->valueForKey(text("_secret"))), "42");
+  EXPECT_EQ(shown(station->valueForKey(text("secret"))), "42");
+  EXPECT_EQ(shown(station->valueForKey(makeString(u"listeners"))), "12");
+}
+
+TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
+  const auto station = make<Station>();
+  const struct {
+    Strong<NSString> key;
+    Strong<NSObject> value;
+    std::string_view reading;
+    std::string_view setting;
+    const char* why;
+  } rows[] = {
+      {text("nothing"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "no method"},
+      {text("Listeners"), makeNumber(1), NSUndefinedKeyException, "none", "letter case counts, but for the setter's"},
+      {text(""), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "the empty key"},
+      {makeString("größe"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "not ASCII"},
+      {text("announce"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "returns nothing"},
+      {text("both:with:"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "takes two"},
+      {text("_secret"), makeNumber(1), "none", NSUndefinedKeyException, "no setter"},
+      {text("listeners"), nullptr, "none", NSInvalidArgumentException, "null for a number"},
+      {text("onAir"), text("yes"), "none", NSInvalidArgumentException, "text for a boolean"},
+      {text("host"), makeNumber(1), "none", NSInvalidArgumentException, "another class"},
+      {nullptr, makeNumber(1), NSInvalidArgumentException, NSInvalidArgumentException, "the null key"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(nameOf([&] { (void)station->valueForKey(row.key); }), row.reading);
+    EXPECT_EQ(nameOf([&] { station->setValueForKey(row.value, row.key); }), row.setting);
+  }
+  EXPECT_EQ(nameOf([] { (void)make<NSObject>()->valueForKey(makeString("a.b")); }), NSUndefinedKeyException);
+}
+
+TEST(KeyValueCoding, AsksAClassThatWantsToAnswerForUndefinedKeysAndNull) {
+  const auto relay = make<Relay>();
+  EXPECT_EQ(shown(relay->valueForKey(text("nothing"))), "nothing");
+  relay->setValueForKey(nullptr, text("nobody"));
+  EXPECT_EQ(shown(relay->asked), "nobody");
+  relay->setValueForKey(nullptr, text("listeners"));
+  EXPECT_EQ(relay->nils, 1);
+  relay->setValueForKey(makeNumber(3), text("listeners"));
+  EXPECT_EQ(shown(relay->valueForKey(text("listeners"))), "3");
+}
+
+TEST(KeyValueCoding, FollowsPathsAndStopsAtNull) {
+  const auto station = make<Station>();
+  const auto path = text("host.name");
+  EXPECT_FALSE(station->valueForKeyPath(path));
+  station->setValueForKeyPath(text("lost"), path);  // nobody there to be named
+  station->setValueForKey(make<Host>(), text("host"));
+  EXPECT_FALSE(station->valueForKeyPath(path));
+  station->setValueForKeyPath(text("Ada"), path);
+  EXPECT_EQ(shown(station->valueForKeyPath(path)), "Ada");
+  EXPECT_EQ(shown(station->valueForKeyPath(keyPath<Station, "host.name">)), "Ada");
+  EXPECT_EQ(shown(station->valueForKeyPath(makeString(u"listeners"))), "0");
+  for (const char* bad : {"host.nothing", "nothing.name", "host.", ".host", "host..name", "."}) {
+    EXPECT_EQ(nameOf([&] { (void)station->valueForKeyPath(text(bad)); }), NSUndefinedKeyException) << bad;
+  }
+  EXPECT_EQ(nameOf([&] { (void)station->valueForKeyPath(nullptr); }), NSInvalidArgumentException);
+}
+
+TEST(KeyValueCoding, ReadsEntriesOfDictionaries) {
+  const auto dictionary = make<NSMutableDictionary>();
+  dictionary->setValueForKey(make<Host>(), text("host"));
+  dictionary->setValueForKeyPath(text("Ada"), text("host.name"));
+  EXPECT_EQ(shown(dictionary->valueForKeyPath(text("host.name"))), "Ada");
+  dictionary->setValueForKey(nullptr, text("host"));
+  EXPECT_FALSE(dictionary->valueForKey(text("host")));
+  EXPECT_EQ(dictionary->count(), 0U);
+  EXPECT_EQ(nameOf([] { make<NSDictionary>()->setValueForKey(nullptr, makeString("a")); }), NSUndefinedKeyException);
+}
+
+TEST(KeyValueCoding, SeesMethodsThatACategoryBringsLater) {
+  const auto station = make<Station>();
+  const auto key = text("added");
+  EXPECT_EQ(nameOf([&] { (void)station->valueForKey(key); }), NSUndefinedKeyException);
+  EXPECT_EQ(shown(station->valueForKey(text("listeners"))), "0");
+  const Category* const categories[] = {&kAdded};
+  const Loader loader(
+      Image{.name = "added", .identification = nullptr, .strings = {}, .categories = categories, .initialisers = {}});
+  EXPECT_EQ(shown(station->valueForKey(key)), "7");
+  EXPECT_EQ(shown(station->valueForKey(text("listeners"))), "0");
+}
+
+TEST(KeyValueCoding, MakesNoSelectorsOfTextFromOutside) {
+  const auto station = make<Station>();
+  EXPECT_EQ(nameOf([&] { (void)station->valueForKey(text("keyFromAFile")); }), NSUndefinedKeyException);
+  EXPECT_EQ(nameOf([&] { station->setValueForKey(nullptr, text("keyFromAFile")); }), NSUndefinedKeyException);
+  for (const char* name :
+       {"keyFromAFile", "getKeyFromAFile", "isKeyFromAFile", "setKeyFromAFile:", "_setKeyFromAFile:"}) {
+    EXPECT_FALSE(Selector::known(name)) << name;
+  }
+}
+
+TEST(KeyValueCoding, MayBeUsedFromSeveralThreads) {
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([] {
+      const auto station = make<Station>();
+      for (int i = 0; i < 500; ++i) {
+        station->setValueForKey(makeNumber(i), makeString("listeners"));
+        EXPECT_EQ(shown(station->valueForKey(makeString("listeners"))), std::to_string(i));
+      }
+    });
+  }
+  for (auto& thread : threads) thread.join();
+}
+
+TEST(KeyPaths, AreStringsThatLiveForEver) {
+  NSString* const once = keyPath<Station, "host.name">;
+  NSString* const again = keyPath<Station, "host.name">;
+  EXPECT_EQ(once, again);
+  EXPECT_EQ(utf8(*once), "host.name");
+  EXPECT_EQ(utf8(*keyPath<Relay, "onAir">), "onAir");
+  EXPECT_EQ(utf8(*keyPath<Station, "secret">), "secret");
+}
