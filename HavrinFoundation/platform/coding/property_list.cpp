@@ -18,6 +18,13 @@ struct ByKey {
 
 PropertyList::PropertyList(Dictionary value) : value_(std::make_shared<const Dictionary>(std::move(value))) {}
 
+// Out of line: ten alternatives make much code at every place where a value is moved.
+PropertyList::PropertyList(const PropertyList& other) = default;
+PropertyList::PropertyList(PropertyList&& other) noexcept = default;
+PropertyList& PropertyList::operator=(const PropertyList& other) = default;
+PropertyList& PropertyList::operator=(PropertyList&& other) noexcept = default;
+PropertyList::~PropertyList() = default;
+
 PropertyList::Kind PropertyList::kind() const noexcept {
   if (std::holds_alternative<std::uint64_t>(value_)) return Kind::integer;
   return static_cast<Kind>(value_.index());

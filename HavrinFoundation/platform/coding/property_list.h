@@ -69,6 +69,12 @@ class HAVRIN_EXPORT PropertyList {
   explicit PropertyList(Array value) : value_(std::make_shared<const Array>(std::move(value))) {}
   explicit PropertyList(Dictionary value);
 
+  PropertyList(const PropertyList& other);
+  PropertyList(PropertyList&& other) noexcept;
+  PropertyList& operator=(const PropertyList& other);
+  PropertyList& operator=(PropertyList&& other) noexcept;
+  ~PropertyList();
+
   [[nodiscard]] Kind kind() const noexcept;
 
   /// The value, where it is of that kind.
