@@ -19,7 +19,6 @@ constexpr const char* kHelp =
   --colours never|always|auto   auto: on a terminal, unless NO_COLOR is set
   --keys TEXT                   keys typed by a script, for runs without a keyboard
   --link URL                    show a link and its campaign parameters, and exit
-  --state FILE, --no-state      where favourites and the search are kept (~/.local/state/havrin-radio)
 
 Keys: type to search, Backspace takes back, Enter shares the first station, Tab shuffles, * hides all but favourites,
       + makes the first station a favourite, Esc clears, q (with an empty search) or Ctrl-C ends.
@@ -39,8 +38,6 @@ std::variant<Options, Answer> readOptions(int count, const char* const* words) {
       options.once = true;
     } else if (word == "--verbose") {
       options.verbose = true;
-    } else if (word == "--no-state") {
-      options.keepsState = false;
     } else if (word == "--seconds") {
       const char* text = value();
       const char* end = text ? text + std::strlen(text) : nullptr;
@@ -59,10 +56,10 @@ std::variant<Options, Answer> readOptions(int count, const char* const* words) {
       } else {
         return misuse("--colours takes never, always or auto");
       }
-    } else if (word == "--keys" || word == "--link" || word == "--state") {
+    } else if (word == "--keys" || word == "--link") {
       const char* text = value();
       if (!text) return misuse(std::string(word) + " takes a value");
-      (word == "--keys" ? options.keys : word == "--link" ? options.link : options.stateFile) = text;
+      (word == "--keys" ? options.keys : options.link) = text;
     } else if (word.starts_with("-") && word != "-") {
       return misuse("there is no option " + std::string(word));
     } else if (options.stationsFile.empty()) {

@@ -13,8 +13,6 @@ struct Options {
   std::string stationsFile;              // the shipped one when empty
   std::optional<std::string> link;       // shown with its campaign parameters, instead of the board
   std::optional<std::string> keys;       // typed by a script instead of the keyboard
-  std::optional<std::string> stateFile;  // where favourites and the search are kept
-  bool keepsState = true;
   bool once = false;
   bool verbose = false;
   double seconds = 30;  // 0: until q

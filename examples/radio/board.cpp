@@ -1,0 +1,232 @@
+#include "board.h"
+
+#include <algorithm>
+#include <cctype>
+#include <utility>
+
+#include <HavrinFoundation/collections/array_blocks_messages.h>
+#include <HavrinFoundation/collections/collection_helpers_messages.h>
+#include <HavrinFoundation/colours/colour_arithmetic.h>
+#include <HavrinFoundation/dates/date_arithmetic.h>
+#include <HavrinFoundation/dates/shared_formatter.h>
+#include <HavrinFoundation/frame/rate_limits_messages.h>
+#include <HavrinFoundation/links/app_identity.h>
+#include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/observation/key_value_observation.h>
+#include <HavrinFoundation/observation/responder_observations_messages.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/text/base36.h>
+#include <HavrinFoundation/text/friendly_number.h>
+#include <HavrinFoundation/text/sha256.h>
+#include <HavrinFoundation/text/string_helpers.h>
+
+namespace radio {
+
+using namespace havrin;
+
+namespace {
+
+constexpr double kSearchDelaySeconds = 0.2;
+constexpr double kRefreshIntervalSeconds = 0.1;
+constexpr double kDimmed = 0.65;
+
+std::string lowered(std::string_view text) {
+  std::string result(text);
+  for (char& unit : result) {
+    if (static_cast<unsigned char>(unit) < 0x80)
+      unit = static_cast<char>(std::tolower(static_cast<unsigned char>(unit)));
+  }
+  return result;
+}
+
+// What a search may be made of: letters and digits of any script, and blanks.
+bool isSearchText(std::string_view text) {
+  static const CharacterSet kAllowed = [] {
+    CharacterSet allowed = CharacterSet::alphanumerics();
+    allowed.insert(U' ');
+    return allowed;
+  }();
+  return containsOnlyCharacters(text, kAllowed);
+}
+
+std::string onAirText(Date since, Date now) {
+  const std::int64_t days = numberOfCalendarDays(since, now);
+  if (days < 0) return "soon";
+  if (days == 0) return "today";
+  if (days == 1) return "yesterday";
+  return friendlyNumber(days) + " days";
+}
+
+std::string httpDate() { return "Date: " + utf8(*rfc1123<NSDateFormatter>()->stringFromDate(NSDate::date())); }
+
+// The link as it is shared: with the campaign that the sharing is counted under.
+std::string shareLink(const Station& station) {
+  UTMParameters campaign;
+  campaign.campaign = "board";
+  campaign.medium = "share";
+  campaign.source = "havrin-radio";
+  campaign.term = station.entry().genre;
+  auto link = URL::fromString(station.entry().link);
+  if (link) add(*link, campaign);
+  return link ? std::string(link->relativeString()) : station.entry().link;
+}
+
+}  // namespace
+
+Board::Board(const NSArray& stations, std::string source, std::size_t skipped, std::function<void()> redraw)
+    : all_(stations.snapshot()),
+      order_(static_cast<NSMutableArray*>(stations.mutableCopy().get())),
+      visible_(all_),
+      source_(std::move(source)),
+      skipped_(skipped),
+      redraw_(std::move(redraw)) {
+  for (NSObject* object : each(all_)) {
+    const auto& station = static_cast<const Station&>(*object);
+    shown_[&station] = {station.entry().listeners, station.entry().song};
+  }
+}
+
+void Board::observe() {
+  const auto paths = makeArray({makeString("listeners"), makeString("song")});
+  const Block<void(NSObject*, NSObject*, NSDictionary*)> action =
+      [](Board& board, Station& station, NSDictionary& change) { board.note(station, change); };
+  for (NSObject* station : each(all_)) {
+    send<"observeModel:forKeyPaths:options:action:">(
+        *this, station, paths, KeyValueObservationOptionSkipInitial | KeyValueObservationOptionSkipUnchanged, action);
+  }
+}
+
+void Board::note(Station& station, const NSDictionary& change) {
+  const Strong<NSObject> value = change.objectForKey(makeString("new"));
+  Shown& shown = shown_.at(&station);
+  if (const auto* listeners = cast<NSNumber>(value.get())) shown.listeners = listeners->integerValue();
+  if (const auto* song = cast<NSString>(value.get())) shown.song = utf8(*song);
+  send<"h_throttle:delay:">(*this, selector<"refresh">, kRefreshIntervalSeconds);
+}
+
+bool Board::press(std::string_view key) {
+  note_.clear();
+  if (key == "q" && search_.empty()) return false;
+  if (key == "\x1b") {
+    search_.clear();
+    favouritesOnly_ = false;
+  } else if (key == "\x7f" || key == "\b") {
+    while (!search_.empty() && (static_cast<unsigned char>(search_.back()) & 0xC0) == 0x80) search_.pop_back();
+    if (!search_.empty()) search_.pop_back();
+  } else if (key == "\t") {
+    send<"shuffle">(order_);
+  } else if (key == "*") {
+    favouritesOnly_ = !favouritesOnly_;
+  } else if (key == "+") {
+    if (auto* first = static_cast<Station*>(visible_->firstObject().get())) first->setFavourite(!first->isFavourite());
+  } else if (key == "\r" || key == "\n") {
+    share();
+  } else if (isSearchText(key)) {
+    search_ += key;
+  } else {
+    note_ = "Search for letters, digits and blanks.";
+  }
+  // The key is shown at once, the search runs when the typing pauses.
+  send<"h_debounce:delay:">(*this, selector<"applySearch">, kSearchDelaySeconds);
+  refresh();
+  return true;
+}
+
+void Board::setSearch(const std::string& search) {
+  if (isSearchText(search)) search_ = search;
+  applySearch();
+}
+
+void Board::applySearch() {
+  const std::string wanted = lowered(search_);
+  Strong<NSArray> found = send<"select:">(order_, [&](const Station& station) {
+    const StationEntry& entry = station.entry();
+    return lowered(entry.name + "\n" + entry.genre + "\n" + entry.song).find(wanted) != std::string::npos;
+  });
+  if (favouritesOnly_) {
+    const Strong<NSArray> others = send<"reject:">(all_, [](const Station& station) { return station.isFavourite(); });
+    const auto kept = Strong<NSMutableArray>(static_cast<NSMutableArray*>(found->mutableCopy().get()));
+    (void)send<"hav_removeObjectsInArray:">(kept, others);
+    found = kept->snapshot();
+  }
+  visible_ = found;
+  refresh();
+}
+
+void Board::refresh() { redraw_(); }
+
+void Board::share() {
+  const auto* first = static_cast<const Station*>(visible_->firstObject().get());
+  note_ = first ? shareLink(*first) : "Nothing to share: the search finds no station.";
+}
+
+std::string Board::row(const Station& station, std::size_t width, const Paint& paint) const {
+  const StationEntry& entry = station.entry();
+  const Shown& shown = shown_.at(&station);
+  const bool onAir = !shown.song.empty();
+  const Date now = Date::now();
+  const Date since = fromMillisecondsSince1970<Date>(entry.onAirSince);
+  const std::string birthday = isSameMonthAndDayAsToday(since) ? " *" : "";
+
+  const std::size_t name = std::clamp<std::size_t>(width / 4, 14, 30);
+  const std::size_t fixed = 2 + 6 + 9 + name + 1 + 12 + 1 + 7 + 7 + 1 + 12 + 1;
+  const std::string song = onAir ? shown.song : "off the air";
+  const std::string left = fitted(station.isFavourite() ? "★" : "", 2) + fitted(base36Value(entry.identifier), 6) +
+                           fitted(groupedSHA256(entry.link).value_or("").substr(0, 8), 9) + fitted(entry.name, name) +
+                           " ";
+  const std::string right =
+      " " + fitted(friendlyNumber(shown.listeners), 7, true) + fitted(friendlyNumber(entry.plays), 7, true) + " " +
+      fitted(onAirText(since, now) + birthday, 12) + " " + (width > fixed ? fitted(song, width - fixed) : "");
+  const std::string genre = " " + fitted(entry.genre, 10) + " ";
+  if (onAir) return left + paint.swatch(genre, station.colour()) + right;
+  // Off the air: the colour is mixed with grey, the rest is faint.
+  const Strong<UIColor> dimmed = blend(station.colour(), *UIColor::grayColor(), kDimmed);
+  return paint.faint(left) + paint.swatch(genre, *dimmed) + paint.faint(right);
+}
+
+std::vector<std::string> Board::footer(std::size_t width, const Paint& paint) const {
+  std::vector<std::string> lines;
+  lines.push_back(paint.faint(fitted(std::string(width, '-'), width)));
+  lines.push_back(note_.empty() ? paint.faint(fitted(
+                                      "type to search  Enter share  Tab shuffle  * favourites  + mark  q end", width))
+                                : fitted(note_, width));
+  lines.push_back(paint.faint(fitted(httpDate(), width)));
+  lines.push_back(paint.faint(fitted(havrinAppUserAgentString(*NSBundle::mainBundle()), width)));
+  return lines;
+}
+
+std::vector<std::string> Board::lines(Terminal::Size size, const Paint& paint) const {
+  const std::size_t width = std::clamp<std::size_t>(size.width, 60, 160);
+  const Strong<NSObject> listeners =
+      send<"reduce:withBlock:">(visible_, makeNumber(0), [this](const NSNumber& sum, const Station& station) {
+        return Strong<NSObject>(makeNumber(sum.integerValue() + shown_.at(&station).listeners));
+      });
+  const Strong<NSArray> onAir =
+      send<"select:">(visible_, [this](const Station& station) { return !shown_.at(&station).song.empty(); });
+
+  std::vector<std::string> lines;
+  const std::string counts = std::to_string(visible_->count()) + " of " + std::to_string(all_->count()) +
+                             " stations, " + std::to_string(onAir->count()) + " on the air, " +
+                             friendlyNumber(cast<NSNumber>(listeners.get())->integerValue()) + " listeners";
+  lines.push_back(paint.bold("HAVRIN RADIO  ") + fitted(counts, width > 14 ? width - 14 : 0));
+  const std::string filter = "search: " + search_ + "_" + (favouritesOnly_ ? "   favourites only" : "");
+  const std::string file = source_ + (skipped_ ? ": " + std::to_string(skipped_) + " entries skipped" : "");
+  const std::size_t half = width / 2;
+  lines.push_back(fitted(filter, half) + paint.faint(fitted(file, width - half, true)));
+  lines.emplace_back();
+
+  const std::size_t name = std::clamp<std::size_t>(width / 4, 14, 30);
+  lines.push_back(
+      paint.bold(fitted("  No.   Key      " + fitted("Station", name) + " Genre        " + fitted("Listen", 7, true) +
+                            fitted("Plays", 7, true) + " " + fitted("On air", 12) + " Playing",
+                        width)));
+  const std::vector<std::string> end = footer(width, paint);
+  const std::size_t room = size.height > lines.size() + end.size() ? size.height - lines.size() - end.size() : 1;
+  for (std::uint64_t i = 0; i < std::min<std::uint64_t>(room, visible_->count()); ++i) {
+    lines.push_back(row(static_cast<const Station&>(*visible_->objectAtIndex(i)), width, paint));
+  }
+  lines.insert(lines.end(), end.begin(), end.end());
+  return lines;
+}
+
+}  // namespace radio

@@ -1,0 +1,67 @@
+// The board: a responder that observes its stations and says what is to be drawn. Everything here runs on the main queue.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/graphics/responder.h>
+
+#include "screen.h"
+#include "station.h"
+
+namespace radio {
+
+class Board : public havrin::Object<Board, havrin::UIResponder> {
+ public:
+  /// `stations` of Station; `redraw` is called when something has changed, at most ten times a second.
+  Board(const havrin::NSArray& stations, std::string source, std::size_t skipped, std::function<void()> redraw);
+
+  /// Starts to observe the stations. Before any studio works on them.
+  void observe();
+
+  /// A key that was typed: one character, or a control code. Result: false when the board is to end.
+  bool press(std::string_view key);
+
+  [[nodiscard]] std::vector<std::string> lines(Terminal::Size size, const Paint& paint) const;
+
+  [[nodiscard]] const std::string& search() const { return search_; }
+  void setSearch(const std::string& search);
+  [[nodiscard]] havrin::Strong<havrin::NSArray> stations() const { return all_; }
+
+ private:
+  // What is shown of a station; kept up to date from the changes that are observed.
+  struct Shown {
+    std::int64_t listeners;
+    std::string song;
+  };
+
+  void note(Station& station, const havrin::NSDictionary& change);
+  void applySearch();
+  void refresh();
+  void share();
+  [[nodiscard]] std::string row(const Station& station, std::size_t width, const Paint& paint) const;
+  [[nodiscard]] std::vector<std::string> footer(std::size_t width, const Paint& paint) const;
+
+  havrin::Strong<havrin::NSArray> all_;
+  havrin::Strong<havrin::NSMutableArray> order_;  // all of them, as shuffled
+  havrin::Strong<havrin::NSArray> visible_;       // those that the search finds and that are not hidden
+  std::unordered_map<const Station*, Shown> shown_;
+  std::string source_;
+  std::size_t skipped_;
+  std::function<void()> redraw_;
+  std::string search_;
+  std::string note_;
+  bool favouritesOnly_ = false;
+
+ public:
+  using Members =
+      havrin::List<havrin::Method<"applySearch", &Board::applySearch>, havrin::Method<"refresh", &Board::refresh>>;
+};
+
+}  // namespace radio

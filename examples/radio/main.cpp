@@ -1,0 +1,147 @@
+// A board of radio stations in a terminal: what an application does with the library, on one screen.
+#include <poll.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/dispatch/host_loop.h>
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/foundation/unicode.h>
+
+#include "board.h"
+#include "options.h"
+#include "screen.h"
+#include "station_file.h"
+#include "studios.h"
+
+namespace {
+
+using namespace radio;
+
+// The shipped stations stand beside the program.
+std::string shippedFile() {
+  std::error_code error;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+  return (program.parent_path() / "stations.json").string();
+}
+
+int showLink(const std::string& text) {
+  const auto link = havrin::URL::fromString(text);
+  if (!link) {
+    std::fprintf(stderr, "radio: no link by RFC 3986: %s\n", text.c_str());
+    return 2;
+  }
+  std::printf("%s\n", text.c_str());
+  const auto campaign = havrin::fromUrl<havrin::UTMParameters>(link);
+  if (!campaign) {
+    std::printf("  no campaign parameters\n");
+    return 0;
+  }
+  const std::pair<const char*, const std::optional<std::string>&> fields[] = {
+      {"campaign", campaign->campaign}, {"content", campaign->content}, {"medium", campaign->medium},
+      {"name", campaign->name},         {"source", campaign->source},   {"term", campaign->term}};
+  for (const auto& [name, value] : fields) {
+    if (value) std::printf("  %-10s %s\n", name, value->c_str());
+  }
+  return 0;
+}
+
+// Typed bytes as keys: one character each, Enter and Escape included. What follows Escape at once is a function key's,
+// and dropped.
+std::vector<std::string> keysOf(std::string_view typed) {
+  std::vector<std::string> keys;
+  while (!typed.empty()) {
+    if (typed.size() > 1 && typed[0] == '\x1b') return keys;
+    const std::size_t length = havrin::scalarAt(typed, 0).length;
+    keys.emplace_back(typed.substr(0, length));
+    typed.remove_prefix(length);
+  }
+  return keys;
+}
+
+// Without a terminal: the script's keys are typed, the studios work for a moment, the final state is printed.
+void runOnce(Board& board, const Options& options, const Paint& paint) {
+  bool goesOn = true;
+  for (const std::string& key : keysOf(options.keys.value_or(""))) goesOn = goesOn && board.press(key);
+  constexpr double kMomentSeconds = 0.6;
+  {
+    const Studios studios(*board.stations());
+    havrin::RunLoop::current().runUntil(havrin::monotonicSeconds() + kMomentSeconds);
+  }
+  while (havrin::RunLoop::current().runDue()) {
+  }
+  for (const std::string& line : board.lines({Terminal::size().width, 40}, paint)) std::printf("%s\n", line.c_str());
+}
+
+// The board in place until q or until its time is over. The main queue lives inside this loop over descriptors.
+void runOnTerminal(Board& board, const Options& options, const Paint& paint, bool& changed) {
+  const Terminal terminal;
+  const Studios studios(*board.stations());
+  std::vector<std::string> script = keysOf(options.keys.value_or(""));
+  const double end = options.seconds > 0 ? havrin::monotonicSeconds() + options.seconds : HUGE_VAL;
+  terminal.draw(board.lines(Terminal::size(), paint));
+  for (double now = 0; (now = havrin::monotonicSeconds()) < end;) {
+    pollfd descriptors[] = {{havrin::mainLoopDescriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
+    constexpr double kLongestWait = 0.5;  // the clock on the board moves on
+    poll(descriptors, 2, static_cast<int>(1000 * std::min(kLongestWait, end - now)));
+    havrin::drainMainLoop();
+    std::vector<std::string> keys = std::exchange(script, {});
+    if (descriptors[1].revents) {
+      for (std::string& key : keysOf(terminal.typed())) keys.push_back(std::move(key));
+    }
+    for (const std::string& key : keys) {
+      if (!board.press(key)) return;
+    }
+    if (std::exchange(changed, false)) terminal.draw(board.lines(Terminal::size(), paint));
+  }
+}
+
+int run(const Options& options) {
+  if (options.link) return showLink(*options.link);
+  const std::string file = options.stationsFile.empty() ? shippedFile() : options.stationsFile;
+  const LoadedStations loaded = loadStations(file);
+  if (!loaded.problem.empty()) {
+    std::fprintf(stderr, "radio: cannot read the stations from %s\n", loaded.problem.c_str());
+    return 2;
+  }
+  if (options.verbose) {
+    for (const std::string& reason : loaded.skipped) std::fprintf(stderr, "radio: skipped: %s\n", reason.c_str());
+  }
+
+  const bool onTerminal = Terminal::isPresent() && !options.once;
+  const bool colours = options.colours == Colours::always ||
+                       (options.colours == Colours::automatic && isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR"));
+  const Paint paint(colours);
+  bool changed = false;
+  const auto board = havrin::make<Board>(*loaded.stations, std::filesystem::path(file).filename().string(),
+                                         loaded.skipped.size(), [&changed] { changed = true; });
+  board->observe();
+  if (onTerminal) {
+    runOnTerminal(*board, options, paint, changed);
+  } else {
+    runOnce(*board, options, paint);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  const auto read = readOptions(count, words);
+  if (const auto* answer = std::get_if<Answer>(&read)) {
+    std::fputs(answer->text.c_str(), answer->status ? stderr : stdout);
+    return answer->status;
+  }
+  return run(std::get<Options>(read));
+}

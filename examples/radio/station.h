@@ -1,0 +1,64 @@
+// One radio station: as it stands in a file, and as the object that the board observes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <HavrinFoundation/platform/coding/decoding.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/graphics/ui_color.h>
+#include <HavrinFoundation/platform/object/members.h>
+
+namespace radio {
+
+/// A station as a file describes it.
+struct StationEntry {
+  std::int64_t identifier = 0;
+  std::int64_t onAirSince = 0;  // milliseconds since 1970
+  std::string name;
+  std::string song;  // empty: off the air
+  std::int64_t listeners = 0;
+  std::int64_t plays = 0;
+  std::string genre;
+  std::string genreColour;
+  std::string link;
+  bool favourite = false;
+
+  using Fields = havrin::FieldList<
+      havrin::Field<"identifier", &StationEntry::identifier>, havrin::Field<"onAirSince", &StationEntry::onAirSince>,
+      havrin::Field<"name", &StationEntry::name>, havrin::Field<"song", &StationEntry::song>,
+      havrin::Field<"listeners", &StationEntry::listeners>, havrin::Field<"plays", &StationEntry::plays>,
+      havrin::Field<"genre", &StationEntry::genre>, havrin::Field<"genreColour", &StationEntry::genreColour>,
+      havrin::Field<"link", &StationEntry::link>, havrin::Field<"favourite", &StationEntry::favourite>>;
+
+  /// The fields, and a colour code and a link that can be read.
+  static havrin::Decoded<StationEntry> fromDecoder(havrin::Decoder& decoder);
+};
+
+/// A station on the board. What the studios change, `listeners` and `song`, is read on the board from the changes that
+/// it is told of, never from here: the studios work on threads of their own.
+class Station : public havrin::Object<Station, havrin::NSObject> {
+ public:
+  explicit Station(const StationEntry& entry);
+
+  [[nodiscard]] const StationEntry& entry() const { return entry_; }
+  [[nodiscard]] const havrin::UIColor& colour() const { return *colour_; }
+  [[nodiscard]] bool isFavourite() const { return favourite_; }
+  void setFavourite(bool favourite) { set<"favourite">(favourite); }
+  void setListeners(std::int64_t listeners) { set<"listeners">(listeners); }
+  void setSong(havrin::NSString* song) { set<"song">(song); }
+
+ private:
+  StationEntry entry_;
+  havrin::Strong<havrin::UIColor> colour_;
+  havrin::Strong<havrin::NSString> song_;
+  std::int64_t listeners_ = 0;
+  bool favourite_ = false;
+
+ public:
+  using Members =
+      havrin::List<havrin::Property<"listeners", &Station::listeners_>, havrin::Property<"song", &Station::song_>,
+                   havrin::Property<"favourite", &Station::favourite_>>;
+};
+
+}  // namespace radio

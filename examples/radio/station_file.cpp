@@ -1,0 +1,40 @@
+#include "station_file.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#include <HavrinFoundation/platform/coding/json_decoder.h>
+#include <HavrinFoundation/runtime/lenient_decoding.h>
+
+#include "station.h"
+
+namespace radio {
+
+using namespace havrin;
+
+LoadedStations loadStations(const std::string& path) {
+  LoadedStations loaded;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    loaded.problem = path + ": " + std::strerror(errno);
+    return loaded;
+  }
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  try {
+    const auto entries = JSONDecoder().read(text, [&loaded](Decoder& document) {
+      return decodeArraySkippingInvalidElements<StationEntry>(
+          document.container(), "stations",
+          [&loaded](const SkippedElement& skipped) { loaded.skipped.emplace_back(skipped.reason.what()); });
+    });
+    ArrayBuilder stations(entries.size());
+    for (const StationEntry& entry : entries) stations.add(make<Station>(entry));
+    loaded.stations = stations.finish();
+  } catch (const DecodingError& error) {
+    loaded.problem = path + ": " + error.what();
+  }
+  return loaded;
+}
+
+}  // namespace radio

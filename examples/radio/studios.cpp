@@ -1,0 +1,54 @@
+#include "studios.h"
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+
+#include "station.h"
+
+namespace radio {
+
+using namespace havrin;
+
+namespace {
+
+constexpr std::size_t kStudios = 2;
+constexpr auto kPause = std::chrono::milliseconds(60);
+
+}  // namespace
+
+Studios::Studios(const NSArray& stations) : stations_(stations.snapshot()) {
+  for (std::size_t studio = 0; studio < kStudios; ++studio) threads_.emplace_back([this, studio] { work(studio); });
+}
+
+Studios::~Studios() {
+  {
+    const std::lock_guard guard(mutex_);
+    ends_ = true;
+  }
+  ended_.notify_all();
+  for (std::thread& thread : threads_) thread.join();
+}
+
+void Studios::work(std::size_t studio) {
+  std::mt19937 random(static_cast<unsigned>(studio) + 1);
+  std::vector<Station*> mine;
+  for (std::uint64_t i = studio; i < stations_->count(); i += kStudios) {
+    auto* station = static_cast<Station*>(stations_->objectAtIndex(i).get());
+    if (!station->entry().song.empty()) mine.push_back(station);
+  }
+  if (mine.empty()) return;
+  std::unique_lock guard(mutex_);
+  while (!ended_.wait_for(guard, kPause, [this] { return ends_; })) {
+    guard.unlock();
+    Station& station = *mine[random() % mine.size()];
+    const std::int64_t before = send<"listeners">(station);
+    const auto change = static_cast<std::int64_t>(random() % 2001) - 1000;
+    station.setListeners(std::max<std::int64_t>(0, before + change * (before / 4000 + 1)));
+    // What another station plays is as good a next song as any.
+    if (random() % 4 == 0) station.setSong(makeString(mine[random() % mine.size()]->entry().song));
+    guard.lock();
+  }
+}
+
+}  // namespace radio

@@ -1,0 +1,32 @@
+// The studios: threads that change songs and listener counts while the board looks on.
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/array.h>
+
+namespace radio {
+
+class Studios {
+ public:
+  /// Starts the threads. Each works on stations of its own, and on no other's.
+  explicit Studios(const havrin::NSArray& stations);
+  /// Ends and joins them.
+  ~Studios();
+  Studios(const Studios&) = delete;
+  Studios& operator=(const Studios&) = delete;
+
+ private:
+  void work(std::size_t studio);
+
+  havrin::Strong<havrin::NSArray> stations_;
+  std::mutex mutex_;
+  std::condition_variable ended_;
+  bool ends_ = false;
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace radio
