@@ -199,6 +199,15 @@ CharacterSet CharacterSet::inverted() const noexcept {
   return result;
 }
 
+std::uint64_t CharacterSet::hash() const noexcept {
+  std::uint64_t hash = 0;
+  for (std::size_t word = 0; word < 4; ++word) {
+    const std::uint64_t stored = storage_ == nullptr ? 0 : storage_->basic()[word];
+    hash = (hash ^ stored ^ (inverted_ ? ~0ull : 0)) * 0x9E37'79B9'7F4A'7C15;
+  }
+  return hash ^ hash >> 32;
+}
+
 bool CharacterSet::hasSameMembersAs(const CharacterSet& other) const noexcept {
   if (storage_ == other.storage_) return inverted_ == other.inverted_;
   const std::uint64_t difference = inverted_ != other.inverted_ ? ~0ull : 0;

@@ -19,6 +19,7 @@
 #include <HavrinFoundation/platform/foundation/range.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -86,6 +87,9 @@ class HAVRIN_EXPORT CharacterSet {
   [[nodiscard]] friend bool operator==(const CharacterSet& left, const CharacterSet& right) noexcept {
     return left.hasSameMembersAs(right);
   }
+
+  /// Equal for equal sets: made from the members below U+0100.
+  [[nodiscard]] std::uint64_t hash() const noexcept;
 
  private:
   void setMembership(ClosedRange<char32_t> range, bool member);

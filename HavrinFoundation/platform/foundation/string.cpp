@@ -5,6 +5,8 @@
 #include <limits>
 #include <new>
 
+#include <HavrinFoundation/platform/foundation/character_set_object.h>
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/unicode.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -163,6 +165,13 @@ std::int64_t NSString::integerValue() const {
 
 bool NSString::boolValue() const {
   return withUnits(*this, [](auto units) { return readBool(units); });
+}
+
+NSRange NSString::rangeOfCharacterFromSet(const NSCharacterSet* set) const {
+  if (!set) throwNullArgument(*this, "rangeOfCharacterFromSet:", "set");
+  const CharacterSet members = set->characterSet();
+  const auto range = withUnits(*this, [&members](auto units) { return rangeOfCharacter(units, members); });
+  return range ? NSRange{range->lowerBound, range->upperBound - range->lowerBound} : NSRange{kNotFound, 0};
 }
 
 bool NSString::isEqual(const NSObject* other) const {

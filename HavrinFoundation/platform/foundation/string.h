@@ -5,6 +5,7 @@
 //   s->characterAtIndex(1)                      0xD83D
 //   utf8(*s)                                    "a👍"
 //   makeString("  42abc")->integerValue()       42
+//   s->rangeOfCharacterFromSet(letters)          {0, 1}
 //   s->isEqual(makeString("a👍"))               true: unit by unit; "é" and "e\u0301" differ
 //
 // A subclass that overrides `length` and `characterAtIndex` works everywhere a string does.
@@ -26,6 +27,7 @@
 namespace havrin::inline platform {
 
 class ConstantString;
+class NSCharacterSet;
 
 class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
  public:
@@ -51,6 +53,10 @@ class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
   [[nodiscard]] virtual std::int64_t integerValue() const;
   /// True when after white space, one sign and zeros the next character is one of Y y T t 1...9.
   [[nodiscard]] virtual bool boolValue() const;
+
+  /// The first character that is in `set`, two units long outside the first plane; {kNotFound, 0} when there is none.
+  /// A lone surrogate counts as U+FFFD. Throws: NSException (InvalidArgument) for a null set.
+  [[nodiscard]] virtual NSRange rangeOfCharacterFromSet(const NSCharacterSet* set) const;
 
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] std::uint64_t hash() const override;

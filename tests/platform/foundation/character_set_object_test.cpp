@@ -1,0 +1,71 @@
+#include <HavrinFoundation/platform/foundation/character_set_object.h>
+
+#include <string_view>
+
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+// A set whose members are decided when they are asked for.
+class LateSet : public Object<LateSet, NSCharacterSet> {
+ public:
+  CharacterSet characterSet() const override { return CharacterSet("xyz"); }
+};
+
+// A string whose units are made up.
+class Countdown : public Object<Countdown, NSString> {
+ public:
+  std::uint64_t length() const override { return 10; }
+  char16_t characterAtIndex(std::uint64_t index) const override { return static_cast<char16_t>(u'9' - index); }
+};
+
+TEST(CharacterSetObject, IsEqualByMembership) {
+  const auto set = makeCharacterSet(CharacterSet("abc"));
+  const Strong<NSMutableCharacterSet> changing = cast<NSMutableCharacterSet>(set->mutableCopy());
+  EXPECT_TRUE(set->isEqual(makeCharacterSet(CharacterSet("cba"))));
+  EXPECT_TRUE(set->isEqual(changing));
+  EXPECT_EQ(set->hash(), makeCharacterSet(CharacterSet("cba").inverted().inverted())->hash());
+  EXPECT_FALSE(set->isEqual(set->invertedSet()));
+  EXPECT_TRUE(set->isEqual(set->invertedSet()->invertedSet()));
+  EXPECT_FALSE(set->isEqual(makeString("abc")));
+  EXPECT_TRUE(make<LateSet>()->isEqual(makeCharacterSet(CharacterSet("xyz"))));
+  EXPECT_TRUE(make<LateSet>()->invertedSet()->longCharacterIsMember(U'a'));
+
+  const Strong<NSObject> copy = changing->copy();
+  changing->setCharacterSet(CharacterSet("z"));
+  EXPECT_TRUE(copy->isEqual(set)) << "a copy does not follow";
+  EXPECT_TRUE(changing->longCharacterIsMember(U'z'));
+}
+
+TEST(CharacterSetObject, StringsAreSearchedScalarByScalar) {
+  const auto letters = makeCharacterSet(CharacterSet::letters());
+  const auto thumb = makeCharacterSet(CharacterSet("👍"));
+  const struct {
+    std::u16string_view text;
+    Strong<NSCharacterSet> set;
+    NSRange range;
+    const char* why;
+  } rows[] = {
+      {u"", letters, {kNotFound, 0}, "empty text"},
+      {u"123", letters, {kNotFound, 0}, "no member"},
+      {u"123abc", letters, {3, 1}, "in narrow text"},
+      {u"12é", letters, {2, 1}, "in wide text"},
+      {u"a👍b", thumb, {1, 2}, "two units outside the first plane"},
+      {u"a👎b", thumb, {kNotFound, 0}, "half a pair is no match"},
+      {u"👍\xD83D", thumb->invertedSet(), {2, 1}, "a lone surrogate is U+FFFD"},
+      {u"az", make<LateSet>(), {1, 1}, "a subclass's members"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(makeString(row.text)->rangeOfCharacterFromSet(row.set), row.range);
+    EXPECT_EQ(make<NSMutableString>(row.text)->rangeOfCharacterFromSet(row.set), row.range);
+  }
+  EXPECT_EQ(make<Countdown>()->rangeOfCharacterFromSet(makeCharacterSet(CharacterSet("5"))), (NSRange{4, 1}));
+  EXPECT_THROW((void)makeString("a")->rangeOfCharacterFromSet(nullptr), NSException);
+}
+
+}  // namespace
