@@ -1,5 +1,6 @@
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
 
+#include <memory>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -37,7 +38,7 @@ TEST(MessageUnfairLock, LetsGoOfTheBlockBeforeTheLock) {
   const auto lock = make<message::UnfairLock>();
   std::uint32_t atEnd = 0;
   Block<void()> block;
-  block = [&block, probe = std::make_shared<Probe>(lock, atEnd)] { block = nullptr; };
+  block = [&block, probe = std::shared_ptr<Probe>(new Probe{lock, atEnd})] { block = nullptr; };
   send<"withLock:">(lock, block);
   EXPECT_NE(atEnd, 0U);
 }
