@@ -1,21 +1,11 @@
 #include <HavrinFoundation/platform/time/date_format.h>
 
-#include <HavrinFoundation/platform/time/civil.h>
 #include <HavrinFoundation/platform/time/icu_format.h>
 #include <HavrinFoundation/platform/time/instant.h>
 #include <HavrinFoundation/platform/time/pattern_writer.h>
 #include <HavrinFoundation/platform/time/zone_rules.h>
 
-#include <cmath>
-
 namespace havrin::inline platform {
-namespace {
-
-/// The whole microseconds of a fraction of a second, to the nearest: what a double adds to a decimal fraction is noise.
-std::int64_t microsecondsOf(double fraction) { return static_cast<std::int64_t>(fraction * 1e6 + 0.5); }
-
-}  // namespace
-
 class DateFormat::Compiled {
  public:
   Compiled(std::string_view pattern, const Locale& locale, const Calendar& calendar)
@@ -27,9 +17,11 @@ class DateFormat::Compiled {
 
   std::string string(Date date) const {
     const Instant instant = instantOf(date);
-    const std::int64_t microseconds = microsecondsOf(instant.fraction);
-    const std::int64_t second = instant.seconds + (microseconds == 1'000'000);
-    const int millisecond = static_cast<int>(microseconds / 1000 % 1000);
+    // To the nearest microsecond first: what a double adds to a decimal fraction is noise.
+    const int microseconds = static_cast<int>(instant.fraction * 1e6 + 0.5);
+    const bool isNextSecond = microseconds == 1'000'000;
+    const std::int64_t second = instant.seconds + isNextSecond;
+    const int millisecond = isNextSecond ? 0 : microseconds / 1000;
     if (!writer_) return icu_.string(second * 1000 + millisecond);
     return writer_->string(second + calendar_.timeZone().rules().offsetAt(second), millisecond);
   }

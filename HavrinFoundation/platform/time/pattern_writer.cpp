@@ -9,6 +9,7 @@
 #include <unicode/tzfmt.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -17,10 +18,12 @@ namespace havrin::inline platform {
 namespace {
 
 using Field = PatternWriter::Field;
-using Step = PatternWriter::Step;
+using Part = PatternWriter::Part;
 
 /// Digits of the furthest year that a calendar reaches.
 constexpr int kYearDigits = 7;
+/// What a copy of fixed size may read and write behind a text.
+constexpr std::size_t kRoom = 16;
 /// Patterns with longer fields are left to ICU.
 constexpr int kMaxWidth = 8;
 
@@ -107,10 +110,10 @@ std::optional<icu::DateFormatSymbols::DtWidthType> nameWidth(int letters) {
   }
 }
 
-Step literal(std::string text) { return {.field = Field::literal, .texts = {std::move(text)}}; }
+Part literal(std::string text) { return {.field = Field::literal, .texts = {std::move(text)}}; }
 
-std::optional<Step> names(Field field, std::vector<std::string> texts) {
-  return Step{.field = field, .texts = std::move(texts)};
+std::optional<Part> names(Field field, std::vector<std::string> texts) {
+  return Part{.field = field, .texts = std::move(texts)};
 }
 
 /// Fields that are always written in digits.
@@ -121,15 +124,15 @@ constexpr struct {
                 {'K', Field::hourFrom0To11}, {'h', Field::hourFrom1To12}, {'m', Field::minute},
                 {'s', Field::second}};
 
-/// The step for `letters` times `letter`; none when it is ICU's.
-std::optional<Step> fieldStep(char letter, int letters, Words& words, const Calendar& calendar) {
+/// The part that `letters` times `letter` stand for; none when it is ICU's.
+std::optional<Part> fieldPart(char letter, int letters, Words& words, const Calendar& calendar) {
   if (letters > kMaxWidth) return std::nullopt;
   for (const auto& number : kNumbers) {
-    if (number.letter == letter) return Step{.field = number.field, .width = letters};
+    if (number.letter == letter) return Part{.field = number.field, .width = letters};
   }
-  if (letter == 'y') return Step{.field = letters == 2 ? Field::yearOfCentury : Field::year, .width = letters};
+  if (letter == 'y') return Part{.field = letters == 2 ? Field::yearOfCentury : Field::year, .width = letters};
   if (letter == 'M' || letter == 'L') {
-    if (letters < 3) return Step{.field = Field::month, .width = letters};
+    if (letters < 3) return Part{.field = Field::month, .width = letters};
     const auto width = nameWidth(letters);
     return width ? names(Field::month, words.months(letter == 'L', *width)) : std::nullopt;
   }
@@ -140,7 +143,7 @@ std::optional<Step> fieldStep(char letter, int letters, Words& words, const Cale
   if (letter == 'a' && letters <= 3) return names(Field::half, words.halves());
   if (letter == 'S' && letters <= 3) {
     constexpr Field kParts[] = {Field::tenths, Field::hundredths, Field::thousandths};
-    return Step{.field = kParts[letters - 1], .width = letters};
+    return Part{.field = kParts[letters - 1], .width = letters};
   }
   if (letter == 'z' && letters <= 4 && calendar.timeZone() == TimeZone::gmt()) {
     const std::optional<std::string> name = words.gmt(letters == 4);
@@ -173,60 +176,50 @@ std::optional<std::string> quoted(std::string_view pattern, std::size_t& positio
   return std::nullopt;
 }
 
-/// What a clock and a calendar on the wall show.
-struct Reading {
-  CivilDay civil;
-  int weekday;  // 0 for Sunday
-  int time;     // seconds since midnight
-  int millisecond;
-};
-
-std::int64_t valueOf(Field field, const Reading& reading) {
-  const int hour = reading.time / 3600;
-  const std::int64_t year = reading.civil.year > 0 ? reading.civil.year : 1 - reading.civil.year;  // before Christ
-  switch (field) {
-    case Field::literal:
-      return 0;
-    case Field::year:
-      return year;
-    case Field::yearOfCentury:
-      return year % 100;
-    case Field::month:
-      return reading.civil.month;
-    case Field::day:
-      return reading.civil.day;
-    case Field::weekday:
-      return reading.weekday + 1;
-    case Field::half:
-      return hour / 12;
-    case Field::hourFrom0To23:
-      return hour;
-    case Field::hourFrom1To24:
-      return hour == 0 ? 24 : hour;
-    case Field::hourFrom0To11:
-      return hour % 12;
-    case Field::hourFrom1To12:
-      return hour % 12 == 0 ? 12 : hour % 12;
-    case Field::minute:
-      return reading.time / 60 % 60;
-    case Field::second:
-      return reading.time % 60;
-    case Field::tenths:
-      return reading.millisecond / 100;
-    case Field::hundredths:
-      return reading.millisecond / 10;
-    case Field::thousandths:
-      return reading.millisecond;
-  }
-  return 0;
+/// The number of every field of a reading.
+std::array<int, PatternWriter::kFields> valuesOf(std::int64_t local, int millisecond) {
+  const std::int64_t dayNumber = floorDivide(local, kSecondsPerDay);
+  const CivilDay civil = civilDayOf(dayNumber);
+  const int time = static_cast<int>(local - dayNumber * kSecondsPerDay);
+  const int hour = time / 3600;
+  const int halfHour = hour < 12 ? hour : hour - 12;
+  const int year = static_cast<int>(civil.year > 0 ? civil.year : 1 - civil.year);  // before Christ: backwards
+  return {0,
+          year,
+          year % 100,
+          civil.month,
+          civil.day,
+          weekdayOf(dayNumber) + 1,
+          hour / 12,
+          hour,
+          hour == 0 ? 24 : hour,
+          halfHour,
+          halfHour == 0 ? 12 : halfHour,
+          time / 60 % 60,
+          time % 60,
+          millisecond / 100,
+          millisecond / 10,
+          millisecond};
 }
 
-char* writeNumber(char* out, std::int64_t value, int width) {
-  if (width == 2 && value < 100) {
-    *out++ = static_cast<char>('0' + value / 10);
-    *out++ = static_cast<char>('0' + value % 10);
-    return out;
+/// "00" to "99".
+constexpr std::array<char, 200> kTwoDigits = [] {
+  std::array<char, 200> digits{};
+  for (std::size_t i = 0; i < 100; ++i) {
+    digits[2 * i] = static_cast<char>('0' + i / 10);
+    digits[2 * i + 1] = static_cast<char>('0' + i % 10);
   }
+  return digits;
+}();
+
+char* writeTwoDigits(char* out, unsigned value) {
+  std::memcpy(out, kTwoDigits.data() + 2 * value, 2);
+  return out + 2;
+}
+
+char* writeNumber(char* out, unsigned value, int width) {
+  if (width == 2 && value < 100) return writeTwoDigits(out, value);
+  if (width == 4 && value < 10'000) return writeTwoDigits(writeTwoDigits(out, value / 100), value % 100);
   char digits[20];
   int count = 0;
   do digits[count++] = static_cast<char>('0' + value % 10);
@@ -234,11 +227,6 @@ char* writeNumber(char* out, std::int64_t value, int width) {
   for (int i = count; i < width; ++i) *out++ = '0';
   while (count > 0) *out++ = digits[--count];
   return out;
-}
-
-char* writeText(char* out, const std::string& text) {
-  std::memcpy(out, text.data(), text.size());
-  return out + text.size();
 }
 
 }  // namespace
@@ -249,8 +237,8 @@ std::optional<PatternWriter> PatternWriter::compile(std::string_view givenPatter
   Words words(locale, calendar);
   if (!words.hasPlainDigits()) return std::nullopt;
   const std::string pattern = utf8(icu::UnicodeString::fromUTF8(givenPattern));  // ill-formed parts become U+FFFD
-  std::vector<Step> steps;
-  std::string pending;  // literal text that the next step has to follow
+  std::vector<Part> parts;
+  std::string pending;  // literal text that the next part has to follow
   for (std::size_t i = 0; i < pattern.size();) {
     if (pattern[i] == '\'') {
       const std::optional<std::string> text = quoted(pattern, i);
@@ -260,43 +248,73 @@ std::optional<PatternWriter> PatternWriter::compile(std::string_view givenPatter
       pending += pattern[i++];
     } else {
       const std::size_t end = std::min(pattern.find_first_not_of(pattern[i], i), pattern.size());
-      std::optional<Step> step =
-          fieldStep(pattern[i], static_cast<int>(std::min<std::size_t>(end - i, kMaxWidth + 1)), words, calendar);
-      if (!step) return std::nullopt;
+      std::optional<Part> part =
+          fieldPart(pattern[i], static_cast<int>(std::min<std::size_t>(end - i, kMaxWidth + 1)), words, calendar);
+      if (!part) return std::nullopt;
       i = end;
-      if (step->field == Field::literal) {
-        pending += step->texts.front();
+      if (part->field == Field::literal) {
+        pending += part->texts.front();
         continue;
       }
-      if (!pending.empty()) steps.push_back(literal(std::exchange(pending, {})));
-      steps.push_back(*std::move(step));
+      if (!pending.empty()) parts.push_back(literal(std::exchange(pending, {})));
+      parts.push_back(*std::move(part));
     }
   }
-  if (!pending.empty()) steps.push_back(literal(std::move(pending)));
+  if (!pending.empty()) parts.push_back(literal(std::move(pending)));
   if (words.failed()) return std::nullopt;
-  return PatternWriter(std::move(steps));
+  return PatternWriter(parts);
 }
 
-PatternWriter::PatternWriter(std::vector<Step> steps) : steps_(std::move(steps)) {
-  for (const Step& step : steps_) {
-    std::size_t longest = static_cast<std::size_t>(std::max(step.width, kYearDigits));
-    for (const std::string& text : step.texts) longest = std::max(longest, text.size());
+PatternWriter::PatternWriter(const std::vector<Part>& parts) : capacity_(kRoom) {
+  for (const Part& part : parts) {
+    if (part.field == Field::literal) {
+      (steps_.empty() ? front_ : steps_.back().behind) = piece(part.texts.front());
+      capacity_ += part.texts.front().size();
+      continue;
+    }
+    const bool isName = !part.texts.empty();
+    steps_.push_back(
+        {part.field, isName, static_cast<std::uint8_t>(part.width), static_cast<std::uint32_t>(names_.size())});
+    std::size_t longest = isName ? 0 : static_cast<std::size_t>(std::max(part.width, kYearDigits));
+    for (const std::string& text : part.texts) {
+      names_.push_back(piece(text));
+      longest = std::max(longest, text.size());
+    }
     capacity_ += longest;
   }
+  texts_.append(kRoom, '\0');
+}
+
+PatternWriter::Piece PatternWriter::piece(const std::string& text) {
+  const Piece result{static_cast<std::uint32_t>(texts_.size()), static_cast<std::uint32_t>(text.size())};
+  texts_ += text;
+  return result;
+}
+
+/// Nearly every text is short: a copy of fixed size, which may write into the room behind, is a single instruction.
+inline char* PatternWriter::copy(char* out, Piece piece) const {
+  const char* text = texts_.data() + piece.start;
+  std::memcpy(out, text, kRoom);
+  if (piece.size > kRoom) std::memcpy(out + kRoom, text + kRoom, piece.size - kRoom);
+  return out + piece.size;
+}
+
+char* PatternWriter::write(char* out, const std::array<int, kFields>& values) const {
+  out = copy(out, front_);
+  for (const Step& step : steps_) {
+    const unsigned value = static_cast<unsigned>(values[static_cast<std::size_t>(step.field)]);
+    out = step.isName ? copy(out, names_[step.names + value]) : writeNumber(out, value, step.width);
+    out = copy(out, step.behind);
+  }
+  return out;
 }
 
 std::string PatternWriter::string(std::int64_t local, int millisecond) const {
-  const std::int64_t dayNumber = floorDivide(local, kSecondsPerDay);
-  const Reading reading{civilDayOf(dayNumber), weekdayOf(dayNumber),
-                        static_cast<int>(local - dayNumber * kSecondsPerDay), millisecond};
+  const auto values = valuesOf(local, millisecond);
+  char buffer[256];
+  if (capacity_ <= sizeof buffer) return {buffer, write(buffer, values)};
   std::string text(capacity_, '\0');
-  char* out = text.data();
-  for (const Step& step : steps_) {
-    const std::int64_t value = valueOf(step.field, reading);
-    out = step.texts.empty() ? writeNumber(out, value, step.width)
-                             : writeText(out, step.texts[static_cast<std::size_t>(value)]);
-  }
-  text.resize(static_cast<std::size_t>(out - text.data()));
+  text.resize(static_cast<std::size_t>(write(text.data(), values) - text.data()));
   return text;
 }
 

@@ -8,6 +8,8 @@
 #include <HavrinFoundation/platform/time/calendar.h>
 #include <HavrinFoundation/platform/time/locale.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -27,7 +29,7 @@ class PatternWriter {
   /// The text of the wall clock reading `local`, in seconds since 1970 of that clock, and its millisecond.
   [[nodiscard]] std::string string(std::int64_t local, int millisecond) const;
 
-  enum class Field {
+  enum class Field : std::uint8_t {
     literal,
     year,
     yearOfCentury,
@@ -45,19 +47,42 @@ class PatternWriter {
     hundredths,
     thousandths,
   };
+  static constexpr std::size_t kFields = static_cast<std::size_t>(Field::thousandths) + 1;
 
-  /// A field's value in digits, or the text of that number where there are texts; a literal's only text is number 0.
-  struct Step {
+  /// What the compiler makes of a part of a pattern: a field in `width` digits, or in the text of its number where there
+  /// are texts; the only text of a literal has number 0.
+  struct Part {
     Field field = Field::literal;
     int width = 0;
     std::vector<std::string> texts = {};
   };
 
  private:
-  explicit PatternWriter(std::vector<Step> steps);
+  /// Where a text stands in `texts_`.
+  struct Piece {
+    std::uint32_t start = 0;
+    std::uint32_t size = 0;
+  };
+  /// A field as it is run, with the literal text that follows it.
+  struct Step {
+    Field field;
+    bool isName;
+    std::uint8_t width;
+    std::uint32_t names;  // how many pieces stand before its own
+    Piece behind = {};
+  };
 
+  explicit PatternWriter(const std::vector<Part>& parts);
+
+  Piece piece(const std::string& text);
+  [[nodiscard]] char* copy(char* out, Piece piece) const;
+  [[nodiscard]] char* write(char* out, const std::array<int, kFields>& values) const;
+
+  Piece front_;  // the literal text before the first field
   std::vector<Step> steps_;
-  std::size_t capacity_ = 0;  // no text is longer
+  std::vector<Piece> names_;
+  std::string texts_;         // all of them, and some room behind the last
+  std::size_t capacity_ = 0;  // for the longest text, and some room behind it
 };
 
 }  // namespace havrin::inline platform
