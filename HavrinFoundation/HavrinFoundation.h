@@ -24,6 +24,7 @@
 #include <HavrinFoundation/links/utm_parameters.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/clamp.h>
+#include <HavrinFoundation/runtime/lenient_decoding.h>
 #include <HavrinFoundation/text/base36.h>
 #include <HavrinFoundation/text/character_sets.h>
 #include <HavrinFoundation/text/friendly_number.h>

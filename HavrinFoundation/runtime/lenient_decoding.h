@@ -1,0 +1,120 @@
+// Lenient decoding of arrays: every element that decodes is kept, in order; every other is skipped.
+//
+//   {"numbers": [1, "x", 3]}
+//   decodeArraySkippingInvalidElements<std::int64_t>(container, "numbers")      1, 3
+//
+//   decodeArraySkippingInvalidElements<Station>(container, "stations", [](const SkippedElement& skipped) {
+//     std::fprintf(stderr, "%s\n", skipped.reason.what());
+//   });                           typeMismatch at stations[12].listeners: expected a 64-bit integer, found the string "many"
+//
+// An element fails or decodes as a whole, nested arrays and half-read objects included; a null is an element like any
+// other. Works on any decoder: JSON, property lists, formats of the caller's. Both operations stand here twice, as
+// decoding does: throwing, and with `try` giving a Decoded, for a type's own `fromDecoder`.
+#pragma once
+
+#include <HavrinFoundation/platform/coding/decoding.h>
+
+#include <algorithm>
+#include <concepts>
+#include <cstddef>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace havrin {
+
+/// Decodes from any value, null included, and reads nothing of it: the step past an element that did not decode.
+struct EmptyDecodable {
+  static Decoded<EmptyDecodable> fromDecoder(Decoder&) { return EmptyDecodable(); }
+};
+
+/// An element that was skipped: its position, the path of the value that failed, and why it failed.
+struct SkippedElement {
+  std::size_t index;
+  CodingPath path;
+  DecodingError reason;
+};
+
+/// What is called with each skipped element, before the next one is decoded. What it throws, passes through.
+template <class Report>
+concept SkippedElementReport = std::invocable<Report&, const SkippedElement&>;
+
+/// The report of a caller who wants none: the elements are skipped silently.
+struct NoReport {
+  void operator()(const SkippedElement&) const {}
+};
+
+/// The elements of type T from the position of `container` to its end, where it then stands. Empty when: no element
+/// decodes, or none is left.
+/// Throws: what stepping past an element that failed throws; what was decoded until then is lost.
+/// Cost: no exception is thrown for a skipped element, unless T or the format itself throws.
+template <Decodable T, SkippedElementReport Report = NoReport>
+[[nodiscard]] std::vector<T> decodeSkippingInvalidElements(UnkeyedDecodingContainer& container, Report&& report = {});
+template <Decodable T, SkippedElementReport Report = NoReport>
+[[nodiscard]] Decoded<std::vector<T>> tryDecodeSkippingInvalidElements(UnkeyedDecodingContainer& container,
+                                                                       Report&& report = {});
+
+/// The elements of type T of the array under `key`.
+/// Throws: what opening the array throws (keyNotFound; typeMismatch where no array stands; valueNotFound for null), and
+/// what stepping past an element that failed throws.
+template <Decodable T, CodingKeyType Key, SkippedElementReport Report = NoReport>
+[[nodiscard]] std::vector<T> decodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
+                                                                const std::type_identity_t<Key>& key,
+                                                                Report&& report = {});
+template <Decodable T, CodingKeyType Key, SkippedElementReport Report = NoReport>
+[[nodiscard]] Decoded<std::vector<T>> tryDecodeArraySkippingInvalidElements(
+    const KeyedDecodingContainer<Key>& container, const std::type_identity_t<Key>& key, Report&& report = {});
+
+template <Decodable T, SkippedElementReport Report>
+Decoded<std::vector<T>> tryDecodeSkippingInvalidElements(UnkeyedDecodingContainer& container, Report&& report) {
+  Decoded<std::vector<T>> elements(std::in_place);
+  if (container.isAtEnd()) return elements;
+  if (const auto count = container.count()) {
+    elements->reserve(std::min(*count - container.currentIndex(), detail::kReservedElements<T>));
+  }
+  constexpr bool kIsReported = !std::same_as<std::remove_cvref_t<Report>, NoReport>;
+  do {
+    auto element = container.template tryDecode<T>(kIsReported ? ErrorDetail::full : ErrorDetail::none);
+    if (element) {
+      elements->push_back(*std::move(element));
+      continue;
+    }
+    if constexpr (kIsReported) {
+      element.failure().complete(container.codingPath());
+      const DecodingError reason = element.error();
+      report(SkippedElement{container.currentIndex(), reason.path(), reason});
+    }
+    if (auto step = container.template tryDecode<EmptyDecodable>(); !step) {
+      elements.fail(std::move(step.failure()));
+      break;
+    }
+  } while (!container.isAtEnd());
+  return elements;
+}
+
+template <Decodable T, SkippedElementReport Report>
+std::vector<T> decodeSkippingInvalidElements(UnkeyedDecodingContainer& container, Report&& report) {
+  auto elements = tryDecodeSkippingInvalidElements<T>(container, std::forward<Report>(report));
+  if (!elements) elements.failure().complete(container.codingPath());
+  return std::move(elements).value();
+}
+
+template <Decodable T, CodingKeyType Key, SkippedElementReport Report>
+Decoded<std::vector<T>> tryDecodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
+                                                              const std::type_identity_t<Key>& key, Report&& report) {
+  auto array = container.tryNestedUnkeyedContainer(key);
+  if (!array) return std::move(array.failure());
+  auto elements = tryDecodeSkippingInvalidElements<T>(*array, std::forward<Report>(report));
+  if (!elements) elements.failure().prepend(stringValue(key));
+  return elements;
+}
+
+template <Decodable T, CodingKeyType Key, SkippedElementReport Report>
+std::vector<T> decodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
+                                                  const std::type_identity_t<Key>& key, Report&& report) {
+  auto elements = tryDecodeArraySkippingInvalidElements<T>(container, key, std::forward<Report>(report));
+  if (!elements) elements.failure().complete(container.codingPath());
+  return std::move(elements).value();
+}
+
+}  // namespace havrin

@@ -1,0 +1,274 @@
+#include <HavrinFoundation/platform/coding/json_decoder.h>
+#include <HavrinFoundation/platform/coding/property_list_decoder.h>
+#include <HavrinFoundation/runtime/lenient_decoding.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "../platform/coding/value_decoder.h"
+
+namespace {
+
+using namespace havrin;
+using namespace value_decoder;
+
+// Counts how many elements were begun, so that a half-decoded one can be told from one that was not tried.
+struct Station {
+  std::string name;
+  std::int64_t listeners = 0;
+  std::vector<std::int64_t> plays;
+
+  using Fields = FieldList<Field<"name", &Station::name>, Field<"plays", &Station::plays>,
+                           Field<"listeners", &Station::listeners>>;
+};
+
+// A show keeps the good plays of a list with bad ones, and decodes by values.
+struct Show {
+  std::vector<std::int64_t> plays;
+
+  static Decoded<Show> fromDecoder(Decoder& decoder) {
+    auto container = decoder.tryContainer();
+    if (!container) return container.error();
+    auto plays = tryDecodeArraySkippingInvalidElements<std::int64_t>(*container, "plays");
+    if (!plays) return plays.error();
+    return Show{*plays};
+  }
+};
+
+// The same by exceptions, one of them no DecodingError.
+struct ThrowingShow {
+  explicit ThrowingShow(Decoder& decoder)
+      : plays(decodeArraySkippingInvalidElements<std::int64_t>(decoder.container(), "plays")) {
+    if (plays.empty()) throw std::runtime_error("no play");
+  }
+  std::vector<std::int64_t> plays;
+};
+
+template <class T>
+std::vector<T> decodedFrom(std::string_view json) {
+  return JSONDecoder().read(json, [](Decoder& document) {
+    auto container = document.unkeyedContainer();
+    auto elements = decodeSkippingInvalidElements<T>(container);
+    EXPECT_TRUE(container.isAtEnd());
+    return elements;
+  });
+}
+
+std::string texts(const std::vector<std::int64_t>& values) {
+  std::string text;
+  for (const auto value : values) text += (text.empty() ? "" : " ") + std::to_string(value);
+  return text;
+}
+std::string texts(const std::vector<std::optional<std::int64_t>>& values) {
+  std::string text;
+  for (const auto& value : values) text += (text.empty() ? "" : " ") + (value ? std::to_string(*value) : "empty");
+  return text;
+}
+std::string texts(const std::vector<std::vector<std::int64_t>>& values) {
+  std::string text;
+  for (const auto& value : values) text += "[" + texts(value) + "]";
+  return text;
+}
+
+TEST(LenientDecoding, KeepsWhatDecodesInOrder) {
+  using Integer = std::int64_t;
+  const struct {
+    const char* json;
+    const char* integers;
+    const char* optionals;
+    const char* arrays;
+    const char* why;
+  } rows[] = {
+      {"[]", "", "", "", "nothing at all"},
+      {"[1,\"x\",3]", "1 3", "1 3", "", "a text among integers"},
+      {"[\"a\",\"b\"]", "", "", "", "every element bad"},
+      {"[\"a\"]", "", "", "", "the only one bad"},
+      {"[\"a\",1]", "1", "1", "", "the first one bad"},
+      {"[1,\"a\"]", "1", "1", "", "the last one bad"},
+      {"[1,null,3]", "1 3", "1 empty 3", "", "a null is a bad integer and an empty optional"},
+      {"[null]", "", "empty", "", "a null alone"},
+      {"[1,1.5,true,{},[],2]", "1 2", "1 2", "[]", "every kind of element"},
+      {"[1,99999999999999999999,3]", "1 3", "1 3", "", "a number that fits nothing is one bad element"},
+      {"[1e400,-9223372036854775809,1e2,-0.0,4.0]", "100 0 4", "100 0 4", "",
+       "numbers that are whole, and that are not"},
+      {"[[1],[\"x\"],[2,3],4,[null]]", "4", "4", "[1][2 3]", "an array fails as a whole"},
+      {"[[],[[]],{\"a\":[1]}]", "", "", "[]", "containers inside are stepped over"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(texts(decodedFrom<Integer>(row.json)), row.integers);
+    EXPECT_EQ(texts(decodedFrom<std::optional<Integer>>(row.json)), row.optionals);
+    EXPECT_EQ(texts(decodedFrom<std::vector<Integer>>(row.json)), row.arrays);
+  }
+}
+
+constexpr std::string_view kStations = R"({"stations": [
+    {"name": "A", "plays": [1, 2], "listeners": 10},
+    {"name": "B", "plays": [1, "many"], "listeners": 20},
+    null,
+    {"name": "C", "plays": [], "listeners": "30"},
+    "D",
+    {"plays": [], "listeners": 40},
+    {"name": "E", "plays": [3], "listeners": 50, "unknown": {}}
+  ], "text": "x", "object": {}, "null": null})";
+
+TEST(LenientDecoding, SkipsAHalfDecodedElementWhole) {
+  const auto stations = JSONDecoder().read(kStations, [](Decoder& document) {
+    return decodeArraySkippingInvalidElements<Station>(document.container(), "stations");
+  });
+  ASSERT_EQ(stations.size(), 2u);
+  EXPECT_EQ(stations[0].name + stations[1].name, "AE");
+  EXPECT_EQ(texts(stations[0].plays), "1 2");
+  EXPECT_EQ(stations[1].listeners, 50);
+}
+
+TEST(LenientDecoding, ReportsToWhoAsks) {
+  std::vector<std::string> reports;
+  std::vector<std::size_t> indexes;
+  const auto stations = JSONDecoder().read(kStations, [&](Decoder& document) {
+    return decodeArraySkippingInvalidElements<Station>(document.container(), "stations",
+                                                       [&](const SkippedElement& element) {
+                                                         reports.emplace_back(element.reason.what());
+                                                         indexes.push_back(element.index);
+                                                         EXPECT_EQ(element.path, element.reason.path());
+                                                       });
+  });
+  EXPECT_EQ(stations.size(), 2u);
+  EXPECT_EQ(indexes, (std::vector<std::size_t>{1, 2, 3, 4, 5}));
+  EXPECT_EQ(reports, (std::vector<std::string>{
+                         "typeMismatch at stations[1].plays[1]: expected a 64-bit integer, found the string \"many\"",
+                         "valueNotFound at stations[2]: expected an object, found null",
+                         "typeMismatch at stations[3].listeners: expected a 64-bit integer, found the string \"30\"",
+                         "typeMismatch at stations[4]: expected an object, found the string \"D\"",
+                         "keyNotFound at stations[5]: no value for the key \"name\"",
+                     }));
+}
+
+TEST(LenientDecoding, StopsWhereAReportThrows) {
+  EXPECT_THROW(JSONDecoder().read("[1,null,2]",
+                                  [](Decoder& document) {
+                                    auto container = document.unkeyedContainer();
+                                    return decodeSkippingInvalidElements<int>(
+                                        container, [](const SkippedElement&) { throw std::logic_error("enough"); });
+                                  }),
+               std::logic_error);
+}
+
+TEST(LenientDecoding, PassesOnWhatOpeningTheArrayThrows) {
+  JSONDecoder().read(kStations, [](Decoder& document) {
+    const auto container = document.container();
+    for (const char* key : {"absent", "text", "object", "null"}) {
+      SCOPED_TRACE(key);
+      std::string expected;
+      try {
+        static_cast<void>(container.nestedUnkeyedContainer(key));
+      } catch (const DecodingError& error) {
+        expected = error.what();
+      }
+      const auto outcome = tryDecodeArraySkippingInvalidElements<Station>(container, key);
+      ASSERT_FALSE(outcome);
+      EXPECT_EQ(outcome.error().what(), expected);
+      try {
+        static_cast<void>(decodeArraySkippingInvalidElements<Station>(container, key));
+        FAIL() << "nothing was thrown";
+      } catch (const DecodingError& error) {
+        EXPECT_EQ(error.what(), expected);
+      }
+    }
+  });
+}
+
+TEST(LenientDecoding, NestsInTypesThatDecodeByHand) {
+  const std::string_view json = R"([{"plays":[1,"x"]},{"plays":["y"]},{"play":[1]},{"plays":[2,null,3]}])";
+  const auto shows = decodedFrom<Show>(json);
+  ASSERT_EQ(shows.size(), 3u);
+  EXPECT_EQ(texts(shows[0].plays) + "/" + texts(shows[1].plays) + "/" + texts(shows[2].plays), "1//2 3");
+  const auto throwing = decodedFrom<ThrowingShow>(json);
+  ASSERT_EQ(throwing.size(), 2u) << "an exception of any type skips its element";
+  EXPECT_EQ(texts(throwing[1].plays), "2 3");
+}
+
+TEST(LenientDecoding, WorksOnPropertyLists) {
+  const auto entry = [](const char* name, PropertyList listeners) {
+    return PropertyList(PropertyList::Dictionary({{"name", PropertyList(name)},
+                                                  {"plays", PropertyList(PropertyList::Array())},
+                                                  {"listeners", std::move(listeners)}}));
+  };
+  const PropertyList list(PropertyList::Dictionary(
+      {{"stations",
+        PropertyList(PropertyList::Array{entry("A", PropertyList(1)), entry("B", PropertyList(1.5)),
+                                         entry("C", PropertyList(Date())), entry("D", PropertyList(2.0))})}}));
+  const auto decode = [](Decoder& document) {
+    return decodeArraySkippingInvalidElements<Station>(document.container(), "stations");
+  };
+  for (const auto& stations :
+       {PropertyListDecoder().read(list, decode), PropertyListDecoder().read(binaryPropertyList(list), decode)}) {
+    ASSERT_EQ(stations.size(), 2u);
+    EXPECT_EQ(stations[0].name + stations[1].name, "AD");
+    EXPECT_EQ(stations[1].listeners, 2);
+  }
+}
+
+TEST(LenientDecoding, WorksOnFormatsWithOtherHabits) {
+  const Value value = Object{{"numbers", Array{1, "x", null, Array{2}, 3.0, Object{}, 4}}};
+  for (const bool knowsCount : {true, false}) {
+    for (const bool throws : {true, false}) {
+      SCOPED_TRACE(std::string(knowsCount ? "knows its count" : "does not") + (throws ? ", throws" : ""));
+      const Habits habits{.knowsCount = knowsCount, .throws = throws};
+      const auto container = decoderOf(value, habits).container();
+      EXPECT_EQ(texts(decodeArraySkippingInvalidElements<std::int64_t>(container, "numbers")), "1 3 4");
+      EXPECT_EQ(texts(decodeArraySkippingInvalidElements<std::vector<std::int64_t>>(container, "numbers")), "[2]");
+      // From wherever the container stands.
+      auto array = container.nestedUnkeyedContainer("numbers");
+      EXPECT_EQ(array.decode<int>(), 1);
+      EXPECT_EQ(texts(decodeSkippingInvalidElements<std::int64_t>(array)), "3 4");
+      EXPECT_TRUE(decodeSkippingInvalidElements<std::int64_t>(array).empty()) << "at the end";
+    }
+  }
+}
+
+TEST(LenientDecoding, DropsEverythingWhereItCannotStep) {
+  const Value value = Object{{"numbers", Array{1, 2, "x", 3}}};
+  const Habits stuck{.canStep = false};
+  const Habits broken{.failsFrom = 2};
+  const Habits brokenAndThrows{.failsFrom = 2, .throws = true};
+  const struct {
+    Habits habits;
+    const char* error;
+    const char* why;
+  } rows[] = {
+      {stuck, "dataCorrupted at numbers[0]: no way to step", "a format that cannot move"},
+      {broken, "dataCorrupted at numbers[2]: the stream has broken off", "after two elements that decoded"},
+      {brokenAndThrows, "dataCorrupted at numbers[2]: the stream has broken off", "by an exception"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto container = decoderOf(value, row.habits).container();
+    const auto outcome = tryDecodeArraySkippingInvalidElements<std::int64_t>(container, "numbers");
+    ASSERT_FALSE(outcome);
+    EXPECT_EQ(outcome.error().description(), row.error);
+    try {
+      static_cast<void>(decodeArraySkippingInvalidElements<std::int64_t>(container, "numbers"));
+      FAIL() << "nothing was thrown";
+    } catch (const DecodingError& error) {
+      EXPECT_STREQ(error.what(), row.error);
+    }
+  }
+  // An element that fails where its array cannot step fails the array, which is then an element that fails.
+  const Value nested = Array{Array{1}, 2};
+  EXPECT_FALSE(decoderOf(nested, stuck).tryUnkeyedContainer()->tryDecode<std::vector<int>>());
+}
+
+TEST(EmptyDecodable, DecodesFromAnything) {
+  for (const char* json : {"null", "1", "1e999", "\"x\"", "{\"a\":1}", "[null]", "false"}) {
+    EXPECT_TRUE(JSONDecoder().tryDecode<EmptyDecodable>(json)) << json;
+  }
+}
+
+}  // namespace
