@@ -20,10 +20,10 @@ FOLDERS = ("HavrinFoundation/", "examples/")
 def base(tree):
     if tree.since:
         return tree.since
-    run = subprocess.run(["git", "merge-base", "HEAD", "origin/main"], cwd=tree.root, text=True, capture_output=True)
-    head = tree.git("rev-parse", "HEAD").strip()
-    if run.returncode == 0 and run.stdout.strip() != head:
-        return run.stdout.strip()
+    if tree.git("for-each-ref", "refs/remotes/origin/main"):
+        left = tree.git("merge-base", "HEAD", "origin/main").strip()
+        if left != tree.git("rev-parse", "HEAD").strip():
+            return left
     commits = tree.git("rev-list", "--first-parent", f"--max-count={RECENT + 1}", "HEAD").split()
     return commits[-1]
 
