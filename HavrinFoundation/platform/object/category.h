@@ -108,11 +108,11 @@ struct ClassTrampoline<C, Function, R(A...)> {
   }
 };
 
-template <Text S, class Found, class Trampoline>
+template <Text S, class Declaration, class Trampoline>
 constexpr MethodRow rowOf() {
   static_assert(Trampoline::fits, "row: the function differs from the declared message");
-  return {&selector<S>, &implementationOf<S, typename Found::Type, Trampoline>,
-          &SignatureInfoOf<typename Found::Type>::info};
+  return {&selector<S>, &implementationOf<S, typename Declaration::Type, Trampoline>,
+          &SignatureInfoOf<typename Declaration::Type>::info};
 }
 
 }  // namespace detail
@@ -120,16 +120,16 @@ constexpr MethodRow rowOf() {
 /// The row that gives instances of C the method `Function` for the declared message S.
 template <class C, Text S, auto Function>
 [[nodiscard]] constexpr MethodRow row() {
-  using Found = detail::MessageOf<C, S>;
-  static_assert(!std::is_same_v<Found, detail::NotFound>, "row: the class declares no such message");
-  return detail::rowOf<S, Found, detail::CategoryTrampoline<C, Function, typename Found::Type>>();
+  using Declaration = detail::MessageOf<C, S>;
+  static_assert(!std::is_same_v<Declaration, detail::NotFound>, "row: the class declares no such message");
+  return detail::rowOf<S, Declaration, detail::CategoryTrampoline<C, Function, typename Declaration::Type>>();
 }
 /// The row that gives the class C itself the method `Function` for the declared class message S.
 template <class C, Text S, auto Function>
 [[nodiscard]] constexpr MethodRow classRow() {
-  using Found = detail::ClassMessageOf<C, S>;
-  static_assert(!std::is_same_v<Found, detail::NotFound>, "classRow: the class declares no such message");
-  return detail::rowOf<S, Found, detail::ClassTrampoline<C, Function, typename Found::Type>>();
+  using Declaration = detail::ClassMessageOf<C, S>;
+  static_assert(!std::is_same_v<Declaration, detail::NotFound>, "classRow: the class declares no such message");
+  return detail::rowOf<S, Declaration, detail::ClassTrampoline<C, Function, typename Declaration::Type>>();
 }
 
 }  // namespace havrin::inline platform

@@ -74,7 +74,6 @@ struct FoundMessage;
 // A message as found in a superclass chain: declared for Owner, so that every implementation has Owner's types.
 template <class Owner, class R, class... A>
 struct FoundMessage<Owner, R(A...)> {
-  using Declared = R;
   using Result = typename ReplaceSelf<R, Owner>::Type;
   using Type = Result(A...);
   using Function = Result (*)(NSObject*, A...);
@@ -156,7 +155,7 @@ struct Receiver<T> {
   static constexpr bool canBeNull = false;
   using Static = T;
   template <Text S>
-  using Found = MessageOf<T, S>;
+  using Declaration = MessageOf<T, S>;
   static NSObject* pointer(const T& object) { return const_cast<T*>(&object); }
 };
 template <class T>
@@ -173,7 +172,7 @@ struct Receiver<ClassOf<C>> {
   static constexpr bool canBeNull = true;
   using Static = C;
   template <Text S>
-  using Found = ClassMessageOf<C, S>;
+  using Declaration = ClassMessageOf<C, S>;
   static NSObject* pointer(const Class& cls) { return cls; }
 };
 template <>
@@ -182,23 +181,23 @@ struct Receiver<Class> : Receiver<ClassOf<NSObject>> {};
 template <class>
 inline constexpr bool never = false;
 
-template <Text S, class Found, class Static, bool CanBeNull, class... A>
-inline typename Found::template ResultFor<Static> dispatch(NSObject* receiver, A&&... arguments) {
-  using Result = typename Found::template ResultFor<Static>;
+template <Text S, class Declaration, class Static, bool CanBeNull, class... A>
+inline typename Declaration::template ResultFor<Static> dispatch(NSObject* receiver, A&&... arguments) {
+  using Result = typename Declaration::template ResultFor<Static>;
   if constexpr (CanBeNull) {
     if (!receiver) return Result();
   }
   ClassObject* const cls = dispatchClass(receiver);
   Implementation implementation = cls->cached(selector<S>.number.load(std::memory_order_relaxed));
   if (!implementation) [[unlikely]] {
-    implementation = cls->resolve(selector<S>, typeid(typename Found::Type), receiver);
+    implementation = cls->resolve(selector<S>, typeid(typename Declaration::Type), receiver);
   }
-  if constexpr (std::is_same_v<Result, typename Found::Result>) {
-    return Found::call(implementation, receiver, std::forward<A>(arguments)...);
+  if constexpr (std::is_same_v<Result, typename Declaration::Result>) {
+    return Declaration::call(implementation, receiver, std::forward<A>(arguments)...);
   } else {
     // `Self` narrowed to the receiver's static class: an override that answers another class is told so.
     using Narrow = typename Result::Object;
-    typename Found::Result wide = Found::call(implementation, receiver, std::forward<A>(arguments)...);
+    typename Declaration::Result wide = Declaration::call(implementation, receiver, std::forward<A>(arguments)...);
     if (wide && !isKind<Narrow>(wide)) throwWrongClass(wide, typeName<Narrow>());
     return Result::adopt(static_cast<Narrow*>(wide.detach()));
   }
@@ -220,16 +219,16 @@ inline decltype(auto) send(R&& receiver, A&&... arguments) {
   if constexpr (!Receiver::isObject) {
     static_assert(detail::never<R>, "send: the receiver is neither an object nor a class");
   } else {
-    using Found = typename Receiver::template Found<S>;
-    if constexpr (std::is_same_v<Found, detail::NotFound>) {
+    using Declaration = typename Receiver::template Declaration<S>;
+    if constexpr (std::is_same_v<Declaration, detail::NotFound>) {
       static_assert(detail::never<R>,
                     "send: the receiver's class declares no such message: is the selector spelt right, and the header "
                     "that declares it included?");
-    } else if constexpr (!Found::template accepts<A...>()) {
+    } else if constexpr (!Declaration::template accepts<A...>()) {
       static_assert(detail::never<R>, "send: these arguments do not fit the message's declaration");
     } else {
-      return detail::dispatch<S, Found, typename Receiver::Static, Receiver::canBeNull>(Receiver::pointer(receiver),
-                                                                                        std::forward<A>(arguments)...);
+      return detail::dispatch<S, Declaration, typename Receiver::Static, Receiver::canBeNull>(
+          Receiver::pointer(receiver), std::forward<A>(arguments)...);
     }
   }
 }
