@@ -38,7 +38,7 @@ function(havrin_library shared)
   endif()
   set_target_properties(${shared} PROPERTIES
     EXPORT_NAME ${ARG_AS} LINKER_LANGUAGE CXX INSTALL_RPATH $ORIGIN
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} VERIFY_INTERFACE_HEADER_SETS ON)
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
   set_target_properties(${static} PROPERTIES EXPORT_NAME ${ARG_AS}Static LINKER_LANGUAGE CXX OUTPUT_NAME ${shared})
   foreach(library IN ITEMS ${shared} ${static})
     target_compile_features(${library} PUBLIC cxx_std_20)
