@@ -54,7 +54,7 @@ std::string onAirText(Date since, Date now) {
   if (days < 0) return "soon";
   if (days == 0) return "today";
   if (days == 1) return "yesterday";
-  return friendlyNumber(days) + " days";
+  return std::to_string(days) + " days";
 }
 
 std::string httpDate() { return "Date: " + utf8(*rfc1123<NSDateFormatter>()->stringFromDate(NSDate::date())); }
@@ -156,6 +156,7 @@ void Board::applySearch() {
 void Board::refresh() { redraw_(); }
 
 void Board::share() {
+  applySearch();  // what is typed counts, also before the typing has paused
   const auto* first = static_cast<const Station*>(visible_->firstObject().get());
   note_ = first ? shareLink(*first) : "Nothing to share: the search finds no station.";
 }
@@ -186,10 +187,15 @@ std::string Board::row(const Station& station, std::size_t width, const Paint& p
 
 std::vector<std::string> Board::footer(std::size_t width, const Paint& paint) const {
   std::vector<std::string> lines;
-  lines.push_back(paint.faint(fitted(std::string(width, '-'), width)));
-  lines.push_back(note_.empty() ? paint.faint(fitted(
-                                      "type to search  Enter share  Tab shuffle  * favourites  + mark  q end", width))
-                                : fitted(note_, width));
+  lines.push_back(paint.faint(std::string(width, '-')));
+  if (note_.empty()) {
+    lines.push_back(
+        paint.faint(fitted("type to search  Enter share  Tab shuffle  * favourites  + mark  q end", width)));
+  }
+  // A link is shown whole, over several lines if need be, so that it can be copied. Links are ASCII.
+  for (std::string_view rest = note_; !rest.empty(); rest.remove_prefix(std::min(rest.size(), width))) {
+    lines.push_back(fitted(rest.substr(0, width), width));
+  }
   lines.push_back(paint.faint(fitted(httpDate(), width)));
   lines.push_back(paint.faint(fitted(havrinAppUserAgentString(*NSBundle::mainBundle()), width)));
   return lines;
