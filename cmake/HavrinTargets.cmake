@@ -98,12 +98,18 @@ function(havrin_test name)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
   if(ARG_THREADS)
-    set_tests_properties(${name} PROPERTIES LABELS threads)
-    if(NOT TARGET havrin_thread_tests)
-      add_custom_target(havrin_thread_tests)
-    endif()
-    add_dependencies(havrin_thread_tests ${name})
+    havrin_thread_test(${name})
   endif()
+endfunction()
+
+# havrin_thread_test(<name>): the test of this name, and the program of this name, are built and run under the thread
+# sanitizer, too.
+function(havrin_thread_test name)
+  set_tests_properties(${name} PROPERTIES LABELS threads)
+  if(NOT TARGET havrin_thread_tests)
+    add_custom_target(havrin_thread_tests)
+  endif()
+  add_dependencies(havrin_thread_tests ${name})
 endfunction()
 
 # havrin_compile_failure(<name> SOURCE x.cpp EXPECT "text" ...): a test that compiles the file once for each EXPECT, with
