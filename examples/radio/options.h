@@ -10,9 +10,9 @@ namespace radio {
 enum class Colours { never, always, automatic };
 
 struct Options {
-  std::string stationsFile;              // the shipped one when empty
-  std::optional<std::string> link;       // shown with its campaign parameters, instead of the board
-  std::optional<std::string> keys;       // typed by a script instead of the keyboard
+  std::string stationsFile;         // the shipped one when empty
+  std::optional<std::string> link;  // shown with its campaign parameters, instead of the board
+  std::optional<std::string> keys;  // typed by a script instead of the keyboard
   bool once = false;
   bool verbose = false;
   double seconds = 30;  // 0: until q
