@@ -9,7 +9,11 @@
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/colours/hex_codes_messages.h>
 #include <HavrinFoundation/dates/date_arithmetic.h>
+#include <HavrinFoundation/dates/date_arithmetic_messages.h>
+#include <HavrinFoundation/dates/shared_formatter.h>
+#include <HavrinFoundation/dates/shared_formatter_messages.h>
 #include <HavrinFoundation/dates/zero_uuid.h>
+#include <HavrinFoundation/dates/zero_uuid_messages.h>
 #include <HavrinFoundation/frame/identity.h>
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/log.h>

@@ -16,6 +16,9 @@ extern const Category kMutableSetHelpers;
 extern const Category kSetBlocks;
 extern const Category kOrderedSetBlocks;
 extern const Category kCasts;
+extern const Category kDateArithmetic;
+extern const Category kSharedFormatter;
+extern const Category kZeroUuid;
 extern const Category kColourCodes;
 extern const Category kColourArithmetic;
 extern const Category kAppIdentity;
@@ -35,6 +38,10 @@ const Category* const kCategories[] = {
     &kMutableArrayHelpers,  // NSMutableArray(Helpers)
     // runtime
     &kCasts,  // NSObject(Cast)
+    // dates
+    &kDateArithmetic,   // NSDate(HavrinFoundation)
+    &kSharedFormatter,  // NSDateFormatter(HavrinFoundation)
+    &kZeroUuid,         // NSUUID(HavrinFoundation)
     // colours
     &kColourCodes,       // UIColor(HavrinFoundation)
     &kColourArithmetic,  // UIColor(HavrinFoundation)

@@ -1,5 +1,7 @@
 #include <HavrinFoundation/dates/date_arithmetic.h>
 
+#include <HavrinFoundation/dates/date_arithmetic_messages.h>
+#include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 #include <tests/platform/time/pinned_environment.h>
 
@@ -18,6 +20,7 @@ constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 
 Date at(double secondsSince1970) { return Date::fromTimeIntervalSince1970(secondsSince1970); }
+Strong<NSDate> object(double secondsSince1970) { return make<NSDate>(at(secondsSince1970)); }
 
 TEST(DateArithmetic, KeepsTheFractionOfATimestampAndDropsItWhenReadBack) {
   const struct {
@@ -43,6 +46,10 @@ TEST(DateArithmetic, KeepsTheFractionOfATimestampAndDropsItWhenReadBack) {
     const Date date = fromMillisecondsSince1970<Date>(row.milliseconds);
     EXPECT_NEAR(date.timeIntervalSince1970(), row.seconds, row.milliseconds == 9'007'199'254'740'992 ? 1e-3 : 0);
     EXPECT_EQ(millisecondsSince1970(date), row.readBack);
+    const Strong<NSDate> asObject = fromMillisecondsSince1970<NSDate>(row.milliseconds);
+    EXPECT_EQ(asObject->value(), date);
+    EXPECT_EQ(millisecondsSince1970(*asObject), row.readBack);
+    EXPECT_EQ(send<"hav_millisecondsSince1970">(asObject), row.readBack);
   }
 }
 
@@ -59,7 +66,10 @@ TEST(DateArithmetic, SaturatesWhatHasNoMilliseconds) {
       {std::numeric_limits<double>::infinity(), kMost},
       {std::numeric_limits<double>::quiet_NaN(), 0},
   };
-  for (const auto& row : rows) EXPECT_EQ(millisecondsSince1970(at(row.seconds)), row.milliseconds) << row.seconds;
+  for (const auto& row : rows) {
+    EXPECT_EQ(millisecondsSince1970(at(row.seconds)), row.milliseconds) << row.seconds;
+    EXPECT_EQ(send<"hav_millisecondsSince1970">(object(row.seconds)), row.milliseconds) << row.seconds;
+  }
 }
 
 TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
@@ -84,9 +94,13 @@ TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
     const PinnedEnvironment environment(row.zone, row.language);
     EXPECT_EQ(isSameMonthAndDay(at(row.first), at(row.second)), row.same);
     EXPECT_EQ(isSameMonthAndDay(at(row.second), at(row.first)), row.same);
+    EXPECT_EQ(isSameMonthAndDay(*object(row.first), at(row.second)), row.same);
+    EXPECT_EQ(send<"hav_isSameMonthAndDayAsDate:">(object(row.first), object(row.second)), row.same);
     TestClock clock;
     clock.setWallSecondsSince1970(row.second);
     EXPECT_EQ(isSameMonthAndDayAsToday(at(row.first)), row.same);
+    EXPECT_EQ(isSameMonthAndDayAsToday(*object(row.first)), row.same);
+    EXPECT_EQ(send<"hav_isSameMonthAndDayAsToday">(object(row.first)), row.same);
   }
   const Date nothing = at(std::numeric_limits<double>::quiet_NaN());
   EXPECT_FALSE(isSameMonthAndDay(nothing, nothing));
@@ -107,12 +121,84 @@ TEST(DateArithmetic, FollowsTheZoneFromCallToCall) {
 
 TEST(DateArithmetic, CountsDaysAndMinutes) {
   const PinnedEnvironment environment("UTC");
-  EXPECT_EQ(numberOfCalendarDays(at(86340), at(86460)), 1);
-  EXPECT_EQ(numberOfCalendarMinutes<Date>(at(86340), at(86460)), 2);
-  EXPECT_EQ(numberOfCalendarMinutes<Date>(at(0), at(59)), 0);
-  EXPECT_EQ(numberOfCalendarMinutes<Date>(at(61), at(0)), -1);
-  EXPECT_EQ(numberOfCalendarDays(at(0), at(-2 * 86400)), -2);
-  EXPECT_EQ(dateByAddingDays(at(0.125), 0), at(0.125));
+  const struct {
+    double from;
+    double to;
+    std::int64_t days;
+    std::int64_t minutes;
+    const char* why;
+  } rows[] = {
+      {86340, 86460, 1, 2, "over midnight"}, {0, 59, 0, 0, "less than a minute"},
+      {0, 61, 0, 1, "more than one"},        {61, 0, 0, -1, "backwards"},
+      {0, 0, 0, 0, "the same instant"},      {86400, -86400, -2, -2880, "two days earlier"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const Date from = at(row.from);
+    const Date to = at(row.to);
+    EXPECT_EQ(numberOfCalendarDays(from, to), row.days);
+    EXPECT_EQ(numberOfCalendarDays(*object(row.from), to), row.days);
+    EXPECT_EQ(send<"hav_numberOfCalendarDaysToDate:">(object(row.from), object(row.to)), row.days);
+    EXPECT_EQ(numberOfCalendarMinutes<Date>(from, to), row.minutes);
+    EXPECT_EQ(numberOfCalendarMinutes<NSDate>(from, to), row.minutes);
+    EXPECT_EQ(
+        send<"hav_numberOfCalendarMinutesBetweenDate:andDate:">(classOf<NSDate>(), object(row.from), object(row.to)),
+        row.minutes);
+    EXPECT_EQ(dateByAddingDays(from, row.days), from + static_cast<double>(row.days) * 86400);
+    EXPECT_EQ(dateByAddingDays(*object(row.from), row.days), dateByAddingDays(from, row.days));
+    EXPECT_EQ(send<"hav_dateByAddingDays:">(object(row.from), row.days)->value(), dateByAddingDays(from, row.days));
+    EXPECT_EQ(isAfter(*object(row.from), to), row.from > row.to);
+    EXPECT_EQ(isBefore(*object(row.from), to), row.from < row.to);
+    EXPECT_EQ(send<"hav_isAfterDate:">(object(row.from), object(row.to)), row.from > row.to);
+    EXPECT_EQ(send<"hav_isBeforeDate:">(object(row.from), object(row.to)), row.from < row.to);
+  }
+}
+
+/// Runs backwards: what is later compares as earlier.
+class Reversed : public Object<Reversed, NSDate> {
+ public:
+  NSComparisonResult compare(const NSDate* other) const override {
+    return static_cast<NSComparisonResult>(-static_cast<std::int64_t>(NSDate::compare(other)));
+  }
+};
+
+/// Counts how it is initialised, and is always a second late.
+class Late : public Object<Late, NSDate> {
+ public:
+  int initialised = 0;
+  Strong<NSDate> initWithTimeIntervalSince1970(double seconds) override {
+    ++initialised;
+    return NSDate::initWithTimeIntervalSince1970(seconds + 1);
+  }
+};
+
+TEST(DateArithmetic, LeavesTheOrderToTheReceiver) {
+  const Strong<NSDate> later = fromMillisecondsSince1970<Reversed>(5000);
+  EXPECT_TRUE(isBefore(*later, at(0)) && !isAfter(*later, at(0)));
+  EXPECT_TRUE(send<"hav_isBeforeDate:">(later, object(0)) && !send<"hav_isAfterDate:">(later, object(0)));
+}
+
+TEST(DateArithmetic, MakesDatesOfTheReceivingClass) {
+  const Strong<Late> typed = fromMillisecondsSince1970<Late>(1500);
+  EXPECT_EQ(typed->initialised, 1);
+  EXPECT_EQ(typed->timeIntervalSince1970(), 2.5);
+  const Strong<Late> sent = send<"initWithMillisecondsSince1970:">(alloc<Late>(), 1500);
+  EXPECT_EQ(sent->initialised, 1);
+  EXPECT_TRUE(sent->isEqual(typed));
+  EXPECT_TRUE(sent->isMemberOfClass(classOf<Late>()));
+  EXPECT_TRUE(send<"hav_dateByAddingDays:">(sent, 1)->isMemberOfClass(classOf<NSDate>()));
+}
+
+TEST(DateArithmetic, RefusesNullDates) {
+  const Strong<NSDate> date = object(0);
+  NSDate* const none = nullptr;
+  EXPECT_THROW((void)send<"hav_isSameMonthAndDayAsDate:">(date, none), NSException);
+  EXPECT_THROW((void)send<"hav_isAfterDate:">(date, none), NSException);
+  EXPECT_THROW((void)send<"hav_isBeforeDate:">(date, none), NSException);
+  EXPECT_THROW((void)send<"hav_numberOfCalendarDaysToDate:">(date, none), NSException);
+  EXPECT_THROW((void)send<"hav_numberOfCalendarMinutesBetweenDate:andDate:">(classOf<NSDate>(), date, none),
+               NSException);
+  EXPECT_FALSE(send<"hav_isAfterDate:">(none, date)) << "a message to null does nothing";
 }
 
 TEST(DateArithmetic, AddsTheDaysItCounts) {

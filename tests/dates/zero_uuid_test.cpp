@@ -1,13 +1,34 @@
 #include <HavrinFoundation/dates/zero_uuid.h>
 
+#include <HavrinFoundation/dates/zero_uuid_messages.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+
 #include <gtest/gtest.h>
+
+#include <array>
+#include <thread>
 
 namespace havrin {
 namespace {
 
+TEST(ZeroUuid, IsOneObjectWhoeverAsksFirst) {
+  std::array<Strong<NSUUID>, 8> found;
+  std::array<std::thread, 8> threads;
+  for (std::size_t i = 0; i < threads.size(); ++i) {
+    threads[i] = std::thread([&found, i] { found[i] = i % 2 == 0 ? zero<NSUUID>() : send<"zero">(classOf<NSUUID>()); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const Strong<NSUUID>& uuid : found) EXPECT_EQ(uuid, found[0]);
+}
+
 TEST(ZeroUuid, IsAllZeros) {
   EXPECT_EQ(zero<UUID>().uuidString(), "00000000-0000-0000-0000-000000000000");
   EXPECT_EQ(zero<UUID>(), UUID::fromString("00000000-0000-0000-0000-000000000000"));
+  EXPECT_EQ(utf8(*zero<NSUUID>()->uuidString()), "00000000-0000-0000-0000-000000000000");
+  EXPECT_EQ(zero<NSUUID>()->getUUIDBytes(), UUID::Bytes{});
+  const Strong<NSUUID> bridged = make<NSUUID>(zero<UUID>());
+  EXPECT_TRUE(bridged->isEqual(zero<NSUUID>()));
+  EXPECT_NE(bridged, zero<NSUUID>()) << "another object";
 }
 
 }  // namespace

@@ -1,0 +1,25 @@
+// The all-zero identifier as an object, and as a message of NSUUID(HavrinFoundation).
+//
+//   zero<NSUUID>()->uuidString()                               "00000000-0000-0000-0000-000000000000"
+//   send<"zero">(classOf<NSUUID>()) == zero<NSUUID>()          true: one object in the process
+#pragma once
+
+#include <HavrinFoundation/dates/zero_uuid.h>
+#include <HavrinFoundation/image.h>
+#include <HavrinFoundation/platform/time/ns_uuid.h>
+
+#include <concepts>
+
+namespace havrin {
+
+/// The one identifier object whose 128 bits are all zero: made at the first call, alive until the process ends.
+template <std::same_as<NSUUID> C>
+[[nodiscard]] Strong<C> zero();
+template <>
+[[nodiscard]] HAVRIN_EXPORT Strong<NSUUID> zero<NSUUID>();
+
+/// As `zero<NSUUID>()`, also when sent to a subclass.
+template <>
+struct platform::ClassMessage<NSUUID, "zero"> : Signature<Strong<NSUUID>()> {};
+
+}  // namespace havrin

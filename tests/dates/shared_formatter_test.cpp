@@ -1,0 +1,63 @@
+#include <HavrinFoundation/dates/shared_formatter.h>
+
+#include <HavrinFoundation/dates/shared_formatter_messages.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <tests/platform/time/pinned_environment.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <thread>
+
+namespace havrin {
+namespace {
+
+using havrin::testing::PinnedEnvironment;
+
+std::string dateLine(double secondsSince1970) {
+  const Strong<NSDate> date = make<NSDate>(Date::fromTimeIntervalSince1970(secondsSince1970));
+  return utf8(*rfc1123<NSDateFormatter>()->stringFromDate(date));
+}
+
+TEST(SharedFormatter, IsOneObjectWhoeverAsksFirst) {
+  const PinnedEnvironment environment("Asia/Tokyo", "fa_IR");  // of no influence, whoever is first
+  std::array<Strong<NSDateFormatter>, 8> found;
+  std::array<std::thread, 8> threads;
+  for (std::size_t i = 0; i < threads.size(); ++i) {
+    threads[i] = std::thread([&found, i] {
+      found[i] = i % 2 == 0 ? rfc1123<NSDateFormatter>() : send<"hav_rfc1123Formatter">(classOf<NSDateFormatter>());
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const Strong<NSDateFormatter>& formatter : found) EXPECT_EQ(formatter, found[0]);
+}
+
+TEST(SharedFormatter, WritesAndReadsDateLinesAlikeOnEveryMachine) {
+  const struct {
+    const char* zone;
+    const char* language;
+  } machines[] = {{"GMT", "en_US"}, {"America/New_York", "de_DE"}, {"Asia/Tokyo", "th_TH"}, {nullptr, "ar_SA"}};
+  for (const auto& machine : machines) {
+    SCOPED_TRACE(machine.language);
+    const PinnedEnvironment environment(machine.zone, machine.language);
+    EXPECT_EQ(dateLine(1709649000), "Tue, 05 Mar 2024 14:30:00 GMT");
+    EXPECT_EQ(dateLine(-0.001), "Wed, 31 Dec 1969 23:59:59 GMT");
+    const Strong<NSDate> read = rfc1123<NSDateFormatter>()->dateFromString(makeString("Tue, 05 Mar 2024 14:30:00 GMT"));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->timeIntervalSince1970(), 1709649000);
+  }
+  EXPECT_EQ(utf8(*rfc1123<NSDateFormatter>()->dateFormat()), "EEE',' dd MMM yyyy HH':'mm':'ss z");
+}
+
+TEST(SharedFormatter, ShowsEverybodyWhatOneChanges) {
+  const Strong<NSString> former = rfc1123<NSDateFormatter>()->dateFormat();
+  rfc1123<NSDateFormatter>()->setDateFormat(makeString("yyyy"));
+  std::string elsewhere;
+  std::thread([&] { elsewhere = dateLine(1709649000); }).join();
+  EXPECT_EQ(elsewhere, "2024");
+  rfc1123<NSDateFormatter>()->setDateFormat(former);
+}
+
+}  // namespace
+}  // namespace havrin
