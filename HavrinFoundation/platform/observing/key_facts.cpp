@@ -24,8 +24,8 @@ bool automatically(ClassOf<NSObject> self, NSString* key) {
   return !answer || unboxBoolean(answer);
 }
 
-Strong<NSArray> affecting(ClassOf<NSObject> self, NSString* key) {
-  return blockArgument<NSArray>(askForKey(self, "keyPathsForValuesAffecting", *key));
+Strong<NSSet> affecting(ClassOf<NSObject> self, NSString* key) {
+  return blockArgument<NSSet>(askForKey(self, "keyPathsForValuesAffecting", *key));
 }
 
 constexpr MethodRow kClassRows[] = {
@@ -50,8 +50,7 @@ KeyFacts ask(const ClassObject& shown, NSString& key) {
   KeyFacts facts{};
   facts.setter = withText(key, [](std::string_view text) { return Selector::known(setterName(text)); });
   facts.isAutomatic = send<"automaticallyNotifiesObserversForKey:">(cls, &key);
-  if (const Strong<NSArray> paths = send<"keyPathsForValuesAffectingValueForKey:">(cls, &key);
-      paths && paths->count()) {
+  if (const Strong<NSSet> paths = send<"keyPathsForValuesAffectingValueForKey:">(cls, &key); paths && paths->count()) {
     auto all = std::make_shared<KeyFacts::Paths>();
     for (NSObject* path : each(paths)) all->push_back(keysOfPath(blockReference<NSString>(path)));
     facts.affecting = std::move(all);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
@@ -84,9 +85,8 @@ void tellInitially(Registration& registration, NSObject& object) {
 }  // namespace
 
 void requireObservable(const NSObject& object) {
-  if (!isKind<NSArray>(&object) && !Class::from(&object)) {
-    return;
-  }
+  const bool isCollection = isKind<NSArray>(&object) || isKind<NSSet>(&object) || isKind<NSOrderedSet>(&object);
+  if (!isCollection && !Class::from(&object)) return;
   throw NSException(NSInvalidArgumentException, "-[" + std::string(classOf(object).name()) +
                                                     " addObserver:forKeyPath:options:context:]: collections and "
                                                     "classes are not observable");

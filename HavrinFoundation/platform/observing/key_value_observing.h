@@ -45,9 +45,9 @@
 #include <cstdint>
 
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/lazy_string.h>
+#include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/message.h>
 #include <HavrinFoundation/platform/observing/key_path.h>
 
@@ -78,6 +78,6 @@ template <>
 struct ClassMessage<NSObject, "automaticallyNotifiesObserversForKey:"> : Signature<bool(NSString*)> {};
 /// The key paths whose change also changes the value under a key; null for none. Override it with a ClassMethod.
 template <>
-struct ClassMessage<NSObject, "keyPathsForValuesAffectingValueForKey:"> : Signature<Strong<NSArray>(NSString*)> {};
+struct ClassMessage<NSObject, "keyPathsForValuesAffectingValueForKey:"> : Signature<Strong<NSSet>(NSString*)> {};
 
 }  // namespace havrin::inline platform

@@ -1,0 +1,153 @@
+// What the tests of key-value observing watch, and with what.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+#include <gtest/gtest.h>
+
+namespace havrin_test {
+
+using namespace havrin;
+
+inline constexpr std::uint64_t kNew = NSKeyValueObservingOptionNew;
+inline constexpr std::uint64_t kOld = NSKeyValueObservingOptionOld;
+inline constexpr std::uint64_t kBoth = kNew | kOld;
+inline constexpr std::uint64_t kInitial = NSKeyValueObservingOptionInitial;
+inline constexpr std::uint64_t kPrior = NSKeyValueObservingOptionPrior;
+
+inline Strong<NSString> text(const char* ascii) { return makeString(ascii); }
+inline std::string shown(NSObject* object) {
+  if (!object) return "-";
+  return object == NSNull::null() ? "null" : utf8(*object->description());
+}
+
+class Host : public Object<Host, NSObject> {
+  Strong<NSString> name_;
+  Strong<Host> deputy_;
+
+ public:
+  static inline int destroyed = 0;
+  ~Host() override { ++destroyed; }
+  using Members = List<Property<"name", &Host::name_>, Property<"deputy", &Host::deputy_>>;
+};
+
+inline Strong<Host> host(const char* name) {
+  auto host = make<Host>();
+  send<"setName:">(host, text(name));
+  return host;
+}
+
+class Station : public Object<Station, NSObject> {
+  Strong<Host> host_;
+  Weak<Host> guest_;
+  Strong<NSString> title_;
+  Strong<NSString> slogan_;
+  Strong<NSArray> songs_ = makeArray({});
+  std::int64_t listeners_ = 0;
+
+ public:
+  std::int64_t hand = 0;
+  std::int64_t quiet = 0;
+  std::vector<Strong<NSObject>> tags;
+
+  std::int64_t handValue() { return hand; }
+  void setHand(std::int64_t value) { hand = value; }
+  std::int64_t quietValue() { return quiet; }
+  void setQuiet(std::int64_t value) {
+    if (value == quiet) return;
+    willChangeValueForKey(keyPath<Station, "quiet">);
+    quiet = value;
+    didChangeValueForKey(keyPath<Station, "quiet">);
+  }
+  void refuse(NSString*) { throw NSException(NSGenericException, "refused"); }
+  Strong<NSString> refused() { return nullptr; }
+  Strong<NSString> banner() {
+    return makeString(shown(title_) + "/" + shown(host_ ? send<"name">(host_) : Strong<NSString>()));
+  }
+  Strong<NSString> longBanner() { return makeString("<" + utf8(*banner()) + ">"); }
+  static Strong<NSSet> bannerNeeds(ClassOf<Station>) { return makeSet({text("title"), text("host.name")}); }
+  static Strong<NSSet> longBannerNeeds(ClassOf<Station>) { return makeSet({text("banner")}); }
+  static bool quietIsByHand(ClassOf<Station>) { return false; }
+
+  Strong<NSArray> tagList() { return makeArray(tags); }
+  void insertTag(NSObject* tag, std::uint64_t index) {
+    tags.insert(tags.begin() + static_cast<std::ptrdiff_t>(index), tag);
+  }
+  void removeTag(std::uint64_t index) { tags.erase(tags.begin() + static_cast<std::ptrdiff_t>(index)); }
+
+  using Members = List<Property<"host", &Station::host_>, Property<"guest", &Station::guest_>,
+                       Property<"title", &Station::title_>, Property<"slogan", &Station::slogan_>,
+                       Property<"songs", &Station::songs_>, Property<"listeners", &Station::listeners_>,
+                       Method<"hand", &Station::handValue>, Method<"setHand:", &Station::setHand>,
+                       Method<"quiet", &Station::quietValue>, Method<"setQuiet:", &Station::setQuiet>,
+                       Method<"refused", &Station::refused>, Method<"setRefused:", &Station::refuse>,
+                       Method<"banner", &Station::banner>, Method<"longBanner", &Station::longBanner>,
+                       Method<"tags", &Station::tagList>, Method<"insertObject:inTagsAtIndex:", &Station::insertTag>,
+                       Method<"removeObjectFromTagsAtIndex:", &Station::removeTag>>;
+  using ClassMembers = List<ClassMethod<"keyPathsForValuesAffectingBanner", &Station::bannerNeeds>,
+                            ClassMethod<"keyPathsForValuesAffectingLongBanner", &Station::longBannerNeeds>,
+                            ClassMethod<"automaticallyNotifiesObserversOfQuiet", &Station::quietIsByHand>>;
+};
+
+// Overrides a setter, and calls the one above.
+class Relay : public Object<Relay, Station> {
+ public:
+  void doubled(std::int64_t value) { Station::setHand(value * 2); }
+  using Members = List<Method<"setHand:", &Relay::doubled>>;
+};
+
+// Writes down what it is told.
+class Watcher : public Object<Watcher, NSObject> {
+ public:
+  std::vector<std::string> log;
+  std::function<void(NSObject*)> during;
+  Strong<NSDictionary> last;
+
+  void observeValueForKeyPath(NSString* path, NSObject* object, NSDictionary* change, void*) override {
+    last = change;
+    std::string line = utf8(*path) + " " + shown(change->objectForKey(NSKeyValueChangeKindKey)) + " " +
+                       shown(change->objectForKey(NSKeyValueChangeOldKey)) + ">" +
+                       shown(change->objectForKey(NSKeyValueChangeNewKey));
+    if (change->objectForKey(NSKeyValueChangeIndexesKey)) {
+      line += " at " + std::to_string(cast<NSIndexSet>(change->objectForKey(NSKeyValueChangeIndexesKey))->firstIndex());
+    }
+    if (change->objectForKey(NSKeyValueChangeNotificationIsPriorKey)) line += " prior";
+    log.push_back(line);
+    if (during) during(object);
+  }
+  std::string take() {
+    std::string all;
+    for (const std::string& line : std::exchange(log, {})) all += (all.empty() ? "" : ", ") + line;
+    return all;
+  }
+};
+
+template <class F>
+std::string nameOf(F body) {
+  try {
+    body();
+  } catch (const NSException& exception) {
+    EXPECT_FALSE(exception.reason().empty());
+    return exception.name();
+  }
+  return "none";
+}
+
+struct Observed : testing::Test {
+  Strong<Station> station = make<Station>();
+  Strong<Watcher> watcher = make<Watcher>();
+
+  void watch(const char* path, std::uint64_t options = kBoth, void* context = nullptr) {
+    station->addObserver(watcher, text(path), options, context);
+  }
+  void unwatch(const char* path) { station->removeObserver(watcher, text(path)); }
+};
+
+}  // namespace havrin_test

@@ -1,0 +1,176 @@
+// Paths of several keys, keys that depend on others, changes announced by hand, and arrays changed in place.
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <gtest/gtest.h>
+
+#include "observed_objects.h"
+
+using namespace havrin;
+using namespace havrin_test;
+
+TEST_F(Observed, PathsFollowWhatIsReplacedAndWhatIsMissing) {
+  const auto ada = host("Ada");
+  const auto bob = host("Bob");
+  watch("host.name");
+  send<"setHost:">(station, ada);
+  send<"setName:">(ada, text("Ana"));
+  send<"setHost:">(station, bob);
+  EXPECT_EQ(watcher->take(), "host.name 1 null>Ada, host.name 1 Ada>Ana, host.name 1 Ana>Bob");
+  send<"setName:">(ada, text("nobody hears"));
+  EXPECT_FALSE(dispatchClass(ada)->isNotifying());
+  send<"setHost:">(station, bob);
+  send<"setName:">(bob, text("Ben"));
+  send<"setHost:">(station, nullptr);
+  EXPECT_EQ(watcher->take(), "host.name 1 Bob>Bob, host.name 1 Bob>Ben, host.name 1 Ben>null");
+  send<"setName:">(bob, text("gone"));
+  EXPECT_EQ(watcher->take(), "");
+  unwatch("host.name");
+  EXPECT_FALSE(dispatchClass(station)->isNotifying());
+}
+
+TEST_F(Observed, PathsOfThreeStepsTellOfTheRoot) {
+  watch("host.deputy.name");
+  std::vector<NSObject*> objects;
+  watcher->during = [&](NSObject* object) { objects.push_back(object); };
+  const auto ada = host("Ada");
+  const auto bob = host("Bob");
+  send<"setHost:">(station, ada);
+  send<"setDeputy:">(ada, bob);
+  send<"setName:">(bob, text("Ben"));
+  send<"setName:">(ada, text("on the way, but not the end"));
+  send<"setDeputy:">(ada, nullptr);
+  EXPECT_EQ(watcher->take(),
+            "host.deputy.name 1 null>null, host.deputy.name 1 null>Bob, host.deputy.name 1 Bob>Ben, "
+            "host.deputy.name 1 Ben>null");
+  EXPECT_EQ(objects, std::vector<NSObject*>(4, station));
+}
+
+TEST_F(Observed, OneObjectMayStandOnAPathTwice) {
+  const auto ada = host("Ada");
+  send<"setDeputy:">(ada, ada);
+  ada->addObserver(watcher, text("deputy.deputy.name"), kBoth, nullptr);
+  send<"setName:">(ada, text("Ana"));
+  EXPECT_EQ(watcher->take(), "deputy.deputy.name 1 Ada>Ana");
+  send<"setDeputy:">(ada, host("Bob"));
+  EXPECT_EQ(watcher->take(), "deputy.deputy.name 1 Ana>null");
+  send<"setName:">(ada, text("Amy"));
+  EXPECT_EQ(watcher->take(), "");
+  ada->removeObserver(watcher, text("deputy.deputy.name"));
+  EXPECT_FALSE(dispatchClass(ada)->isNotifying());
+}
+
+TEST_F(Observed, ObjectsOnTheWayAreNotRetainedAndMayDie) {
+  const auto bob = host("Bob");
+  watch("guest.deputy.name");
+  {
+    const auto guest = host("Eve");
+    send<"setDeputy:">(guest, bob);
+    send<"setGuest:">(station, guest);
+    EXPECT_EQ(watcher->take(), "guest.deputy.name 1 null>Bob");
+    Host::destroyed = 0;
+  }
+  EXPECT_EQ(Host::destroyed, 1);
+  send<"setName:">(bob, text("Ben"));
+  EXPECT_EQ(watcher->take(), "") << "nothing leads there any more";
+  const auto guest = host("Zoe");
+  send<"setGuest:">(station, guest);
+  send<"setDeputy:">(guest, bob);
+  EXPECT_EQ(watcher->take(), "guest.deputy.name 1 null>null, guest.deputy.name 1 null>Ben");
+  const Strong<Watcher> other = make<Watcher>();
+  station = nullptr;  // the root goes first
+  send<"setDeputy:">(guest, nullptr);
+  EXPECT_EQ(watcher->take(), "");
+  EXPECT_FALSE(dispatchClass(guest)->isNotifying());
+}
+
+TEST_F(Observed, DependentKeysChangeWithWhatTheyDependOn) {
+  watch("banner");
+  watch("longBanner", kNew);
+  send<"setTitle:">(station, text("Nord"));
+  EXPECT_EQ(watcher->take(), "banner 1 -/->Nord/-, longBanner 1 -><Nord/->");
+  const auto ada = host("Ada");
+  send<"setHost:">(station, ada);
+  EXPECT_EQ(watcher->take(), "banner 1 Nord/->Nord/Ada, longBanner 1 -><Nord/Ada>");
+  send<"setName:">(ada, text("Ana"));
+  EXPECT_EQ(watcher->take(), "banner 1 Nord/Ada>Nord/Ana, longBanner 1 -><Nord/Ana>");
+  send<"setHost:">(station, nullptr);
+  watcher->log.clear();
+  send<"setName:">(ada, text("Amy"));
+  station->willChangeValueForKey(text("banner"));
+  station->didChangeValueForKey(text("banner"));
+  EXPECT_EQ(watcher->take(), "banner 1 Nord/->Nord/-, longBanner 1 -><Nord/->");
+  unwatch("banner");
+  unwatch("longBanner");
+  EXPECT_FALSE(dispatchClass(station)->isNotifying());
+}
+
+TEST_F(Observed, ByHandWhatIsAnnouncedIsTold) {
+  watch("quiet");
+  send<"setQuiet:">(station, 1);
+  send<"setQuiet:">(station, 1);
+  EXPECT_EQ(watcher->take(), "quiet 1 0>1") << "the setter decides";
+  station->didChangeValueForKey(text("quiet"));
+  EXPECT_EQ(watcher->take(), "") << "never announced";
+  watch("hand");
+  station->willChangeValueForKey(text("hand"));
+  send<"setHand:">(station, 5);
+  station->didChangeValueForKey(text("hand"));
+  EXPECT_EQ(watcher->take(), "hand 1 0>5, hand 1 0>5") << "the inner pair first";
+  station->willChangeValueForKey(text("hand"));  // and never done
+  unwatch("hand");
+  unwatch("quiet");
+  EXPECT_EQ(nameOf([&] { station->willChangeValueForKey(nullptr); }), NSInvalidArgumentException);
+}
+
+TEST_F(Observed, ArraysChangedInPlaceTellWhere) {
+  watch("songs");
+  const auto songs = station->mutableArrayValueForKey(text("songs"));
+  songs->addObject(text("a"));
+  songs->addObject(text("b"));
+  songs->insertObject(text("x"), 1);
+  EXPECT_EQ(watcher->take(), "songs 2 ->(a) at 0, songs 2 ->(b) at 1, songs 2 ->(x) at 1");
+  songs->removeObjectAtIndex(0);
+  songs->replaceObjectAtIndex(1, text("y"));
+  EXPECT_EQ(watcher->take(), "songs 3 (a)>- at 0, songs 4 (b)>(y) at 1");
+  EXPECT_EQ(shown(send<"songs">(station)), "(x, y)");
+  EXPECT_EQ(shown(songs), "(x, y)");
+  EXPECT_EQ(nameOf([&] { songs->removeObjectAtIndex(2); }), NSRangeException);
+  EXPECT_EQ(nameOf([&] { songs->addObject(nullptr); }), NSInvalidArgumentException);
+  send<"setSongs:">(station, makeArray({}));
+  EXPECT_EQ(watcher->take(), "songs 1 (x, y)>()");
+  EXPECT_EQ(songs->count(), 0U);
+  send<"setSongs:">(station, nullptr);
+  songs->addObject(text("z"));
+  EXPECT_EQ(watcher->take(), "songs 1 ()>null, songs 2 ->(z) at 0");
+}
+
+TEST_F(Observed, ArraysOfWhichOnlyTheStepsAreOfferedChangeThroughThem) {
+  watch("tags");
+  const auto tags = station->mutableArrayValueForKey(text("tags"));
+  tags->addObject(text("jazz"));
+  tags->insertObject(text("news"), 0);
+  tags->removeLastObject();
+  EXPECT_EQ(watcher->take(), "tags 2 ->(jazz) at 0, tags 2 ->(news) at 0, tags 3 (jazz)>- at 1");
+  EXPECT_EQ(station->tags.size(), 1U);
+  EXPECT_EQ(nameOf([&] { tags->replaceObjectAtIndex(0, text("x")); }), NSUndefinedKeyException);
+  send<"setTitle:">(station, text("a"));
+  EXPECT_EQ(nameOf([&] { (void)station->mutableArrayValueForKey(text("title"))->count(); }),
+            NSInvalidArgumentException);
+}
+
+TEST_F(Observed, DictionariesTellOfEntriesSetByKey) {
+  const auto dictionary = make<NSMutableDictionary>();
+  dictionary->addObserver(watcher, text("a.b"), kBoth, nullptr);
+  const auto inner = make<NSMutableDictionary>();
+  dictionary->setValueForKey(inner, text("a"));
+  inner->setValueForKey(makeNumber(1), text("b"));
+  inner->setValueForKey(nullptr, text("b"));
+  EXPECT_EQ(watcher->take(), "a.b 1 null>null, a.b 1 null>1, a.b 1 1>null");
+  EXPECT_TRUE(dictionary->objectForKey(text("a")));
+}
