@@ -26,6 +26,8 @@
 #include <HavrinFoundation/links/app_identity.h>
 #include <HavrinFoundation/links/app_identity_messages.h>
 #include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/observation/key_value_observation_messages.h>
+#include <HavrinFoundation/observation/responder_observations_messages.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/clamp.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>

@@ -9,6 +9,7 @@ namespace havrin {
 
 extern const Category kProcessTestFlag;
 extern const Category kRateLimits;
+extern const Category kResponderObservations;
 extern const Category kArrayBlocks;
 extern const Category kArrayHelpers;
 extern const Category kMutableArrayHelpers;
@@ -23,12 +24,20 @@ extern const Category kColourCodes;
 extern const Category kColourArithmetic;
 extern const Category kAppIdentity;
 
+extern ConstantString kKeyPathText;
+
 namespace {
+
+ConstantString* const kStrings[] = {
+    &kKeyPathText,  // kKeyValueObservationKeyPath
+};
 
 const Category* const kCategories[] = {
     // frame
     &kProcessTestFlag,  // NSProcessInfo(HavrinFoundation)
     &kRateLimits,       // NSObject(Helpers)
+    // observation
+    &kResponderObservations,  // UIResponder(KeyValueObservation)
     // collections
     &kArrayBlocks,          // NSArray(Blocks)
     &kSetBlocks,            // NSSet(HavrinFoundation)
@@ -56,7 +65,7 @@ void (*const kInitialisers[])() = {SetMainQueueIdentifier};
 constinit const Image kHavrinFoundation{
     .name = "HavrinFoundation",
     .identification = HavrinFoundationVersionString,
-    .strings = {},
+    .strings = kStrings,
     .categories = kCategories,
     .initialisers = kInitialisers,
 };

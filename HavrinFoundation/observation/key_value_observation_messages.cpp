@@ -1,0 +1,120 @@
+#include <HavrinFoundation/observation/key_value_observation_messages.h>
+
+#include <string>
+#include <utility>
+
+#include <HavrinFoundation/frame/main_queue.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/observing/change_dictionary.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+
+namespace havrin {
+
+void* kKeyValueObservationContext = &kKeyValueObservationContext;
+
+extern constinit ConstantString kKeyPathText;
+constinit ConstantString kKeyPathText("keyPath");
+constinit NSString* const kKeyValueObservationKeyPath = kKeyPathText;
+
+namespace {
+
+// The change with the path that changed, immutable.
+Strong<NSDictionary> changeAt(NSString* keyPath, const NSDictionary* change) {
+  if (!change) return nullptr;
+  if (const auto* own = cast<NSKeyValueChangeDictionary>(change); own && keyPath) {
+    return own->adding(kKeyValueObservationKeyPath, keyPath);
+  }
+  const Strong<NSObject> copy = change->mutableCopy();
+  blockReference<NSMutableDictionary>(copy).set(kKeyValueObservationKeyPath, keyPath);
+  return Strong<NSDictionary>(blockArgument<NSDictionary>(copy->copy()));
+}
+
+// True for a change whose old and new value are one object, or equal; both may be absent.
+bool isUnchanged(const NSDictionary* change) {
+  if (!change) return true;
+  const Strong<NSObject> before = change->objectForKey(NSKeyValueChangeOldKey);
+  const Strong<NSObject> after = change->objectForKey(NSKeyValueChangeNewKey);
+  return before.get() == after.get() || (before && before->isEqual(after));
+}
+
+std::string textOf(const NSObject* object) { return object ? utf8(*object->description()) : "(null)"; }
+
+}  // namespace
+
+Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObject* object, NSArray* keyPaths,
+                                                      std::uint64_t options, const Action& action) {
+  const Strong<NSObject> holdObserver(observer);
+  const Strong<NSObject> holdObject(object);
+  const Strong<NSArray> holdKeyPaths(keyPaths);
+  const Action holdAction(action);
+  Strong<KeyValueObservation> self(this);
+  send<"setObserver:">(*this, observer);
+  send<"setObject:">(*this, object);
+  send<"setKeyPaths:">(*this, keyPaths);
+  send<"setOptions:">(*this, options);
+  send<"setAction:">(*this, action);
+  if (object) {
+    constexpr std::uint64_t kBoth = NSKeyValueObservingOptionNew | NSKeyValueObservingOptionOld;
+    for (NSObject* path : each(keyPaths)) {
+      object->addObserver(this, blockArgument<NSString>(path), kBoth, kKeyValueObservationContext);
+    }
+  }
+  if (!(options & KeyValueObservationOptionSkipInitial)) {
+    holdAction(observer, object, make<NSKeyValueChangeDictionary>(NSKeyValueChangeDictionary::Values{}));
+  }
+  return self;
+}
+
+KeyValueObservation::~KeyValueObservation() {
+  if (!object_) return;
+  try {
+    for (NSObject* path : each(keyPaths_)) {
+      try {
+        object_->removeObserver(this, cast<NSString>(path), kKeyValueObservationContext);
+      } catch (const NSException&) {
+        // Never made, since creation failed on the way, or made for another object or other paths.
+      }
+    }
+  } catch (...) {
+    // A collection or an observed object of the program's own that throws: nothing more can be removed.
+  }
+}
+
+void KeyValueObservation::copyKeyPaths(NSArray* keyPaths) {
+  keyPaths_ = keyPaths ? Strong<NSArray>(blockArgument<NSArray>(keyPaths->copy())) : nullptr;
+}
+
+void KeyValueObservation::copyAction(const Action& action) {
+  if (!action) {
+    throw NSException(NSInvalidArgumentException, "-[KeyValueObservation setAction:]: the action is null");
+  }
+  action_ = action;
+}
+
+void KeyValueObservation::observeValueForKeyPath(NSString* keyPath, NSObject* object, NSDictionary* change,
+                                                 void* context) {
+  send<"observeValueForKeyPath:ofObject:change:context:">(*this, keyPath, object, change, context);
+}
+
+void KeyValueObservation::observe(NSString* keyPath, NSObject* object, NSDictionary* change, void* context) {
+  if (context != kKeyValueObservationContext) return;
+  const Strong<NSObject> observer = observer_.lock();
+  if (!object || !observer) return;
+  if ((options_ & KeyValueObservationOptionSkipUnchanged) && isUnchanged(change)) return;
+  GuaranteeMainQueue([self = Strong<KeyValueObservation>(this), observer, object = Strong<NSObject>(object),
+                      delivered = changeAt(keyPath, change)] { send<"action">(self)(observer, object, delivered); });
+}
+
+Strong<NSString> KeyValueObservation::debugDescription() const { return send<"debugDescription">(*this); }
+
+Strong<NSString> KeyValueObservation::describe() {
+  std::string paths = keyPaths_ ? "" : "(null)";
+  bool first = true;
+  for (NSObject* path : each(keyPaths_)) {
+    paths += (std::exchange(first, false) ? "" : ", ") + textOf(path);
+  }
+  return makeString(textOf(NSObject::debugDescription()) + "\n  observer: " + textOf(observer()) +
+                    "\n  object: " + textOf(object_) + "\n  keypaths: [" + paths + "]");
+}
+
+}  // namespace havrin

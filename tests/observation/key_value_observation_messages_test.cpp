@@ -1,0 +1,394 @@
+#include <HavrinFoundation/observation/key_value_observation_messages.h>
+
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <HavrinFoundation/platform/dispatch/queue.h>
+#include <HavrinFoundation/platform/foundation/index_set.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+#include <HavrinFoundation/testkit/test_clock.h>
+#include <gtest/gtest.h>
+
+#include "observed_station.h"
+
+using namespace havrin;
+using namespace havrin_test;
+
+namespace {
+
+constexpr std::uint64_t kSkipInitial = KeyValueObservationOptionSkipInitial;
+constexpr std::uint64_t kSkipUnchanged = KeyValueObservationOptionSkipUnchanged;
+
+struct Observation : testing::Test {
+  TestClock clock;
+  Strong<Station> station = make<Station>();
+  Strong<NSObject> observer = make<NSObject>();
+  Strong<KeyValueObservation> token;
+  std::vector<std::string> told;
+  std::function<void()> during;
+
+  KeyValueObservationAction action() {
+    return [this](NSObject* who, Station* what, NSDictionary* change) {
+      EXPECT_TRUE(isMainThread());
+      EXPECT_TRUE(!who || who == observer.get());
+      EXPECT_EQ(what, station.get());
+      EXPECT_FALSE(isKind<NSMutableDictionary>(change));
+      told.push_back(line(change));
+      if (during) during();
+    };
+  }
+  Strong<KeyValueObservation> observe(NSArray* keyPaths, std::uint64_t options) {
+    return send<"initWithObserver:object:keyPaths:options:action:">(alloc<KeyValueObservation>(), observer, station,
+                                                                    keyPaths, options, action());
+  }
+  Strong<KeyValueObservation> observe(const char* keyPath, std::uint64_t options) {
+    return observe(makeArray({text(keyPath)}), options);
+  }
+  std::string take() {
+    std::string all;
+    for (const std::string& one : std::exchange(told, {})) all += (all.empty() ? "" : ", ") + one;
+    return all;
+  }
+  // A change made by another thread, which is over when this returns.
+  void elsewhere(const std::function<void()>& change) { std::thread(change).join(); }
+};
+
+// Overrides what the system sends.
+class Named : public Object<Named, KeyValueObservation> {
+ public:
+  std::string log;
+  void noteObserver(NSObject* value) { note("observer", value); }
+  void noteObject(NSObject* value) { note("object", value); }
+  void noteKeyPaths(NSArray* value) { note("keyPaths", value); }
+  void noteOptions(std::uint64_t value) { note("options", makeNumber(value)); }
+  void noteAction(const Action&) { note("action", nullptr); }
+  Action silence() {
+    return [this](NSObject*, NSObject*, NSDictionary*) { log += "silent "; };
+  }
+
+  using Members = List<Method<"setObserver:", &Named::noteObserver>, Method<"setObject:", &Named::noteObject>,
+                       Method<"setKeyPaths:", &Named::noteKeyPaths>, Method<"setOptions:", &Named::noteOptions>,
+                       Method<"setAction:", &Named::noteAction>, Method<"action", &Named::silence>>;
+
+ private:
+  void note(const char* what, NSObject* value) { log += std::string(what) + "=" + shown(value) + " "; }
+};
+
+// Has an action of its own.
+class Silent : public Object<Silent, KeyValueObservation> {
+ public:
+  int asked = 0;
+  Action ask() {
+    ++asked;
+    return [](NSObject*, NSObject*, NSDictionary*) {};
+  }
+  using Members = List<Method<"action", &Silent::ask>>;
+};
+
+}  // namespace
+
+TEST_F(Observation, CallsOnceAtCreationAndThenForEveryChange) {
+  token = observe("title", 0);
+  EXPECT_EQ(take(), "- 1 ->-");
+  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, text("a"));
+  EXPECT_EQ(take(), "title 1 null>a, title 1 a>a");
+  station->setValueForKey(nullptr, text("title"));
+  EXPECT_EQ(take(), "title 1 a>null");
+}
+
+TEST_F(Observation, OptionsAreTwoBits) {
+  const struct {
+    std::vector<const char*> keyPaths;
+    std::uint64_t options;
+    const char* told;
+    const char* why;
+  } rows[] = {
+      {{"title"}, 0, "- 1 ->-, title 1 a>b, title 1 b>b", "none"},
+      {{"title"}, 1, "- 1 ->-, title 1 a>b, title 1 b>b", "bit 0 has no effect"},
+      {{"title"}, 8, "- 1 ->-, title 1 a>b, title 1 b>b", "nor have others"},
+      {{"title"}, kSkipInitial, "title 1 a>b, title 1 b>b", "no first call"},
+      {{"title"}, kSkipUnchanged, "- 1 ->-, title 1 a>b", "an equal, distinct string is no change"},
+      {{"title"}, kSkipInitial | kSkipUnchanged, "title 1 a>b", "both"},
+      {{"title", "listeners"}, 0, "- 1 ->-, title 1 a>b, title 1 b>b", "one first call for two paths"},
+      {{}, 0, "- 1 ->-", "no path, but the first call"},
+      {{}, kSkipInitial, "", "no path and no first call"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    send<"setTitle:">(station, text("a"));
+    auto keyPaths = makeMutableArray({});
+    for (const char* path : row.keyPaths) keyPaths->addObject(text(path));
+    token = observe(keyPaths, row.options);
+    send<"setTitle:">(station, text("b"));
+    send<"setTitle:">(station, text("b"));
+    EXPECT_EQ(take(), row.told);
+    token = nullptr;
+    EXPECT_TRUE(station->isUnobserved());
+  }
+}
+
+TEST_F(Observation, UnchangedMeansEqualInTheEyesOfTheOldValue) {
+  token = observe(makeArray({text("title"), text("listeners"), text("songs")}), kSkipInitial | kSkipUnchanged);
+  send<"setTitle:">(station, nullptr);
+  EXPECT_EQ(take(), "") << "null stays null";
+  send<"setListeners:">(station, 0);
+  EXPECT_EQ(take(), "") << "equal numbers";
+  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, nullptr);
+  EXPECT_EQ(take(), "title 1 null>a, title 1 a>null");
+  const auto songs = station->mutableArrayValueForKey(text("songs"));
+  songs->addObject(text("x"));
+  songs->replaceObjectAtIndex(0, text("x"));
+  songs->removeLastObject();
+  EXPECT_EQ(take(), "songs 2 ->(x), songs 3 (x)>-") << "what came or went is a change, an equal replacement is none";
+}
+
+TEST_F(Observation, FromAnotherThreadIsDeliveredLaterOnTheMainQueueInOrder) {
+  token = observe("listeners", kSkipInitial);
+  elsewhere([&] {
+    for (int i = 1; i < 4; ++i) send<"setListeners:">(station, i);
+  });
+  EXPECT_EQ(take(), "");
+  EXPECT_TRUE(clock.runUntil([&] { return told.size() == 3; }));
+  EXPECT_EQ(take(), "listeners 1 0>1, listeners 1 1>2, listeners 1 2>3");
+}
+
+TEST_F(Observation, TheFirstCallIsMadeOnWhateverThreadCreatesIt) {
+  elsewhere([&] {
+    bool called = false;
+    token = send<"initWithObserver:object:keyPaths:options:action:">(
+        alloc<KeyValueObservation>(), nullptr, station, makeArray({text("title")}), 0,
+        [&](NSObject* who, NSObject* what, NSDictionary* change) {
+          called = true;
+          EXPECT_FALSE(isMainThread());
+          EXPECT_EQ(who, nullptr);
+          EXPECT_EQ(what, station.get());
+          EXPECT_TRUE(change->isEqual(makeDictionary({{text("kind"), makeNumber(1)}})));
+        });
+    EXPECT_TRUE(called);
+  });
+  send<"setTitle:">(station, text("a"));  // for an observer that never was: the action would fail the test
+}
+
+TEST_F(Observation, DropsChangesOnceItsObserverIsGone) {
+  token = observe("title", 0);
+  take();
+  elsewhere([&] { observer = nullptr; });
+  EXPECT_EQ(token->observer().get(), nullptr);
+  send<"setTitle:">(station, text("a"));
+  elsewhere([&] { send<"setTitle:">(station, text("b")); });
+  clock.advance(1);
+  EXPECT_EQ(take(), "");
+  EXPECT_FALSE(station->isUnobserved());
+  token = nullptr;
+  EXPECT_TRUE(station->isUnobserved());
+}
+
+TEST_F(Observation, AQueuedDeliveryKeepsEverythingAlive) {
+  token = observe("title", kSkipInitial);
+  elsewhere([&] { send<"setTitle:">(station, text("a")); });
+  const Weak<KeyValueObservation> weakToken = token;
+  const Weak<NSObject> weakObserver = observer;
+  NSObject* const kept = observer;
+  token = nullptr;
+  observer = nullptr;
+  EXPECT_FALSE(station->isUnobserved()) << "still registered";
+  EXPECT_EQ(weakObserver.lock().get(), kept);
+  observer = weakObserver.lock();
+  EXPECT_TRUE(clock.runUntil([&] { return !told.empty(); }));
+  EXPECT_EQ(take(), "title 1 null>a");
+  EXPECT_FALSE(weakToken.lock());
+  EXPECT_TRUE(station->isUnobserved());
+  elsewhere([&] { send<"setTitle:">(station, text("b")); });
+  clock.advance(1);
+  EXPECT_EQ(take(), "");
+}
+
+TEST_F(Observation, AQueuedDeliveryCallsTheActionOfThatMoment) {
+  token = observe("title", kSkipInitial);
+  elsewhere([&] { send<"setTitle:">(station, text("a")); });
+  int calls = 0;
+  token->setAction([&](NSObject*, NSObject*, NSDictionary*) { ++calls; });
+  EXPECT_TRUE(clock.runUntil([&] { return calls != 0; }));
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(take(), "");
+}
+
+TEST_F(Observation, ObserverAndOptionsMayBeSetLater) {
+  token = observe("title", kSkipInitial);
+  token->setOptions(kSkipUnchanged);
+  send<"setTitle:">(station, nullptr);
+  EXPECT_EQ(take(), "");
+  const auto other = make<NSObject>();
+  token->setObserver(other);
+  observer = other;
+  send<"setTitle:">(station, text("a"));
+  EXPECT_EQ(take(), "title 1 null>a");
+  EXPECT_EQ(token->options(), kSkipUnchanged);
+}
+
+TEST_F(Observation, FollowsAPathWhoseMiddleIsReplacedSetToNullAndDestroyed) {
+  token = observe(makeArray({text("host.name"), text("guest.name")}), kSkipInitial);
+  const auto named = [](const char* name) {
+    auto host = make<Host>();
+    send<"setName:">(host, text(name));
+    return host;
+  };
+  send<"setHost:">(station, named("Ada"));
+  send<"setHost:">(station, named("Bob"));
+  send<"setName:">(send<"host">(station), text("Ben"));
+  send<"setHost:">(station, nullptr);
+  EXPECT_EQ(take(), "host.name 1 null>Ada, host.name 1 Ada>Bob, host.name 1 Bob>Ben, host.name 1 Ben>null");
+  {
+    const auto guest = named("Eve");
+    send<"setGuest:">(station, guest);
+    send<"setName:">(guest, text("Eva"));
+  }
+  send<"setGuest:">(station, named("gone at once"));
+  EXPECT_EQ(take(), "guest.name 1 null>Eve, guest.name 1 Eve>Eva, guest.name 1 null>gone at once");
+  token = nullptr;
+  EXPECT_TRUE(station->isUnobserved());
+}
+
+TEST_F(Observation, TheSameMayBeObservedTwice) {
+  token = observe("title", kSkipInitial);
+  const auto second = observe(makeArray({text("title"), text("title")}), kSkipInitial);
+  send<"setTitle:">(station, text("a"));
+  EXPECT_EQ(take(), "title 1 null>a, title 1 null>a, title 1 null>a");
+  token = nullptr;
+  send<"setTitle:">(station, text("b"));
+  EXPECT_EQ(take(), "title 1 a>b, title 1 a>b");
+}
+
+TEST_F(Observation, ObservationsMayComeAndGoInsideActions) {
+  Strong<KeyValueObservation> inner;
+  during = [&] {
+    during = nullptr;
+    inner = observe("listeners", 0);
+    send<"setListeners:">(station, 1);
+  };
+  token = observe("title", 0);
+  EXPECT_EQ(take(), "- 1 ->-, - 1 ->-, listeners 1 0>1");
+  during = [&] { token = inner = nullptr; };
+  send<"setTitle:">(station, text("a"));
+  send<"setListeners:">(station, 2);
+  EXPECT_EQ(take(), "title 1 null>a");
+  EXPECT_TRUE(station->isUnobserved());
+}
+
+TEST_F(Observation, IsCalledAsKeyValueObservingCalls) {
+  token = observe("title", kSkipInitial);
+  const auto change = make<NSMutableDictionary>();
+  change->setObject(text("mine"), text("other"));
+  change->setObject(text("mine"), kKeyValueObservationKeyPath);
+  const auto call = [&](NSString* path, NSObject* object, NSDictionary* what, void* context) {
+    send<"observeValueForKeyPath:ofObject:change:context:">(token, path, object, what, context);
+    return take();
+  };
+  int foreign = 0;
+  EXPECT_EQ(call(text("p"), station, change, &foreign), "") << "a foreign context";
+  EXPECT_EQ(call(text("p"), station, change, nullptr), "");
+  EXPECT_EQ(call(text("p"), nullptr, change, kKeyValueObservationContext), "") << "no object";
+  Strong<NSDictionary> seen;
+  token->setAction([&](NSObject*, NSObject*, NSDictionary* given) { seen = given; });
+  call(text("p"), station, change, kKeyValueObservationContext);
+  EXPECT_EQ(shown(seen), "{other = mine; keyPath = p}");
+  EXPECT_EQ(shown(change->objectForKey(kKeyValueObservationKeyPath)), "mine") << "a copy was changed";
+  change->removeAllObjects();
+  EXPECT_EQ(seen->count(), 2U);
+  seen = nullptr;
+  token->setOptions(kSkipUnchanged);
+  call(text("p"), station, change, kKeyValueObservationContext);
+  EXPECT_FALSE(seen) << "neither old nor new: the same";
+  change->setObject(text("new"), NSKeyValueChangeNewKey);
+  call(text("p"), station, change, kKeyValueObservationContext);
+  EXPECT_TRUE(seen) << "a new value where there was none is a change";
+  station->addObserver(token, text("title"), 0, &foreign);  // another registration of the same object
+  seen = nullptr;
+  send<"setTitle:">(station, nullptr);
+  EXPECT_FALSE(seen);
+  station->removeObserver(token, text("title"), &foreign);
+}
+
+TEST_F(Observation, IsMadeThroughItsSettersInOrder) {
+  observer = text("who");
+  const auto named = make<Named>();
+  const Strong<KeyValueObservation> result = send<"initWithObserver:object:keyPaths:options:action:">(
+      static_cast<KeyValueObservation&>(*named), observer, make<NSMutableDictionary>(), makeArray({text("a")}),
+      kSkipInitial | 64, action());
+  EXPECT_EQ(result.get(), named.get());
+  EXPECT_EQ(named->log, "observer=who object={} keyPaths=(a) options=66 action=- ");
+}
+
+TEST_F(Observation, CopiesKeyPathsAndReadsTheActionByMessage) {
+  const auto silent = make<Silent>();
+  const auto keyPaths = makeMutableArray({text("title")});
+  send<"initWithObserver:object:keyPaths:options:action:">(static_cast<KeyValueObservation&>(*silent), observer,
+                                                           station, keyPaths, kSkipInitial, action());
+  keyPaths->addObject(text("listeners"));
+  EXPECT_EQ(silent->keyPaths()->count(), 1U);
+  send<"setTitle:">(station, text("a"));
+  EXPECT_EQ(silent->asked, 1);
+  EXPECT_EQ(take(), "");
+}
+
+TEST_F(Observation, BadInputRaisesAndLeavesNothingRegistered) {
+  const auto create = [&](NSArray* keyPaths, const KeyValueObservationAction& given) {
+    return nameOf([&] {
+      send<"initWithObserver:object:keyPaths:options:action:">(alloc<KeyValueObservation>(), observer, station,
+                                                               keyPaths, 0, given);
+    });
+  };
+  const auto title = text("title");
+  EXPECT_EQ(create(makeArray({title}), nullptr), NSInvalidArgumentException);
+  EXPECT_TRUE(station->isUnobserved());
+  EXPECT_EQ(create(makeArray({title, text("nothing.name")}), action()), NSUndefinedKeyException);
+  EXPECT_TRUE(station->isUnobserved());
+  EXPECT_EQ(create(makeArray({title, makeNumber(1)}), action()), NSInvalidArgumentException);
+  EXPECT_TRUE(station->isUnobserved());
+  EXPECT_EQ(create(makeArray({title}), [](NSObject*, NSObject*, NSDictionary*) { throw NSException("Mine", "x"); }),
+            "Mine");
+  EXPECT_TRUE(station->isUnobserved());
+  EXPECT_EQ(take(), "");
+  EXPECT_EQ(create(nullptr, action()), "none");
+  EXPECT_EQ(take(), "- 1 ->-");
+  token = observe("title", kSkipInitial);
+  EXPECT_EQ(nameOf([&] { token->setAction(nullptr); }), NSInvalidArgumentException);
+  send<"setTitle:">(station, text("a"));
+  EXPECT_EQ(take(), "title 1 null>a");
+}
+
+TEST_F(Observation, ReassignedKeyPathsAreNoCrash) {
+  token = observe("title", kSkipInitial);
+  token->setKeyPaths(makeArray({text("listeners")}));
+  token = nullptr;
+  send<"setTitle:">(station, text("a"));
+  EXPECT_EQ(take(), "");
+  EXPECT_TRUE(station->isUnobserved()) << "what the dead observer left is dropped at the change";
+}
+
+TEST_F(Observation, DescribesItselfToTheByte) {
+  observer = text("the board");
+  token = observe(makeArray({text("title"), text("host.name")}), kSkipInitial);
+  char address[32];
+  std::snprintf(address, sizeof address, "%p", static_cast<void*>(token.get()));
+  const std::string head = std::string("<KeyValueObservation: ") + address + ">";
+  const std::string tail = "\n  object: " + shown(station) + "\n  keypaths: [title, host.name]";
+  EXPECT_EQ(utf8(*token->debugDescription()), head + "\n  observer: the board" + tail);
+  observer = nullptr;
+  EXPECT_EQ(utf8(*send<"debugDescription">(token)), head + "\n  observer: (null)" + tail);
+  token->setKeyPaths(makeArray({}));
+  EXPECT_TRUE(utf8(*token->debugDescription()).ends_with("\n  keypaths: []"));
+  observer = make<NSObject>();
+  token->setKeyPaths(makeArray({text("title"), text("host.name")}));
+}
+
+TEST_F(Observation, TheExportedNamesAreWhatTheySay) {
+  EXPECT_EQ(kKeyValueObservationContext, static_cast<void*>(&kKeyValueObservationContext));
+  EXPECT_EQ(utf8(*kKeyValueObservationKeyPath), "keyPath");
+}
