@@ -12,7 +12,7 @@
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 #include <HavrinFoundation/links/app_identity.h>
 #include <HavrinFoundation/links/utm_parameters.h>
-#include <HavrinFoundation/observation/key_value_observation.h>
+#include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/text/base36.h>
