@@ -1,6 +1,6 @@
 #include <HavrinFoundation/platform/coding/json_decoder.h>
 
-#include <HavrinFoundation/platform/coding/json_tree.h>
+#include <HavrinFoundation/platform/coding/json_tokens.h>
 
 #include <algorithm>
 #include <deque>
@@ -11,14 +11,16 @@
 namespace havrin::inline platform {
 namespace {
 
-[[gnu::noinline]] void readEscaped(const JsonTree& tree, JsonTree::Node node, ScalarTarget& target) {
-  target.putText(tree.unescaped(node));
+using Token = JsonTokens::Token;
+
+[[gnu::noinline]] void readEscaped(const JsonTokens& tokens, Token value, ScalarTarget& target) {
+  target.putText(tokens.unescaped(value));
 }
 
-void readScalar(const JsonTree& tree, JsonTree::Node node, ScalarTarget& target) {
-  switch (tree.kindOf(node)) {
+void readScalar(const JsonTokens& tokens, Token value, ScalarTarget& target) {
+  switch (tokens.kindOf(value)) {
     case '"':
-      return tree.hasEscapes(node) ? readEscaped(tree, node, target) : target.putText(tree.textOf(node));
+      return tokens.hasEscapes(value) ? readEscaped(tokens, value, target) : target.putText(tokens.insideOf(value));
     case '{':
       return target.refuse(Found::object);
     case '[':
@@ -30,57 +32,58 @@ void readScalar(const JsonTree& tree, JsonTree::Node node, ScalarTarget& target)
     case 'n':
       return target.putNull();
     default:
-      return target.putNumberText(tree.textOf(node));
+      return target.putNumberText(tokens.textOf(value));
   }
 }
 
-DecodingError noContainer(const JsonTree& tree, JsonTree::Node node, std::string_view expected) {
-  switch (tree.kindOf(node)) {
+DecodingError noContainer(const JsonTokens& tokens, Token value, std::string_view expected) {
+  switch (tokens.kindOf(value)) {
     case '"':
-      return DecodingError::typeMismatch(expected, Found::string, tree.unescaped(node));
+      return DecodingError::typeMismatch(expected, Found::string, tokens.unescaped(value));
     case '{':
       return DecodingError::typeMismatch(expected, Found::object);
     case '[':
       return DecodingError::typeMismatch(expected, Found::array);
     case 't':
     case 'f':
-      return DecodingError::typeMismatch(expected, Found::boolean, tree.textOf(node));
+      return DecodingError::typeMismatch(expected, Found::boolean, tokens.textOf(value));
     case 'n':
       return DecodingError::valueNotFound(expected);
     default:
-      return DecodingError::typeMismatch(expected, Found::number, tree.textOf(node));
+      return DecodingError::typeMismatch(expected, Found::number, tokens.textOf(value));
   }
 }
 
 class JsonValue final : public ValueSource {
  public:
-  JsonValue(const JsonTree& tree, JsonTree::Node node) : tree_(&tree), node_(node) {}
+  JsonValue(const JsonTokens& tokens, Token value) : tokens_(&tokens), value_(value) {}
 
-  bool isNull() const override { return tree_->kindOf(node_) == 'n'; }
-  void read(ScalarTarget& target) const override { readScalar(*tree_, node_, target); }
+  bool isNull() const override { return tokens_->kindOf(value_) == 'n'; }
+  void read(ScalarTarget& target) const override { readScalar(*tokens_, value_, target); }
   SourceBox<KeyedSource> keyed() const override;
   SourceBox<UnkeyedSource> unkeyed() const override;
 
  private:
-  const JsonTree* tree_;
-  JsonTree::Node node_;
+  const JsonTokens* tokens_;
+  Token value_;
 };
 
 // The outermost value stands under no key.
-constexpr JsonTree::Node kNone = 0;
+constexpr Token kNone = 0;
 
 // The keys of an object in the order of their texts, each with the first value that stands under it.
 struct KeyIndex {
   struct Row {
     std::string_view key;
-    JsonTree::Node value;
+    Token value;
   };
 
-  KeyIndex(const JsonTree& tree, JsonTree::Node object) {
-    rows.reserve(tree.countOf(object));
-    for (auto key = JsonTree::firstIn(object); key != tree.endOf(object); key = tree.after(key + 1)) {
-      const bool isPlain = !tree.hasEscapes(key);
-      rows.push_back({isPlain ? tree.textOf(key) : unescaped.emplace_back(tree.unescaped(key)), key + 1});
+  KeyIndex(const JsonTokens& tokens, Token object) {
+    const Token end = tokens.endOf(object);
+    for (Token key = tokens.firstIn(object); key != end; key = tokens.next(tokens.valueOf(key), end)) {
+      const bool isPlain = !tokens.hasEscapes(key);
+      rows.push_back({isPlain ? tokens.insideOf(key) : unescaped.emplace_back(tokens.unescaped(key)),  //
+                      tokens.valueOf(key)});
     }
     const auto byKey = [](const Row& left, const Row& right) { return left.key < right.key; };
     const auto haveOneKey = [](const Row& left, const Row& right) { return left.key == right.key; };
@@ -88,7 +91,7 @@ struct KeyIndex {
     rows.erase(std::unique(rows.begin(), rows.end(), haveOneKey), rows.end());
   }
 
-  JsonTree::Node find(std::string_view key) const {
+  Token find(std::string_view key) const {
     const auto before = [](const Row& row, std::string_view text) { return row.key < text; };
     const auto row = std::lower_bound(rows.begin(), rows.end(), key, before);
     return row != rows.end() && row->key == key ? row->value : kNone;
@@ -100,7 +103,8 @@ struct KeyIndex {
 
 class JsonObject final : public KeyedSource {
  public:
-  JsonObject(const JsonTree& tree, JsonTree::Node node) : tree_(&tree), node_(node), next_(JsonTree::firstIn(node)) {}
+  JsonObject(const JsonTokens& tokens, Token object)
+      : tokens_(&tokens), object_(object), next_(tokens.firstIn(object)) {}
 
   std::vector<std::string> allKeys() const override {
     auto rows = index().rows;
@@ -112,35 +116,34 @@ class JsonObject final : public KeyedSource {
   }
 
   SourceBox<ValueSource> find(std::string_view key) const override {
-    const JsonTree::Node value = valueOf(key);
+    const Token value = valueUnder(key);
     if (value == kNone) return {};
-    return JsonValue(*tree_, value);
+    return JsonValue(*tokens_, value);
   }
 
   bool read(std::string_view key, ScalarTarget& target) const override {
-    const JsonTree::Node value = valueOf(key);
+    const Token value = valueUnder(key);
     if (value == kNone) return false;
-    readScalar(*tree_, value, target);
+    readScalar(*tokens_, value, target);
     return true;
   }
 
  private:
   // Types ask for their keys in the order of the data, as a rule: the search goes on where the last one ended. It may do
   // so unless the key could already have passed, which a mask with one bit for each key passed rules out. Where it could,
-  // the walk begins again, since of equal keys the first counts; an object that is walked over and over gets an index, so
-  // that asking for every key of an object is never quadratic.
-  JsonTree::Node valueOf(std::string_view key) const {
-    const JsonTree::Node end = tree_->endOf(node_);
+  // the walk begins again, since of equal keys the first counts.
+  Token valueUnder(std::string_view key) const {
     const std::uint64_t bit = maskBit(key);
-    if ((passed_ & bit) != 0) return valueAnywhere(key, end);
+    if ((passed_ & bit) != 0) return valueAnywhere(key);
+    const Token end = tokens_->endOf(object_);
     while (next_ != end) {
-      const JsonTree::Node at = next_;
-      next_ = tree_->after(at + 1);
-      if (tree_->says(at, key)) {
+      const Token at = next_;
+      next_ = tokens_->next(tokens_->valueOf(at), end);
+      if (tokens_->says(at, key)) {
         passed_ |= bit;
-        return at + 1;
+        return tokens_->valueOf(at);
       }
-      passed_ |= tree_->hasEscapes(at) ? ~std::uint64_t{0} : maskBit(tree_->textOf(at));
+      passed_ |= tokens_->hasEscapes(at) ? ~std::uint64_t{0} : maskBit(tokens_->insideOf(at));
     }
     return kNone;
   }
@@ -150,72 +153,75 @@ class JsonObject final : public KeyedSource {
     return std::uint64_t{1} << ((key.size() * 5 + first) % 64);
   }
 
-  [[gnu::noinline]] JsonTree::Node valueAnywhere(std::string_view key, JsonTree::Node end) const {
-    constexpr std::size_t kSmallObject = 32;
-    constexpr std::size_t kWalks = 8;
-    const std::size_t count = tree_->countOf(node_);
-    if (count > kSmallObject && walks_++ > kWalks) return index().find(key);
-    JsonTree::Node at = JsonTree::firstIn(node_);
-    while (at != end && !tree_->says(at, key)) at = tree_->after(at + 1);
-    return at != end ? at + 1 : kNone;
+  // An object that is walked over and over gets an index, so that asking for every key is never quadratic.
+  [[gnu::noinline]] Token valueAnywhere(std::string_view key) const {
+    constexpr std::size_t kStepsWithoutIndex = 400;
+    if (steps_ > kStepsWithoutIndex) return index().find(key);
+    const Token end = tokens_->endOf(object_);
+    for (Token at = tokens_->firstIn(object_); at != end; at = tokens_->next(tokens_->valueOf(at), end), ++steps_) {
+      if (tokens_->says(at, key)) return tokens_->valueOf(at);
+    }
+    return kNone;
   }
 
   const KeyIndex& index() const {
-    if (index_ == nullptr) index_ = std::make_unique<const KeyIndex>(*tree_, node_);
+    if (index_ == nullptr) index_ = std::make_unique<const KeyIndex>(*tokens_, object_);
     return *index_;
   }
 
-  const JsonTree* tree_;
-  JsonTree::Node node_;
-  mutable JsonTree::Node next_;
+  const JsonTokens* tokens_;
+  Token object_;
+  mutable Token next_;
   mutable std::uint64_t passed_ = 0;
-  mutable std::uint32_t walks_ = 0;
+  mutable std::size_t steps_ = 0;
   mutable std::unique_ptr<const KeyIndex> index_;
 };
 
 class JsonArray final : public UnkeyedSource {
  public:
-  JsonArray(const JsonTree& tree, JsonTree::Node node) : tree_(&tree), node_(node), at_(JsonTree::firstIn(node)) {}
+  JsonArray(const JsonTokens& tokens, Token array)
+      : tokens_(&tokens), array_(array), at_(tokens.firstIn(array)), end_(tokens.endOf(array)) {}
 
-  std::optional<std::size_t> count() const override { return tree_->countOf(node_); }
-  bool isAtEnd() const override { return at_ == tree_->endOf(node_); }
+  std::optional<std::size_t> count() const override { return tokens_->countOf(array_); }
+  bool isAtEnd() const override { return at_ == end_; }
   std::size_t currentIndex() const override { return index_; }
-  SourceBox<ValueSource> current() override { return JsonValue(*tree_, at_); }
+  SourceBox<ValueSource> current() override { return JsonValue(*tokens_, at_); }
   Decoded<void> advance() override {
     move();
     return {};
   }
   void read(ScalarTarget& target) override {
-    readScalar(*tree_, at_, target);
+    readScalar(*tokens_, at_, target);
     if (!target.failure()) move();
   }
 
  private:
   void move() {
-    at_ = tree_->after(at_);
+    at_ = tokens_->next(at_, end_);
     ++index_;
   }
 
-  const JsonTree* tree_;
-  JsonTree::Node node_;
-  JsonTree::Node at_;
+  const JsonTokens* tokens_;
+  Token array_;
+  Token at_;
+  Token end_;
   std::size_t index_ = 0;
 };
 
 SourceBox<KeyedSource> JsonValue::keyed() const {
-  if (tree_->kindOf(node_) != '{') return noContainer(*tree_, node_, "an object");
-  return JsonObject(*tree_, node_);
+  if (tokens_->kindOf(value_) != '{') return noContainer(*tokens_, value_, "an object");
+  return JsonObject(*tokens_, value_);
 }
 
 SourceBox<UnkeyedSource> JsonValue::unkeyed() const {
-  if (tree_->kindOf(node_) != '[') return noContainer(*tree_, node_, "an array");
-  return JsonArray(*tree_, node_);
+  if (tokens_->kindOf(value_) != '[') return noContainer(*tokens_, value_, "an array");
+  return JsonArray(*tokens_, value_);
 }
 
 }  // namespace
 
 struct JSONDecoder::Memory {
-  JsonTree tree;
+  JsonTokens tokens;
 };
 
 JSONDecoder::JSONDecoder() = default;
@@ -233,8 +239,8 @@ SourceBox<ValueSource> JSONDecoder::Document::open(std::string_view text) const 
     return DecodingError::dataCorrupted("the document has " + std::to_string(text.size()) + " bytes, of which " +
                                         std::to_string(decoder_.maximumSize) + " are allowed");
   }
-  if (auto outcome = memory_->tree.read(text); !outcome) return std::move(outcome.failure());
-  return JsonValue(memory_->tree, JsonTree::Node{0});
+  if (auto outcome = memory_->tokens.read(text); !outcome) return std::move(outcome.failure());
+  return JsonValue(memory_->tokens, Token{0});
 }
 
 }  // namespace havrin::inline platform

@@ -24,7 +24,7 @@
 
 namespace havrin::inline platform {
 
-/// Decodes JSON documents, one after the other, in memory that it keeps: some 12 bytes for each byte of the largest
+/// Decodes JSON documents, one after the other, in memory that it keeps: some four bytes for each byte of the largest
 /// document. Threads: one at a time. Decoding may be nested: a type may use the decoder that is decoding it.
 /// Source: RFC 8259.
 class HAVRIN_EXPORT JSONDecoder {

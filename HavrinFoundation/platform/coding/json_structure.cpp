@@ -19,7 +19,7 @@ JsonStructure::JsonStructure() : state_(std::make_unique<State>()) {}
 JsonStructure::JsonStructure(JsonStructure&&) noexcept = default;
 JsonStructure::~JsonStructure() = default;
 
-Decoded<std::span<const std::uint32_t>> JsonStructure::find(std::string_view text) {
+Decoded<std::span<std::uint32_t>> JsonStructure::find(std::string_view text) {
   if (text.empty()) return DecodingError::dataCorrupted("the document is empty");
   if (text.size() > state_->capacity || state_->kernel == nullptr) {
     constexpr std::size_t kSmallest = 4096;
@@ -35,7 +35,7 @@ Decoded<std::span<const std::uint32_t>> JsonStructure::find(std::string_view tex
   const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
   switch (kernel.stage1(bytes, text.size(), simdjson::stage1_mode::regular)) {
     case simdjson::SUCCESS:
-      return std::span<const std::uint32_t>(kernel.structural_indexes.get(), kernel.n_structural_indexes + 1);
+      return std::span<std::uint32_t>(kernel.structural_indexes.get(), kernel.n_structural_indexes + 1);
     case simdjson::EMPTY:
       return DecodingError::dataCorrupted("the document is empty");
     case simdjson::UTF8_ERROR:

@@ -20,9 +20,9 @@ class JsonStructure {
   /// The offset of every brace, bracket, colon and comma outside strings, of every string's opening quote, and of every
   /// other run of characters that is not white space; then, as one more element, the size of the text. What stands
   /// between two of them is known to be UTF-8, and strings to be closed and free of control characters; nothing else is
-  /// checked. Valid until the next call. An error (dataCorrupted) when: the text is empty or white space alone, not
+  /// checked. Valid until the next call; the caller may write over them. An error (dataCorrupted) when: the text is empty or white space alone, not
   /// UTF-8, or ends inside a string. Throws: std::bad_alloc.
-  [[nodiscard]] Decoded<std::span<const std::uint32_t>> find(std::string_view text);
+  [[nodiscard]] Decoded<std::span<std::uint32_t>> find(std::string_view text);
 
  private:
   struct State;

@@ -280,6 +280,24 @@ TEST(JSONDecoder, BoundsDepthAndSize) {
             "dataCorrupted at the top level: the document has 6 bytes, of which 5 are allowed");
 }
 
+TEST(JSONDecoder, CountsTheElementsOfAnArray) {
+  const struct {
+    const char* text;
+    std::size_t count;
+  } rows[] = {{"[]", 0},           {"[1]", 1},           {"[1,2,3]", 3},   {"[[]]", 1},
+              {"[[1,2],3]", 2},    {"[[],[],[ ] ]", 3},  {"[1,[2,3]]", 2}, {"[{\"a\":1},2,{}]", 3},
+              {"[[[],[]],[]]", 2}, {"[ \"a\" , {} ]", 2}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    JSONDecoder().read(row.text, [&](Decoder& document) {
+      auto container = document.unkeyedContainer();
+      EXPECT_EQ(container.count(), row.count);
+      for (std::size_t index = 0; index < row.count; ++index) static_cast<void>(container.superDecoder());
+      EXPECT_TRUE(container.isAtEnd());
+    });
+  }
+}
+
 TEST(JSONDecoder, SkipsAByteOrderMark) { EXPECT_EQ(JSONDecoder().decode<int>("\xEF\xBB\xBF 7"), 7); }
 
 // Against a walk over the same pairs: small and large objects, asked in any order, with keys that repeat, that differ

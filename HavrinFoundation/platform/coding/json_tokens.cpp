@@ -1,4 +1,4 @@
-#include <HavrinFoundation/platform/coding/json_tree.h>
+#include <HavrinFoundation/platform/coding/json_tokens.h>
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // The value of four hexadecimal digits. Empty when: there are not four.
@@ -81,33 +80,35 @@ std::uint32_t nextBackslash(std::string_view text, std::size_t from) {
 
 }  // namespace
 
-// The second pass: checks the grammar over the tokens of the first and writes the nodes.
-class JsonTreeBuilder {
+// The second pass: checks the grammar over the tokens of the first, and marks them.
+class JsonReading {
  public:
   struct Outcome {
     const char* problem;  // null, or what is wrong with the document
     std::size_t offset;   // where
   };
-  // Everything is inlined here, so that the builder's state lives in registers.
-  [[gnu::flatten]] static Outcome buildTree(std::string_view text, std::span<const std::uint32_t> tokens,
-                                            JsonTree::Entry* nodes) {
-    JsonTreeBuilder builder(text, tokens, nodes);
-    const char* const problem = builder.build();
-    return {problem, *builder.token_};
+  // Everything is inlined here, so that the state of the reading lives in registers.
+  [[gnu::flatten]] static Outcome outcome(std::string_view text, std::span<std::uint32_t> tokens) {
+    JsonReading reading(text, tokens);
+    const char* const problem = reading.document();
+    return {problem, *reading.token_};
   }
 
  private:
-  JsonTreeBuilder(std::string_view text, std::span<const std::uint32_t> tokens, JsonTree::Entry* nodes)
-      : text_(text), token_(tokens.data()), end_(&tokens.back()), nodes_(nodes), backslash_(nextBackslash(text, 0)) {}
+  JsonReading(std::string_view text, std::span<std::uint32_t> tokens)
+      : text_(text),
+        tokens_(tokens.data()),
+        token_(tokens.data()),
+        end_(&tokens.back()),
+        backslash_(nextBackslash(text, 0)) {}
 
-  const char* build() {
+  const char* document() {
     for (;;) {
       const char* problem = nullptr;
       const char first = peek();
       if (first == '{' || first == '[') {
         if ((problem = open(first)) != nullptr) return problem;
         if (peek() != closing_) {
-          ++count();
           if (first == '{' && (problem = key()) != nullptr) return problem;
           continue;
         }
@@ -122,24 +123,28 @@ class JsonTreeBuilder {
 
   // The character at the next token; NUL at the end of the text, which is no character of JSON.
   char peek() const { return token_ == end_ ? '\0' : text_[*token_]; }
-  std::uint32_t& count() const { return nodes_[container_ + 1].begin; }
-  void put(std::uint32_t begin, std::uint32_t word) { nodes_[next_++] = {begin, word}; }
 
   const char* open(char bracket) {
-    if (depth_ == JsonTree::kDeepestNesting) return "it nests deeper than 512 levels";
-    containers_[depth_++] = container_;
-    container_ = next_;
+    if (depth_ == JsonTokens::kDeepestNesting) return "it nests deeper than 512 levels";
+    const std::uint32_t mark = bracket == '{' ? JsonTokens::kContainer | JsonTokens::kObject : JsonTokens::kContainer;
+    containers_[depth_] = static_cast<std::uint32_t>(token_ - tokens_) | mark;
+    commas_[depth_++] = 0;
     closing_ = bracket == '{' ? '}' : ']';
-    put(*token_++, 0);
-    put(0, 0);
+    ++token_;
     return nullptr;
   }
 
   void close() {
+    const std::uint32_t container = containers_[--depth_];
+    const auto end = static_cast<std::uint32_t>(token_ - tokens_);
+    std::uint32_t* const bracket = tokens_ + (container & JsonTokens::kMask);
+    *bracket = (container & ~JsonTokens::kMask) | end;
+    // See countOf.
+    if (commas_[depth_] != 0 && (bracket[1] & JsonTokens::kContainer) != 0) {
+      tokens_[(bracket[1] & JsonTokens::kMask) + 1] = commas_[depth_] + 1;
+    }
     ++token_;
-    nodes_[container_].word = next_ | JsonTree::kContainer;
-    container_ = containers_[--depth_];
-    if (depth_ != 0) closing_ = text_[nodes_[container_].begin] == '{' ? '}' : ']';
+    if (depth_ != 0) closing_ = (containers_[depth_ - 1] & JsonTokens::kObject) != 0 ? '}' : ']';
   }
 
   // Takes what follows a value up to the next value, or to the end of the outermost one.
@@ -148,7 +153,7 @@ class JsonTreeBuilder {
       const char c = peek();
       if (c == ',') {
         ++token_;
-        ++count();
+        ++commas_[depth_ - 1];
         return closing_ == '}' ? key() : nullptr;
       }
       if (c != closing_) return closing_ == '}' ? "a comma or } is missing" : "a comma or ] is missing";
@@ -185,17 +190,15 @@ class JsonTreeBuilder {
     const std::uint32_t begin = *token_ + 1;
     std::uint32_t end = token_[1] - 1;
     if (text_[end] != '"' || end < begin) {
-      while (end >= begin && isWhiteSpace(text_[end])) --end;
+      while (end >= begin && JsonTokens::isWhiteSpace(text_[end])) --end;
       if (end < begin || text_[end] != '"') return "a string is followed by something else";
     }
-    std::uint32_t mark = 0;
     if (backslash_ < end) {
-      const auto next = behindEscapes(text_, backslash_, end);
-      if (!next) return "a string holds an escape that means nothing";
-      backslash_ = *next;
-      mark = JsonTree::kEscapes;
+      const auto behind = behindEscapes(text_, backslash_, end);
+      if (!behind) return "a string holds an escape that means nothing";
+      backslash_ = *behind;
+      *token_ |= JsonTokens::kEscapes;
     }
-    put(begin - 1, (end - begin) | mark);
     ++token_;
     return nullptr;
   }
@@ -228,37 +231,30 @@ class JsonTreeBuilder {
   }
 
   const char* scalarEndsAt(std::size_t end) {
-    if (end != token_[1] && !isWhiteSpace(text_[end])) return "a value is malformed";
-    put(*token_, static_cast<std::uint32_t>(end - *token_));
+    if (end != token_[1] && !JsonTokens::isWhiteSpace(text_[end])) return "a value is malformed";
     ++token_;
     return nullptr;
   }
 
   const std::string_view text_;
-  const std::uint32_t* token_;
-  const std::uint32_t* const end_;
-  JsonTree::Entry* const nodes_;
-  std::uint32_t next_ = 0;
-  std::uint32_t backslash_;      // the first one not yet passed, or the size of the text
-  std::uint32_t container_ = 0;  // the innermost open one
+  std::uint32_t* const tokens_;
+  std::uint32_t* token_;
+  std::uint32_t* const end_;
+  std::uint32_t backslash_;  // the first one not yet passed, or the size of the text
   char closing_ = '\0';
   std::size_t depth_ = 0;
-  std::array<std::uint32_t, JsonTree::kDeepestNesting> containers_;  // those around it
+  std::array<std::uint32_t, JsonTokens::kDeepestNesting> containers_;  // those that are open, with their marks
+  std::array<std::uint32_t, JsonTokens::kDeepestNesting> commas_;      // between their values, so far
 };
 
-Decoded<void> JsonTree::read(std::string_view text) {
+Decoded<void> JsonTokens::read(std::string_view text) {
   if (text.size() > kLargestText) return DecodingError::dataCorrupted("the document is too large");
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
   auto tokens = structure_.find(text);
   if (!tokens) return std::move(tokens.failure());
-  // A node stands for a token each, the second node of a container for its closing bracket.
-  if (tokens->size() > capacity_) {
-    nodes_.reset();
-    nodes_ = std::make_unique_for_overwrite<Entry[]>(tokens->size());
-    capacity_ = tokens->size();
-  }
   text_ = text;
-  const auto [problem, offset] = JsonTreeBuilder::buildTree(text, *tokens, nodes_.get());
+  tokens_ = tokens->data();
+  const auto [problem, offset] = JsonReading::outcome(text, *tokens);
   if (problem == nullptr) return {};
   const std::string_view before = text.substr(0, offset);
   const auto line = 1 + std::count(before.begin(), before.end(), '\n');
@@ -267,8 +263,8 @@ Decoded<void> JsonTree::read(std::string_view text) {
                                       std::to_string(line) + ", byte " + std::to_string(column) + ")");
 }
 
-std::string JsonTree::unescaped(Node string) const {
-  std::string_view rest = textOf(string);
+std::string JsonTokens::unescaped(Token string) const {
+  std::string_view rest = insideOf(string);
   std::string text;
   text.reserve(rest.size());
   for (;;) {
@@ -281,6 +277,15 @@ std::string JsonTree::unescaped(Node string) const {
   }
 }
 
-bool JsonTree::saysInEscapes(Node string, std::string_view text) const { return unescaped(string) == text; }
+std::size_t JsonTokens::countOf(Token array) const {
+  const Token end = endOf(array);
+  if (firstIn(array) == end) return 0;
+  const Token comma = afterValue(firstIn(array));
+  if (comma == end) return 1;
+  if ((tokens_[firstIn(array)] & kContainer) != 0) return tokens_[comma];
+  std::size_t count = 0;
+  for (Token value = firstIn(array); value != end; value = next(value, end)) ++count;
+  return count;
+}
 
 }  // namespace havrin::inline platform
