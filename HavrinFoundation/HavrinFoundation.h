@@ -31,9 +31,17 @@
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/clamp.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
+#include <HavrinFoundation/text/attributed_strings.h>
+#include <HavrinFoundation/text/attributed_strings_messages.h>
 #include <HavrinFoundation/text/base36.h>
+#include <HavrinFoundation/text/base36_messages.h>
 #include <HavrinFoundation/text/character_sets.h>
+#include <HavrinFoundation/text/character_sets_messages.h>
 #include <HavrinFoundation/text/friendly_number.h>
+#include <HavrinFoundation/text/friendly_number_messages.h>
 #include <HavrinFoundation/text/hex.h>
+#include <HavrinFoundation/text/hex_messages.h>
 #include <HavrinFoundation/text/sha256.h>
+#include <HavrinFoundation/text/sha256_messages.h>
 #include <HavrinFoundation/text/string_helpers.h>
+#include <HavrinFoundation/text/string_helpers_messages.h>

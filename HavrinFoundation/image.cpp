@@ -17,6 +17,13 @@ extern const Category kMutableSetHelpers;
 extern const Category kSetBlocks;
 extern const Category kOrderedSetBlocks;
 extern const Category kCasts;
+extern const Category kFriendlyNumbers;
+extern const Category kBase36Numbers;
+extern const Category kBase36Strings;
+extern const Category kHexText;
+extern const Category kStringHelpers;
+extern const Category kNamedCharacterSets;
+extern const Category kAttributedStrings;
 extern const Category kDateArithmetic;
 extern const Category kSharedFormatter;
 extern const Category kZeroUuid;
@@ -47,6 +54,14 @@ const Category* const kCategories[] = {
     &kMutableArrayHelpers,  // NSMutableArray(Helpers)
     // runtime
     &kCasts,  // NSObject(Cast)
+    // text
+    &kFriendlyNumbers,     // NSString(HavrinFoundation)
+    &kBase36Numbers,       // NSNumber(HavrinFoundation)
+    &kBase36Strings,       // NSString(HavrinFoundation)
+    &kHexText,             // NSData(HavrinFoundation)
+    &kStringHelpers,       // NSString(HavrinFoundation)
+    &kNamedCharacterSets,  // NSCharacterSet(HavrinFoundation)
+    &kAttributedStrings,   // NSAttributedString(HavrinFoundation)
     // dates
     &kDateArithmetic,   // NSDate(HavrinFoundation)
     &kSharedFormatter,  // NSDateFormatter(HavrinFoundation)

@@ -1,4 +1,5 @@
 #include <HavrinFoundation/text/base36.h>
+#include <HavrinFoundation/text/base36_messages.h>
 
 #include <gtest/gtest.h>
 
@@ -18,8 +19,7 @@
 namespace {
 
 using namespace std::string_view_literals;
-using havrin::base36Value;
-using havrin::base36ValueAsBase10;
+using namespace havrin;
 
 constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
@@ -65,6 +65,12 @@ TEST(Base36, WritesTheFewestUpperCaseDigits) {
     SCOPED_TRACE(row.integer);
     EXPECT_EQ(base36Value(row.integer), row.text);
     EXPECT_EQ(base36ValueAsBase10(row.text), row.integer);
+    const auto number = makeNumber(row.integer);
+    const auto decimal = makeString(std::to_string(row.integer));
+    EXPECT_EQ(base36Value(*number), row.text);
+    EXPECT_EQ(base36Value(*decimal), row.text);
+    EXPECT_EQ(utf8(*send<"base36Value">(number)), row.text);
+    EXPECT_EQ(utf8(*send<"base36Value">(decimal)), row.text);
   }
 }
 
@@ -107,7 +113,47 @@ TEST(Base36, ReadsTheWholeTextOrNothing) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     EXPECT_EQ(base36ValueAsBase10(row.text), row.integer);
+    const auto string = makeString(row.text);
+    EXPECT_EQ(base36ValueAsBase10(*string), row.integer.value_or(0));
+    EXPECT_EQ(send<"base36ValueAsBase10">(string), row.integer.value_or(0));
   }
+  EXPECT_EQ(base36ValueAsBase10(*makeString(u"1\xD83D")), 0) << "a lone surrogate";
+}
+
+// Every integer of theirs is 36.
+class Number36 : public Object<Number36, NSNumber> {
+ public:
+  std::int64_t integerValue() const override { return 36; }
+};
+class String36 : public Object<String36, NSString> {
+ public:
+  std::int64_t integerValue() const override { return 36; }
+};
+
+TEST(Base36, NumbersAndStringsAreWrittenFromTheirIntegerValue) {
+  const struct {
+    Strong<NSNumber> number;
+    Strong<NSString> string;
+    const char* text;
+    const char* why;
+  } rows[] = {
+      {makeNumber(35.9), makeString("  35abc"), "Z",
+       "fractions are cut off, reading ends at the first other character"},
+      {makeNumber(true), makeString("+1"), "1", "truth is one"},
+      {makeNumber(~std::uint64_t{0}), makeString("-1"), "-1", "an unsigned number keeps its bits"},
+      {makeNumber(0), makeString("z"), "0", "no decimal number"},
+      {makeNumber(1e300), makeString("9223372036854775808"), "1Y2P0IJ32E8E7", "beyond 64 bits"},
+      {makeNumber(-1e300), makeString("-99999999999999999999"), "-1Y2P0IJ32E8E8", "beyond 64 bits"},
+      {make<Number36>(), make<String36>(), "10", "an override"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(base36Value(*row.number), row.text);
+    EXPECT_EQ(base36Value(*row.string), row.text);
+    EXPECT_EQ(utf8(*send<"base36Value">(row.number)), row.text);
+    EXPECT_EQ(utf8(*send<"base36Value">(row.string)), row.text);
+  }
+  EXPECT_EQ(send<"base36Value">(Strong<NSString>()), nullptr);
 }
 
 TEST(Base36, EveryByteIsADigitOrNone) {

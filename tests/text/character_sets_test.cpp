@@ -1,4 +1,5 @@
 #include <HavrinFoundation/text/character_sets.h>
+#include <HavrinFoundation/text/character_sets_messages.h>
 
 #include <gtest/gtest.h>
 
@@ -28,10 +29,33 @@ std::string membersOf(const CharacterSet& set) {
 
 std::string sorted(std::string_view characters) { return membersOf(CharacterSet(characters)); }
 
+// What every surface gives for one of the sets; "differing" if they do not agree.
+template <Text Selector>
+std::string givenBy(const CharacterSet& value, const Strong<NSCharacterSet>& object) {
+  const auto sent = send<Selector>(classOf<NSCharacterSet>());
+  const std::string members = membersOf(value);
+  return members == membersOf(object->characterSet()) && members == membersOf(sent->characterSet()) ? members
+                                                                                                    : "differing";
+}
+std::string hexadecimalOnEachSurface() {
+  return givenBy<"hexadecimalCharacterSet">(hexadecimal<CharacterSet>(), hexadecimal<NSCharacterSet>());
+}
+std::string asciiAlphabetOnEachSurface() {
+  return givenBy<"asciiAlphabetCharacterSet">(asciiAlphabet<CharacterSet>(), asciiAlphabet<NSCharacterSet>());
+}
+std::string urlSchemeAllowedOnEachSurface() {
+  return givenBy<"h_URLSchemeAllowedCharacterSet">(urlSchemeAllowed<CharacterSet>(),
+                                                   urlSchemeAllowed<NSCharacterSet>());
+}
+std::string validSubhavrinNameOnEachSurface() {
+  return givenBy<"validSubhavrinNameCharacterSet">(validSubhavrinName<CharacterSet>(),
+                                                   validSubhavrinName<NSCharacterSet>());
+}
+
 // Stands first: nothing has been read or written before it.
 TEST(CharacterSets, FirstUseFromManyThreadsAndByAWriteBuildsOnce) {
   setValidSubhavrinName<CharacterSet>(CharacterSet("w"));  // a write before any read
-  EXPECT_EQ(membersOf(validSubhavrinName<CharacterSet>()), "w");
+  EXPECT_EQ(validSubhavrinNameOnEachSurface(), "w");
 
   constexpr int kThreads = 4;
   std::latch start(kThreads);
@@ -53,20 +77,20 @@ TEST(CharacterSets, FirstUseFromManyThreadsAndByAWriteBuildsOnce) {
 
 TEST(CharacterSets, HoldWhatTheirNamesSay) {
   const std::string letters(kLetters), digits(kDigits);
-  EXPECT_EQ(membersOf(hexadecimal<CharacterSet>()), sorted("0123456789abcdefABCDEF"));
-  EXPECT_EQ(membersOf(asciiAlphabet<CharacterSet>()), sorted(letters));
-  EXPECT_EQ(membersOf(urlSchemeAllowed<CharacterSet>()), sorted(letters + digits + "+-."));
-  EXPECT_EQ(membersOf(internal::validSubhavrinNameSet()), sorted(letters + digits + "_"));
+  EXPECT_EQ(hexadecimalOnEachSurface(), sorted("0123456789abcdefABCDEF"));
+  EXPECT_EQ(asciiAlphabetOnEachSurface(), sorted(letters));
+  EXPECT_EQ(urlSchemeAllowedOnEachSurface(), sorted(letters + digits + "+-."));
+  EXPECT_EQ(validSubhavrinNameOnEachSurface(), sorted(letters + digits + "_"));
 }
 
 TEST(CharacterSets, AReplacedSetIsSeenEverywhereAndAlone) {
   const CharacterSet before = urlSchemeAllowed<CharacterSet>();
   setUrlSchemeAllowed<CharacterSet>(CharacterSet("a"));
-  EXPECT_EQ(membersOf(urlSchemeAllowed<CharacterSet>()), "a");
+  EXPECT_EQ(urlSchemeAllowedOnEachSurface(), "a");
   changeUrlSchemeAllowed<CharacterSet>([](CharacterSet& set) { set.insert(U'b'); });
-  EXPECT_EQ(membersOf(urlSchemeAllowed<CharacterSet>()), "ab");
-  EXPECT_EQ(membersOf(asciiAlphabet<CharacterSet>()), sorted(kLetters));
-  EXPECT_EQ(membersOf(validSubhavrinName<CharacterSet>()).size(), 63u);
+  EXPECT_EQ(urlSchemeAllowedOnEachSurface(), "ab");
+  EXPECT_EQ(asciiAlphabetOnEachSurface(), sorted(kLetters));
+  EXPECT_EQ(validSubhavrinNameOnEachSurface().size(), 63u);
   EXPECT_EQ(membersOf(before).size(), 65u) << "what was read before stays";
   setUrlSchemeAllowed<CharacterSet>(before);
 

@@ -2,6 +2,7 @@
 // and ten million others, by name:
 //   friendly_number_test --gtest_also_run_disabled_tests --gtest_filter='*TenMillion*'
 #include <HavrinFoundation/text/friendly_number.h>
+#include <HavrinFoundation/text/friendly_number_messages.h>
 
 #include <gtest/gtest.h>
 
@@ -94,6 +95,7 @@ TEST(FriendlyNumber, ShowsOneDecimalBelowAHundredOfTheUnit) {
     SCOPED_TRACE(row.why);
     EXPECT_EQ(friendlyNumber(row.number), row.text);
     EXPECT_EQ(friendlyNumber<NSString>(row.number), row.text);
+    EXPECT_EQ(utf8(*havrin::send<"friendlyStringWithNumber:">(havrin::classOf<NSString>(), row.number)), row.text);
     EXPECT_EQ(printed(row.number), row.text);
   }
 }

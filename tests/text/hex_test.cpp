@@ -1,5 +1,6 @@
 #include <HavrinFoundation/platform/foundation/wide_instructions.h>
 #include <HavrinFoundation/text/hex.h>
+#include <HavrinFoundation/text/hex_messages.h>
 
 #include <gtest/gtest.h>
 
@@ -23,7 +24,12 @@ std::string printed(std::span<const std::byte> bytes) {
 TEST(Hex, WritesTwoLowerCaseDigitsForEachByte) {
   const std::byte bytes[] = {std::byte{0x00}, std::byte{0x01}, std::byte{0xAB}, std::byte{0xFF}};
   EXPECT_EQ(havrin::hexString(bytes), "0001abff");
-  EXPECT_EQ(havrin::hexString({}), "");
+  EXPECT_EQ(havrin::hexString(std::span<const std::byte>()), "");
+  for (const auto& data : {havrin::makeData(bytes), havrin::Strong<havrin::NSData>(havrin::make<havrin::NSData>())}) {
+    const std::string expected = printed(data->bytes());
+    EXPECT_EQ(havrin::hexString(*data), expected);
+    EXPECT_EQ(utf8(*havrin::send<"hexString">(data)), expected);
+  }
 }
 
 TEST(Hex, WritesEveryByteInEveryPlaceOfEveryLength) {

@@ -1,5 +1,7 @@
 #include <HavrinFoundation/text/sha256.h>
+#include <HavrinFoundation/text/sha256_messages.h>
 
+#include <HavrinFoundation/platform/foundation/unicode.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -35,7 +37,14 @@ TEST(SHA256, GroupsTheDigestOfTheTextUpToItsFirstZero) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     EXPECT_EQ(groupedSHA256(row.text), row.digest);
+    if (!havrin::isWellFormed(row.text)) continue;  // a string of it has U+FFFD in its place
+    const auto digest = havrin::HAV_SHA_256(havrin::makeString(row.text));
+    EXPECT_EQ(utf8(*digest), row.digest);
+    EXPECT_TRUE(havrin::isKind<havrin::NSMutableString>(digest));
   }
+  EXPECT_EQ(havrin::HAV_SHA_256(nullptr), nullptr);
+  EXPECT_EQ(havrin::HAV_SHA_256(havrin::makeString(u"a\xD83D")), nullptr) << "no UTF-8 form";
+  EXPECT_NE(havrin::HAV_SHA_256(havrin::makeString(u"a\xFFFD")), nullptr);
 }
 
 // A text of 4 GiB that takes 16 MiB of memory: the same pages, again and again.

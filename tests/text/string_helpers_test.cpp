@@ -1,5 +1,8 @@
 #include <HavrinFoundation/text/string_helpers.h>
+#include <HavrinFoundation/text/string_helpers_messages.h>
 
+#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/object/exception.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -12,9 +15,32 @@
 namespace {
 
 using namespace std::string_view_literals;
-using havrin::CharacterSet;
-using havrin::NSString;
-using havrin::repeating;
+using namespace havrin;
+
+// Text that is known only when it is asked for.
+class LateString : public Object<LateString, NSString> {
+ public:
+  explicit LateString(std::u16string units = {}) : units_(std::move(units)) {}
+  std::uint64_t length() const override { return units_.size(); }
+  char16_t characterAtIndex(std::uint64_t index) const override { return units_[index]; }
+
+ private:
+  std::u16string units_;
+};
+
+// Answers that it contains nothing, and counts how often it is asked.
+class Secretive : public Object<Secretive, NSString> {
+ public:
+  int asked = 0;
+  bool containsNothing(NSCharacterSet* set) {
+    ++asked;
+    EXPECT_TRUE(set->characterSet() == CharacterSet("x").inverted()) << "the complement";
+    return false;
+  }
+  using Members = List<Method<"containsAnyCharactersInSet:", &Secretive::containsNothing>>;
+};
+
+Strong<NSString> orNull(std::optional<std::string_view> text) { return text ? makeString(*text) : Strong<NSString>(); }
 
 TEST(StringHelpers, RangesCoverTheWholeText) {
   const struct {
@@ -33,8 +59,12 @@ TEST(StringHelpers, RangesCoverTheWholeText) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    EXPECT_EQ(havrin::nsrange(row.text), (havrin::NSRange{0, row.units}));
-    EXPECT_EQ(havrin::entireRange(row.text), (havrin::Range<std::size_t>{0, row.text.size()}));
+    EXPECT_EQ(nsrange(row.text), (NSRange{0, row.units}));
+    EXPECT_EQ(entireRange(row.text), (Range<std::size_t>{0, row.text.size()}));
+    for (const Strong<NSString>& string : {makeString(row.text), Strong<NSString>(make<LateString>(utf16(row.text)))}) {
+      EXPECT_EQ(entireRange(*string), (NSRange{0, row.units}));
+      EXPECT_EQ(send<"entireRange">(string), (NSRange{0, row.units}));
+    }
   }
 }
 
@@ -68,7 +98,37 @@ TEST(StringHelpers, CharactersAreTestedScalarByScalar) {
     EXPECT_EQ(containsAnyCharacters(row.text, row.set), row.any);
     EXPECT_EQ(containsOnlyCharacters(row.text, row.set), row.only);
     EXPECT_EQ(containsAnyCharacters(row.text, row.set.inverted()), !row.only);
+    const auto set = makeCharacterSet(row.set);
+    for (const Strong<NSString>& string : {makeString(row.text), Strong<NSString>(make<LateString>(utf16(row.text)))}) {
+      EXPECT_EQ(containsAnyCharacters(*string, row.set), row.any);
+      EXPECT_EQ(containsOnlyCharacters(*string, row.set), row.only);
+      EXPECT_EQ(send<"containsAnyCharactersInSet:">(string, set), row.any);
+      EXPECT_EQ(send<"containsOnlyCharactersInSet:">(string, set), row.only);
+    }
   }
+  const auto half = makeString(u"a\xD83D");
+  EXPECT_TRUE(containsAnyCharacters(*half, replacement) && !containsAnyCharacters(*half, thumb)) << "a lone surrogate";
+  EXPECT_FALSE(containsOnlyCharacters(*half, letters));
+}
+
+TEST(StringHelpers, AnOverrideOfContainsAnyDecidesContainsOnly) {
+  const auto string = make<Secretive>();
+  const CharacterSet set("x");
+  EXPECT_TRUE(containsOnlyCharacters(*string, set));
+  EXPECT_TRUE(send<"containsOnlyCharactersInSet:">(string, makeCharacterSet(set)));
+  EXPECT_EQ(string->asked, 2);
+}
+
+TEST(StringHelpers, MessagesToNullAndWithNullArguments) {
+  const Strong<NSString> none, text = makeString("abc");
+  EXPECT_EQ(send<"entireRange">(none), NSRange());
+  EXPECT_FALSE(send<"containsAnyCharactersInSet:">(none, makeCharacterSet(CharacterSet())));
+  EXPECT_FALSE(send<"containsOnlyCharactersInSet:">(none, makeCharacterSet(CharacterSet())));
+  EXPECT_THROW(send<"containsAnyCharactersInSet:">(text, nullptr), NSException);
+  EXPECT_THROW(send<"containsOnlyCharactersInSet:">(text, nullptr), NSException);
+  const auto repeated =
+      send<"stringByRepeatingString:times:joinedBy:">(classOf<NSString>(), nullptr, 3, makeString("-"));
+  EXPECT_EQ(utf8(*repeated), "--") << "a null string is the empty one";
 }
 
 TEST(StringHelpers, RepetitionJoinsNeighboursOnly) {
@@ -93,6 +153,9 @@ TEST(StringHelpers, RepetitionJoinsNeighboursOnly) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     EXPECT_EQ(repeating<NSString>(row.text, row.times, row.joinedBy), row.result);
+    const auto sent = send<"stringByRepeatingString:times:joinedBy:">(classOf<NSString>(), makeString(row.text),
+                                                                      row.times, orNull(row.joinedBy));
+    EXPECT_EQ(utf8(*sent), row.result);
   }
   for (std::int64_t times = 1; times < 70; ++times) {
     std::string expected = "abc";

@@ -1,0 +1,52 @@
+// NSCharacterSet(HavrinFoundation), the four named sets: character_sets.h on character-set objects, typed and as messages.
+//
+//   hexadecimal<NSCharacterSet>()                                       the set of now as an object, new at each call
+//   send<"h_URLSchemeAllowedCharacterSet">(classOf<NSCharacterSet>())   the same for the link schemes
+//
+// Neither surface keeps a set of its own: what setUrlSchemeAllowed<CharacterSet> replaces is what they give from then on.
+#pragma once
+
+#include <concepts>
+
+#include <HavrinFoundation/image.h>
+#include <HavrinFoundation/platform/foundation/character_set_object.h>
+#include <HavrinFoundation/text/character_sets.h>
+
+namespace havrin {
+
+/// The `CharacterSet` member of the same name, as an object.
+template <std::same_as<NSCharacterSet> C>
+[[nodiscard]] Strong<C> hexadecimal() {
+  return makeCharacterSet(hexadecimal<CharacterSet>());
+}
+template <std::same_as<NSCharacterSet> C>
+[[nodiscard]] Strong<C> asciiAlphabet() {
+  return makeCharacterSet(asciiAlphabet<CharacterSet>());
+}
+template <std::same_as<NSCharacterSet> C>
+[[nodiscard]] Strong<C> urlSchemeAllowed() {
+  return makeCharacterSet(urlSchemeAllowed<CharacterSet>());
+}
+template <std::same_as<NSCharacterSet> C>
+[[nodiscard]] Strong<C> validSubhavrinName() {
+  return makeCharacterSet(validSubhavrinName<CharacterSet>());
+}
+
+inline namespace platform {
+
+/// As `hexadecimal<NSCharacterSet>`.
+template <>
+struct ClassMessage<NSCharacterSet, "hexadecimalCharacterSet"> : Signature<Strong<NSCharacterSet>()> {};
+/// As `asciiAlphabet<NSCharacterSet>`.
+template <>
+struct ClassMessage<NSCharacterSet, "asciiAlphabetCharacterSet"> : Signature<Strong<NSCharacterSet>()> {};
+/// As `urlSchemeAllowed<NSCharacterSet>`.
+template <>
+struct ClassMessage<NSCharacterSet, "h_URLSchemeAllowedCharacterSet"> : Signature<Strong<NSCharacterSet>()> {};
+/// As `validSubhavrinName<NSCharacterSet>`.
+template <>
+struct ClassMessage<NSCharacterSet, "validSubhavrinNameCharacterSet"> : Signature<Strong<NSCharacterSet>()> {};
+
+}  // namespace platform
+
+}  // namespace havrin

@@ -1,0 +1,22 @@
+// NSData(HavrinFoundation), hexadecimal text: hex.h on data, typed and as a message.
+#pragma once
+
+#include <string>
+
+#include <HavrinFoundation/image.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+
+namespace havrin {
+
+/// As `hexString` of the receiver's bytes.
+[[nodiscard]] HAVRIN_EXPORT std::string hexString(const NSData& data);
+
+inline namespace platform {
+
+/// As `hexString(const NSData&)`; null for null only.
+template <>
+struct Message<NSData, "hexString"> : Signature<Strong<NSString>()> {};
+
+}  // namespace platform
+
+}  // namespace havrin

@@ -1,0 +1,17 @@
+#include <HavrinFoundation/text/sha256_messages.h>
+
+#include <optional>
+#include <string>
+
+#include <HavrinFoundation/text/sha256.h>
+
+namespace havrin {
+
+Strong<NSString> HAV_SHA_256(NSString* string) {
+  const auto text = string ? strictUtf8(*string) : std::nullopt;
+  const auto digest = text ? groupedSHA256(*text) : std::nullopt;
+  if (!digest) return nullptr;
+  return make<NSMutableString>(*digest);
+}
+
+}  // namespace havrin

@@ -1,0 +1,56 @@
+#include <HavrinFoundation/text/string_helpers_messages.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/text/string_helpers.h>
+
+namespace havrin {
+
+NSRange entireRange(const NSString& string) { return {0, string.length()}; }
+
+bool containsAnyCharacters(const NSString& string, const CharacterSet& set) {
+  if (!string.isPlain()) return string.rangeOfCharacterFromSet(makeCharacterSet(set)).location != kNotFound;
+  if (string.isWide()) return set.firstMemberIn(string.wide()) != string.wide().size();
+  return containsAnyCharacters(string.narrow(), set);
+}
+
+bool containsOnlyCharacters(const NSString& string, const CharacterSet& set) {
+  return !send<"containsAnyCharactersInSet:">(string, makeCharacterSet(set.inverted()));
+}
+
+namespace {
+
+NSRange entireRangeMessage(NSString& self) { return entireRange(self); }
+
+bool containsAnyCharactersInSet(NSString& self, NSCharacterSet* set) {
+  if (!set) throwNullArgument(self, "containsAnyCharactersInSet:", "set");
+  const Strong<NSString> hold(&self);
+  return containsAnyCharacters(self, set->characterSet());
+}
+
+bool containsOnlyCharactersInSet(NSString& self, NSCharacterSet* set) {
+  if (!set) throwNullArgument(self, "containsOnlyCharactersInSet:", "set");
+  const Strong<NSString> hold(&self);
+  return containsOnlyCharacters(self, set->characterSet());
+}
+
+Strong<NSString> stringByRepeatingString(ClassOf<NSString>, NSString* string, std::int64_t times, NSString* joinedBy) {
+  const std::string text = string ? utf8(*string) : std::string();
+  if (!joinedBy) return makeString(repeating<NSString>(text, times, std::nullopt));
+  return makeString(repeating<NSString>(text, times, utf8(*joinedBy)));
+}
+
+constexpr MethodRow kRows[] = {row<NSString, "entireRange", entireRangeMessage>(),
+                               row<NSString, "containsAnyCharactersInSet:", containsAnyCharactersInSet>(),
+                               row<NSString, "containsOnlyCharactersInSet:", containsOnlyCharactersInSet>()};
+constexpr MethodRow kClassRows[] = {
+    classRow<NSString, "stringByRepeatingString:times:joinedBy:", stringByRepeatingString>()};
+
+}  // namespace
+
+extern constinit const Category kStringHelpers{classObject<NSString>, "HavrinFoundation", kRows, kClassRows};
+
+}  // namespace havrin

@@ -1,0 +1,85 @@
+#include <HavrinFoundation/text/attributed_strings.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/text/attributed_strings_messages.h>
+#include <gtest/gtest.h>
+
+using namespace havrin;
+
+namespace {
+
+// Counts what it is initialised with.
+class Title : public Object<Title, NSAttributedString> {
+ public:
+  static inline int plain = 0, attributed = 0;
+  Strong<NSAttributedString> initWithString(NSString* string) override {
+    ++plain;
+    return NSAttributedString::initWithString(string);
+  }
+  Strong<NSAttributedString> initWithStringAttributes(NSString* string, NSDictionary* attributes) override {
+    ++attributed;
+    return NSAttributedString::initWithStringAttributes(string, attributes);
+  }
+};
+
+// Answers the message itself.
+class Shouting : public Object<Shouting, NSAttributedString> {
+ public:
+  Strong<NSAttributedString> shout(NSString*) { return initWithString(makeString("!")); }
+  using Members = List<Method<"initWithOptionalString:", &Shouting::shout>>;
+};
+
+Strong<NSString> orNull(std::optional<std::string_view> text) { return text ? makeString(*text) : Strong<NSString>(); }
+
+TEST(AttributedStrings, MissingTextAndAttributesCountAsNone) {
+  const auto font = makeDictionary({{makeString("NSFont"), makeNumber(12)}});
+  const struct {
+    std::optional<std::string_view> text;
+    Strong<NSDictionary> attributes;
+    const char* description;
+    std::uint64_t length;
+    const char* why;
+  } rows[] = {
+      {"On air", font, "On air{NSFont = 12}", 6, "text and attributes"},
+      {"On air", nullptr, "On air{}", 6, "no attributes"},
+      {"👍", nullptr, "👍{}", 2, "a surrogate pair"},
+      {"", font, "", 0, "empty text keeps no attributes"},
+      {std::nullopt, font, "", 0, "no text"},
+      {std::nullopt, nullptr, "", 0, "neither"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    Strong<NSAttributedString> made[] = {
+        fromOptionalString<NSAttributedString>(row.text, row.attributes),
+        fromOptionalString<Title>(row.text, row.attributes),
+        send<"initWithOptionalString:attributes:">(alloc<NSAttributedString>(), orNull(row.text), row.attributes),
+        row.attributes ? Strong<NSAttributedString>() : fromOptionalString<NSAttributedString>(row.text),
+        row.attributes ? Strong<NSAttributedString>()
+                       : send<"initWithOptionalString:">(alloc<NSAttributedString>(), orNull(row.text)),
+    };
+    for (const auto& string : made) {
+      if (!string) continue;
+      EXPECT_EQ(utf8(*string->description()), row.description);
+      EXPECT_EQ(utf8(*string->string()), row.text.value_or(""));
+      EXPECT_EQ(entireRange(*string), (NSRange{0, row.length}));
+      EXPECT_EQ(send<"entireRange">(string), (NSRange{0, row.length}));
+    }
+  }
+}
+
+TEST(AttributedStrings, SubclassesTakePart) {
+  Title::plain = Title::attributed = 0;
+  EXPECT_TRUE(isKind<Title>(fromOptionalString<Title>("a")));
+  EXPECT_EQ(Title::plain, 1);
+  EXPECT_EQ(Title::attributed, 1) << "the one initialiser calls the other";
+  const Strong<Title> sent = send<"initWithOptionalString:attributes:">(alloc<Title>(), nullptr, nullptr);
+  EXPECT_EQ(Title::attributed, 2);
+  EXPECT_EQ(utf8(*fromOptionalString<Shouting>("a")->string()), "!") << "the typed form sends the message";
+  EXPECT_EQ(send<"entireRange">(Strong<NSAttributedString>()), NSRange());
+}
+
+}  // namespace
