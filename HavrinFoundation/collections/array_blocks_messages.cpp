@@ -21,7 +21,7 @@ void requireBlock(const NSArray& self, std::string_view selector, const AnyBlock
 }
 
 // Calls `body(element)` in order: where the elements stand in an array of the layer's own class, through the receiver's
-// enumeration in a subclass, which may have its own.
+// enumeration in a subclass, which may have its own. The caller holds the array.
 template <class Body>
 void forEach(const NSArray& array, Body body) {
   if (array.isPlain()) {
@@ -40,9 +40,7 @@ Strong<NSArray> select(NSArray& self, ElementPredicate predicate) {
   const auto held = predicate.share();
   if (self.isPlain()) {
     ArrayBuilder passing(self.count());
-    forEach(self, [&](NSObject* element) {
-      if (predicate(element)) passing.add(element);
-    });
+    forEach(self, [&](NSObject* element) { passing.addWhere(predicate(element), element); });
     return passing.finish();
   }
   return self.objectsAtIndexes(

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -260,6 +261,28 @@ TEST(ArrayBlocks, OutliveTheLastReferenceToReceiverAndBlock) {
     };
     EXPECT_EQ(text(send<"map:">(only, transform)), "(a, b, c)");
   }
+}
+
+TEST(ArrayBlocks, HoldNothingAfterAnException) {
+  std::vector<Weak<NSObject>> objects;
+  {
+    const auto list = makeMutableArray({});
+    for (int i = 0; i < 100; ++i) list->addObject(makeNumber(i));
+    for (NSObject* object : each(list)) objects.push_back(Strong<NSObject>(object));
+    int calls = 0;
+    const auto fail = [&](NSObject* object) {
+      if (++calls % 70 == 0) throw std::runtime_error("enough");
+      return Strong<NSObject>(object);
+    };
+    const Strong<NSArray> arrays[] = {list, list->snapshot()};
+    for (const auto& array : arrays) {
+      EXPECT_THROW((void)send<"select:">(array, [&](NSObject* o) { return fail(o) != nullptr; }), std::runtime_error);
+      EXPECT_THROW((void)send<"map:">(array, fail), std::runtime_error);
+      EXPECT_EQ(send<"select:">(array, [](NSObject*) { return true; })->count(), 100U);
+    }
+    EXPECT_TRUE(objects.front().lock() && objects.back().lock());
+  }
+  for (const auto& object : objects) EXPECT_FALSE(object.lock());
 }
 
 TEST(ArrayBlocks, MakeOneAllocationForTheResult) {

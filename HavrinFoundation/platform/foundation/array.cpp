@@ -17,7 +17,7 @@ namespace {
 
 constinit const std::uint64_t kNeverMutated = 0;
 
-ClassObject* classIn(const NSObject& object) { return dispatchClass(&object); }
+Strong<NSObject> held(const NSObject* object) { return const_cast<NSObject*>(object); }
 
 Strong<NSArray> emptyArray() {
   static NSArray* const kEmpty = make<NSArray>().detach();
@@ -40,11 +40,6 @@ void NSArray::adopt(ArrayBuffer* buffer, std::uint64_t length) noexcept {
   length_ = length;
 }
 
-bool NSArray::isPlain() const {
-  const ClassObject* cls = classIn(*this);
-  return cls == classObject<NSArray>() || cls == classObject<NSMutableArray>();
-}
-
 const std::uint64_t& NSArray::mutations() const { return kNeverMutated; }
 
 Strong<NSObject> NSArray::objectAtIndex(std::uint64_t index) const {
@@ -65,7 +60,8 @@ bool NSArray::containsObject(const NSObject* object) const { return indexOfObjec
 
 std::uint64_t NSArray::indexOfObject(const NSObject* object) const {
   if (!object) return kNotFound;
-  const Strong<NSObject> hold(const_cast<NSObject*>(object));
+  const auto hold = held(this);
+  const auto holdObject = held(object);
   std::uint64_t found = kNotFound;
   visit([&](NSObject* element, std::uint64_t index) {
     if (element == object || object->isEqual(element)) found = index;
@@ -76,6 +72,7 @@ std::uint64_t NSArray::indexOfObject(const NSObject* object) const {
 
 std::uint64_t NSArray::indexOfObjectPassingTest(Test test) const {
   if (!test) throwNullArgument(*this, "indexOfObjectPassingTest:", "block");
+  const auto hold = held(this);
   std::uint64_t found = kNotFound;
   visit([&](NSObject* element, std::uint64_t index) {
     bool stop = false;
@@ -87,6 +84,7 @@ std::uint64_t NSArray::indexOfObjectPassingTest(Test test) const {
 
 Strong<NSIndexSet> NSArray::indexesOfObjectsPassingTest(Test test) const {
   if (!test) throwNullArgument(*this, "indexesOfObjectsPassingTest:", "block");
+  const auto hold = held(this);
   std::vector<NSRange> passing;
   visit([&](NSObject* element, std::uint64_t index) {
     bool stop = false;
@@ -99,6 +97,7 @@ Strong<NSIndexSet> NSArray::indexesOfObjectsPassingTest(Test test) const {
 void NSArray::enumerateObjectsUsingBlock(
     BlockView<void(NSObject* object, std::uint64_t index, bool& stop)> block) const {
   if (!block) throwNullArgument(*this, "enumerateObjectsUsingBlock:", "block");
+  const auto hold = held(this);
   visit([&](NSObject* element, std::uint64_t index) {
     bool stop = false;
     block(element, index, stop);
@@ -106,31 +105,35 @@ void NSArray::enumerateObjectsUsingBlock(
   });
 }
 
-// A new array of the elements and `more`, in the same buffer where the slots behind the elements are free.
-Strong<NSArray> NSArray::adding(std::span<const Slot> more) const {
-  const auto result = make<NSArray>();
-  Slot* free = buffer_ ? buffer_->claim(length_, more.size()) : nullptr;
+// A new array of the elements and `more` others, which `fill` constructs: in the same buffer where the slots behind the
+// elements are free.
+template <class Fill>
+Strong<NSArray> NSArray::adding(std::uint64_t more, Fill fill) const {
+  auto result = make<NSArray>();
   ArrayBuffer* buffer = buffer_;
+  Slot* free = buffer ? buffer->claim(length_, more) : nullptr;
   if (!free) {
-    buffer = ArrayBuffer::copyOf(slots_, length_, ArrayBuffer::grownCapacity(length_ + more.size()));
-    buffer->resizeSole(length_, length_ + more.size());
+    buffer = ArrayBuffer::copyOf(slots_, length_, ArrayBuffer::grownCapacity(length_ + more));
+    buffer->resizeSole(length_, length_ + more);
     free = buffer->slots() + length_;
   }
-  std::uninitialized_copy(more.begin(), more.end(), free);
-  result->adopt(buffer, length_ + more.size());
+  fill(free);
+  result->adopt(buffer, length_ + more);
   return result;
 }
 
 Strong<NSArray> NSArray::arrayByAddingObject(NSObject* object) const {
   if (!object) throwNullArgument(*this, "arrayByAddingObject:", "object");
-  const Slot one(object);
-  return isPlain() ? adding({&one, 1}) : snapshot()->adding({&one, 1});
+  if (!isPlain()) return snapshot()->arrayByAddingObject(object);
+  return adding(1, [&](Slot* free) noexcept { new (free) Slot(object); });
 }
 
 Strong<NSArray> NSArray::arrayByAddingObjectsFromArray(const NSArray* array) const {
   if (!array || array->count() == 0) return snapshot();
+  if (!isPlain()) return snapshot()->arrayByAddingObjectsFromArray(array);
   const Strong<NSArray> more = array->snapshot();
-  return isPlain() ? adding(more->elements()) : snapshot()->adding(more->elements());
+  return adding(more->length_,
+                [&](Slot* free) noexcept { std::uninitialized_copy_n(more->slots_, more->length_, free); });
 }
 
 Strong<NSArray> NSArray::subarrayWithRange(NSRange range) const {
@@ -162,6 +165,7 @@ bool NSArray::isEqual(const NSObject* other) const {
   if (this == other) return true;
   const NSArray* array = cast<NSArray>(other);
   if (!array || array->count() != count()) return false;
+  const auto hold = held(this);
   const Strong<NSArray> theirs = array->snapshot();
   if (theirs->length_ != count()) return false;
   bool equal = true;
@@ -182,6 +186,7 @@ std::uint64_t NSArray::hash() const {
 }
 
 Strong<NSString> NSArray::description() const {
+  const auto hold = held(this);
   std::string text = "(";
   visit([&](NSObject* element, std::uint64_t index) {
     if (index != 0) text += ", ";
@@ -202,18 +207,16 @@ Strong<NSObject> NSArray::mutableCopy() const {
   return result;
 }
 
-Strong<NSArray> NSArray::snapshot() const {
-  const ClassObject* cls = classIn(*this);
-  if (cls == classObject<NSArray>()) return const_cast<NSArray*>(this);
-  if (cls == classObject<NSMutableArray>()) {
+// The present objects of a mutable array or a subclass.
+Strong<NSArray> NSArray::copied() const {
+  if (isExactly<NSMutableArray>()) {
     if (length_ == 0) return emptyArray();
-    if (length_ >= buffer_->capacity() / 2) {
-      const auto result = make<NSArray>();
-      buffer_->share(length_);
-      result->adopt(buffer_, length_);
-      return result;
-    }
-    return makeArray(elements());  // most of the buffer would be kept for nothing
+    if (length_ < buffer_->capacity() / 2)
+      return makeArray(elements());  // most of the buffer would be kept for nothing
+    auto result = make<NSArray>();
+    buffer_->share(length_);
+    result->adopt(buffer_, length_);
+    return result;
   }
   const std::uint64_t number = count();
   ArrayBuilder builder(number);
@@ -255,6 +258,8 @@ void ArrayBuilder::grow() {
 }
 
 Strong<NSArray> ArrayBuilder::finish() {
+  holdNoted();
+  noted_ = 0;
   if (count_ == 0) return emptyArray();
   constexpr std::uint64_t kWorthACall = 32;
   if (capacity_ - count_ >= kWorthACall) {

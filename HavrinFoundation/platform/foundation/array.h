@@ -94,16 +94,18 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
                                             std::span<Strong<NSObject>> slots) const override;
 
   /// True when the class is the layer's own, so that `elements` are the array and no override is passed over.
-  [[nodiscard]] bool isPlain() const;
+  [[nodiscard]] bool isPlain() const { return isExactly<NSArray>() || isExactly<NSMutableArray>(); }
   /// The elements where they stand, of a plain array; good until it changes.
   [[nodiscard]] std::span<const Strong<NSObject>> elements() const { return {slots_, length_}; }
   /// An immutable, plain array with the present objects: `copy` with its type.
-  [[nodiscard]] Strong<NSArray> snapshot() const;
+  [[nodiscard]] Strong<NSArray> snapshot() const {
+    return isExactly<NSArray>() ? Strong<NSArray>(const_cast<NSArray*>(this)) : copied();
+  }
   /// A number that every change of a mutable array changes.
   [[nodiscard]] virtual const std::uint64_t& mutations() const;
 
-  /// Calls `body(NSObject*, index)` in ascending order until it answers false. The array is held, and so are its
-  /// elements even when `body` removes them; a plain array's are read where they stand.
+  /// Calls `body(NSObject*, index)` in ascending order until it answers false. The caller holds the array; its elements
+  /// are held, also when `body` removes them. A plain array's are read where they stand.
   /// Throws: NSException (Generic) after `body` has changed the array.
   template <class Body>
   void visit(Body body) const;
@@ -116,8 +118,14 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
   // The elements stand behind the object, in one allocation with it.
   NSArray(Behind, std::uint64_t length) noexcept : slots_(reinterpret_cast<Slot*>(this + 1)), length_(length) {}
 
+  template <class C>
+  [[nodiscard]] bool isExactly() const {
+    return dispatchClass(this) == classObject<C>();
+  }
+  [[nodiscard]] Strong<NSArray> copied() const;
   void adopt(ArrayBuffer* buffer, std::uint64_t length) noexcept;
-  [[nodiscard]] Strong<NSArray> adding(std::span<const Slot> more) const;
+  template <class Fill>
+  [[nodiscard]] Strong<NSArray> adding(std::uint64_t more, Fill fill) const;
 
   Slot* slots_ = nullptr;
   std::uint64_t length_ = 0;
@@ -153,11 +161,11 @@ class HAVRIN_EXPORT NSMutableArray : public Object<NSMutableArray, NSArray> {
 
  private:
   friend class NSArray;
-  [[nodiscard]] bool isOwn() const;
   void makeWritable(std::uint64_t capacity);
   void resize(std::uint64_t length) noexcept;
   void shorten(std::uint64_t length) noexcept;
-  void append(std::span<const Slot> objects);
+  template <class Fill>
+  void append(std::uint64_t more, Fill fill);
 
   std::uint64_t mutations_ = 0;
 };
@@ -183,6 +191,15 @@ class HAVRIN_EXPORT ArrayBuilder {
       grow();
     new (slots() + count_++) Strong<NSObject>(std::move(object));
   }
+  /// Appends an object, which is not null, where `wanted`. Without a branch: no predictor learns the answers of a filter.
+  /// The object's owner keeps it until `finish`. Every object of one builder is added in the same way.
+  void addWhere(bool wanted, NSObject* object) {
+    if (noted_ == capacity_) [[unlikely]]
+      grow();
+    new (slots() + noted_) Strong<NSObject>(Strong<NSObject>::adopt(object));
+    noted_ += wanted;
+    if (noted_ == count_ + kNoted) holdNoted();
+  }
   /// The array. The builder is empty afterwards.
   [[nodiscard]] Strong<NSArray> finish();
 
@@ -191,11 +208,16 @@ class HAVRIN_EXPORT ArrayBuilder {
   [[nodiscard]] Strong<NSObject>* slots() const {
     return reinterpret_cast<Strong<NSObject>*>(static_cast<NSArray*>(memory_) + 1);
   }
+  static constexpr std::uint64_t kNoted = 32;  // objects that are held in one go, while they are in the nearest cache
+  void holdNoted() {
+    for (; count_ < noted_; ++count_) retainObject(slots()[count_]);
+  }
   void grow();
   [[noreturn]] static void throwNull();
 
   void* memory_ = nullptr;
   std::uint64_t count_ = 0;
+  std::uint64_t noted_ = 0;  // the slots up to here that addWhere has filled; those beyond the count are not held yet
   std::uint64_t capacity_ = 0;
 };
 
@@ -216,11 +238,16 @@ requires requires(const Row& row) {
 
 template <class Body>
 void NSArray::visit(Body body) const {
+  if (isExactly<NSArray>()) {
+    for (std::uint64_t index = 0; index < length_; ++index) {
+      if (!body(slots_[index].get(), index)) return;
+    }
+    return;
+  }
   const Strong<NSArray> row = isPlain() ? snapshot() : nullptr;
-  const Strong<NSObject> hold(row.get() == this ? nullptr : const_cast<NSArray*>(this));
   const std::uint64_t& counter = mutations();
   const std::uint64_t before = counter;
-  const std::uint64_t end = row ? row->elements().size() : count();
+  const std::uint64_t end = row ? row->length_ : count();
   for (std::uint64_t index = 0; index < end; ++index) {
     const bool goesOn = row ? body(row->slots_[index].get(), index) : body(objectAtIndex(index).get(), index);
     if (counter != before) throwMutatedWhileEnumerated(this);

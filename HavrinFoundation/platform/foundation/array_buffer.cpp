@@ -82,14 +82,25 @@ void ArrayBuffer::end(std::uint64_t length) noexcept {
     destroy();
     return;
   }
-  // Elements are taken out under the lock and released outside it, a few at a time. The handle counts until the last
-  // of them is out, so that the buffer stands.
+  const std::uint64_t handles = lock();
+  --ends()[length];
+  if (filled_ != 0 && ends()[filled_] == 0) {
+    unlock(handles);
+    giveBack();
+  } else {
+    unlock(handles - kOneHandle);
+    if (handles == kOneHandle) destroy();
+  }
+}
+
+// Releases the elements that no handle holds, and then the caller's handle, which counts until then so that the buffer
+// stands. They are taken out under the lock and released outside it, a few at a time.
+void ArrayBuffer::giveBack() noexcept {
   constexpr int kBatch = 16;
-  for (bool first = true;; first = false) {
+  for (;;) {
     Slot released[kBatch];
     int count = 0;
     const std::uint64_t handles = lock();
-    if (first) --ends()[length];
     while (count < kBatch && filled_ != 0 && ends()[filled_] == 0) {
       Slot& last = slots()[--filled_];
       released[count++] = std::move(last);

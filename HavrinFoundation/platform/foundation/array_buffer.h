@@ -68,6 +68,7 @@ class ArrayBuffer {
   void unlock(std::uint64_t handles) noexcept { word_.store(handles, std::memory_order_release); }
   // How many handles have exactly this length.
   [[nodiscard]] std::uint32_t* ends() { return reinterpret_cast<std::uint32_t*>(slots() + capacity_); }
+  void giveBack() noexcept;
   void destroy() noexcept;
 
   std::atomic<std::uint64_t> word_{kOneHandle};

@@ -27,11 +27,6 @@ NSMutableArray::NSMutableArray(std::uint64_t capacity) {
   if (capacity != 0) adopt(ArrayBuffer::make(capacity), 0);
 }
 
-// True for the layer's own class; a subclass's changes go through its three.
-bool NSMutableArray::isOwn() const {
-  return dispatchClass(this) == classObject<NSMutableArray>();
-}
-
 // Makes the slots this array's alone, with room for `capacity` of them.
 void NSMutableArray::makeWritable(std::uint64_t capacity) {
   if (!buffer_) {
@@ -58,15 +53,16 @@ void NSMutableArray::shorten(std::uint64_t length) noexcept {
   buffer_->end(before);
 }
 
-void NSMutableArray::append(std::span<const Slot> objects) {
-  const std::uint64_t length = length_ + objects.size();
-  Slot* claimed = buffer_ && !buffer_->isSole() ? buffer_->claim(length_, objects.size()) : nullptr;
-  if (claimed) {
-    std::uninitialized_copy(objects.begin(), objects.end(), claimed);
+// Adds `more` elements at the end, which `fill` constructs.
+template <class Fill>
+void NSMutableArray::append(std::uint64_t more, Fill fill) {
+  const std::uint64_t length = length_ + more;
+  if (Slot* claimed = buffer_ && !buffer_->isSole() ? buffer_->claim(length_, more) : nullptr) {
+    fill(claimed);
     buffer_->end(std::exchange(length_, length));
   } else {
     makeWritable(length);
-    std::uninitialized_copy(objects.begin(), objects.end(), slots_ + length_);
+    fill(slots_ + length_);
     resize(length);
   }
   ++mutations_;
@@ -75,14 +71,13 @@ void NSMutableArray::append(std::span<const Slot> objects) {
 void NSMutableArray::insertObject(NSObject* object, std::uint64_t index) {
   if (!object) throwNullArgument(*this, "insertObject:atIndex:", "object");
   if (index > length_) throwIndexBeyond(*this, "insertObject:atIndex:", index, length_);
-  Slot inserted(object);
   if (index == length_) {
-    append({&inserted, 1});
+    append(1, [&](Slot* free) noexcept { new (free) Slot(object); });
     return;
   }
   makeWritable(length_ + 1);
   relocate(slots_ + index + 1, slots_ + index, length_ - index);
-  new (slots_ + index) Slot(std::move(inserted));
+  new (slots_ + index) Slot(object);
   resize(length_ + 1);
   ++mutations_;
 }
@@ -110,9 +105,8 @@ void NSMutableArray::replaceObjectAtIndex(std::uint64_t index, NSObject* object)
 
 void NSMutableArray::addObject(NSObject* object) {
   if (!object) throwNullArgument(*this, "addObject:", "object");
-  if (isOwn()) {
-    const Slot added(object);
-    append({&added, 1});
+  if (isExactly<NSMutableArray>()) {
+    append(1, [&](Slot* free) noexcept { new (free) Slot(object); });
   } else {
     insertObject(object, count());
   }
@@ -121,10 +115,11 @@ void NSMutableArray::addObject(NSObject* object) {
 void NSMutableArray::addObjectsFromArray(const NSArray* array) {
   if (!array) return;
   const Strong<NSArray> objects = array->snapshot();  // which may be this array's own
-  if (!isOwn()) {
+  if (!isExactly<NSMutableArray>()) {
     for (const Slot& object : objects->elements()) insertObject(object, count());
   } else if (!objects->elements().empty()) {
-    append(objects->elements());
+    append(objects->length_,
+           [&](Slot* free) noexcept { std::uninitialized_copy_n(objects->slots_, objects->length_, free); });
   }
 }
 
@@ -134,7 +129,7 @@ void NSMutableArray::exchangeObjectAtIndex(std::uint64_t index, std::uint64_t ot
     throwIndexBeyond(*this, "exchangeObjectAtIndex:withObjectAtIndex:", std::max(index, otherIndex), number);
   }
   if (index == otherIndex) return;
-  if (isOwn()) {
+  if (isExactly<NSMutableArray>()) {
     makeWritable(length_);
     std::swap(slots_[index], slots_[otherIndex]);
     ++mutations_;
@@ -156,7 +151,7 @@ void NSMutableArray::removeObjectsAtIndexes(const NSIndexSet* indexes) {
   if (indexes->lastIndex() >= count()) {
     throwIndexBeyond(*this, "removeObjectsAtIndexes:", indexes->lastIndex(), count());
   }
-  if (!isOwn()) {
+  if (!isExactly<NSMutableArray>()) {
     const Strong<NSObject> hold(const_cast<NSIndexSet*>(indexes));
     const auto ranges = indexes->ranges();
     for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
@@ -185,7 +180,7 @@ void NSMutableArray::removeObjectsInRange(NSRange range) {
   const std::uint64_t number = count();
   if (!isWithin(range, number)) throwRangeBeyond(*this, "removeObjectsInRange:", range, number);
   if (range.length == 0) return;
-  if (isOwn() && range.location + range.length == length_) {
+  if (isExactly<NSMutableArray>() && range.location + range.length == length_) {
     shorten(range.location);
   } else {
     removeObjectsAtIndexes(makeIndexSet(range));
