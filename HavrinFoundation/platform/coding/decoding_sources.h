@@ -34,7 +34,7 @@ class UnkeyedSource;
 template <class Base>
 class SourceBox {
  public:
-  SourceBox() {}
+  SourceBox() {}  // NOLINT(modernize-use-equals-default): defaulted, it would clear the room first
   SourceBox(DecodingError error) : failure_(std::move(error).holder()) {}
   SourceBox(detail::ErrorHolder failure) : failure_(std::move(failure)) {}
   /// Takes `source` as it is, wherever it lives.
