@@ -246,7 +246,7 @@ ArrayBuilder::ArrayBuilder(std::uint64_t expected) : capacity_(expected) {
 
 ArrayBuilder::~ArrayBuilder() {
   if (!memory_) return;
-  std::destroy_n(slots(), count_);
+  std::destroy_n(room(), count_);
   NSArray::operator delete(memory_);
 }
 

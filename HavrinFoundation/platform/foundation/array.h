@@ -189,14 +189,14 @@ class HAVRIN_EXPORT ArrayBuilder {
     if (!object) throwNull();
     if (count_ == capacity_) [[unlikely]]
       grow();
-    new (slots() + count_++) Strong<NSObject>(std::move(object));
+    new (room() + count_++) Strong<NSObject>(std::move(object));
   }
   /// Appends an object, which is not null, where `wanted`. Without a branch: no predictor learns the answers of a filter.
   /// The object's owner keeps it until `finish`. Every object of one builder is added in the same way.
   void addWhere(bool wanted, NSObject* object) {
     if (noted_ == capacity_) [[unlikely]]
       grow();
-    new (slots() + noted_) Strong<NSObject>(Strong<NSObject>::adopt(object));
+    new (room() + noted_) Strong<NSObject>(Strong<NSObject>::adopt(object));
     noted_ += wanted;
     if (noted_ == count_ + kNoted) holdNoted();
   }
@@ -204,13 +204,13 @@ class HAVRIN_EXPORT ArrayBuilder {
   [[nodiscard]] Strong<NSArray> finish();
 
  private:
-  // The slots of the array to be, behind its memory.
-  [[nodiscard]] Strong<NSObject>* slots() const {
+  // The slots of the array to be, behind its memory. Not called `slots`, which is a macro to programs that use Qt.
+  [[nodiscard]] Strong<NSObject>* room() const {
     return reinterpret_cast<Strong<NSObject>*>(static_cast<NSArray*>(memory_) + 1);
   }
   static constexpr std::uint64_t kNoted = 32;  // objects that are held in one go, while they are in the nearest cache
   void holdNoted() {
-    for (; count_ < noted_; ++count_) retainObject(slots()[count_]);
+    for (; count_ < noted_; ++count_) retainObject(room()[count_]);
   }
   void grow();
   [[noreturn]] static void throwNull();
