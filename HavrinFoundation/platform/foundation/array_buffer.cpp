@@ -104,7 +104,7 @@ void ArrayBuffer::giveBack() noexcept {
     while (count < kBatch && filled_ != 0 && ends()[filled_] == 0) {
       Slot& last = slots()[--filled_];
       released[count++] = std::move(last);
-      last.~Slot();
+      last.~Slot();  // NOLINT(bugprone-use-after-move): only its life ends
     }
     if (count == kBatch) {
       unlock(handles);

@@ -154,6 +154,7 @@ void NSMutableArray::removeObjectsAtIndexes(const NSIndexSet* indexes) {
   if (!isExactly<NSMutableArray>()) {
     const Strong<NSObject> hold(const_cast<NSIndexSet*>(indexes));
     const auto ranges = indexes->ranges();
+    // NOLINTNEXTLINE(modernize-loop-convert): views in reverse do not compile with clang 14
     for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
       for (std::uint64_t i = range->length; i-- > 0;) removeObjectAtIndex(range->location + i);
     }
