@@ -2,11 +2,13 @@
 // to be run. "post/share" is what the poster spends; "post/run" posts from another thread until all has been run;
 // "post/asleep" wakes another thread, which posts to the loop that sleeps meanwhile. The times of the first two are those of the
 // whole batch, of 1000 posts and of 20000 by each producer.
+#include <HavrinFoundation/platform/dispatch/clock.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 
 #include <benchmark/benchmark.h>
 #include <glib.h>
+#include <sys/resource.h>
 #include <uv.h>
 #include <QCoreApplication>
 #include <QThread>
@@ -284,6 +286,23 @@ void onGlibContext(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(g_main_context_is_owner(g_main_context_default()));
 }
 BENCHMARK(onGlibContext)->Name("on_main/ask/direct/glib");
+
+// Five seconds with one delayed perform at their end and nothing else: how often the thread was woken, and what that
+// cost. An idle loop sleeps.
+void idleOurs(benchmark::State& state) {
+  constexpr double kSeconds = 5;
+  for (auto _ : state) {
+    rusage before{};
+    getrusage(RUSAGE_THREAD, &before);
+    bool done = false;
+    RunLoop::current().performAfter(kSeconds, [&done] { done = true; });
+    while (!done) RunLoop::current().runUntil(monotonicSeconds() + kSeconds);
+    rusage after{};
+    getrusage(RUSAGE_THREAD, &after);
+    state.counters["wakeups"] = static_cast<double>(after.ru_nvcsw - before.ru_nvcsw);
+  }
+}
+BENCHMARK(idleOurs)->Name("idle/five_seconds/ours")->Iterations(1)->UseRealTime();
 
 }  // namespace
 
