@@ -10,6 +10,8 @@
 #include <HavrinFoundation/platform/object/exception.h>
 #include <gtest/gtest.h>
 
+#include "../exception_name.h"
+
 using namespace havrin;
 
 namespace {
@@ -79,16 +81,6 @@ class CountDown : public Object<CountDown, NSOrderedSet> {
     return 5 - static_cast<std::uint64_t>(cast<NSNumber>(object)->integerValue());
   }
 };
-
-template <class F>
-std::string nameOf(F body) {
-  try {
-    body();
-  } catch (const NSException& exception) {
-    return exception.name();
-  }
-  return "none";
-}
 
 TEST(SetBlocks, FilterIntoTheReceiversOwnClass) {
   const Strong<NSSet> set = makeSet({makeNumber(1), makeNumber(2), makeNumber(3), makeNumber(4), makeNumber(5)});

@@ -11,6 +11,8 @@
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/members.h>
 
+#include "../exception_name.h"
+
 namespace havrin_test {
 
 using namespace havrin;
@@ -48,16 +50,6 @@ inline std::string line(const NSDictionary* change) {
   std::string line = shown(change->objectForKey(text("keyPath"))) + " " + shown(change->objectForKey(text("kind"))) +
                      " " + shown(change->objectForKey(text("old"))) + ">" + shown(change->objectForKey(text("new")));
   return line;
-}
-
-template <class F>
-std::string nameOf(F body) {
-  try {
-    body();
-  } catch (const NSException& exception) {
-    return exception.name();
-  }
-  return "none";
 }
 
 }  // namespace havrin_test

@@ -8,6 +8,7 @@
 #include <HavrinFoundation/platform/object/exception.h>
 #include <gtest/gtest.h>
 
+#include "../../exception_name.h"
 #include "tests/random_seed.h"
 
 using namespace havrin;
@@ -20,16 +21,6 @@ std::string joined(const Strong<NSArray>& array) {
   std::string all;
   for (std::uint64_t i = 0; i < array->count(); ++i) all += text(array->objectAtIndex(i)) + " ";
   return all;
-}
-
-template <class F>
-std::string nameOf(F body) {
-  try {
-    body();
-  } catch (const NSException& exception) {
-    return exception.name();
-  }
-  return "none";
 }
 
 // Numbers below ten under their own text, kept nowhere.

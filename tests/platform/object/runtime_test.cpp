@@ -14,6 +14,8 @@
 #include <HavrinFoundation/platform/object/members.h>
 #include <gtest/gtest.h>
 
+#include "../../exception_name.h"
+
 using namespace havrin;
 
 namespace {
@@ -91,17 +93,6 @@ const Category* const kCategories[] = {&kLabels, &kSame};
 const Loader kLoader{Image{"test", nullptr, kStrings, kCategories, {}}};
 
 std::string text(NSString* string) { return string ? utf8(*string) : "(null)"; }
-
-template <class F>
-std::string nameOf(F body) {
-  try {
-    body();
-  } catch (const NSException& exception) {
-    EXPECT_FALSE(exception.reason().empty());
-    return exception.name();
-  }
-  return "none";
-}
 
 }  // namespace
 

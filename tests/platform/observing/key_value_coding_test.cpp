@@ -11,6 +11,8 @@
 #include <HavrinFoundation/platform/object/exception.h>
 #include <gtest/gtest.h>
 
+#include "../../exception_name.h"
+
 using namespace havrin;
 
 namespace {
@@ -56,17 +58,6 @@ class Relay : public Object<Relay, Station> {
 
 Strong<NSString> text(const char* ascii) { return makeString(ascii); }
 std::string shown(NSObject* object) { return object ? utf8(*object->description()) : "(null)"; }
-
-template <class F>
-std::string nameOf(F body) {
-  try {
-    body();
-  } catch (const NSException& exception) {
-    EXPECT_FALSE(exception.reason().empty());
-    return exception.name();
-  }
-  return "none";
-}
 
 }  // namespace
 

@@ -12,6 +12,8 @@
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 #include <gtest/gtest.h>
 
+#include "../../exception_name.h"
+
 namespace havrin_test {
 
 using namespace havrin;
@@ -128,17 +130,6 @@ class Watcher : public Object<Watcher, NSObject> {
     return all;
   }
 };
-
-template <class F>
-std::string nameOf(F body) {
-  try {
-    body();
-  } catch (const NSException& exception) {
-    EXPECT_FALSE(exception.reason().empty());
-    return exception.name();
-  }
-  return "none";
-}
 
 struct Observed : testing::Test {
   Strong<Station> station = make<Station>();
