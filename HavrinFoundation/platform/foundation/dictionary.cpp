@@ -81,17 +81,11 @@ std::uint64_t NSDictionary::countByEnumeratingWithState(NSFastEnumerationState& 
                                                         std::span<Strong<NSObject>> slots) const {
   state.mutations = &mutations();
   state.items = slots.data();
+  if (isPlain()) return entries_.fill(slots, state.state);
   std::uint64_t filled = 0;
-  if (isPlain()) {
-    std::size_t position = state.state;
-    const Entry* entry = nullptr;
-    while (filled < slots.size() && (entry = entries_.next(position))) slots[filled++] = entry->key;
-    state.state = position;
-  } else {
-    const Strong<NSArray> keys = allKeys();
-    const std::uint64_t end = keys->count();
-    while (filled < slots.size() && state.state < end) slots[filled++] = keys->objectAtIndex(state.state++);
-  }
+  const Strong<NSArray> keys = allKeys();
+  const std::uint64_t end = keys->count();
+  while (filled < slots.size() && state.state < end) slots[filled++] = keys->objectAtIndex(state.state++);
   return filled;
 }
 

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -80,6 +81,16 @@ class ObjectTable {
       if (entry.key) return &entry;
     }
     return nullptr;
+  }
+
+  /// A batch for fast enumeration: keys into `slots`, from `position` on, which moves behind them. Result: how many.
+  std::size_t fill(std::span<Strong<NSObject>> slots, std::uint64_t& position) const {
+    std::size_t at = position;
+    std::size_t filled = 0;
+    const Entry* entry = nullptr;
+    while (filled < slots.size() && (entry = next(at))) slots[filled++] = entry->key;
+    position = at;
+    return filled;
   }
 
  private:

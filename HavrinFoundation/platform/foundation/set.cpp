@@ -64,17 +64,11 @@ std::uint64_t NSSet::countByEnumeratingWithState(NSFastEnumerationState& state,
                                                  std::span<Strong<NSObject>> slots) const {
   state.mutations = &mutations();
   state.items = slots.data();
+  if (isPlain()) return elements_.fill(slots, state.state);
   std::uint64_t filled = 0;
-  if (isPlain()) {
-    std::size_t position = state.state;
-    const Entry* entry = nullptr;
-    while (filled < slots.size() && (entry = elements_.next(position))) slots[filled++] = entry->key;
-    state.state = position;
-  } else {
-    const Strong<NSArray> objects = allObjects();
-    const std::uint64_t end = objects->count();
-    while (filled < slots.size() && state.state < end) slots[filled++] = objects->objectAtIndex(state.state++);
-  }
+  const Strong<NSArray> objects = allObjects();
+  const std::uint64_t end = objects->count();
+  while (filled < slots.size() && state.state < end) slots[filled++] = objects->objectAtIndex(state.state++);
   return filled;
 }
 
