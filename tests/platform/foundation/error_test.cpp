@@ -1,0 +1,90 @@
+#include <HavrinFoundation/platform/foundation/error.h>
+
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace havrin;
+
+constexpr const char* kDefault = "The operation couldn\u2019t be completed. (NSCocoaErrorDomain error 4864.)";
+
+// Has its details from elsewhere.
+class LateError : public Object<LateError, NSError> {
+ public:
+  Strong<NSString> domain() const override { return makeString("late"); }
+  std::int64_t code() const override { return 7; }
+  Strong<NSDictionary> userInfo() const override {
+    return makeDictionary({{NSLocalizedDescriptionKey, makeString("too late")}});
+  }
+};
+
+TEST(Error, SaysWhatWentWrong) {
+  const auto people = makeString("No such station");
+  const auto developers = makeString("*** decode: root");
+  const auto number = makeNumber(3);
+  const auto inner = make<NSError>(makeString("d"), -1);
+  const std::string start = "Error Domain=NSCocoaErrorDomain Code=4864 ";
+  const struct {
+    Strong<NSDictionary> userInfo;
+    std::string localized;
+    std::string description;
+    const char* why;
+  } rows[] = {
+      {nullptr, kDefault, start + '"' + kDefault + '"', "no details"},
+      {makeDictionary({}), kDefault, start + '"' + kDefault + '"', "empty details"},
+      {makeDictionary({{NSLocalizedDescriptionKey, people}}), "No such station",
+       start + "\"No such station\" UserInfo={NSLocalizedDescription=No such station}", "a text for people"},
+      {makeDictionary({{NSDebugDescriptionErrorKey, developers}}), kDefault,
+       start + "\"*** decode: root\" UserInfo={NSDebugDescription=*** decode: root}", "a text for developers"},
+      {makeDictionary({{NSDebugDescriptionErrorKey, developers}, {NSLocalizedDescriptionKey, people}}),
+       "No such station",
+       start + "\"No such station\" UserInfo={NSDebugDescription=*** decode: root, "
+               "NSLocalizedDescription=No such station}",
+       "both"},
+      {makeDictionary({{NSLocalizedDescriptionKey, number}}), kDefault,
+       start + '"' + kDefault + "\" UserInfo={NSLocalizedDescription=3}", "no text"},
+      {makeDictionary({{NSUnderlyingErrorKey, inner}}), kDefault,
+       start + '"' + kDefault +
+           "\" UserInfo={NSUnderlyingError={Error Domain=d Code=-1 \"The operation couldn\u2019t be completed. "
+           "(d error -1.)\"}}",
+       "an error behind it"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto error = make<NSError>(NSCocoaErrorDomain, 4864, row.userInfo);
+    EXPECT_EQ(utf8(*error->localizedDescription()), row.localized);
+    EXPECT_EQ(utf8(*error->description()), row.description);
+  }
+  EXPECT_EQ(utf8(*make<LateError>()->description()),
+            "Error Domain=late Code=7 \"too late\" UserInfo={NSLocalizedDescription=too late}");
+}
+
+TEST(Error, IsEqualByDomainCodeAndDetails) {
+  const auto details = makeDictionary({{NSLocalizedDescriptionKey, makeString("too late")}});
+  const auto error = make<NSError>(makeString("late"), 7, details);
+  const Strong<NSError> equal[] = {make<NSError>(makeString("late"), 7, details), make<LateError>()};
+  for (const auto& other : equal) {
+    EXPECT_TRUE(error->isEqual(other) && other->isEqual(error));
+    EXPECT_EQ(error->hash(), other->hash());
+  }
+  const Strong<NSObject> different[] = {make<NSError>(makeString("Late"), 7, details),
+                                        make<NSError>(makeString("late"), 8, details),
+                                        make<NSError>(makeString("late"), 7), details, nullptr};
+  for (const auto& other : different) EXPECT_FALSE(error->isEqual(other));
+  EXPECT_EQ(error->copy(), error);
+}
+
+TEST(Error, DoesNotFollowWhatItWasMadeOf) {
+  const auto domain = make<NSMutableString>("a");
+  const auto details = make<NSMutableDictionary>();
+  const auto error = make<NSError>(domain, 1, details);
+  domain->append("b");
+  details->setObject(makeString("b"), NSLocalizedDescriptionKey);
+  EXPECT_TRUE(error->isEqual(make<NSError>(makeString("a"), 1)));
+  EXPECT_THROW(static_cast<void>(make<NSError>(nullptr, 1)), NSException);
+}
+
+}  // namespace
