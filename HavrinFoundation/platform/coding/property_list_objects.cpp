@@ -1,9 +1,11 @@
 #include <HavrinFoundation/platform/coding/property_list_objects.h>
 
 #include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/time/ns_date.h>
 
 #include <unordered_map>
 
@@ -28,7 +30,9 @@ class Maker {
       case Kind::dictionary:
         return shared(list.dictionary());
       case Kind::data:
+        return shared(list.data());
       case Kind::date:
+        return havrin::make<NSDate>(*list.date());
       case Kind::uid:
         break;
     }
@@ -36,16 +40,18 @@ class Maker {
   }
 
  private:
-  template <class Container>
-  Strong<NSObject> shared(const Container* container) {
-    const auto [found, isNew] = made_.try_emplace(container);
+  template <class Part>
+  Strong<NSObject> shared(const Part* part) {
+    const auto [found, isNew] = made_.try_emplace(part);
     if (!isNew) return found->second;
-    Strong<NSObject> object = makeContainer(*container);
-    made_[container] = object;  // not through `found`, which more entries may have moved
+    Strong<NSObject> object = makePart(*part);
+    made_[part] = object;  // not through `found`, which more entries may have moved
     return object;
   }
 
-  Strong<NSObject> makeContainer(const PropertyList::Array& list) {
+  Strong<NSObject> makePart(const PropertyList::Data& bytes) { return makeData(bytes); }
+
+  Strong<NSObject> makePart(const PropertyList::Array& list) {
     const auto array = havrin::make<NSMutableArray>();
     for (const PropertyList& element : list) {
       if (const auto object = make(element)) array->addObject(object);
@@ -53,7 +59,7 @@ class Maker {
     return array->copy();
   }
 
-  Strong<NSObject> makeContainer(const PropertyList::Dictionary& list) {
+  Strong<NSObject> makePart(const PropertyList::Dictionary& list) {
     const auto dictionary = havrin::make<NSMutableDictionary>();
     for (const auto& [key, value] : list.entries()) dictionary->set(makeString(key), make(value));
     return dictionary->copy();

@@ -6,8 +6,8 @@
 
 namespace havrin::inline platform {
 
-/// `list` as strings, numbers, arrays and dictionaries; parts that are shared stay shared.
-/// Null when: it is a date, data or a UID; these are left out of arrays and dictionaries.
+/// `list` as strings, numbers, dates, data, arrays and dictionaries; parts that are shared stay shared.
+/// Null when: it is a UID; UIDs are left out of arrays and dictionaries.
 [[nodiscard]] Strong<NSObject> objectOf(const PropertyList& list);
 
 }  // namespace havrin::inline platform

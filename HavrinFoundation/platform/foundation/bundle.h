@@ -39,7 +39,7 @@ class HAVRIN_EXPORT NSBundle : public Object<NSBundle, NSObject> {
 
   [[nodiscard]] virtual Strong<NSString> bundlePath() const;
 
-  /// What Info.plist says under `key`, as strings, numbers, arrays and dictionaries. The file is read once.
+  /// What Info.plist says under `key`, as strings, numbers, dates, data, arrays and dictionaries. The file is read once.
   /// Null when: it says nothing, for null, and for every key where the file is missing, no property list, or larger than
   /// 16 MiB.
   [[nodiscard]] virtual Strong<NSObject> objectForInfoDictionaryKey(const NSString* key) const;

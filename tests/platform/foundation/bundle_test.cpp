@@ -2,8 +2,10 @@
 
 #include <HavrinFoundation/platform/coding/property_list.h>
 #include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/time/ns_date.h>
 #include <HavrinFoundation/testkit/main_bundle.h>
 
 #include <gtest/gtest.h>
@@ -74,6 +76,10 @@ TEST(Bundle, SaysWhatItsInformationSays) {
                                     {"large", List(UINT64_MAX)},
                                     {"real", List(0.5)},
                                     {"yes", List(true)},
+                                    {"date", List(Date::fromTimeIntervalSinceReferenceDate(86400))},
+                                    {"data", List(List::Data{std::byte{0xFF}, std::byte{0}})},
+                                    {"uids", List(List::Array{List(List::UID{1}), List(2)})},
+                                    {"uid", List(List::UID{1})},
                                     {"array", List(List::Array{List("a"), List(1)})},
                                     {"dictionary", List(List::Dictionary({{"a", List("b")}}))}}));
   const TemporaryFolder binary;
@@ -83,6 +89,9 @@ TEST(Bundle, SaysWhatItsInformationSays) {
       "Info.plist",
       "<plist><dict><key>text</key><string>\u00E9\U0001F44D</string><key>integer</key><integer>-7</integer>"
       "<key>large</key><integer>18446744073709551615</integer><key>real</key><real>0.5</real><key>yes</key><true/>"
+      "<key>date</key><date>2001-01-02T00:00:00Z</date><key>data</key><data>/wA=</data>"
+      "<key>uids</key><array><dict><key>CF$UID</key><integer>1</integer></dict><integer>2</integer></array>"
+      "<key>uid</key><dict><key>CF$UID</key><integer>1</integer></dict>"
       "<key>array</key><array><string>a</string><integer>1</integer></array><key>dictionary</key><dict><key>a</key>"
       "<string>b</string></dict></dict></plist>");
   const auto text = makeString("a");
@@ -92,6 +101,9 @@ TEST(Bundle, SaysWhatItsInformationSays) {
       {"large", makeNumber(UINT64_MAX)},
       {"real", makeNumber(0.5)},
       {"yes", makeNumber(true)},
+      {"date", make<NSDate>(Date::fromTimeIntervalSinceReferenceDate(86400))},
+      {"data", makeData(std::string_view("\xFF\0", 2))},
+      {"uids", makeArray({makeNumber(2)})},
       {"array", makeArray({text, makeNumber(1)})},
       {"dictionary", makeDictionary({{text, makeString("b")}})},
   };
@@ -100,6 +112,7 @@ TEST(Bundle, SaysWhatItsInformationSays) {
     EXPECT_TRUE(value->isEqual(valueIn(binary, key)));
     EXPECT_TRUE(value->isEqual(valueIn(xml, key)));
   }
+  EXPECT_EQ(valueIn(binary, "uid"), nullptr) << "means something in archives alone";
   EXPECT_EQ(valueIn(binary, "Text"), nullptr) << "keys are taken to the letter";
   EXPECT_EQ(make<NSBundle>(binary.path().string())->objectForInfoDictionaryKey(nullptr), nullptr);
   EXPECT_EQ(make<NSBundle>()->objectForInfoDictionaryKey(text), nullptr);
