@@ -66,9 +66,11 @@ class Work {
     void (*destroy)(void* storage) noexcept;          // null: nothing to do
   };
 
+  // NOLINTBEGIN(misc-redundant-expression): for one closure the sizes are numbers, two of which happen to be equal
   template <class Stored>
   static constexpr bool kInside = sizeof(Stored) <= kStorage &&
                                   alignof(Stored) <= alignof(void*) && std::is_nothrow_move_constructible_v<Stored>;
+  // NOLINTEND(misc-redundant-expression)
 
   template <class Stored>
   struct Inside {
