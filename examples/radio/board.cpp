@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <utility>
 
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
 #include <HavrinFoundation/colours/colour_arithmetic.h>
+#include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/dates/date_arithmetic.h>
 #include <HavrinFoundation/dates/shared_formatter.h>
 #include <HavrinFoundation/frame/rate_limits_messages.h>
@@ -29,6 +31,10 @@ namespace {
 constexpr double kSearchDelaySeconds = 0.2;
 constexpr double kRefreshIntervalSeconds = 0.1;
 constexpr double kDimmed = 0.65;
+
+// What a genre may be given: told apart from one another on light and dark grounds.
+constexpr std::string_view kColourCodes[] = {"#B03A2E", "#CA6F1E", "#A67C00", "#3E7C59",
+                                             "#117864", "#1F618D", "#6C3483", "#AF4C7B"};
 
 std::string lowered(std::string_view text) {
   std::string result(text);
@@ -106,7 +112,7 @@ void Board::note(Station& station, const NSDictionary& change) {
 
 bool Board::press(std::string_view key) {
   note_.clear();
-  if (key == "q" && search_.empty()) return false;
+  if (key == "\x04" || (key == "q" && search_.empty())) return false;
   if (key == "\x1b") {
     search_.clear();
     favouritesOnly_ = false;
@@ -118,7 +124,9 @@ bool Board::press(std::string_view key) {
   } else if (key == "*") {
     favouritesOnly_ = !favouritesOnly_;
   } else if (key == "+") {
-    if (auto* first = static_cast<Station*>(visible_->firstObject().get())) first->setFavourite(!first->isFavourite());
+    mark();
+  } else if (key == "#") {
+    recolour();
   } else if (key == "\r" || key == "\n") {
     share();
   } else if (isSearchText(key)) {
@@ -130,11 +138,6 @@ bool Board::press(std::string_view key) {
   send<"h_debounce:delay:">(*this, selector<"applySearch">, kSearchDelaySeconds);
   refresh();
   return true;
-}
-
-void Board::setSearch(const std::string& search) {
-  if (isSearchText(search)) search_ = search;
-  applySearch();
 }
 
 void Board::applySearch() {
@@ -155,10 +158,42 @@ void Board::applySearch() {
 
 void Board::refresh() { redraw_(); }
 
-void Board::share() {
+Station* Board::firstFound() {
   applySearch();  // what is typed counts, also before the typing has paused
-  const auto* first = static_cast<const Station*>(visible_->firstObject().get());
-  note_ = first ? shareLink(*first) : "Nothing to share: the search finds no station.";
+  auto* first = static_cast<Station*>(visible_->firstObject().get());
+  if (!first) note_ = "The search finds no station.";
+  return first;
+}
+
+void Board::share() {
+  if (const Station* station = firstFound()) note_ = shareLink(*station);
+}
+
+void Board::mark() {
+  Station* station = firstFound();
+  if (!station) return;
+  station->setFavourite(!station->isFavourite());
+  note_ = station->entry().name + (station->isFavourite() ? " is a favourite now." : " is no favourite any more.");
+}
+
+// The code after the genre's own one, or the first where that is another.
+void Board::recolour() {
+  const Station* station = firstFound();
+  if (!station) return;
+  const auto* const found = std::find(std::begin(kColourCodes), std::end(kColourCodes), hexString(station->colour()));
+  const bool isLast = found == std::end(kColourCodes) || found + 1 == std::end(kColourCodes);
+  const std::string_view code = isLast ? kColourCodes[0] : found[1];
+  const std::string& genre = station->entry().genre;
+  paintGenre(genre, code);
+  note_ = genre + " is " + std::string(code) + " now.";
+}
+
+void Board::paintGenre(const std::string& genre, std::string_view code) {
+  const Strong<UIColor> colour = fromHexString<UIColor>(code);
+  for (NSObject* object : each(all_)) {
+    auto& station = static_cast<Station&>(*object);
+    if (station.entry().genre == genre) station.setColour(colour);
+  }
 }
 
 std::string Board::row(const Station& station, std::size_t width, const Paint& paint) const {
@@ -188,14 +223,10 @@ std::string Board::row(const Station& station, std::size_t width, const Paint& p
 std::vector<std::string> Board::footer(std::size_t width, const Paint& paint) const {
   std::vector<std::string> lines;
   lines.push_back(paint.faint(std::string(width, '-')));
-  if (note_.empty()) {
-    lines.push_back(
-        paint.faint(fitted("type to search  Enter share  Tab shuffle  * favourites  + mark  q end", width)));
-  }
-  // A link is shown whole, over several lines if need be, so that it can be copied. Links are ASCII.
-  for (std::string_view rest = note_; !rest.empty(); rest.remove_prefix(std::min(rest.size(), width))) {
-    lines.push_back(fitted(rest.substr(0, width), width));
-  }
+  // A link is shown whole, so that it can be copied.
+  for (std::string& line : linesOf(note_, width)) lines.push_back(std::move(line));
+  lines.push_back(
+      paint.faint(fitted("type to search  Enter share  Tab shuffle  * favourites  + mark  # colour  q end", width)));
   lines.push_back(paint.faint(fitted(httpDate(), width)));
   lines.push_back(paint.faint(fitted(havrinAppUserAgentString(*NSBundle::mainBundle()), width)));
   return lines;

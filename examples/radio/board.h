@@ -30,8 +30,6 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
 
   [[nodiscard]] std::vector<std::string> lines(Terminal::Size size, const Paint& paint) const;
 
-  [[nodiscard]] const std::string& search() const { return search_; }
-  void setSearch(const std::string& search);
   [[nodiscard]] havrin::Strong<havrin::NSArray> stations() const { return all_; }
 
  private:
@@ -45,6 +43,10 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   void applySearch();
   void refresh();
   void share();
+  void mark();
+  void recolour();
+  [[nodiscard]] Station* firstFound();
+  void paintGenre(const std::string& genre, std::string_view code);
   [[nodiscard]] std::string row(const Station& station, std::size_t width, const Paint& paint) const;
   [[nodiscard]] std::vector<std::string> footer(std::size_t width, const Paint& paint) const;
 

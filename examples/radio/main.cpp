@@ -5,7 +5,6 @@
 #include <clocale>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -16,6 +15,7 @@
 #include <HavrinFoundation/platform/dispatch/clock.h>
 #include <HavrinFoundation/platform/dispatch/host_loop.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/foundation/process_info.h>
 #include <HavrinFoundation/platform/foundation/unicode.h>
 
 #include "board.h"
@@ -119,8 +119,9 @@ int run(const Options& options) {
   }
 
   const bool onTerminal = Terminal::isPresent() && !options.once;
-  const bool colours = options.colours == Colours::always ||
-                       (options.colours == Colours::automatic && isatty(STDOUT_FILENO) && !std::getenv("NO_COLOR"));
+  const bool colours =
+      options.colours == Colours::always || (options.colours == Colours::automatic && isatty(STDOUT_FILENO) &&
+                                             !havrin::NSProcessInfo::processInfo()->environmentValue("NO_COLOR"));
   const Paint paint(colours);
   bool changed = false;
   const auto board = havrin::make<Board>(*loaded.stations, std::filesystem::path(file).filename().string(),
@@ -137,7 +138,7 @@ int run(const Options& options) {
 }  // namespace
 
 int main(int count, char** words) {
-  std::setlocale(LC_CTYPE, "C.UTF-8");
+  std::setlocale(LC_CTYPE, "C.UTF-8");  // NOLINT(concurrency-mt-unsafe): there are no threads yet
   const auto read = readOptions(count, words);
   if (const auto* answer = std::get_if<Answer>(&read)) {
     std::fputs(answer->text.c_str(), answer->status ? stderr : stdout);

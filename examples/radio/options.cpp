@@ -21,7 +21,8 @@ constexpr const char* kHelp =
   --link URL                    show a link and its campaign parameters, and exit
 
 Keys: type to search, Backspace takes back, Enter shares the first station, Tab shuffles, * hides all but favourites,
-      + makes the first station a favourite, Esc clears, q (with an empty search) or Ctrl-C ends.
+      + makes the first station a favourite, # gives its genre another colour, Esc clears,
+      q (with an empty search), Ctrl-D or Ctrl-C ends.
 )";
 
 Answer misuse(const std::string& what) { return {"radio: " + what + " (radio --help)\n", 2}; }

@@ -90,6 +90,25 @@ std::string fitted(std::string_view text, std::size_t width, bool toTheRight) {
   return cut + "…" + std::string(width - 1 - used, ' ');
 }
 
+std::vector<std::string> linesOf(std::string_view text, std::size_t width) {
+  std::vector<std::string> lines;
+  while (!text.empty()) {
+    std::size_t end = 0;
+    for (std::size_t used = 0; end < text.size();) {
+      const havrin::Scalar scalar = havrin::scalarAt(text, end);
+      used += columnsOf(scalar.value);
+      if (used > width && end > 0) break;
+      end += scalar.length;
+    }
+    // A word that does not fit goes to the next line whole, a longer one than a line is cut.
+    const std::size_t blank = end < text.size() ? text.substr(0, end + 1).rfind(' ') : std::string_view::npos;
+    const bool isBetweenWords = blank != std::string_view::npos && blank > 0;
+    lines.emplace_back(text.substr(0, isBetweenWords ? blank : end));
+    text.remove_prefix(isBetweenWords ? blank + 1 : end);
+  }
+  return lines;
+}
+
 std::string Paint::wrapped(const std::string& code, std::string_view text) const {
   return on_ ? "\x1b[" + code + "m" + std::string(text) + "\x1b[0m" : std::string(text);
 }

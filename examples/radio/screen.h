@@ -17,6 +17,9 @@ std::size_t columns(std::string_view text);
 /// The text in exactly `width` columns: cut with "…" when it is longer, filled with blanks when it is shorter.
 std::string fitted(std::string_view text, std::size_t width, bool toTheRight = false);
 
+/// The whole text over as many lines of at most `width` columns as it takes, between words where it can; none for no text.
+std::vector<std::string> linesOf(std::string_view text, std::size_t width);
+
 /// Colours and emphasis, or plain text where they are off.
 class Paint {
  public:

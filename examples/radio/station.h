@@ -43,6 +43,7 @@ class Station : public havrin::Object<Station, havrin::NSObject> {
 
   [[nodiscard]] const StationEntry& entry() const { return entry_; }
   [[nodiscard]] const havrin::UIColor& colour() const { return *colour_; }
+  void setColour(const havrin::Strong<havrin::UIColor>& colour) { colour_ = colour; }
   [[nodiscard]] bool isFavourite() const { return favourite_; }
   void setFavourite(bool favourite) { set<"favourite">(favourite); }
   void setListeners(std::int64_t listeners) { set<"listeners">(listeners); }
