@@ -83,12 +83,12 @@ class ObjectTable {
     return nullptr;
   }
 
-  /// A batch for fast enumeration: keys into `slots`, from `position` on, which moves behind them. Result: how many.
-  std::size_t fill(std::span<Strong<NSObject>> slots, std::uint64_t& position) const {
+  /// A batch for fast enumeration: keys into `batch`, from `position` on, which moves behind them. Result: how many.
+  std::size_t fill(std::span<Strong<NSObject>> batch, std::uint64_t& position) const {
     std::size_t at = position;
     std::size_t filled = 0;
     const Entry* entry = nullptr;
-    while (filled < slots.size() && (entry = next(at))) slots[filled++] = entry->key;
+    while (filled < batch.size() && (entry = next(at))) batch[filled++] = entry->key;
     position = at;
     return filled;
   }
