@@ -9,7 +9,7 @@
 #include <QMutex>
 
 #include <atomic>
-#include <condition_variable>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>
@@ -22,11 +22,8 @@ using namespace havrin;
 // Some libraries leave the atomics out while the process has one thread, which no application does for long.
 const bool hasSecondThread = [] {
   std::thread([] { pthread_exit(nullptr); }).detach();
-  static std::mutex mutex;
-  static std::condition_variable never;
   std::thread([] {
-    std::unique_lock lock(mutex);
-    never.wait(lock, [] { return false; });
+    for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
   }).detach();
   return true;
 }();
