@@ -26,7 +26,7 @@ void throttle(NSObject& self, Selector message, double intervalSeconds) {
   if (!self.respondsToSelector(message)) return;
   const Strong<NSObject> held(&self);
   const Strong<NSMutableDictionary> timestamps = timestampsOf(self);
-  const Strong<NSString> name = makeString(message.name());
+  NSString* const name = message.nameString();
 
   const Strong<NSObject> entry = timestamps ? timestamps->objectForKey(name) : nullptr;
   if (const auto* last = cast<NSNumber>(entry.get())) {
@@ -39,8 +39,9 @@ void throttle(NSObject& self, Selector message, double intervalSeconds) {
 }
 
 Strong<NSMutableDictionary> throttleTimestamps(NSObject& self) {
-  return Strong<NSMutableDictionary>(
-      cast<NSMutableDictionary>(associatedValue(self, selector<"h_throttleTimestamps">).get()));
+  Strong<NSObject> kept = associatedValue(self, selector<"h_throttleTimestamps">);
+  if (!isKind<NSMutableDictionary>(kept)) return nullptr;
+  return Strong<NSMutableDictionary>::adopt(static_cast<NSMutableDictionary*>(kept.detach()));
 }
 
 void setThrottleTimestamps(NSObject& self, NSMutableDictionary* timestamps) {

@@ -1,10 +1,10 @@
 #include <HavrinFoundation/platform/object/association.h>
 
 #include <array>
-#include <mutex>
 #include <unordered_map>
 #include <vector>
 
+#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
 #include <HavrinFoundation/platform/object/runtime_internal.h>
 
 namespace havrin::inline platform {
@@ -15,7 +15,7 @@ using Values = std::vector<std::pair<const void*, Strong<NSObject>>>;
 
 // Objects are spread over a few tables so that threads seldom meet at one lock. Never destroyed.
 struct Table {
-  std::mutex lock;
+  os_unfair_lock lock;
   std::unordered_map<const NSObject*, Values> values;
 };
 
@@ -36,7 +36,7 @@ Strong<NSObject>* find(Values& values, const void* key) {
 Strong<NSObject> associatedValue(const NSObject& object, Selector key) {
   if (!(headerOf(&object).weak.load(std::memory_order_relaxed) & ObjectHeader::kHasAssociations)) return nullptr;
   Table& table = tableOf(&object);
-  const std::lock_guard guard(table.lock);
+  const UnfairLockGuard guard(table.lock);
   const auto found = table.values.find(&object);
   if (found == table.values.end()) return nullptr;
   const Strong<NSObject>* value = find(found->second, key.key());
@@ -46,7 +46,7 @@ Strong<NSObject> associatedValue(const NSObject& object, Selector key) {
 void setAssociatedValue(NSObject& object, Selector key, NSObject* value) {
   Strong<NSObject> incoming(value);  // becomes the old value, which is released after the lock
   Table& table = tableOf(&object);
-  const std::lock_guard guard(table.lock);
+  const UnfairLockGuard guard(table.lock);
   headerOf(&object).weak.fetch_or(ObjectHeader::kHasAssociations, std::memory_order_relaxed);
   Values& values = table.values[&object];
   if (Strong<NSObject>* stored = find(values, key.key())) {
@@ -59,7 +59,7 @@ void setAssociatedValue(NSObject& object, Selector key, NSObject* value) {
 void releaseAssociations(NSObject* object) noexcept {
   Values values;  // released after the lock
   Table& table = tableOf(object);
-  const std::lock_guard guard(table.lock);
+  const UnfairLockGuard guard(table.lock);
   if (const auto found = table.values.find(object); found != table.values.end()) {
     values = std::move(found->second);
     table.values.erase(found);

@@ -58,7 +58,9 @@ ClassObject::ClassObject(std::string_view name, ClassObject* superclass, ClassOb
 }
 
 ClassObject* ClassObject::place(std::string_view name, ClassObject* superclass, ClassObject* metaclass) {
-  const std::size_t size = sizeof(ObjectHeader) + sizeof(ClassObject) + kSlots * sizeof(std::atomic<Implementation>);
+  constexpr std::size_t kTables =
+      kSlots * (sizeof(std::atomic<Implementation>) + sizeof(std::atomic<const MethodRow*>));
+  const std::size_t size = sizeof(ObjectHeader) + sizeof(ClassObject) + kTables;
   void* memory = std::calloc(1, size);
   if (!memory) throw std::bad_alloc();
   auto* header = new (memory) ObjectHeader(metaclass, ObjectHeader::kImmortal);
@@ -113,7 +115,9 @@ void ClassObject::addRows(std::span<const MethodRow> rows) {
   for (const MethodRow& row : rows) {
     const std::uint32_t number = Selector(*row.selector).number();
     for (ClassObject* cls : runtime.all) {
-      if (cls->inheritsFrom(this)) cls->methodTable()[number].store(nullptr, std::memory_order_release);
+      if (!cls->inheritsFrom(this)) continue;
+      cls->methodTable()[number].store(nullptr, std::memory_order_release);
+      cls->rowTable()[number].store(nullptr, std::memory_order_release);
     }
   }
   runtime.methodChanges.fetch_add(1, std::memory_order_release);
@@ -127,9 +131,13 @@ const MethodRow* ClassObject::findRow(const SelectorRecord* record) const {
 }
 
 const MethodRow* ClassObject::row(Selector selector) const {
+  const std::uint32_t number = selector.number();
+  if (const MethodRow* known = rowTable()[number].load(std::memory_order_acquire)) return known;
   if (!selector) return nullptr;
   const std::shared_lock guard(Runtime::shared().lock);
-  return findRow(selector.record());
+  const MethodRow* row = findRow(selector.record());
+  if (row && number) rowTable()[number].store(row, std::memory_order_release);
+  return row;
 }
 
 void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver) {

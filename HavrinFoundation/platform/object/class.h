@@ -79,6 +79,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   [[nodiscard]] Implementation resolve(const SelectorConstant& selector, const std::type_info& signature,
                                        const NSObject* receiver);
   /// The row that answers a selector, in this class or the nearest superclass; null when none does.
+  /// Cost: one load once it has been found, before that a look-up under a lock.
   [[nodiscard]] const MethodRow* row(Selector selector) const;
   /// The implementation a row has for receivers of this class.
   [[nodiscard]] Implementation implementation(const MethodRow& row) const { return row.implementation(isNotifying()); }
@@ -97,10 +98,14 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   friend struct Runtime;
   ClassObject(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
   static ClassObject* place(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
-  // Not called `slots`: programs that use Qt have a macro of that name.
+  // Two tables by selector number stand behind the object, in memory that starts zeroed and is touched page by page:
+  // the methods that sends have resolved, whose signatures are those of the declared messages, and the rows that were
+  // asked for, whose signatures may be any.
   [[nodiscard]] std::atomic<Implementation>* methodTable() const {
-    // The table stands behind the object, in memory that starts zeroed and is touched page by page.
     return reinterpret_cast<std::atomic<Implementation>*>(const_cast<ClassObject*>(this) + 1);
+  }
+  [[nodiscard]] std::atomic<const MethodRow*>* rowTable() const {
+    return reinterpret_cast<std::atomic<const MethodRow*>*>(methodTable() + kSlots);
   }
   [[nodiscard]] bool inheritsDeep(const ClassObject* other) const;
   [[nodiscard]] const MethodRow* findRow(const SelectorRecord* record) const;

@@ -5,14 +5,19 @@
 #include <shared_mutex>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
+#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 
 struct SelectorRecord {
-  std::string name;
-  std::uint32_t number;  // 0 for selectors beyond the dispatch tables
+  SelectorRecord(std::string text, std::uint32_t place) : name(std::move(text)), number(place) {}
+
+  const std::string name;
+  const std::uint32_t number;                      // 0 for selectors beyond the dispatch tables
+  mutable std::atomic<NSString*> string{nullptr};  // the name as an object, made when it is first asked for
 };
 
 namespace {
@@ -42,8 +47,8 @@ const SelectorRecord* intern(std::string_view name) {
   const std::unique_lock guard(selectors.lock);
   if (const auto found = selectors.byName.find(name); found != selectors.byName.end()) return found->second.get();
   const std::size_t next = selectors.byName.size() + 1;
-  auto record = std::make_unique<SelectorRecord>(
-      SelectorRecord{std::string(name), next < ClassObject::kSlots ? static_cast<std::uint32_t>(next) : 0});
+  auto record = std::make_unique<SelectorRecord>(std::string(name),
+                                                 next < ClassObject::kSlots ? static_cast<std::uint32_t>(next) : 0);
   const SelectorRecord* result = record.get();
   if (result->number) selectors.byNumber[result->number].store(result, std::memory_order_release);
   selectors.byName.emplace(result->name, std::move(record));
@@ -66,6 +71,15 @@ Selector Selector::named(std::string_view name) { return Selector(intern(name));
 Selector Selector::known(std::string_view name) { return Selector(find(name)); }
 
 std::string_view Selector::name() const { return record_ ? std::string_view(record_->name) : std::string_view(); }
+
+NSString* Selector::nameString() const {
+  if (!record_) return nullptr;
+  if (NSString* made = record_->string.load(std::memory_order_acquire)) return made;
+  Strong<NSString> mine = makeString(record_->name);
+  NSString* theirs = nullptr;
+  if (!record_->string.compare_exchange_strong(theirs, mine.get(), std::memory_order_acq_rel)) return theirs;
+  return mine.detach();
+}
 
 std::uint32_t Selector::number() const { return record_ ? record_->number : 0; }
 

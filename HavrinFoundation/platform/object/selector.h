@@ -18,6 +18,8 @@
 
 namespace havrin::inline platform {
 
+class NSString;
+
 /// What a source line's selector is compiled to: the name, and the number that the runtime gives it on first use.
 /// Numbers are equal for equal names in every image; 0 means not seen yet, or numbered beyond the dispatch tables.
 struct SelectorConstant {
@@ -47,6 +49,8 @@ class HAVRIN_EXPORT Selector {
 
   /// The name as the source spells it; empty for null. Lives as long as the process.
   [[nodiscard]] std::string_view name() const;
+  /// The name as an object, the same one each time; null for null. Lives as long as the process.
+  [[nodiscard]] NSString* nameString() const;
   /// An address that is this selector's alone: a key for associated values. Null for null.
   [[nodiscard]] const void* key() const { return record_; }
   explicit operator bool() const { return record_ != nullptr; }

@@ -137,11 +137,16 @@ TEST(Messages, ThatNobodyAnswersSayReceiverAndSelector) {
 
 TEST(Messages, AreReplacedByACategoryThatComesLater) {
   const auto station = make<Station>();
+  const auto performed = [&] {
+    return text(cast<NSString>(station->performSelector(selector<"test_label:">, makeString("b ")).get()));
+  };
   EXPECT_EQ(text(send<"test_label:">(station, makeString("a "))), "a Station");
+  EXPECT_EQ(performed(), "b Station");
   const std::uint64_t before = methodChanges();
   const Category* const later[] = {&kLouder};
   const Loader loader{Image{"later", nullptr, {}, later, {}}};
   EXPECT_EQ(text(send<"test_label:">(station, makeString("a "))), "a !");
+  EXPECT_EQ(performed(), "b !");
   EXPECT_GT(methodChanges(), before);
   const Category* const back[] = {&kLabels};
   const Loader restore{Image{"restore", nullptr, {}, back, {}}};
@@ -154,6 +159,9 @@ TEST(Selectors, AreOneForEqualNames) {
   EXPECT_FALSE(Selector::known("nobody ever spells this"));
   EXPECT_FALSE(Selector::known("nobody ever spells this"));  // asking did not make it
   EXPECT_EQ(Selector::known("tune:").key(), Selector::named("tune:").key());
+  EXPECT_EQ(text(Selector::named("tune:").nameString()), "tune:");
+  EXPECT_EQ(Selector(selector<"tune:">).nameString(), Selector::named("tune:").nameString());
+  EXPECT_FALSE(Selector().nameString());
 }
 
 TEST(Selectors, BeyondTheTablesStillFindTheirMethods) {
