@@ -17,10 +17,12 @@ namespace {
 constexpr std::string_view kMagic = "bplist00";
 constexpr std::uint64_t kTrailerSize = 32;
 
+// The 1 to 8 bytes at `bytes`. Eight can be read there: at least the trailer stands behind every number.
 std::uint64_t bigEndian(const std::byte* bytes, std::uint64_t size) noexcept {
   std::uint64_t value = 0;
-  for (std::uint64_t i = 0; i < size; ++i) value = value << 8 | std::to_integer<std::uint64_t>(bytes[i]);
-  return value;
+  std::memcpy(&value, bytes, sizeof value);
+  if constexpr (std::endian::native == std::endian::little) value = __builtin_bswap64(value);
+  return value >> (64 - 8 * size);
 }
 
 PropertyListError errorAt(std::uint64_t position, std::string_view reason) noexcept {
@@ -77,6 +79,29 @@ PropertyListResult<BinaryPropertyList> BinaryPropertyList::fromData(std::span<co
 std::uint64_t BinaryPropertyList::offsetOf(std::uint64_t number) const noexcept {
   if (number >= objectCount_) return 0;
   return bigEndian(data_.data() + tableOffset_ + number * offsetSize_, offsetSize_);
+}
+
+std::optional<std::uint64_t> BinaryPropertyList::uid(std::uint64_t number) const noexcept {
+  const std::uint64_t offset = offsetOf(number);
+  if (offset < kHeaderSize || offset >= tableOffset_) return std::nullopt;
+  const auto marker = std::to_integer<unsigned>(data_[offset]);
+  const std::uint64_t size = (marker & 15) + 1;
+  if (marker >> 4 != 0x8 || size > 8 || size >= tableOffset_ - offset) return std::nullopt;
+  return bigEndian(data_.data() + offset + 1, size);
+}
+
+bool BinaryPropertyList::isText(std::uint64_t number, std::string_view text) const noexcept {
+  const std::uint64_t offset = offsetOf(number);
+  if (offset < kHeaderSize || offset >= tableOffset_) return false;
+  const auto marker = std::to_integer<unsigned>(data_[offset]);
+  if (marker >> 4 == 0x5 && (marker & 15) < 15) {
+    return (marker & 15) == text.size() && text.size() < tableOffset_ - offset &&
+           std::memcmp(data_.data() + offset + 1, text.data(), text.size()) == 0;
+  }
+  const auto object = this->object(number);
+  if (!object) return false;
+  return object->kind() == BinaryObject::Kind::asciiText ? object->asciiText() == text
+                                                         : object->isText() && object->text() == text;
 }
 
 // Reads one object from its first byte on, in front of the table of offsets.

@@ -17,6 +17,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -102,6 +103,11 @@ class BinaryPropertyList {
   /// list, or a text that is marked as ASCII is not.
   /// Cost: constant, but for looking through an ASCII text.
   [[nodiscard]] PropertyListResult<BinaryObject> object(std::uint64_t number) const noexcept;
+
+  /// The UID that the object with this number is. Empty when: it is none. Cost: less than asking for the object.
+  [[nodiscard]] std::optional<std::uint64_t> uid(std::uint64_t number) const noexcept;
+  /// Whether the object with this number is this text, in UTF-8. Cost: less than asking for the object, for short ASCII.
+  [[nodiscard]] bool isText(std::uint64_t number, std::string_view text) const noexcept;
 
   /// Where the object with this number stands, for errors of those who walk; 0 for a number that has none.
   [[nodiscard]] std::uint64_t offsetOf(std::uint64_t number) const noexcept;
