@@ -29,6 +29,7 @@
 #include <utility>
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 #include <HavrinFoundation/platform/foundation/index_set.h>
 #include <HavrinFoundation/platform/foundation/range.h>
@@ -109,6 +110,8 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
   /// Throws: NSException (Generic) after `body` has changed the array.
   template <class Body>
   void visit(Body body) const;
+
+  using Protocols = List<NSSecureCoding>;
 
  private:
   friend class ArrayBuilder;

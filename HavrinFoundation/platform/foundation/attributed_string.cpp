@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin::inline platform {
 
@@ -32,6 +33,21 @@ void forEachRun(const NSAttributedString& text, Body body) {
 
 NSAttributedString::NSAttributedString(NSString* string, NSDictionary* attributes) {
   NSAttributedString::initWithStringAttributes(string, attributes);
+}
+
+NSAttributedString::NSAttributedString(NSString* string, std::span<const Run> runs) : runs_(runs.begin(), runs.end()) {
+  constexpr std::string_view kSelector = "initWithString:runs:";
+  if (!string) throwNullArgument(*this, kSelector, "string");
+  string_ = makeString(utf16(*string));
+  std::uint64_t end = 0;
+  for (const Run& run : runs_) {
+    if (!run.attributes) throwNullArgument(*this, kSelector, "dictionary of a run");
+    const bool follows = run.range.location == end && run.range.length != 0;
+    if (!follows || !isWithin(run.range, string_->length())) end = kNotFound;
+    if (end == kNotFound) break;
+    end = endOf(run.range);
+  }
+  if (end != string_->length()) throw NSException(NSInvalidArgumentException, "the runs do not fit the text");
 }
 
 Strong<NSAttributedString> NSAttributedString::initWithString(NSString* string) {

@@ -11,9 +11,11 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/range.h>
 #include <HavrinFoundation/platform/foundation/string.h>
@@ -33,6 +35,10 @@ class HAVRIN_EXPORT NSAttributedString : public Object<NSAttributedString, NSObj
   NSAttributedString() noexcept = default;
   /// The text with these attributes, or with none. Throws: as the init methods.
   explicit NSAttributedString(NSString* string, NSDictionary* attributes = nullptr);
+  /// The text with the attributes of these runs, which are held and not copied: in order, without gaps, from its
+  /// beginning to its end, and none with the same attributes as the one before.
+  /// Throws: NSException (InvalidArgument) for a null string or null attributes, and when the runs do not fit the text.
+  NSAttributedString(NSString* string, std::span<const Run> runs);
 
   /// Makes an allocated object that text, without attributes. Calls initWithStringAttributes.
   /// Result: the object to use in its place, here itself. Throws: NSException (InvalidArgument) for a null string.
@@ -58,6 +64,8 @@ class HAVRIN_EXPORT NSAttributedString : public Object<NSAttributedString, NSObj
   /// An NSMutableAttributedString with the same text and attributes.
   [[nodiscard]] Strong<NSObject> mutableCopy() const override;
 
+  using Protocols = List<NSSecureCoding>;
+
  protected:
   /// Says what holds for the next `length` units behind the last run; equal neighbours become one run.
   void addRun(NSDictionary* attributes, std::uint64_t length);
@@ -74,6 +82,7 @@ class HAVRIN_EXPORT NSMutableAttributedString : public Object<NSMutableAttribute
   NSMutableAttributedString() noexcept = default;
   explicit NSMutableAttributedString(NSString* string, NSDictionary* attributes = nullptr)
       : Object(string, attributes) {}
+  NSMutableAttributedString(NSString* string, std::span<const Run> runs) : Object(string, runs) {}
 
   /// Adds text and attributes of another one. Throws: NSException (InvalidArgument) for null.
   virtual void appendAttributedString(const NSAttributedString* other);

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 
@@ -44,6 +45,8 @@ class HAVRIN_EXPORT NSData : public Object<NSData, NSObject> {
   [[nodiscard]] Strong<NSObject> copy() const override;
   /// An NSMutableData with the same bytes.
   [[nodiscard]] Strong<NSObject> mutableCopy() const override;
+
+  using Protocols = List<NSSecureCoding>;
 
  protected:
   std::vector<std::byte> bytes_;

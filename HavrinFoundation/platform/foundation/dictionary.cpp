@@ -8,11 +8,11 @@
 
 namespace havrin::inline platform {
 
-NSDictionary::NSDictionary(std::initializer_list<KeyAndValue> entries) {
+NSDictionary::NSDictionary(std::span<const KeyAndValue> entries) {
   entries_.reserve(entries.size());
   for (const auto& [key, value] : entries) {
-    if (!key) throwNullArgument(*this, "initWithObjects:forKeys:", "a key");
-    if (!value) throwNullArgument(*this, "initWithObjects:forKeys:", "a value");
+    if (!key) throwNullArgument(*this, "initWithObjects:forKeys:", "key");
+    if (!value) throwNullArgument(*this, "initWithObjects:forKeys:", "value");
     store(key->copy(), value);
   }
 }

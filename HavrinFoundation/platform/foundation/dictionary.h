@@ -19,6 +19,7 @@
 
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 #include <HavrinFoundation/platform/foundation/object_table.h>
 #include <HavrinFoundation/platform/object/block.h>
@@ -34,7 +35,9 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
   NSDictionary() noexcept = default;
   /// Of several equal keys the first is kept with the last one's value.
   /// Throws: NSException (InvalidArgument) for a null key or value, and for a key whose class has no copies.
-  explicit NSDictionary(std::initializer_list<KeyAndValue> entries);
+  explicit NSDictionary(std::span<const KeyAndValue> entries);
+  explicit NSDictionary(std::initializer_list<KeyAndValue> entries)
+      : NSDictionary(std::span(entries.begin(), entries.size())) {}
   ~NSDictionary() override;
 
   /// How many keys.
@@ -67,6 +70,8 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
   /// A number that changes when a key is added or taken away.
   [[nodiscard]] virtual const std::uint64_t& mutations() const;
 
+  using Protocols = List<NSSecureCoding>;
+
  protected:
   struct Entry {
     Strong<NSObject> key;
@@ -86,7 +91,8 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
 /// Threads: one at a time.
 class HAVRIN_EXPORT NSMutableDictionary : public Object<NSMutableDictionary, NSDictionary> {
  public:
-  using Object::Object;
+  NSMutableDictionary() noexcept = default;
+  explicit NSMutableDictionary(std::span<const KeyAndValue> entries) : Object(entries) {}
 
   /// Sets the value of `key`: an equal key that is there stays and gets the value, else a copy of `key` is added.
   /// Throws: NSException (InvalidArgument) for a null key or value, and for a key whose class has no copies.

@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 
@@ -45,6 +46,8 @@ class HAVRIN_EXPORT NSNumber : public Object<NSNumber, NSObject> {
   [[nodiscard]] Strong<NSString> description() const override;
   [[nodiscard]] Strong<NSObject> copy() const override;
 
+  using Protocols = List<NSSecureCoding>;
+
  private:
   Kind kind_;
   union {
@@ -70,6 +73,8 @@ class HAVRIN_EXPORT NSNull : public Object<NSNull, NSObject> {
   [[nodiscard]] static NSNull* null();
   [[nodiscard]] Strong<NSString> description() const override;
   [[nodiscard]] Strong<NSObject> copy() const override;
+
+  using Protocols = List<NSSecureCoding>;
 };
 
 }  // namespace havrin::inline platform

@@ -27,9 +27,10 @@ class OrderedSetArray : public Object<OrderedSetArray, NSArray> {
 
 NSOrderedSet::NSOrderedSet() : order_(make<NSMutableArray>()) {}
 
-NSOrderedSet::NSOrderedSet(std::initializer_list<NSObject*> objects) : NSOrderedSet() {
+NSOrderedSet::NSOrderedSet(std::span<NSObject* const> objects) : NSOrderedSet() {
+  members_.reserve(objects.size());
   for (NSObject* object : objects) {
-    if (!object) throwNullArgument(*this, "initWithObjects:", "an object");
+    if (!object) throwNullArgument(*this, "initWithObjects:", "object");
     insert(object, order_->count());
   }
 }

@@ -17,6 +17,7 @@
 
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 #include <HavrinFoundation/platform/foundation/object_table.h>
 #include <HavrinFoundation/platform/object/members.h>
@@ -34,7 +35,9 @@ class HAVRIN_EXPORT NSOrderedSet : public Object<NSOrderedSet, NSObject>, public
   /// The empty ordered set.
   NSOrderedSet();
   /// Throws: NSException (InvalidArgument) for a null object.
-  explicit NSOrderedSet(std::initializer_list<NSObject*> objects);
+  explicit NSOrderedSet(std::span<NSObject* const> objects);
+  explicit NSOrderedSet(std::initializer_list<NSObject*> objects)
+      : NSOrderedSet(std::span(objects.begin(), objects.size())) {}
   ~NSOrderedSet() override;
 
   /// The method of the message `orderedSetWithArray:`.
@@ -64,6 +67,7 @@ class HAVRIN_EXPORT NSOrderedSet : public Object<NSOrderedSet, NSObject>, public
   std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
                                             std::span<Strong<NSObject>> slots) const override;
 
+  using Protocols = List<NSSecureCoding>;
   using ClassMembers = List<ClassMethod<"orderedSetWithArray:", &NSOrderedSet::orderedSetWithArray>>;
 
  protected:
@@ -81,7 +85,8 @@ class HAVRIN_EXPORT NSOrderedSet : public Object<NSOrderedSet, NSObject>, public
 /// Threads: one at a time.
 class HAVRIN_EXPORT NSMutableOrderedSet : public Object<NSMutableOrderedSet, NSOrderedSet> {
  public:
-  using Object::Object;
+  NSMutableOrderedSet() = default;
+  explicit NSMutableOrderedSet(std::span<NSObject* const> objects) : Object(objects) {}
 
   /// Inserts the object before the one at `index`, or at the end for the count, unless an equal one is there already.
   /// Throws: NSException (InvalidArgument) for null, NSException (Range) beyond the count.

@@ -8,9 +8,10 @@
 
 namespace havrin::inline platform {
 
-NSSet::NSSet(std::initializer_list<NSObject*> objects) {
+NSSet::NSSet(std::span<NSObject* const> objects) {
+  elements_.reserve(objects.size());
   for (NSObject* object : objects) {
-    if (!object) throwNullArgument(*this, "initWithObjects:", "an object");
+    if (!object) throwNullArgument(*this, "initWithObjects:", "object");
     elements_.insert({object});
   }
 }

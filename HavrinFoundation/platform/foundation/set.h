@@ -18,6 +18,7 @@
 
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 #include <HavrinFoundation/platform/foundation/object_table.h>
 #include <HavrinFoundation/platform/object/members.h>
@@ -37,7 +38,8 @@ class HAVRIN_EXPORT NSSet : public Object<NSSet, NSObject>, public NSFastEnumera
   /// The empty set.
   NSSet() noexcept = default;
   /// Throws: NSException (InvalidArgument) for a null object.
-  explicit NSSet(std::initializer_list<NSObject*> objects);
+  explicit NSSet(std::span<NSObject* const> objects);
+  explicit NSSet(std::initializer_list<NSObject*> objects) : NSSet(std::span(objects.begin(), objects.size())) {}
   ~NSSet() override;
 
   /// The method of the message `setWithSet:`.
@@ -67,6 +69,7 @@ class HAVRIN_EXPORT NSSet : public Object<NSSet, NSObject>, public NSFastEnumera
   /// A number that changes when an element is added or taken away.
   [[nodiscard]] virtual const std::uint64_t& mutations() const;
 
+  using Protocols = List<NSSecureCoding>;
   using ClassMembers = List<ClassMethod<"setWithSet:", &NSSet::setWithSet>>;
 
  protected:
@@ -82,7 +85,8 @@ class HAVRIN_EXPORT NSSet : public Object<NSSet, NSObject>, public NSFastEnumera
 /// Threads: one at a time.
 class HAVRIN_EXPORT NSMutableSet : public Object<NSMutableSet, NSSet> {
  public:
-  using Object::Object;
+  NSMutableSet() noexcept = default;
+  explicit NSMutableSet(std::span<NSObject* const> objects) : Object(objects) {}
 
   /// Adds the object unless an equal one is there, which then stays.
   /// Throws: NSException (InvalidArgument) for null.

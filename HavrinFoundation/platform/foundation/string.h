@@ -21,6 +21,7 @@
 #include <string_view>
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/range.h>
 #include <HavrinFoundation/platform/object/members.h>
 
@@ -72,6 +73,8 @@ class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
   [[nodiscard]] bool isWide() const { return wide_; }
   /// True when the units above are the text: the class is the layer's own.
   [[nodiscard]] bool isPlain() const;
+
+  using Protocols = List<NSSecureCoding>;
 
  protected:
   friend class ConstantString;

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/net/url.h>
 #include <HavrinFoundation/platform/object/members.h>
 
@@ -55,6 +56,8 @@ class HAVRIN_EXPORT NSURL : public Object<NSURL, NSObject> {
   [[nodiscard]] Strong<NSString> description() const override;
   /// The link itself.
   [[nodiscard]] Strong<NSObject> copy() const override;
+
+  using Protocols = List<NSSecureCoding>;
 
  private:
   URL url_;

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/time/date.h>
 
@@ -54,6 +55,8 @@ class HAVRIN_EXPORT NSDate : public Object<NSDate, NSObject> {
   /// In UTC: "2024-03-05 14:30:00 +0000".
   [[nodiscard]] Strong<NSString> description() const override;
   [[nodiscard]] Strong<NSObject> copy() const override;
+
+  using Protocols = List<NSSecureCoding>;
 
  private:
   Date date_;

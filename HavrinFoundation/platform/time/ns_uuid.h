@@ -8,6 +8,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/time/uuid.h>
 
@@ -40,6 +41,8 @@ class HAVRIN_EXPORT NSUUID : public Object<NSUUID, NSObject> {
   [[nodiscard]] std::uint64_t hash() const override;
   [[nodiscard]] Strong<NSString> description() const override;
   [[nodiscard]] Strong<NSObject> copy() const override;
+
+  using Protocols = List<NSSecureCoding>;
 
  private:
   UUID uuid_;
