@@ -22,7 +22,7 @@ PLATFORM_FOLDERS = {
     "time": {"object", "foundation", "dispatch"},
     "net": {"object", "foundation"},
     "graphics": {"object", "foundation"},
-    "coding": {"object", "foundation", "time"},
+    "coding": {"object", "foundation", "time", "net"},
 }
 
 # What a folder's .cpp files may include besides: the arrow back stands in no header.

@@ -1,0 +1,396 @@
+#include <HavrinFoundation/platform/coding/archive_reader.h>
+
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/set.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/time/ns_date.h>
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+using Kind = BinaryObject::Kind;
+
+constexpr std::uint64_t kSmallestBudget = std::uint64_t{16} << 20;
+constexpr std::uint64_t kBudgetPerByte = 64;
+constexpr std::uint64_t kObjectSize = 64;  // about what an object takes, whatever it holds
+
+// A name from outside, as errors quote it.
+std::string quoted(std::string_view name) {
+  constexpr std::size_t kLongest = 80;
+  const bool isLong = name.size() > kLongest;
+  return '"' + std::string(name.substr(0, kLongest)) + (isLong ? "...\"" : "\"");
+}
+
+}  // namespace
+
+// While it lives, the values of one object are read. An object that is not made then is as if it had not been touched.
+class ArchiveReader::Nested {
+ public:
+  Nested(ArchiveReader& reader, std::uint64_t uid, const BinaryObject& values)
+      : reader_(reader), outer_(std::exchange(reader.frame_, Frame{.values = values, .uid = uid, .extent = {}})) {
+    ++reader_.depth_;
+  }
+  Nested(const Nested&) = delete;
+  Nested& operator=(const Nested&) = delete;
+  ~Nested() {
+    Slot& slot = reader_.slots_[reader_.frame_.uid];
+    if (slot.state != Slot::State::made) slot = Slot();
+    reader_.frame_ = outer_;
+    --reader_.depth_;
+  }
+
+ private:
+  ArchiveReader& reader_;
+  Frame outer_;
+};
+
+bool ArchiveReader::Allowed::permits(const ClassObject* given) const {
+  if (cls && given->inheritsFrom(cls.object())) return true;
+  if (!classes) return false;
+  for (NSObject* one : each(classes)) {
+    const Class allowed = Class::from(one);
+    if (allowed && given->inheritsFrom(allowed.object())) return true;
+  }
+  return false;
+}
+
+ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArchive> archive)
+    : coder_(coder),
+      archive_(std::move(archive)),
+      slots_(archive_->count()),
+      budget_(std::max(kSmallestBudget, kBudgetPerByte * archive_->size())) {
+  frame_.values = archive_->top();
+}
+
+// Failures.
+
+void ArchiveReader::fail(std::string_view reason) {
+  if (hasFailed()) return;
+  std::string text = frame_.uid == 0 ? "at the top: " : "object " + std::to_string(frame_.uid) + ": ";
+  coder_.failWithError(makeCodingError(NSCoderReadCorruptError, text += reason));
+}
+
+void ArchiveReader::failWithValue(std::string_view key, std::string_view wanted) {
+  fail("the value under " + quoted(key) + " is no " + std::string(wanted));
+}
+
+bool ArchiveReader::charge(std::uint64_t bytes) {
+  if (bytes <= budget_) {
+    budget_ -= bytes;
+    return true;
+  }
+  budget_ = 0;
+  fail("the objects stand for more than an archive of this size should hold");
+  return false;
+}
+
+// Values.
+
+bool ArchiveReader::contains(std::string_view key) {
+  return !hasFailed() && archive_->find(frame_.values, key, frame_.next).has_value();
+}
+
+std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
+  if (hasFailed()) return std::nullopt;
+  const auto number = archive_->find(frame_.values, key, frame_.next);
+  if (!number) return std::nullopt;
+  const auto object = archive_->list().object(*number);
+  if (!object) {
+    fail("the value under " + quoted(key) + " cannot be read: " + object.error().description());
+    return std::nullopt;
+  }
+  if (!charge(object->encodedSize())) return std::nullopt;
+  return *object;
+}
+
+std::optional<BinaryObject> ArchiveReader::value(std::string_view key, Kind kind) {
+  const auto found = value(key);
+  if (!found || found->kind() == kind) return found;
+  constexpr std::string_view kNames[] = {"boolean", "integer", "integer", "real",  "date",      "reference",
+                                         "data",    "text",    "text",    "array", "dictionary"};
+  failWithValue(key, kNames[static_cast<std::size_t>(kind)]);
+  return std::nullopt;
+}
+
+std::optional<std::uint64_t> ArchiveReader::uidAt(std::uint64_t number) {
+  const auto uid = archive_->list().uid(number);
+  if (!uid) fail("a value is no reference to an object");
+  return uid;
+}
+
+NSObject* ArchiveReader::object(std::string_view key) {
+  if (hasFailed()) return nullptr;
+  const auto number = archive_->find(frame_.values, key, frame_.next);
+  if (!number) return nullptr;
+  const auto uid = archive_->list().uid(*number);
+  if (uid) return objectWithUid(*uid);
+  failWithValue(key, "reference to an object");
+  return nullptr;
+}
+
+NSObject* ArchiveReader::objectOfClasses(std::string_view key, const Allowed& allowed) {
+  struct Restore {
+    ArchiveReader& reader;
+    Allowed before;
+    ~Restore() { reader.allowed_ = before; }
+  } const restore{*this, std::exchange(allowed_, allowed)};
+  return object(key);
+}
+
+bool ArchiveReader::add(std::uint64_t number, Objects& row) {
+  const auto uid = uidAt(number);
+  if (!uid) return false;
+  NSObject* const object = objectWithUid(*uid);
+  if (object) {
+    row.push_back(object);
+    return true;
+  }
+  if (!hasFailed()) fail("a collection holds null");
+  return false;
+}
+
+bool ArchiveReader::objects(std::string_view key, Use use, Objects& row) {
+  const auto array = value(key, Kind::array);
+  if (!array) {
+    fail("there is no array under " + quoted(key));
+    return false;
+  }
+  const std::uint64_t count = array->count();
+  if (!charge(count * (use == Use::hashed ? 40 : 8))) return false;
+  const std::size_t from = row.size();
+  row.reserve(from + count);
+  for (std::uint64_t i = 0; i < count; ++i) {
+    if (!add(array->element(i), row)) return false;
+  }
+  return use == Use::inOrder || chargeHashing(std::span(row).subspan(from));
+}
+
+// The keys stand in any order: one walk puts each in its place.
+bool ArchiveReader::numberedObjects(std::string_view prefix, Use use, Objects& row) {
+  const BinaryObject values = frame_.values;
+  std::vector<std::uint64_t> numbers(values.count(), ~std::uint64_t{0});
+  std::uint64_t found = 0;
+  for (std::uint64_t i = 0; i < values.count(); ++i) {
+    const auto key = archive_->list().object(values.key(i));
+    if (!key || key->kind() != Kind::asciiText || !key->asciiText().starts_with(prefix)) continue;
+    const std::string_view digits = key->asciiText().substr(prefix.size());
+    std::uint64_t index = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), index);
+    if (error != std::errc() || end != digits.data() + digits.size() || index >= numbers.size()) continue;
+    found += numbers[index] == ~std::uint64_t{0};
+    numbers[index] = values.value(i);
+  }
+  if (!charge(found * 40)) return false;
+  const std::size_t from = row.size();
+  for (std::uint64_t i = 0; i < found; ++i) {
+    if (numbers[i] == ~std::uint64_t{0}) {
+      fail("a number is missing among the keys that begin with " + quoted(prefix));
+      return false;
+    }
+    if (!add(numbers[i], row)) return false;
+  }
+  return use == Use::inOrder || chargeHashing(std::span(row).subspan(from));
+}
+
+// Each is walked over for its hash; those with the same hash are compared with one another.
+bool ArchiveReader::chargeHashing(std::span<NSObject* const> row) {
+  constexpr std::uint64_t kPart = 8;
+  const std::uint64_t parts = frame_.extent.expansion;
+  if (row.empty()) return true;
+  if (!charge(kPart * parts)) return false;
+  std::vector<std::uint64_t> hashes;
+  hashes.reserve(row.size());
+  for (NSObject* const object : row) hashes.push_back(object->hash());
+  std::sort(hashes.begin(), hashes.end());
+  std::uint64_t same = 0;
+  for (std::size_t i = 1; i < hashes.size(); ++i) {
+    same = hashes[i] == hashes[i - 1] ? same + 1 : 0;
+    if (!charge(same * kPart * (parts / row.size()))) return false;
+  }
+  return true;
+}
+
+// Objects.
+
+bool ArchiveReader::permits(const ClassObject* cls) {
+  if (!coder_.requiresSecureCoding()) return true;
+  if (!allowed_.permits(cls)) {
+    fail("an object of class " + quoted(cls->name()) + ", which is not among the classes asked for");
+  } else if (!cls->adopts(protocolOf<NSSecureCoding>())) {
+    fail("an object of class " + quoted(cls->name()) + ", which does not adopt NSSecureCoding");
+  }
+  return !hasFailed();
+}
+
+NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
+  if (uid == 0 || hasFailed()) return nullptr;
+  if (uid >= slots_.size()) {
+    fail("a reference to object " + std::to_string(uid) + ", which is not there");
+    return nullptr;
+  }
+  Slot& slot = slots_[uid];
+  switch (slot.state) {
+    case Slot::State::unread:
+      if (!makeObject(uid)) return nullptr;
+      break;
+    case Slot::State::open:
+      fail("object " + std::to_string(uid) + " holds itself");
+      return nullptr;
+    case Slot::State::classRecord:
+      fail("a class stands where an object should");
+      return nullptr;
+    case Slot::State::openToItself:
+    case Slot::State::made:
+      if (slot.object && !permits(dispatchClass(slot.object)->shown())) return nullptr;
+      break;
+  }
+  const std::string_view tooMuch = frame_.extent.add(slot.extent);
+  if (!tooMuch.empty()) {
+    fail(tooMuch);
+    return nullptr;
+  }
+  return slot.object;
+}
+
+bool ArchiveReader::makeObject(std::uint64_t uid) {
+  const auto object = archive_->object(uid);
+  if (!object) {
+    fail("object " + std::to_string(uid) + " cannot be read: " + object.error().description());
+    return false;
+  }
+  if (!charge(kObjectSize + object->encodedSize())) return false;
+  if (object->kind() == Kind::dictionary) return makeInstance(uid, *object);
+  Slot& slot = slots_[uid];
+  slot.object = makePlain(*object);
+  if (!slot.object) return false;
+  slot.extent = ArchivedExtent::ofBytes(object->encodedSize());
+  slot.state = Slot::State::made;
+  return true;
+}
+
+// Strings, numbers and data stand in the archive as they are.
+Strong<NSObject> ArchiveReader::makePlain(const BinaryObject& object) {
+  switch (object.kind()) {
+    case Kind::asciiText:
+      return permits(classObject<NSString>()) ? makeString(object.asciiText()) : nullptr;
+    case Kind::utf16Text:
+      return permits(classObject<NSString>()) ? makeString(object.utf16Text()) : nullptr;
+    case Kind::data:
+      return permits(classObject<NSData>()) ? makeData(object.data()) : nullptr;
+    case Kind::date:
+      return permits(classObject<NSDate>()) ? make<NSDate>(object.date()) : nullptr;
+    case Kind::uid:
+    case Kind::array:
+    case Kind::dictionary:
+      fail("a reference or an array stands where an object should");
+      return nullptr;
+    default:
+      break;
+  }
+  if (!permits(classObject<NSNumber>())) return nullptr;
+  if (object.kind() == Kind::boolean) return makeNumber(object.boolean());
+  if (object.kind() == Kind::real) return makeNumber(object.real());
+  return object.kind() == Kind::integer ? makeNumber(object.integer()) : makeNumber(object.unsignedInteger());
+}
+
+bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) {
+  if (depth_ == NSKeyedUnarchiver::kDeepestNesting) {
+    fail("objects nest too deep");
+    return false;
+  }
+  const Nested nested(*this, uid, values);
+  const auto classNumber = archive_->find(values, "$class", frame_.next);
+  const auto classUid = classNumber ? archive_->list().uid(*classNumber) : std::nullopt;
+  const ArchivedClassEntry* const found = classUid ? classEntry(*classUid) : nullptr;
+  if (!found) {
+    fail("it has no class");
+    return false;
+  }
+  const ArchivedClassEntry entry = *found;
+  if (!permits(entry.cls)) return false;
+
+  Slot& slot = slots_[uid];
+  slot.state = Slot::State::open;
+  Strong<NSObject> made = entry.form ? entry.form->decode(*this) : makeOwn(slot, entry);
+  if (hasFailed() || (entry.form && !made)) {
+    fail("it cannot be made");
+    return false;
+  }
+  slot.object = std::move(made);
+  // An object of the application is one part: how it is compared is its own affair.
+  if (entry.form) slot.extent = frame_.extent;
+  slot.state = Slot::State::made;
+  return true;
+}
+
+Strong<NSObject> ArchiveReader::makeOwn(Slot& slot, const ArchivedClassEntry& entry) {
+  const Strong<NSObject> allocated = alloc(Class(entry.cls));
+  slot.object = allocated;
+  slot.state = Slot::State::openToItself;
+  Strong<NSObject> made = send<"initWithCoder:">(allocated, &coder_);
+  if (made && entry.awakes) made = send<"awakeAfterUsingCoder:">(made, &coder_);
+  return made;
+}
+
+// Classes.
+
+const ArchiveReader::ArchivedClassEntry* ArchiveReader::classEntry(std::uint64_t uid) {
+  if (uid >= slots_.size()) return nullptr;
+  Slot& slot = slots_[uid];
+  if (slot.state == Slot::State::classRecord) return &classes_[slot.extent.expansion];
+  if (slot.state != Slot::State::unread) return nullptr;
+  const auto record = archive_->object(uid);
+  if (!record || record->kind() != Kind::dictionary) return nullptr;
+  if (!charge(kObjectSize + record->encodedSize())) return nullptr;
+  const auto entry = resolve(*record);
+  if (!entry) return nullptr;
+  slot.state = Slot::State::classRecord;
+  slot.extent.expansion = static_cast<std::uint32_t>(classes_.size());
+  return &classes_.emplace_back(*entry);
+}
+
+std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const BinaryObject& record) {
+  std::uint64_t from = 0;
+  const auto number = archive_->find(record, "$classname", from);
+  const auto name = number ? archive_->list().object(*number) : PropertyListError{};
+  if (!name || !name->isText()) {
+    fail("the record of its class has no name");
+    return std::nullopt;
+  }
+  auto entry = entryForName(name->text());
+  const auto hints = entry ? std::nullopt : archive_->member(record, "$classhints", Kind::array);
+  for (std::uint64_t i = 0; hints && !entry && i < hints->count(); ++i) {
+    const auto hint = archive_->list().object(hints->element(i));
+    if (!hint || !hint->isText() || !charge(hint->encodedSize())) break;
+    entry = entryForName(hint->text());
+  }
+  if (!entry) {
+    fail("no class " + quoted(name->text()) + " is known to archives");
+  } else if (!entry->form && !Class(entry->cls).object()->row(selector<"initWithCoder:">)) {
+    fail("the class " + quoted(name->text()) + " does not answer initWithCoder:");
+    return std::nullopt;
+  } else if (!entry->form && !entry->cls->adopts(protocolOf<NSCoding>())) {
+    fail("the class " + quoted(name->text()) + " does not adopt NSCoding");
+    return std::nullopt;
+  }
+  return entry;
+}
+
+std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::entryForName(std::string_view name) {
+  if (const Class known = NSKeyedUnarchiver::classForName(name)) {
+    ClassObject* const cls = known.object();
+    return ArchivedClassEntry{cls, archivedFormForClass(cls), cls->row(selector<"awakeAfterUsingCoder:">) != nullptr};
+  }
+  const ArchivedForm* const form = archivedFormForName(name);
+  if (!form) return std::nullopt;
+  return ArchivedClassEntry{form->cls(), form, false};
+}
+
+}  // namespace havrin::inline platform

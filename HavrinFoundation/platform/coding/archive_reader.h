@@ -1,0 +1,114 @@
+// A keyed archive that is being read: its objects by number, made when they are first asked for. Internal to coding/.
+#pragma once
+
+#include <HavrinFoundation/platform/coding/archived_classes.h>
+#include <HavrinFoundation/platform/coding/keyed_archive.h>
+#include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace havrin::inline platform {
+
+class ArchiveReader {
+ public:
+  ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArchive> archive);
+  ArchiveReader(const ArchiveReader&) = delete;
+  ArchiveReader& operator=(const ArchiveReader&) = delete;
+
+  /// The classes that may come while secure coding is required: one, or a set of them.
+  struct Allowed {
+    Class cls;
+    const NSSet* classes = nullptr;
+    [[nodiscard]] bool permits(const ClassObject* given) const;
+  };
+
+  // Values of the object that is being read; outside of any, of the top. After a failure all are absent.
+
+  [[nodiscard]] bool contains(std::string_view key);
+  /// The value under `key`, as it stands. Empty when: there is none, or it cannot be read, which is a failure.
+  [[nodiscard]] std::optional<BinaryObject> value(std::string_view key);
+  /// The value of one kind. Empty when: there is none. A failure when: it is of another.
+  [[nodiscard]] std::optional<BinaryObject> value(std::string_view key, BinaryObject::Kind kind);
+  /// The object that the value under `key` refers to, borrowed from the reader. Null when: there is none.
+  [[nodiscard]] NSObject* object(std::string_view key);
+  [[nodiscard]] NSObject* objectOfClasses(std::string_view key, const Allowed& allowed);
+  /// The object under `key` as a T. A failure when: it is none, or null.
+  template <class T>
+  [[nodiscard]] T* object(std::string_view key) {
+    T* const found = cast<T>(object(key));
+    if (!found) failWithValue(key, typeName<T>());
+    return found;
+  }
+
+  using Objects = std::vector<NSObject*>;
+  /// Appends the objects that the array under `key` refers to, and answers true; false after a failure, null among them
+  /// included. What they are for bounds what is made of them.
+  enum class Use { inOrder, hashed };
+  [[nodiscard]] bool objects(std::string_view key, Use use, Objects& row);
+  /// The same, for one value each under "<prefix>0", "<prefix>1" and so on, up to a number that is not there.
+  [[nodiscard]] bool numberedObjects(std::string_view prefix, Use use, Objects& row);
+
+  /// Counts what it takes to find the objects of a row, parts of the object that is being read, by equality.
+  [[nodiscard]] bool chargeHashing(std::span<NSObject* const> row);
+  /// Counts `bytes` of what is made. Result: false, and a failure, when that is out of all proportion to the archive.
+  bool charge(std::uint64_t bytes);
+  [[nodiscard]] bool hasFailed() const { return coder_.hasFailed(); }
+  /// A failure of the object that is being read.
+  void fail(std::string_view reason);
+  void failWithValue(std::string_view key, std::string_view wanted);
+
+ private:
+  // What is known of an object. Of a record of a class, `extent.expansion` is its index in `classes_`.
+  struct Slot {
+    enum class State : std::uint8_t { unread, open, openToItself, made, classRecord };
+    Strong<NSObject> object;
+    ArchivedExtent extent;
+    State state = State::unread;
+  };
+  // A class that a record names.
+  struct ArchivedClassEntry {
+    ClassObject* cls = nullptr;
+    const ArchivedForm* form = nullptr;  // null for classes of the application
+    bool awakes = false;
+  };
+  // The object that is being read.
+  struct Frame {
+    BinaryObject values;    // a dictionary
+    std::uint64_t uid = 0;  // 0: the top
+    std::uint64_t next =
+        0;  // where the search for the next key begins: mostly they are read in the order they stand in
+    ArchivedExtent extent;
+  };
+  class Nested;
+
+  [[nodiscard]] std::optional<std::uint64_t> uidAt(std::uint64_t number);
+
+  [[nodiscard]] NSObject* objectWithUid(std::uint64_t uid);
+  [[nodiscard]] bool makeObject(std::uint64_t uid);
+  [[nodiscard]] Strong<NSObject> makePlain(const BinaryObject& object);
+  [[nodiscard]] bool makeInstance(std::uint64_t uid, const BinaryObject& values);
+  [[nodiscard]] Strong<NSObject> makeOwn(Slot& slot, const ArchivedClassEntry& entry);
+  [[nodiscard]] const ArchivedClassEntry* classEntry(std::uint64_t uid);
+  [[nodiscard]] std::optional<ArchivedClassEntry> resolve(const BinaryObject& record);
+  [[nodiscard]] static std::optional<ArchivedClassEntry> entryForName(std::string_view name);
+  [[nodiscard]] bool permits(const ClassObject* cls);
+  [[nodiscard]] bool add(std::uint64_t number, Objects& row);
+
+  NSKeyedUnarchiver& coder_;
+  std::unique_ptr<KeyedArchive> archive_;
+  Frame frame_;
+  std::size_t depth_ = 0;
+  Allowed allowed_;
+  std::vector<Slot> slots_;
+  std::vector<ArchivedClassEntry> classes_;
+  std::uint64_t budget_ = 0;
+};
+
+}  // namespace havrin::inline platform

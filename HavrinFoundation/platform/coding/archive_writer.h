@@ -1,0 +1,82 @@
+// A keyed archive that is being written: archive_reader.h tells the form. Internal to coding/.
+#pragma once
+
+#include <HavrinFoundation/platform/coding/archived_classes.h>
+#include <HavrinFoundation/platform/coding/binary_property_list_writer.h>
+#include <HavrinFoundation/platform/coding/keyed_archiver.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace havrin::inline platform {
+
+class ArchiveWriter {
+ public:
+  using Number = BinaryPropertyListWriter::Number;
+
+  explicit ArchiveWriter(NSKeyedArchiver& coder);
+  ArchiveWriter(const ArchiveWriter&) = delete;
+  ArchiveWriter& operator=(const ArchiveWriter&) = delete;
+
+  // What is added goes to the object that is being written; outside of any, to the top.
+
+  /// The list under construction, for values.
+  [[nodiscard]] BinaryPropertyListWriter& list() { return list_; }
+  /// Adds a value under `key`. A failure when: there is one.
+  void add(std::string_view key, Number value);
+  /// Adds a reference to `object`, which is written when it has not been.
+  void addObject(std::string_view key, const NSObject* object);
+  /// Adds an array of references.
+  void addObjects(std::string_view key, std::span<const Strong<NSObject>> objects);
+  /// Says that the object is this value, and no dictionary.
+  void setPlain(Number value, std::uint64_t size);
+
+  [[nodiscard]] std::vector<std::byte> finish();
+
+ private:
+  struct Written {
+    Strong<NSObject> object;  // held, so that no other comes to its address
+    Number number = 0;
+    ArchivedExtent extent;
+    bool isOpen = false;   // its values are being added
+    bool isPlain = false;  // `number` is the object itself
+  };
+  struct Frame {
+    std::uint64_t uid = 0;
+    std::vector<Number> keys;
+    std::vector<Number> values;
+    ArchivedExtent extent;
+  };
+  // How objects of a class are written.
+  struct Plan {
+    const ArchivedForm* form = nullptr;  // null for classes of the application
+    std::string name;
+    std::string refusal;         // why they are not
+    std::uint64_t classUid = 0;  // 0 until the record is written
+  };
+  class Nested;
+
+  void fail(std::string_view reason);
+  [[nodiscard]] std::uint64_t uidOf(const NSObject* object);
+  void write(std::uint64_t uid, const NSObject& object);
+  [[nodiscard]] Plan& planFor(ClassObject* cls);
+  [[nodiscard]] Plan makePlan(ClassObject* cls) const;
+  [[nodiscard]] std::uint64_t classUid(Plan& plan, ClassObject* cls);
+  [[nodiscard]] Number reference(std::uint64_t uid) { return list_.uid(uid); }
+
+  NSKeyedArchiver& coder_;
+  BinaryPropertyListWriter list_;
+  Frame frame_;
+  std::size_t depth_ = 0;
+  std::vector<Written> written_;  // by UID
+  std::unordered_map<const NSObject*, std::uint64_t> uids_;
+  std::unordered_map<const ClassObject*, Plan> plans_;
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,44 @@
+// Which classes archives know, by which names, and how the layer's own stand in an archive. Internal to coding/.
+#pragma once
+
+#include <HavrinFoundation/platform/object/class.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace havrin::inline platform {
+
+class ArchiveReader;
+class ArchiveWriter;
+
+/// The form of one of the layer's classes: what is written of an object, and made of what was written.
+struct ArchivedForm {
+  std::string_view name;
+  ClassObject* (*cls)();
+  /// Makes the object whose values `reader` stands at. Null when: it could not; the reader knows why.
+  Strong<NSObject> (*decode)(ArchiveReader& reader);
+  /// Adds the values of `object`, which is of the class, to what `writer` stands at.
+  void (*encode)(const NSObject& object, ArchiveWriter& writer);
+};
+
+/// Null when: the layer has no such class.
+[[nodiscard]] const ArchivedForm* archivedFormForName(std::string_view name);
+[[nodiscard]] const ArchivedForm* archivedFormForClass(const ClassObject* cls);
+
+/// The name under which archives know a class of the application. Empty when: they do not.
+[[nodiscard]] std::optional<std::string> archivedNameForClass(Class cls);
+
+/// How much an object holds, itself counted: what bounds the walks over it (hashing, comparing, describing).
+struct ArchivedExtent {
+  std::uint32_t expansion =
+      1;                     // the parts, and parts of parts, shared ones each time; 32 bytes of text or data are one
+  std::uint16_t height = 0;  // how deep they nest
+
+  /// Adds a part. Result: what is too much of it now; empty when nothing is.
+  [[nodiscard]] std::string_view add(const ArchivedExtent& part) noexcept;
+  [[nodiscard]] static ArchivedExtent ofBytes(std::uint64_t size) noexcept;
+};
+
+}  // namespace havrin::inline platform

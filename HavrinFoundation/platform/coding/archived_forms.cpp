@@ -1,0 +1,398 @@
+// How each of the layer's classes stands in an archive: reading and writing side by side.
+//
+//   NSString, NSNumber, NSData      the value itself
+//   NSMutableString                 NS.string: text
+//   NSMutableData                   NS.data: data
+//   NSNull                          nothing
+//   NSArray, NSSet                  NS.objects: references
+//   NSOrderedSet                    NS.object.0, NS.object.1, ...: a reference each; NS.objects is read, too
+//   NSDictionary                    NS.keys, NS.objects: references, in the same order
+//   NSDate                          NS.time: seconds since 2001, a real
+//   NSUUID                          NS.uuidbytes: 16 bytes
+//   NSURL                           NS.base: a link or null; NS.relative: a string
+//   NSAttributedString              NSString: a string; NSAttributes: a dictionary where one holds for the whole text,
+//                                   else an array of them, and NSAttributeInfo: data, for each run its length and the
+//                                   index of its attributes, 7 bits to a byte, the low ones first, bit 7 on all but the
+//                                   last
+//
+// Mutable collections, sets and attributed strings stand as the immutable ones do.
+#include <HavrinFoundation/platform/coding/archive_reader.h>
+#include <HavrinFoundation/platform/coding/archive_writer.h>
+#include <HavrinFoundation/platform/coding/archived_classes.h>
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/ordered_set.h>
+#include <HavrinFoundation/platform/foundation/set.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/net/ns_url.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/time/ns_date.h>
+#include <HavrinFoundation/platform/time/ns_uuid.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+using Kind = BinaryObject::Kind;
+using Use = ArchiveReader::Use;
+
+// An object as what its form is for: forms are found by class.
+template <class C>
+const C& as(const NSObject& object) {
+  return static_cast<const C&>(object);
+}
+
+ArchiveWriter::Number numberOfText(const NSString& string, ArchiveWriter& writer) {
+  if (string.isPlain() && !string.isWide()) return writer.list().text(string.narrow());
+  return writer.list().text(std::u16string_view(utf16(string)));
+}
+
+// Strings.
+
+void encodeString(const NSObject& object, ArchiveWriter& writer) {
+  const NSString& string = as<NSString>(object);
+  writer.setPlain(numberOfText(string, writer), string.length());
+}
+
+void encodeMutableString(const NSObject& object, ArchiveWriter& writer) {
+  writer.add("NS.string", numberOfText(as<NSString>(object), writer));
+}
+
+template <class C>
+Strong<NSObject> decodeString(ArchiveReader& reader) {
+  const auto text = reader.value("NS.string");
+  if (text && text->kind() == Kind::asciiText) return make<C>(text->asciiText());
+  if (text && text->kind() == Kind::utf16Text) return make<C>(text->utf16Text());
+  const NSString* const string = reader.object<NSString>("NS.string");
+  if (!string || !reader.charge(string->length())) return nullptr;
+  return make<C>(utf16(*string));
+}
+
+// Numbers, nulls, data.
+
+void encodeNumber(const NSObject& object, ArchiveWriter& writer) {
+  const NSNumber& number = as<NSNumber>(object);
+  BinaryPropertyListWriter& list = writer.list();
+  switch (number.kind()) {
+    case NSNumber::Kind::boolean:
+      return writer.setPlain(list.boolean(number.boolValue()), 1);
+    case NSNumber::Kind::integer:
+      return writer.setPlain(list.integer(number.integerValue()), 8);
+    case NSNumber::Kind::unsignedInteger:
+      return writer.setPlain(list.integer(number.unsignedIntegerValue()), 8);
+    case NSNumber::Kind::real:
+      return writer.setPlain(list.real(number.doubleValue()), 8);
+  }
+}
+
+Strong<NSObject> decodeNumber(ArchiveReader& reader) {
+  reader.fail("a number with a class of its own");
+  return nullptr;
+}
+
+void encodeNull(const NSObject&, ArchiveWriter&) {}
+
+Strong<NSObject> decodeNull(ArchiveReader&) { return NSNull::null(); }
+
+void encodeData(const NSObject& object, ArchiveWriter& writer) {
+  const auto bytes = as<NSData>(object).bytes();
+  writer.setPlain(writer.list().data(bytes), bytes.size());
+}
+
+void encodeMutableData(const NSObject& object, ArchiveWriter& writer) {
+  writer.add("NS.data", writer.list().data(as<NSData>(object).bytes()));
+}
+
+template <class C>
+Strong<NSObject> decodeData(ArchiveReader& reader) {
+  const auto inlined = reader.value("NS.data");
+  if (inlined && inlined->kind() == Kind::data) return make<C>(inlined->data());
+  const NSData* const data = reader.object<NSData>("NS.data");
+  if (!data || !reader.charge(data->length())) return nullptr;
+  return make<C>(data->bytes());
+}
+
+// Collections.
+
+std::span<const Strong<NSObject>> elementsOf(const NSArray& array) { return array.elements(); }
+
+void encodeArray(const NSObject& object, ArchiveWriter& writer) {
+  const Strong<NSArray> array = as<NSArray>(object).snapshot();
+  writer.addObjects("NS.objects", elementsOf(*array));
+}
+
+Strong<NSObject> decodeArray(ArchiveReader& reader) {
+  ArchiveReader::Objects row;
+  return reader.objects("NS.objects", Use::inOrder, row) ? makeArray(row) : nullptr;
+}
+
+Strong<NSObject> decodeMutableArray(ArchiveReader& reader) {
+  ArchiveReader::Objects row;
+  if (!reader.objects("NS.objects", Use::inOrder, row)) return nullptr;
+  auto array = make<NSMutableArray>(row.size());
+  for (NSObject* object : row) array->addObject(object);
+  return array;
+}
+
+void encodeSet(const NSObject& object, ArchiveWriter& writer) {
+  const Strong<NSArray> objects = as<NSSet>(object).allObjects()->snapshot();
+  writer.addObjects("NS.objects", elementsOf(*objects));
+}
+
+template <class C>
+Strong<NSObject> decodeSet(ArchiveReader& reader) {
+  ArchiveReader::Objects row;
+  return reader.objects("NS.objects", Use::hashed, row) ? make<C>(std::span<NSObject* const>(row)) : nullptr;
+}
+
+void encodeOrderedSet(const NSObject& object, ArchiveWriter& writer) {
+  const Strong<NSArray> objects = as<NSOrderedSet>(object).array()->snapshot();
+  std::uint64_t index = 0;
+  for (const Strong<NSObject>& element : elementsOf(*objects)) {
+    writer.addObject("NS.object." + std::to_string(index++), element);
+  }
+}
+
+template <class C>
+Strong<NSObject> decodeOrderedSet(ArchiveReader& reader) {
+  ArchiveReader::Objects row;
+  const bool isRead = reader.contains("NS.objects") ? reader.objects("NS.objects", Use::hashed, row)
+                                                    : reader.numberedObjects("NS.object.", Use::hashed, row);
+  return isRead ? make<C>(std::span<NSObject* const>(row)) : nullptr;
+}
+
+void encodeDictionary(const NSObject& object, ArchiveWriter& writer) {
+  std::vector<Strong<NSObject>> keys;
+  std::vector<Strong<NSObject>> values;
+  as<NSDictionary>(object).forEach([&](NSObject* key, NSObject* value) {
+    keys.emplace_back(key);
+    values.emplace_back(value);
+    return true;
+  });
+  writer.addObjects("NS.keys", keys);
+  writer.addObjects("NS.objects", values);
+}
+
+template <class C>
+Strong<NSObject> decodeDictionary(ArchiveReader& reader) {
+  ArchiveReader::Objects keys;
+  ArchiveReader::Objects values;
+  if (!reader.objects("NS.keys", Use::hashed, keys) || !reader.objects("NS.objects", Use::inOrder, values)) {
+    return nullptr;
+  }
+  if (keys.size() != values.size()) {
+    reader.fail("a dictionary of " + std::to_string(keys.size()) + " keys and " + std::to_string(values.size()) +
+                " values");
+    return nullptr;
+  }
+  std::vector<NSDictionary::KeyAndValue> entries;
+  entries.reserve(keys.size());
+  for (std::size_t i = 0; i < keys.size(); ++i) entries.emplace_back(keys[i], values[i]);
+  try {
+    return make<C>(std::span<const NSDictionary::KeyAndValue>(entries));
+  } catch (const NSException& exception) {
+    reader.fail("keys that are none: " + exception.reason());
+    return nullptr;
+  }
+}
+
+// Dates, identifiers, links.
+
+void encodeDate(const NSObject& object, ArchiveWriter& writer) {
+  writer.add("NS.time", writer.list().real(as<NSDate>(object).timeIntervalSinceReferenceDate()));
+}
+
+Strong<NSObject> decodeDate(ArchiveReader& reader) {
+  const auto seconds = reader.value("NS.time", Kind::real);
+  if (seconds) return make<NSDate>(Date::fromTimeIntervalSinceReferenceDate(seconds->real()));
+  reader.failWithValue("NS.time", "real");
+  return nullptr;
+}
+
+void encodeUUID(const NSObject& object, ArchiveWriter& writer) {
+  const UUID::Bytes bytes = as<NSUUID>(object).getUUIDBytes();
+  writer.add("NS.uuidbytes", writer.list().data(std::as_bytes(std::span(bytes))));
+}
+
+Strong<NSObject> decodeUUID(ArchiveReader& reader) {
+  const auto data = reader.value("NS.uuidbytes", Kind::data);
+  UUID::Bytes bytes;
+  if (!data || data->data().size() != bytes.size()) {
+    reader.failWithValue("NS.uuidbytes", "identifier of 16 bytes");
+    return nullptr;
+  }
+  std::memcpy(bytes.data(), data->data().data(), bytes.size());
+  return make<NSUUID>(UUID(bytes));
+}
+
+void encodeURL(const NSObject& object, ArchiveWriter& writer) {
+  const NSURL& url = as<NSURL>(object);
+  writer.addObject("NS.base", url.baseURL());
+  writer.addObject("NS.relative", url.relativeString());
+}
+
+// Links come back as they were, also those whose text is no URI reference.
+Strong<NSObject> decodeURL(ArchiveReader& reader) {
+  NSObject* const base = reader.object("NS.base");
+  const NSString* const text = reader.object<NSString>("NS.relative");
+  if (!text) return nullptr;
+  const std::string relative = utf8(*text);
+  if (!base) {
+    if (auto url = URL::fromString(relative)) return make<NSURL>(*std::move(url));
+    return make<NSURL>(URL::fromUncheckedText(relative));
+  }
+  const NSURL* const baseURL = cast<NSURL>(base);
+  auto url = baseURL ? URL::fromString(relative, baseURL->value()) : std::nullopt;
+  if (url) return make<NSURL>(*std::move(url));
+  reader.fail("a link that cannot be seen from its base");
+  return nullptr;
+}
+
+// Attributed strings.
+
+void appendVarint(std::vector<std::byte>& bytes, std::uint64_t value) {
+  for (; value >= 0x80; value >>= 7) bytes.push_back(static_cast<std::byte>(value | 0x80));
+  bytes.push_back(static_cast<std::byte>(value));
+}
+
+// The number at the beginning of `bytes`, which move behind it. Empty when: it does not end, or takes more than 63 bits.
+std::optional<std::uint64_t> takeVarint(std::span<const std::byte>& bytes) {
+  std::uint64_t value = 0;
+  for (unsigned shift = 0; shift < 63 && !bytes.empty(); shift += 7) {
+    const auto byte = std::to_integer<std::uint64_t>(bytes.front());
+    bytes = bytes.subspan(1);
+    value |= (byte & 0x7F) << shift;
+    if (byte < 0x80) return value;
+  }
+  return std::nullopt;
+}
+
+void encodeAttributedString(const NSObject& object, ArchiveWriter& writer) {
+  const NSAttributedString& text = as<NSAttributedString>(object);
+  const Strong<NSString> string = text.string();
+  writer.addObject("NSString", string);
+  ArrayBuilder attributes(1);
+  std::vector<std::byte> info;
+  std::uint64_t runs = 0;
+  for (std::uint64_t at = 0; at < string->length(); ++runs) {
+    const NSAttributedString::Run run = text.attributesAtIndex(at);
+    attributes.add(run.attributes);
+    appendVarint(info, run.range.location + run.range.length - at);
+    appendVarint(info, runs);
+    at = std::max(run.range.location + run.range.length, at + 1);
+  }
+  const Strong<NSArray> all = attributes.finish();
+  if (runs <= 1) return writer.addObject("NSAttributes", all->firstObject());
+  writer.addObject("NSAttributes", all);
+  writer.addObject("NSAttributeInfo", makeData(info));
+}
+
+// The dictionaries of an array, immutable, equal ones as one object. Empty when: there is something else among them, or
+// comparing them is too much.
+std::optional<std::vector<Strong<NSDictionary>>> distinctAttributes(const NSArray& array, ArchiveReader& reader) {
+  ArchiveReader::Objects row;
+  for (const Strong<NSObject>& element : array.elements()) {
+    if (!isKind<NSDictionary>(element)) return std::nullopt;
+    row.push_back(element);
+  }
+  if (!reader.chargeHashing(row)) return std::nullopt;
+  std::vector<Strong<NSDictionary>> distinct;
+  const auto seen = make<NSMutableSet>();
+  for (NSObject* const attributes : row) {
+    Strong<NSObject> one = seen->member(attributes);
+    if (!one) seen->addObject(one = attributes->copy());
+    distinct.emplace_back(cast<NSDictionary>(one.get()));
+  }
+  return distinct;
+}
+
+// The runs that `info` tells of, equal neighbours as one. Empty when: it tells no such thing.
+std::optional<std::vector<NSAttributedString::Run>> runsOf(std::span<const std::byte> info, const NSArray& attributes,
+                                                           ArchiveReader& reader) {
+  const auto distinct = distinctAttributes(attributes, reader);
+  if (!distinct || !reader.charge(sizeof(NSAttributedString::Run) * info.size() / 2)) return std::nullopt;
+  std::vector<NSAttributedString::Run> runs;
+  std::uint64_t end = 0;
+  while (!info.empty()) {
+    const auto length = takeVarint(info);
+    const auto index = takeVarint(info);
+    if (!length || !index || *index >= distinct->size()) return std::nullopt;
+    const Strong<NSDictionary>& one = (*distinct)[*index];
+    if (!runs.empty() && runs.back().attributes.get() == one.get()) {
+      runs.back().range.length += *length;
+    } else {
+      runs.push_back({one, {end, *length}});
+    }
+    end += *length;
+  }
+  return runs;
+}
+
+template <class C>
+Strong<NSObject> decodeAttributedString(ArchiveReader& reader) {
+  NSString* const string = reader.object<NSString>("NSString");
+  if (!string || !reader.charge(2 * string->length())) return nullptr;
+  NSObject* const attributes = reader.object("NSAttributes");
+  if (reader.hasFailed()) return nullptr;
+  NSDictionary* const one = cast<NSDictionary>(attributes);
+  if (one || !attributes) return make<C>(string, one);
+  const NSArray* const several = cast<NSArray>(attributes);
+  const NSData* const info = several ? reader.object<NSData>("NSAttributeInfo") : nullptr;
+  const auto runs = info ? runsOf(info->bytes(), *several->snapshot(), reader) : std::nullopt;
+  try {
+    if (runs) return make<C>(string, std::span<const NSAttributedString::Run>(*runs));
+  } catch (const NSException&) {  // runs that are not those of the text
+  }
+  reader.fail("attributes that do not fit the text");
+  return nullptr;
+}
+
+template <class C>
+constexpr ArchivedForm form(std::string_view name, Strong<NSObject> (*decode)(ArchiveReader&),
+                            void (*encode)(const NSObject&, ArchiveWriter&)) {
+  return {name, &classObject<C>, decode, encode};
+}
+
+constexpr ArchivedForm kForms[] = {
+    form<NSString>("NSString", decodeString<NSString>, encodeString),
+    form<NSMutableString>("NSMutableString", decodeString<NSMutableString>, encodeMutableString),
+    form<NSNumber>("NSNumber", decodeNumber, encodeNumber),
+    form<NSNull>("NSNull", decodeNull, encodeNull),
+    form<NSData>("NSData", decodeData<NSData>, encodeData),
+    form<NSMutableData>("NSMutableData", decodeData<NSMutableData>, encodeMutableData),
+    form<NSArray>("NSArray", decodeArray, encodeArray),
+    form<NSMutableArray>("NSMutableArray", decodeMutableArray, encodeArray),
+    form<NSDictionary>("NSDictionary", decodeDictionary<NSDictionary>, encodeDictionary),
+    form<NSMutableDictionary>("NSMutableDictionary", decodeDictionary<NSMutableDictionary>, encodeDictionary),
+    form<NSSet>("NSSet", decodeSet<NSSet>, encodeSet),
+    form<NSMutableSet>("NSMutableSet", decodeSet<NSMutableSet>, encodeSet),
+    form<NSOrderedSet>("NSOrderedSet", decodeOrderedSet<NSOrderedSet>, encodeOrderedSet),
+    form<NSMutableOrderedSet>("NSMutableOrderedSet", decodeOrderedSet<NSMutableOrderedSet>, encodeOrderedSet),
+    form<NSDate>("NSDate", decodeDate, encodeDate),
+    form<NSUUID>("NSUUID", decodeUUID, encodeUUID),
+    form<NSURL>("NSURL", decodeURL, encodeURL),
+    form<NSAttributedString>("NSAttributedString", decodeAttributedString<NSAttributedString>, encodeAttributedString),
+    form<NSMutableAttributedString>("NSMutableAttributedString", decodeAttributedString<NSMutableAttributedString>,
+                                    encodeAttributedString),
+};
+
+}  // namespace
+
+const ArchivedForm* archivedFormForName(std::string_view name) {
+  const auto* const found = std::ranges::find(kForms, name, &ArchivedForm::name);
+  return found == std::end(kForms) ? nullptr : found;
+}
+
+const ArchivedForm* archivedFormForClass(const ClassObject* cls) {
+  const auto* const found = std::ranges::find_if(kForms, [cls](const ArchivedForm& form) { return form.cls() == cls; });
+  return found == std::end(kForms) ? nullptr : found;
+}
+
+}  // namespace havrin::inline platform

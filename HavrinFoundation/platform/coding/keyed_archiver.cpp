@@ -1,0 +1,52 @@
+#include <HavrinFoundation/platform/coding/keyed_archiver.h>
+
+#include <HavrinFoundation/platform/coding/archive_writer.h>
+#include <HavrinFoundation/platform/coding/archived_keys.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+
+namespace havrin::inline platform {
+
+NSKeyedArchiver::NSKeyedArchiver() : writer_(std::make_unique<ArchiveWriter>(*this)) {}
+
+NSKeyedArchiver::~NSKeyedArchiver() = default;
+
+Strong<NSKeyedArchiver> NSKeyedArchiver::initRequiringSecureCoding(bool required) {
+  requiresSecureCoding_ = required;
+  return Strong<NSKeyedArchiver>(this);
+}
+
+Strong<NSData> NSKeyedArchiver::archivedDataWithRootObject(NSObject* object, bool requiringSecureCoding,
+                                                           Strong<NSError>* error) {
+  const auto archiver = alloc<NSKeyedArchiver>()->initRequiringSecureCoding(requiringSecureCoding);
+  archiver->encodeObject(object, NSKeyedArchiveRootObjectKey);
+  Strong<NSData> data = archiver->encodedData();
+  if (!data && error) *error = archiver->error();
+  return data;
+}
+
+void NSKeyedArchiver::encodeObject(NSObject* object, std::string_view key) {
+  writer_->addObject(ArchivedKey(key), object);
+}
+
+void NSKeyedArchiver::encodeBool(bool value, std::string_view key) {
+  writer_->add(ArchivedKey(key), writer_->list().boolean(value));
+}
+
+void NSKeyedArchiver::encodeInteger(std::int64_t value, std::string_view key) {
+  writer_->add(ArchivedKey(key), writer_->list().integer(value));
+}
+
+void NSKeyedArchiver::encodeDouble(double value, std::string_view key) {
+  writer_->add(ArchivedKey(key), writer_->list().real(value));
+}
+
+void NSKeyedArchiver::encodeBytes(std::span<const std::byte> bytes, std::string_view key) {
+  writer_->add(ArchivedKey(key), writer_->list().data(bytes));
+}
+
+Strong<NSData> NSKeyedArchiver::encodedData() {
+  if (hasFailed()) return nullptr;
+  return make<NSData>(writer_->finish());
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,108 @@
+#include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+
+#include <HavrinFoundation/platform/coding/archive_reader.h>
+#include <HavrinFoundation/platform/coding/archived_keys.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/set.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+using Kind = BinaryObject::Kind;
+
+Strong<NSObject> unarchived(const ArchiveReader::Allowed& allowed, NSData* data, Strong<NSError>* error) {
+  const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(data, error);
+  if (!unarchiver) return nullptr;
+  Strong<NSObject> root = allowed.classes
+                              ? unarchiver->decodeObjectOfClasses(allowed.classes, NSKeyedArchiveRootObjectKey)
+                              : unarchiver->decodeObjectOfClass(allowed.cls, NSKeyedArchiveRootObjectKey);
+  if (!root && error) {
+    *error = unarchiver->hasFailed() ? unarchiver->error()
+                                     : makeCodingError(NSCoderValueNotFoundError, "there is no object at the root");
+  }
+  return root;
+}
+
+}  // namespace
+
+NSKeyedUnarchiver::NSKeyedUnarchiver() = default;
+
+NSKeyedUnarchiver::~NSKeyedUnarchiver() = default;
+
+Strong<NSKeyedUnarchiver> NSKeyedUnarchiver::initForReadingFromData(NSData* data, Strong<NSError>* error) {
+  reader_.reset();
+  KeyedArchive::Opened opened;
+  if (data) {
+    opened = KeyedArchive::open(*data);
+  } else {
+    opened.error = "no keyed archive: there is no data";
+  }
+  if (opened.archive) {
+    reader_ = std::make_unique<ArchiveReader>(*this, std::move(opened.archive));
+    return Strong<NSKeyedUnarchiver>(this);
+  }
+  if (error) *error = makeCodingError(NSCoderReadCorruptError, opened.error);
+  return nullptr;
+}
+
+Strong<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClass(Class cls, NSData* data, Strong<NSError>* error) {
+  return unarchived({cls, nullptr}, data, error);
+}
+
+Strong<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClasses(const NSSet* classes, NSData* data,
+                                                              Strong<NSError>* error) {
+  return unarchived({nullptr, classes}, data, error);
+}
+
+void NSKeyedUnarchiver::setRequiresSecureCoding(bool required) { requiresSecureCoding_ = required; }
+
+void NSKeyedUnarchiver::setDecodingFailurePolicy(NSDecodingFailurePolicy policy) { policy_ = policy; }
+
+bool NSKeyedUnarchiver::containsValueForKey(std::string_view key) {
+  return reader_ && reader_->contains(ArchivedKey(key));
+}
+
+Strong<NSObject> NSKeyedUnarchiver::decodeObjectForKey(std::string_view key) {
+  if (!reader_) return nullptr;
+  if (requiresSecureCoding()) {
+    reader_->fail("decodeObjectForKey: names no class, and secure coding is required");
+    return nullptr;
+  }
+  return reader_->object(ArchivedKey(key));
+}
+
+Strong<NSObject> NSKeyedUnarchiver::decodeObjectOfClass(Class cls, std::string_view key) {
+  return reader_ ? reader_->objectOfClasses(ArchivedKey(key), {cls, nullptr}) : nullptr;
+}
+
+Strong<NSObject> NSKeyedUnarchiver::decodeObjectOfClasses(const NSSet* classes, std::string_view key) {
+  return reader_ ? reader_->objectOfClasses(ArchivedKey(key), {nullptr, classes}) : nullptr;
+}
+
+bool NSKeyedUnarchiver::decodeBoolForKey(std::string_view key) {
+  const auto value = reader_ ? reader_->value(ArchivedKey(key), Kind::boolean) : std::nullopt;
+  return value && value->boolean();
+}
+
+std::int64_t NSKeyedUnarchiver::decodeIntegerForKey(std::string_view key) {
+  const auto value = reader_ ? reader_->value(ArchivedKey(key), Kind::integer) : std::nullopt;
+  return value ? value->integer() : 0;
+}
+
+double NSKeyedUnarchiver::decodeDoubleForKey(std::string_view key) {
+  const auto value = reader_ ? reader_->value(ArchivedKey(key), Kind::real) : std::nullopt;
+  return value ? value->real() : 0;
+}
+
+std::span<const std::byte> NSKeyedUnarchiver::decodeBytesForKey(std::string_view key) {
+  const auto value = reader_ ? reader_->value(ArchivedKey(key), Kind::data) : std::nullopt;
+  return value ? value->data() : std::span<const std::byte>();
+}
+
+void NSKeyedUnarchiver::finishDecoding() { reader_.reset(); }
+
+}  // namespace havrin::inline platform
