@@ -30,6 +30,7 @@
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/clamp.h>
+#include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
 #include <HavrinFoundation/text/attributed_strings.h>
 #include <HavrinFoundation/text/attributed_strings_messages.h>

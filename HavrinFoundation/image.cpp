@@ -17,6 +17,7 @@ extern const Category kMutableSetHelpers;
 extern const Category kSetBlocks;
 extern const Category kOrderedSetBlocks;
 extern const Category kCasts;
+extern const Category kInsecureUnarchiving;
 extern const Category kFriendlyNumbers;
 extern const Category kBase36Numbers;
 extern const Category kBase36Strings;
@@ -53,7 +54,8 @@ const Category* const kCategories[] = {
     &kMutableSetHelpers,    // NSMutableSet(Helpers)
     &kMutableArrayHelpers,  // NSMutableArray(Helpers)
     // runtime
-    &kCasts,  // NSObject(Cast)
+    &kCasts,                // NSObject(Cast)
+    &kInsecureUnarchiving,  // NSKeyedUnarchiver(HavrinFoundation)
     // text
     &kFriendlyNumbers,     // NSString(HavrinFoundation)
     &kBase36Numbers,       // NSNumber(HavrinFoundation)

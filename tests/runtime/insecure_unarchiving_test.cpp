@@ -1,0 +1,172 @@
+#include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
+
+#include <HavrinFoundation/platform/coding/keyed_archiver.h>
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/set.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace havrin {
+namespace {
+
+// Promises no more than NSCoding.
+class Point : public Object<Point, NSObject> {
+ public:
+  Strong<NSString> name;
+  std::int64_t n = 0;
+
+  void encodeWithCoder(NSCoder* coder) const {
+    coder->encodeObject(name, "name");
+    coder->encodeInteger(n, "n");
+  }
+  Strong<NSObject> initWithCoder(NSCoder* coder) {
+    name = coder->decodeObject<NSString>("name");
+    n = coder->decodeIntegerForKey("n");
+    return this;
+  }
+  using Protocols = List<NSCoding>;
+  using Members =
+      List<Method<"encodeWithCoder:", &Point::encodeWithCoder>, Method<"initWithCoder:", &Point::initWithCoder>>;
+};
+const ArchivedClass<Point> kArchivedPoint("Pt");
+
+std::string xml(const std::string& top, const std::string& objects) {
+  return "<plist><dict><key>$archiver</key><string>NSKeyedArchiver</string><key>$version</key><integer>100000</integer>"
+         "<key>$top</key><dict>" +
+         top + "</dict><key>$objects</key><array><string>$null</string>" + objects + "</array></dict></plist>";
+}
+
+std::string uid(int number) {
+  return "<dict><key>CF$UID</key><integer>" + std::to_string(number) + "</integer></dict>";
+}
+
+const std::string kRoot = "<key>root</key>" + uid(1);
+
+// A point of another program, of the class that `className` names.
+std::string point(const std::string& className) {
+  return xml(kRoot, "<dict><key>$class</key>" + uid(3) + "<key>name</key>" + uid(2) +
+                        "<key>n</key><integer>7</integer></dict><string>x</string><dict><key>$classname</key><string>" +
+                        className + "</string></dict>");
+}
+
+struct Unarchived {
+  Strong<NSObject> object;
+  Strong<NSError> error;
+};
+
+// By the message that names one class, and by the one that names several: both answer alike.
+Unarchived unarchived(NSData* data, Class expected = classOf<NSArray>()) {
+  const auto previous = make<NSError>(NSCocoaErrorDomain, 1);
+  Unarchived one{nullptr, previous};
+  Unarchived several{nullptr, previous};
+  const auto receiver = classOf<NSKeyedUnarchiver>();
+  one.object = send<"insecureUnarchivedObjectOfClass:fromData:error:">(receiver, expected, data, &one.error);
+  several.object = send<"insecureUnarchivedObjectOfClasses:fromData:error:">(
+      receiver, expected ? makeSet({expected}) : nullptr, data, &several.error);
+  EXPECT_EQ(one.object == nullptr, several.object == nullptr);
+  EXPECT_EQ(one.error->code(), several.error->code());
+  if (one.error.get() == previous.get()) one.error = nullptr;
+  return one;
+}
+
+TEST(InsecureUnarchiving, ReadsWhatWasArchivedWhicheverClassIsNamed) {
+  const auto root = makeArray({makeString("a"), makeString("b")});
+  const auto data = NSKeyedArchiver::archivedDataWithRootObject(root, false, nullptr);
+  for (const Class expected : {Class(classOf<NSArray>()), Class(classOf<NSString>()), Class()}) {
+    SCOPED_TRACE(expected.name());
+    const auto [object, error] = unarchived(data, expected);
+    ASSERT_TRUE(object);
+    EXPECT_TRUE(object->isEqual(root));
+    EXPECT_FALSE(error);
+  }
+}
+
+TEST(InsecureUnarchiving, ReadsClassesThatDoNotAdoptSecureCoding) {
+  const auto [object, error] = unarchived(makeData(point("Pt")));
+  const Point* const read = cast<Point>(static_cast<NSObject*>(object));
+  ASSERT_TRUE(read);
+  EXPECT_EQ(utf8(*read->name), "x");
+  EXPECT_EQ(read->n, 7);
+  EXPECT_FALSE(error);
+}
+
+TEST(InsecureUnarchiving, TellsBytesThatAreNoArchiveFromObjectsThatCannotBeDecoded) {
+  struct Row {
+    std::string why;
+    Strong<NSData> data;
+    bool isArchive;
+  };
+  const std::vector<Row> rows = {
+      {"null", nullptr, true},
+      {"no bytes", makeData(""), false},
+      {"other text", makeData("hello world"), false},
+      {"a header alone", makeData("bplist00"), false},
+      {"a property list that is no archive", makeData("<plist><array/></plist>"), false},
+      {"an archive that goes by another name",
+       makeData("<plist><dict><key>$archiver</key><string>X</string></dict></plist>"), false},
+      {"nothing under the root key", makeData(xml("<key>other</key>" + uid(1), "<string>x</string>")), true},
+      {"null at the root", makeData(xml("<key>root</key>" + uid(0), "")), true},
+      {"a reference to no object", makeData(xml("<key>root</key>" + uid(9), "")), true},
+      {"a class that nobody knows", makeData(point("Nobody")), true},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto [object, error] = unarchived(row.data);
+    EXPECT_FALSE(object);
+    EXPECT_EQ(error ? error->code() : 0, row.isArchive ? 0 : NSCoderReadCorruptError)
+        << "an error says that the bytes are no archive, and nothing else";
+    EXPECT_FALSE(send<"insecureUnarchivedObjectOfClass:fromData:error:">(classOf<NSKeyedUnarchiver>(),
+                                                                         classOf<NSArray>(), row.data, nullptr))
+        << "without a place for the error";
+  }
+}
+
+// Records what it is asked, in order.
+class Witness : public Object<Witness, NSKeyedUnarchiver> {
+ public:
+  static inline std::vector<std::string> seen;
+
+  ~Witness() override { seen.emplace_back("ends"); }
+  Strong<NSKeyedUnarchiver> initForReadingFromData(NSData* data, Strong<NSError>* error) override {
+    seen.emplace_back("init");
+    return NSKeyedUnarchiver::initForReadingFromData(data, error);
+  }
+  void setRequiresSecureCoding(bool required) override {
+    seen.emplace_back(required ? "secure" : "insecure");
+    NSKeyedUnarchiver::setRequiresSecureCoding(required);
+  }
+  Strong<NSObject> decodeObjectOfClass(Class cls, std::string_view key) override {
+    seen.push_back("class under " + std::string(key));
+    return NSKeyedUnarchiver::decodeObjectOfClass(cls, key);
+  }
+  Strong<NSObject> decodeObjectOfClasses(const NSSet* classes, std::string_view key) override {
+    seen.push_back("classes under " + std::string(key));
+    return NSKeyedUnarchiver::decodeObjectOfClasses(classes, key);
+  }
+  Strong<NSError> error() const override {
+    seen.emplace_back("error");
+    return NSKeyedUnarchiver::error();
+  }
+  void finishDecoding() override { seen.emplace_back("finish"); }
+};
+
+TEST(InsecureUnarchiving, AsksAnUnarchiverOfTheReceivingClassAndLetsItGo) {
+  const auto data = NSKeyedArchiver::archivedDataWithRootObject(makeString("x"), false, nullptr);
+  Strong<NSError> error;
+  Witness::seen.clear();
+  EXPECT_TRUE(
+      send<"insecureUnarchivedObjectOfClass:fromData:error:">(classOf<Witness>(), classOf<NSString>(), data, &error));
+  EXPECT_EQ(Witness::seen, (std::vector<std::string>{"init", "insecure", "class under root", "ends"}));
+  Witness::seen.clear();
+  EXPECT_TRUE(send<"insecureUnarchivedObjectOfClasses:fromData:error:">(classOf<Witness>(),
+                                                                        makeSet({classOf<NSString>()}), data, &error));
+  EXPECT_EQ(Witness::seen, (std::vector<std::string>{"init", "insecure", "classes under root", "ends"}));
+}
+
+}  // namespace
+}  // namespace havrin
