@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
+#include <set>
 #include <utility>
 
 #include <HavrinFoundation/collections/array_blocks_messages.h>
@@ -63,6 +64,19 @@ std::string onAirText(Date since, Date now) {
   return std::to_string(days) + " days";
 }
 
+std::string greeting(Date lastOpen, Date now) {
+  const std::int64_t days = numberOfCalendarDays(lastOpen, now);
+  return "Last open " + onAirText(lastOpen, now) + (days > 1 ? " ago." : ".");
+}
+
+void insertOrErase(std::set<std::string>& set, const std::string& element, bool isIn) {
+  if (isIn) {
+    set.insert(element);
+  } else {
+    set.erase(element);
+  }
+}
+
 std::string httpDate() { return "Date: " + utf8(*rfc1123<NSDateFormatter>()->stringFromDate(NSDate::date())); }
 
 // The link as it is shared: with the campaign that the sharing is counted under.
@@ -90,6 +104,35 @@ Board::Board(const NSArray& stations, std::string source, std::size_t skipped, s
     const auto& station = static_cast<const Station&>(*object);
     shown_[&station] = {station.entry().listeners, station.entry().song};
   }
+}
+
+void Board::restore(const SavedState& state) {
+  kept_ = state;
+  for (NSObject* object : each(all_)) {
+    auto& station = static_cast<Station&>(*object);
+    const std::string& link = station.entry().link;
+    const bool marked = state.favourites.contains(link);
+    if (marked || state.unmarked.contains(link)) station.setFavourite(marked);
+  }
+  for (const auto& [genre, code] : state.genreColours) paintGenre(genre, code);
+  if (isSearchText(state.search)) search_ = state.search;
+  favouritesOnly_ = state.favouritesOnly;
+  if (const Date now = Date::now(); state.lastOpen && *state.lastOpen <= now) note_ = greeting(*state.lastOpen, now);
+  applySearch();
+}
+
+SavedState Board::state() const {
+  SavedState state = kept_;
+  for (NSObject* object : each(all_)) {
+    const auto& station = static_cast<const Station&>(*object);
+    const std::string& link = station.entry().link;
+    insertOrErase(state.favourites, link, station.isFavourite());
+    insertOrErase(state.unmarked, link, station.entry().favourite && !station.isFavourite());
+  }
+  state.search = search_;
+  state.favouritesOnly = favouritesOnly_;
+  state.lastOpen = Date::now();
+  return state;
 }
 
 void Board::observe() {
@@ -140,6 +183,11 @@ bool Board::press(std::string_view key) {
   return true;
 }
 
+void Board::say(std::string text) {
+  note_ = std::move(text);
+  refresh();
+}
+
 void Board::applySearch() {
   const std::string wanted = lowered(search_);
   Strong<NSArray> found = send<"select:">(order_, [&](const Station& station) {
@@ -185,6 +233,7 @@ void Board::recolour() {
   const std::string_view code = isLast ? kColourCodes[0] : found[1];
   const std::string& genre = station->entry().genre;
   paintGenre(genre, code);
+  kept_.genreColours[genre] = code;
   note_ = genre + " is " + std::string(code) + " now.";
 }
 

@@ -12,6 +12,7 @@
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/graphics/responder.h>
 
+#include "saved_state.h"
 #include "screen.h"
 #include "station.h"
 
@@ -22,6 +23,11 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   /// `stations` of Station; `redraw` is called when something has changed, at most ten times a second.
   Board(const havrin::NSArray& stations, std::string source, std::size_t skipped, std::function<void()> redraw);
 
+  /// Takes over what was saved, and greets. Before it observes.
+  void restore(const SavedState& state);
+  /// What is to be saved.
+  [[nodiscard]] SavedState state() const;
+
   /// Starts to observe the stations. Before any studio works on them.
   void observe();
 
@@ -29,6 +35,9 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   bool press(std::string_view key);
 
   [[nodiscard]] std::vector<std::string> lines(Terminal::Size size, const Paint& paint) const;
+
+  /// Shows a line of text until a key is typed.
+  void say(std::string text);
 
   [[nodiscard]] havrin::Strong<havrin::NSArray> stations() const { return all_; }
 
@@ -57,6 +66,7 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   std::string source_;
   std::size_t skipped_;
   std::function<void()> redraw_;
+  SavedState kept_;  // marks and colours, also those of stations and genres that are not on this board
   std::string search_;
   std::string note_;
   bool favouritesOnly_ = false;

@@ -4,6 +4,7 @@
 
 #include <clocale>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -20,6 +21,7 @@
 
 #include "board.h"
 #include "options.h"
+#include "saved_state.h"
 #include "screen.h"
 #include "station_file.h"
 #include "studios.h"
@@ -90,12 +92,13 @@ void runOnTerminal(Board& board, const Options& options, const Paint& paint, boo
   std::vector<std::string> script = keysOf(options.keys.value_or(""));
   const double end = options.seconds > 0 ? havrin::monotonicSeconds() + options.seconds : HUGE_VAL;
   terminal.draw(board.lines(Terminal::size(), paint));
-  for (double now = 0; (now = havrin::monotonicSeconds()) < end;) {
+  for (double now = 0; (now = havrin::monotonicSeconds()) < end && Terminal::endedBy() == 0;) {
     pollfd descriptors[] = {{havrin::mainLoopDescriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
     constexpr double kLongestWait = 0.5;  // the clock on the board moves on
     poll(descriptors, 2, static_cast<int>(1000 * std::min(kLongestWait, end - now)));
     havrin::drainMainLoop();
     std::vector<std::string> keys = std::exchange(script, {});
+    if (descriptors[1].revents & ~POLLIN) return;  // the terminal is gone
     if (descriptors[1].revents) {
       for (std::string& key : keysOf(terminal.typed())) keys.push_back(std::move(key));
     }
@@ -104,6 +107,31 @@ void runOnTerminal(Board& board, const Options& options, const Paint& paint, boo
     }
     if (std::exchange(changed, false)) terminal.draw(board.lines(Terminal::size(), paint));
   }
+}
+
+// Gives the board its saved state. Result: where it is to be saved again, if at all.
+std::optional<StateFile> restore(Board& board, const Options& options) {
+  if (options.keepsNoState) return std::nullopt;
+  const std::string path = options.stateFile.value_or(defaultStateFile());
+  if (path.empty()) {
+    std::fprintf(stderr, "radio: no place for the state: neither XDG_STATE_HOME nor HOME is set (--state FILE)\n");
+    return std::nullopt;
+  }
+  const StateFile file(path);
+  const RestoredState restored = restoreState(file);
+  board.restore(restored.state);
+  if (!restored.problem.empty()) {
+    std::fprintf(stderr, "radio: %s\n", restored.problem.c_str());
+    board.say("Starting fresh: " + restored.problem);
+  }
+  return restored.mayBeSaved ? std::optional(file) : std::nullopt;
+}
+
+int save(const Board& board, const StateFile& file) {
+  const std::string problem = saveState(board.state(), file);
+  if (problem.empty()) return 0;
+  std::fprintf(stderr, "radio: cannot save the state as %s: %s\n", file.path().c_str(), problem.c_str());
+  return 1;
 }
 
 int run(const Options& options) {
@@ -126,13 +154,14 @@ int run(const Options& options) {
   bool changed = false;
   const auto board = havrin::make<Board>(*loaded.stations, std::filesystem::path(file).filename().string(),
                                          loaded.skipped.size(), [&changed] { changed = true; });
+  const std::optional<StateFile> kept = restore(*board, options);
   board->observe();
   if (onTerminal) {
     runOnTerminal(*board, options, paint, changed);
   } else {
     runOnce(*board, options, paint);
   }
-  return 0;
+  return kept ? save(*board, *kept) : 0;
 }
 
 }  // namespace
@@ -144,5 +173,10 @@ int main(int count, char** words) {
     std::fputs(answer->text.c_str(), answer->status ? stderr : stdout);
     return answer->status;
   }
-  return run(std::get<Options>(read));
+  const int status = run(std::get<Options>(read));
+  if (const int signal = Terminal::endedBy()) {
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+  }
+  return status;
 }

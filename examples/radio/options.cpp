@@ -1,8 +1,12 @@
 #include "options.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace radio {
 
@@ -19,6 +23,10 @@ constexpr const char* kHelp =
   --colours never|always|auto   auto: on a terminal, unless NO_COLOR is set
   --keys TEXT                   keys typed by a script, for runs without a keyboard
   --link URL                    show a link and its campaign parameters, and exit
+  --state FILE                  where the board keeps its state: favourites, colours, search
+                                ($XDG_STATE_HOME/havrin-radio/board.state, or else
+                                ~/.local/state/havrin-radio/board.state)
+  --no-state                    neither restore nor save it
 
 Keys: type to search, Backspace takes back, Enter shares the first station, Tab shuffles, * hides all but favourites,
       + makes the first station a favourite, # gives its genre another colour, Esc clears,
@@ -26,6 +34,21 @@ Keys: type to search, Backspace takes back, Enter shares the first station, Tab 
 )";
 
 Answer misuse(const std::string& what) { return {"radio: " + what + " (radio --help)\n", 2}; }
+
+constexpr std::pair<std::string_view, std::optional<std::string> Options::*> kTexts[] = {
+    {"--keys", &Options::keys}, {"--link", &Options::link}, {"--state", &Options::stateFile}};
+constexpr std::pair<std::string_view, bool Options::*> kSwitches[] = {
+    {"--once", &Options::once}, {"--verbose", &Options::verbose}, {"--no-state", &Options::keepsNoState}};
+constexpr std::pair<std::string_view, Colours> kColours[] = {
+    {"never", Colours::never}, {"always", Colours::always}, {"auto", Colours::automatic}};
+
+// The second of the pair that `name` is the first of; null for none.
+template <class Value, std::size_t N>
+const Value* valueOf(std::string_view name, const std::pair<std::string_view, Value> (&table)[N]) {
+  const auto* const found =
+      std::find_if(std::begin(table), std::end(table), [name](const auto& row) { return row.first == name; });
+  return found == std::end(table) ? nullptr : &found->second;
+}
 
 }  // namespace
 
@@ -35,10 +58,12 @@ std::variant<Options, Answer> readOptions(int count, const char* const* words) {
     const std::string_view word = words[i];
     const auto value = [&]() -> const char* { return i + 1 < count ? words[++i] : nullptr; };
     if (word == "--help" || word == "-h") return Answer{kHelp, 0};
-    if (word == "--once") {
-      options.once = true;
-    } else if (word == "--verbose") {
-      options.verbose = true;
+    if (const auto* option = valueOf(word, kSwitches)) {
+      options.*(*option) = true;
+    } else if (const auto* taken = valueOf(word, kTexts)) {
+      const char* given = value();
+      if (!given || !*given) return misuse(std::string(word) + " takes a value");
+      options.*(*taken) = given;
     } else if (word == "--seconds") {
       const char* text = value();
       const char* end = text ? text + std::strlen(text) : nullptr;
@@ -46,21 +71,10 @@ std::variant<Options, Answer> readOptions(int count, const char* const* words) {
         return misuse("--seconds takes a number that is not negative");
       }
     } else if (word == "--colours") {
-      const char* text = value();
-      const std::string_view choice = text ? text : "";
-      if (choice == "never") {
-        options.colours = Colours::never;
-      } else if (choice == "always") {
-        options.colours = Colours::always;
-      } else if (choice == "auto") {
-        options.colours = Colours::automatic;
-      } else {
-        return misuse("--colours takes never, always or auto");
-      }
-    } else if (word == "--keys" || word == "--link") {
-      const char* text = value();
-      if (!text) return misuse(std::string(word) + " takes a value");
-      (word == "--keys" ? options.keys : options.link) = text;
+      const char* choice = value();
+      const Colours* colours = valueOf(choice ? choice : "", kColours);
+      if (!colours) return misuse("--colours takes never, always or auto");
+      options.colours = *colours;
     } else if (word.starts_with("-") && word != "-") {
       return misuse("there is no option " + std::string(word));
     } else if (options.stationsFile.empty()) {

@@ -10,9 +10,11 @@ namespace radio {
 enum class Colours { never, always, automatic };
 
 struct Options {
-  std::string stationsFile;         // the shipped one when empty
-  std::optional<std::string> link;  // shown with its campaign parameters, instead of the board
-  std::optional<std::string> keys;  // typed by a script instead of the keyboard
+  std::string stationsFile;              // the shipped one when empty
+  std::optional<std::string> link;       // shown with its campaign parameters, instead of the board
+  std::optional<std::string> keys;       // typed by a script instead of the keyboard
+  std::optional<std::string> stateFile;  // the default place when it is not said
+  bool keepsNoState = false;
   bool once = false;
   bool verbose = false;
   double seconds = 30;  // 0: until q

@@ -53,11 +53,9 @@ void restore() {
   writeAll("\x1b[?25h\x1b[?1049l");
 }
 
-void restoreAndDie(int signal) {
-  restore();
-  std::signal(signal, SIG_DFL);
-  std::raise(signal);
-}
+volatile std::sig_atomic_t endingSignal = 0;
+
+void noteSignal(int signal) { endingSignal = signal; }
 
 }  // namespace
 
@@ -135,12 +133,14 @@ Terminal::Terminal() {
   raw.c_cc[VMIN] = 0;
   raw.c_cc[VTIME] = 0;
   tcsetattr(STDIN_FILENO, TCSANOW, &raw);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, restoreAndDie);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, noteSignal);
   std::atexit(restore);
   writeAll("\x1b[?1049h\x1b[?25l");
 }
 
 Terminal::~Terminal() { restore(); }
+
+int Terminal::endedBy() { return endingSignal; }
 
 bool Terminal::isPresent() { return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO); }
 

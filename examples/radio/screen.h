@@ -57,6 +57,9 @@ class Terminal {
   static Size size();
 
   void draw(const std::vector<std::string>& lines) const;
+  /// The signal that has asked the program to end, 0 for none. It does not end it by itself, so that state can be saved.
+  static int endedBy();
+
   /// The bytes that have been typed; empty when none have.
   [[nodiscard]] std::string typed() const;
 };

@@ -1,0 +1,42 @@
+// What the board keeps from one run to the next: a keyed archive in a file.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include <HavrinFoundation/platform/time/date.h>
+
+#include "state_file.h"
+
+namespace radio {
+
+/// Stations are told apart by their links, so that marks survive a new stations file.
+struct SavedState {
+  std::set<std::string> favourites;
+  std::set<std::string> unmarked;  // favourites of the stations file that are none any more
+  std::string search;
+  bool favouritesOnly = false;
+  std::map<std::string, std::string> genreColours;  // codes as "#1F618D", of genres that were given another colour
+  std::optional<havrin::Date> lastOpen;
+};
+
+/// Where the state stands unless the command line says: "havrin-radio/board.state" in XDG_STATE_HOME, or else in
+/// ~/.local/state. Empty when neither XDG_STATE_HOME, as an absolute path, nor HOME is set.
+/// Source: XDG Base Directories 0.8.
+std::string defaultStateFile();
+
+struct RestoredState {
+  SavedState state;        // a fresh one when there was none, or none that could be read
+  std::string problem;     // not empty: what was wrong with the file, and where it is now
+  bool mayBeSaved = true;  // false: what stands in the file could be lost
+};
+
+/// The state in the file. A damaged file is set aside.
+RestoredState restoreState(const StateFile& file);
+
+/// Result: empty, or why the state could not be saved.
+std::string saveState(const SavedState& state, const StateFile& file);
+
+}  // namespace radio
