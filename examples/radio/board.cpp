@@ -254,14 +254,15 @@ std::string Board::row(const Station& station, std::size_t width, const Paint& p
   const std::string birthday = isSameMonthAndDayAsToday(since) ? " *" : "";
 
   const std::size_t name = std::clamp<std::size_t>(width / 4, 14, 30);
-  const std::size_t fixed = 2 + 6 + 9 + name + 1 + 12 + 1 + 7 + 7 + 1 + 12 + 1;
   const std::string song = onAir ? shown.song : "off the air";
   const std::string left = fitted(station.isFavourite() ? "★" : "", 2) + fitted(base36Value(entry.identifier), 6) +
                            fitted(groupedSHA256(entry.link).value_or("").substr(0, 8), 9) + fitted(entry.name, name) +
                            " ";
+  const std::size_t room = width - (2 + 6 + 9 + name + 1) - 12;
   const std::string right =
-      " " + fitted(friendlyNumber(shown.listeners), 7, true) + fitted(friendlyNumber(entry.plays), 7, true) + " " +
-      fitted(onAirText(since, now) + birthday, 12) + " " + (width > fixed ? fitted(song, width - fixed) : "");
+      fitted(" " + fitted(friendlyNumber(shown.listeners), 7, true) + fitted(friendlyNumber(entry.plays), 7, true) +
+                 " " + fitted(onAirText(since, now) + birthday, 12) + " " + song,
+             room);
   const std::string genre = " " + fitted(entry.genre, 10) + " ";
   if (onAir) return left + paint.swatch(genre, station.colour()) + right;
   // Off the air: the colour is mixed with grey, the rest is faint.
