@@ -20,6 +20,18 @@ std::size_t columnsOf(char32_t scalar) {
   return static_cast<std::size_t>(std::max(0, wcwidth(static_cast<wchar_t>(scalar))));
 }
 
+// Stations are named by files: what would steer the terminal is made visible.
+std::string withoutControls(std::string_view text) {
+  std::string visible;
+  for (std::size_t i = 0; i < text.size();) {
+    const havrin::Scalar scalar = havrin::scalarAt(text, i);
+    const bool isControl = scalar.value < 0x20 || (scalar.value >= 0x7F && scalar.value < 0xA0);
+    visible += isControl ? "\uFFFD" : text.substr(i, scalar.length);
+    i += scalar.length;
+  }
+  return visible;
+}
+
 int byteOf(double component) { return static_cast<int>(std::clamp(component, 0.0, 1.0) * 255.0); }
 
 std::string rgbCode(const char* kind, const havrin::RGBA& colour) {
@@ -69,11 +81,12 @@ std::size_t columns(std::string_view text) {
   return total;
 }
 
-std::string fitted(std::string_view text, std::size_t width, bool toTheRight) {
+std::string fitted(std::string_view given, std::size_t width, bool toTheRight) {
+  const std::string text = withoutControls(given);
   const std::size_t whole = columns(text);
   if (whole <= width) {
     const std::string blanks(width - whole, ' ');
-    return toTheRight ? blanks + std::string(text) : std::string(text) + blanks;
+    return toTheRight ? blanks + text : text + blanks;
   }
   if (width == 0) return {};
   std::string cut;
@@ -82,13 +95,15 @@ std::string fitted(std::string_view text, std::size_t width, bool toTheRight) {
     const havrin::Scalar scalar = havrin::scalarAt(text, i);
     if (used + columnsOf(scalar.value) > width - 1) break;
     used += columnsOf(scalar.value);
-    cut += text.substr(i, scalar.length);
+    cut.append(text, i, scalar.length);
     i += scalar.length;
   }
   return cut + "…" + std::string(width - 1 - used, ' ');
 }
 
-std::vector<std::string> linesOf(std::string_view text, std::size_t width) {
+std::vector<std::string> linesOf(std::string_view given, std::size_t width) {
+  const std::string visible = withoutControls(given);
+  std::string_view text = visible;
   std::vector<std::string> lines;
   while (!text.empty()) {
     std::size_t end = 0;

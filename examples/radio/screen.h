@@ -15,6 +15,7 @@ namespace radio {
 std::size_t columns(std::string_view text);
 
 /// The text in exactly `width` columns: cut with "…" when it is longer, filled with blanks when it is shorter.
+/// Control characters show as U+FFFD, here and below.
 std::string fitted(std::string_view text, std::size_t width, bool toTheRight = false);
 
 /// The whole text over as many lines of at most `width` columns as it takes, between words where it can; none for no text.
