@@ -27,7 +27,7 @@ struct Destruction {
   std::uint32_t depth = 0;
   std::vector<NSObject*>* deferred = nullptr;
 };
-constinit thread_local Destruction destruction;
+constinit thread_local Destruction destruction [[gnu::tls_model("initial-exec")]];
 
 void destroyNow(NSObject* object) noexcept {
   ObjectHeader& header = headerOf(object);
@@ -35,8 +35,10 @@ void destroyNow(NSObject* object) noexcept {
   if (dispatchClass(object)->isNotifying()) dropObservations(object);
   object->~NSObject();
   header.strong.store(ObjectHeader::kDestroyed, std::memory_order_release);  // for those who hold a Weak
-  constexpr std::uint32_t kLast = 1;
-  if ((header.weak.fetch_sub(1, std::memory_order_acq_rel) & ~ObjectHeader::kHasAssociations) == kLast) {
+  const auto isLast = [](std::uint32_t weak) { return (weak & ~ObjectHeader::kHasAssociations) == 1; };
+  // Where nobody holds a Weak, nobody can come by one any more: nothing needs to be counted down.
+  if (isLast(header.weak.load(std::memory_order_acquire)) ||
+      isLast(header.weak.fetch_sub(1, std::memory_order_acq_rel))) {
     std::free(&header);
   }
 }

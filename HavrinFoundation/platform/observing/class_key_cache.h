@@ -1,66 +1,69 @@
 // What has been found out about a key of a class, kept until the methods of any class change.
 #pragma once
 
+#include <array>
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
-#include <mutex>
-#include <optional>
-#include <shared_mutex>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 
 #include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 
-/// Values by class and key. Keep only what the program's own methods bound: keys come from files, too.
-/// Cost: a hash look-up under a shared lock. Threads: any; nothing foreign runs under the lock.
+/// Values by class and key. Keep only what the program's own methods bound: keys come from files, too. Entries stay in
+/// memory, so that nobody needs a lock to read them; a cache is never destroyed.
+/// Cost: a hash look-up. Threads: any.
 template <class Value>
 class ClassKeyCache {
  public:
-  /// The value, found at the time when `changes` was the number of method changes.
-  [[nodiscard]] std::optional<Value> find(const ClassObject& cls, std::string_view key, std::uint64_t changes) {
-    const std::shared_lock guard(lock_);
-    if (goodFor_ != changes) return std::nullopt;
-    const auto found = values_.find({&cls, key});
-    if (found == values_.end()) return std::nullopt;
-    return found->second.value;
+  /// The value that was found when `changes` was the number of method changes; null for none.
+  [[nodiscard]] const Value* find(const ClassObject& cls, std::string_view key, std::uint64_t changes) {
+    for (Entry* entry = chainOf(cls, key).load(std::memory_order_acquire); entry; entry = entry->next) {
+      if (entry->isFor(cls, key) && entry->goodFor.load(std::memory_order_acquire) == changes) return &entry->value;
+    }
+    return nullptr;
   }
 
   void keep(const ClassObject& cls, std::string_view key, std::uint64_t changes, const Value& value) {
-    auto text = std::make_unique<std::string>(key);
-    const Place place{&cls, *text};
-    std::unordered_map<Place, Kept, PlaceHash> outdated;  // goes after the lock
-    const std::unique_lock guard(lock_);
-    if (goodFor_ < changes) {
-      outdated.swap(values_);
-      goodFor_ = changes;
+    std::atomic<Entry*>& chain = chainOf(cls, key);
+    Entry* first = chain.load(std::memory_order_acquire);
+    for (Entry* entry = first; entry; entry = entry->next) {
+      // Most changes of methods change nothing about this key.
+      if (entry->isFor(cls, key) && entry->value == value) {
+        return entry->goodFor.store(changes, std::memory_order_release);
+      }
     }
-    if (goodFor_ == changes) values_.try_emplace(place, Kept{std::move(text), value});
+    auto* entry = new Entry(cls, key, changes, value);
+    do {
+      entry->next = first;
+    } while (!chain.compare_exchange_weak(first, entry, std::memory_order_acq_rel, std::memory_order_acquire));
   }
 
  private:
-  struct Place {
-    const ClassObject* cls;
-    std::string_view key;
-    friend bool operator==(const Place&, const Place&) = default;
-  };
-  struct PlaceHash {
-    std::size_t operator()(const Place& place) const {
-      return std::hash<std::string_view>()(place.key) ^ (reinterpret_cast<std::uintptr_t>(place.cls) >> 6);
+  struct Entry {
+    Entry(const ClassObject& ofClass, std::string_view ofKey, std::uint64_t changes, const Value& found)
+        : cls(&ofClass), key(ofKey), value(found), goodFor(changes) {}
+    [[nodiscard]] bool isFor(const ClassObject& other, std::string_view text) const {
+      return cls == &other && key == text;
     }
-  };
-  struct Kept {
-    std::unique_ptr<std::string> text;
-    Value value;
+
+    const ClassObject* const cls;
+    const std::string key;
+    const Value value;
+    std::atomic<std::uint64_t> goodFor;
+    Entry* next = nullptr;
   };
 
-  std::shared_mutex lock_;
-  std::uint64_t goodFor_ = 0;
-  std::unordered_map<Place, Kept, PlaceHash> values_;
+  std::atomic<Entry*>& chainOf(const ClassObject& cls, std::string_view key) {
+    // Class objects stand far apart: the bits above their tables tell them from one another.
+    const std::size_t hash = std::hash<std::string_view>()(key) ^ (reinterpret_cast<std::uintptr_t>(&cls) >> 12);
+    return chains_[hash % chains_.size()];
+  }
+
+  std::array<std::atomic<Entry*>, 1024> chains_{};
 };
 
 }  // namespace havrin::inline platform

@@ -17,6 +17,7 @@ struct KeyFacts {
   std::shared_ptr<const Paths> affecting;  // paths whose change changes this key; null for none
 
   [[nodiscard]] bool isAlone() const { return !affecting; }
+  friend bool operator==(const KeyFacts&, const KeyFacts&) = default;
 };
 
 /// Asks the class's own methods, once for each class and key that it has a method for.

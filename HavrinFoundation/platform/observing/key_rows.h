@@ -14,11 +14,12 @@ namespace havrin::inline platform {
 struct KeyRows {
   const MethodRow* getter = nullptr;
   const MethodRow* setter = nullptr;
+  friend bool operator==(const KeyRows&, const KeyRows&) = default;
 };
 
 /// The rows that answer `key` in the class that the program sees. Kept per class and key until some class's methods
 /// change; keys that have no row are not kept, and no key makes a selector.
-/// Cost: a hash look-up under a shared lock. Threads: any.
+/// Cost: a hash look-up. Threads: any.
 [[nodiscard]] KeyRows rowsForKey(const ClassObject& shown, std::string_view key);
 
 /// The row of this name that key-value coding can call with `arguments` objects; null when there is none.

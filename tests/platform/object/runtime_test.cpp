@@ -264,9 +264,10 @@ TEST(References, ReadNullFromTheMomentTheLastStrongOneGoes) {
 TEST(References, RaceBetweenPromotionAndTheLastRelease) {
   for (int round = 0; round < 2000; ++round) {
     auto object = make<Station>();
-    const Weak<Station> weak = object;
-    std::thread other([&weak] {
-      if (const Strong<Station> held = weak.lock()) send<"tune:">(held, 1);
+    // Every other time the thread has the only weak reference, which goes while the object does.
+    const Weak<Station> weak = round % 2 ? Weak<Station>() : object;
+    std::thread other([theirs = Weak<Station>(object)] {
+      if (const Strong<Station> held = theirs.lock()) send<"tune:">(held, 1);
     });
     object = nullptr;
     other.join();

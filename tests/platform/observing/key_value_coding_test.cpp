@@ -194,8 +194,15 @@ TEST(KeyValueCoding, MakesNoSelectorsOfTextFromOutside) {
   }
 }
 
-TEST(KeyValueCoding, MayBeUsedFromSeveralThreads) {
+TEST(KeyValueCoding, MayBeUsedFromSeveralThreadsWhileCategoriesCome) {
   std::vector<std::thread> threads;
+  threads.emplace_back([] {
+    const Category* const categories[] = {&kAdded};
+    for (int i = 0; i < 200; ++i) {
+      const Loader again(Image{
+          .name = "again", .identification = nullptr, .strings = {}, .categories = categories, .initialisers = {}});
+    }
+  });
   for (int t = 0; t < 4; ++t) {
     threads.emplace_back([] {
       const auto station = make<Station>();
