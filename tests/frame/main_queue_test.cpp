@@ -15,16 +15,6 @@ namespace {
 
 using namespace havrin;
 
-// What a block sees of where it runs.
-struct Place {
-  bool ran = false;
-  bool onMainThread = false;
-  void look() {
-    ran = true;
-    onMainThread = isMainThread();
-  }
-};
-
 // Before main(), and before anything else has touched a queue.
 const bool ranBeforeMain = [] {
   bool ran = false;
@@ -34,78 +24,67 @@ const bool ranBeforeMain = [] {
 
 TEST(GuaranteeMainQueue, RunsAtOnceOnTheMainQueue) {
   EXPECT_TRUE(ranBeforeMain) << "before any run loop, in a static initialiser";
-  std::vector<int> order;
+  std::string order;
   GuaranteeMainQueue([&] {
-    order.push_back(1);
-    GuaranteeMainQueue([&] { order.push_back(2); });
-    order.push_back(3);
+    order += "1";
+    GuaranteeMainQueue([&] { order += "2"; });
+    order += "3";
   });
-  EXPECT_EQ(order, (std::vector<int>{1, 2, 3})) << "nested inside the caller";
+  EXPECT_EQ(order, "123") << "nested inside the caller";
 
   TestClock clock;
-  Place queued;
-  Place inTimer;
-  dispatch_async(dispatch_get_main_queue(), [&] { GuaranteeMainQueue([&] { queued.look(); }); });
-  RunLoop::current().performAfter(1, [&] {
-    GuaranteeMainQueue([&] { inTimer.look(); });
-    EXPECT_TRUE(inTimer.ran);
-  });
-  clock.advance(1);
-  EXPECT_TRUE(queued.ran && inTimer.ran);
-}
-
-TEST(GuaranteeMainQueue, RunsAtOnceOnAQueueThatRunsThroughTheMainQueue) {
-  TestClock clock;
+  const auto atOnce = [&](const char* where) {
+    bool ran = false;
+    GuaranteeMainQueue([&] { ran = true; });
+    EXPECT_TRUE(ran) << where;
+    order += where;
+  };
   const DispatchQueue inner = dispatch_queue_create("inner", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue());
   const DispatchQueue outer = dispatch_queue_create("outer", DISPATCH_QUEUE_SERIAL, inner);
-  Place place;
-  bool ranInside = false;
-  dispatch_async(outer, [&] {
-    GuaranteeMainQueue([&] { place.look(); });
-    ranInside = place.ran;
-  });
-  EXPECT_TRUE(clock.runUntil([&] { return place.ran; }));
-  EXPECT_TRUE(ranInside && place.onMainThread);
+  dispatch_async(dispatch_get_main_queue(), [&] { atOnce(" queued"); });
+  RunLoop::current().performAfter(1, [&] { atOnce(" timer"); });
+  clock.advance(1);
+  dispatch_async(outer, [&] { atOnce(" through"); });
+  EXPECT_TRUE(clock.runUntil([&] { return order == "123 queued timer through"; }));
 }
 
 TEST(GuaranteeMainQueue, QueuesFromAnywhereElseInOrder) {
   TestClock clock;
   std::vector<int> order;
+  const auto queue = [&](int number) {
+    GuaranteeMainQueue([&order, number] {
+      EXPECT_TRUE(isMainThread());
+      order.push_back(number);
+    });
+  };
   std::thread([&] {
-    for (int i = 0; i < 3; ++i) {
-      GuaranteeMainQueue([&order, i] {
-        EXPECT_TRUE(isMainThread());
-        order.push_back(i);
-      });
-    }
+    for (int i = 0; i < 3; ++i) queue(i);
   }).join();
   EXPECT_TRUE(order.empty()) << "only queued";
-  GuaranteeMainQueue([&] { order.push_back(-1); });
+  queue(-1);
   EXPECT_EQ(order, (std::vector<int>{-1})) << "does not wait for what others have queued";
   clock.runDue();
-  EXPECT_EQ(order, (std::vector<int>{-1, 0, 1, 2}));
-
-  Place place;
-  const DispatchQueue line = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
-  dispatch_async(line, [&] { GuaranteeMainQueue([&] { place.look(); }); });
-  EXPECT_TRUE(clock.runUntil([&] { return place.ran; }));
-  EXPECT_TRUE(place.onMainThread);
+  dispatch_async(dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL), [&] { queue(3); });
+  EXPECT_TRUE(clock.runUntil([&] { return order.size() == 5; }));
+  EXPECT_EQ(order, (std::vector<int>{-1, 0, 1, 2, 3}));
 }
 
 TEST(GuaranteeMainQueue, AsksAboutTheQueueAndNotTheThread) {
   TestClock clock;
-  Place place;
+  bool ran = false;
   dispatch_sync(dispatch_queue_create("private", DISPATCH_QUEUE_SERIAL), [&] {
     ASSERT_TRUE(isMainThread());
-    GuaranteeMainQueue([&] { place.look(); });
-    EXPECT_FALSE(place.ran) << "the main thread, but another queue";
+    GuaranteeMainQueue([&] { ran = true; });
+    EXPECT_FALSE(ran) << "the main thread, but another queue";
   });
-  EXPECT_FALSE(place.ran);
+  EXPECT_FALSE(ran);
   clock.runDue();
-  EXPECT_TRUE(place.ran);
+  EXPECT_TRUE(ran);
 }
 
 TEST(GuaranteeMainQueue, QueuesAlwaysWhileTheMarkIsMissing) {
+  EXPECT_EQ(kMainQueueKey, static_cast<const void*>(&kMainQueueKey));
+  EXPECT_EQ(kMainQueueValue, static_cast<const void*>(&kMainQueueValue));
   const DispatchQueue main = dispatch_get_main_queue();
   EXPECT_EQ(dispatch_queue_get_specific(main, kMainQueueKey), kMainQueueValue);
   dispatch_queue_set_specific(main, kMainQueueKey, nullptr, nullptr);
@@ -113,18 +92,12 @@ TEST(GuaranteeMainQueue, QueuesAlwaysWhileTheMarkIsMissing) {
   EXPECT_EQ(dispatch_queue_get_specific(main, kMainQueueKey), nullptr) << "marks once only";
 
   TestClock clock;
-  Place place;
-  GuaranteeMainQueue([&] { place.look(); });
-  EXPECT_FALSE(place.ran);
+  bool ran = false;
+  GuaranteeMainQueue([&] { ran = true; });
+  EXPECT_FALSE(ran);
   clock.runDue();
-  EXPECT_TRUE(place.ran);
+  EXPECT_TRUE(ran);
   dispatch_queue_set_specific(main, kMainQueueKey, kMainQueueValue, nullptr);
-}
-
-TEST(GuaranteeMainQueue, IsKnownByTwoPointersToThemselves) {
-  EXPECT_EQ(kMainQueueKey, static_cast<const void*>(&kMainQueueKey));
-  EXPECT_EQ(kMainQueueValue, static_cast<const void*>(&kMainQueueValue));
-  EXPECT_NE(kMainQueueKey, kMainQueueValue);
 }
 
 TEST(GuaranteeMainQueue, KeepsTheBlockForTheCallAndPassesOnWhatItThrows) {

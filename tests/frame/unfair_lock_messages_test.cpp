@@ -2,10 +2,7 @@
 
 #include <memory>
 #include <stdexcept>
-#include <thread>
-#include <vector>
 
-#include <HavrinFoundation/frame/unfair_lock.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <gtest/gtest.h>
 
@@ -48,24 +45,6 @@ TEST(MessageUnfairLock, SurvivesABlockThatDropsTheLastReference) {
   const Weak<message::UnfairLock> weak = lock;
   send<"withLock:">(lock, [&lock] { lock = nullptr; });
   EXPECT_FALSE(weak.lock());
-}
-
-TEST(MessageUnfairLock, ExcludesOtherThreads) {
-  const auto lock = make<message::UnfairLock>();
-  std::int64_t count = 0;
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 8; ++i) {
-    threads.emplace_back([&] {
-      for (int n = 0; n < 100'000; ++n) send<"withLock:">(lock, [&count] { ++count; });
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(count, 800'000);
-}
-
-TEST(MessageUnfairLockDeathTest, AbortsWhenTheHolderTakesItAgain) {
-  const auto lock = make<message::UnfairLock>();
-  EXPECT_DEATH(send<"withLock:">(lock, [&] { send<"withLock:">(lock, [] {}); }), "locked again");
 }
 
 }  // namespace
