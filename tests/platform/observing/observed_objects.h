@@ -59,6 +59,8 @@ class Station : public Object<Station, NSObject> {
   std::int64_t quiet = 0;
   std::vector<Strong<NSObject>> tags;
 
+  /// True when nobody is registered with the object.
+  [[nodiscard]] bool isUnobserved() const { return !dispatchClass(this)->isNotifying(); }
   std::int64_t handValue() { return hand; }
   void setHand(std::int64_t value) { hand = value; }
   std::int64_t quietValue() { return quiet; }

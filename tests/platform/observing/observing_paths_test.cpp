@@ -31,7 +31,7 @@ TEST_F(Observed, PathsFollowWhatIsReplacedAndWhatIsMissing) {
   send<"setName:">(bob, text("gone"));
   EXPECT_EQ(watcher->take(), "");
   unwatch("host.name");
-  EXPECT_FALSE(dispatchClass(station)->isNotifying());
+  EXPECT_TRUE(station->isUnobserved());
 }
 
 TEST_F(Observed, PathsOfThreeStepsTellOfTheRoot) {
@@ -107,7 +107,7 @@ TEST_F(Observed, DependentKeysChangeWithWhatTheyDependOn) {
   EXPECT_EQ(watcher->take(), "banner 1 Nord/->Nord/-, longBanner 1 -><Nord/->");
   unwatch("banner");
   unwatch("longBanner");
-  EXPECT_FALSE(dispatchClass(station)->isNotifying());
+  EXPECT_TRUE(station->isUnobserved());
 }
 
 TEST_F(Observed, ByHandWhatIsAnnouncedIsTold) {
