@@ -60,20 +60,27 @@ std::vector<T> decodedFrom(std::string_view json) {
   });
 }
 
-std::string texts(const std::vector<std::int64_t>& values) {
+template <class T>
+std::string texts(const std::vector<T>& values);
+std::string shown(std::int64_t value) { return std::to_string(value); }
+std::string shown(std::optional<std::int64_t> value) { return value ? shown(*value) : "empty"; }
+std::string shown(const std::vector<std::int64_t>& values) { return "[" + texts(values) + "]"; }
+template <class T>
+std::string texts(const std::vector<T>& values) {
   std::string text;
-  for (const auto value : values) text += (text.empty() ? "" : " ") + std::to_string(value);
+  for (const T& value : values) text += (text.empty() ? "" : " ") + shown(value);
   return text;
 }
-std::string texts(const std::vector<std::optional<std::int64_t>>& values) {
-  std::string text;
-  for (const auto& value : values) text += (text.empty() ? "" : " ") + (value ? std::to_string(*value) : "empty");
-  return text;
-}
-std::string texts(const std::vector<std::vector<std::int64_t>>& values) {
-  std::string text;
-  for (const auto& value : values) text += "[" + texts(value) + "]";
-  return text;
+
+// What the DecodingError says that `body` throws; empty for none.
+template <class F>
+std::string errorOf(F body) {
+  try {
+    body();
+  } catch (const DecodingError& error) {
+    return error.what();
+  }
+  return {};
 }
 
 TEST(LenientDecoding, KeepsWhatDecodesInOrder) {
@@ -88,16 +95,12 @@ TEST(LenientDecoding, KeepsWhatDecodesInOrder) {
       {"[]", "", "", "", "nothing at all"},
       {"[1,\"x\",3]", "1 3", "1 3", "", "a text among integers"},
       {"[\"a\",\"b\"]", "", "", "", "every element bad"},
-      {"[\"a\"]", "", "", "", "the only one bad"},
-      {"[\"a\",1]", "1", "1", "", "the first one bad"},
-      {"[1,\"a\"]", "1", "1", "", "the last one bad"},
       {"[1,null,3]", "1 3", "1 empty 3", "", "a null is a bad integer and an empty optional"},
-      {"[null]", "", "empty", "", "a null alone"},
       {"[1,1.5,true,{},[],2]", "1 2", "1 2", "[]", "every kind of element"},
       {"[1,99999999999999999999,3]", "1 3", "1 3", "", "a number that fits nothing is one bad element"},
       {"[1e400,-9223372036854775809,1e2,-0.0,4.0]", "100 0 4", "100 0 4", "",
        "numbers that are whole, and that are not"},
-      {"[[1],[\"x\"],[2,3],4,[null]]", "4", "4", "[1][2 3]", "an array fails as a whole"},
+      {"[[1],[\"x\"],[2,3],4,[null]]", "4", "4", "[1] [2 3]", "an array fails as a whole"},
       {"[[],[[]],{\"a\":[1]}]", "", "", "[]", "containers inside are stepped over"},
   };
   for (const auto& row : rows) {
@@ -118,17 +121,7 @@ constexpr std::string_view kStations = R"({"stations": [
     {"name": "E", "plays": [3], "listeners": 50, "unknown": {}}
   ], "text": "x", "object": {}, "null": null})";
 
-TEST(LenientDecoding, SkipsAHalfDecodedElementWhole) {
-  const auto stations = JSONDecoder().read(kStations, [](Decoder& document) {
-    return decodeArraySkippingInvalidElements<Station>(document.container(), "stations");
-  });
-  ASSERT_EQ(stations.size(), 2u);
-  EXPECT_EQ(stations[0].name + stations[1].name, "AE");
-  EXPECT_EQ(texts(stations[0].plays), "1 2");
-  EXPECT_EQ(stations[1].listeners, 50);
-}
-
-TEST(LenientDecoding, ReportsToWhoAsks) {
+TEST(LenientDecoding, SkipsHalfDecodedElementsAndReportsToWhoAsks) {
   std::vector<std::string> reports;
   std::vector<std::size_t> indexes;
   const auto stations = JSONDecoder().read(kStations, [&](Decoder& document) {
@@ -139,7 +132,10 @@ TEST(LenientDecoding, ReportsToWhoAsks) {
                                                          EXPECT_EQ(element.path, element.reason.path());
                                                        });
   });
-  EXPECT_EQ(stations.size(), 2u);
+  ASSERT_EQ(stations.size(), 2u);
+  EXPECT_EQ(stations[0].name + stations[1].name, "AE");
+  EXPECT_EQ(texts(stations[0].plays), "1 2");
+  EXPECT_EQ(stations[1].listeners, 50);
   EXPECT_EQ(indexes, (std::vector<std::size_t>{1, 2, 3, 4, 5}));
   EXPECT_EQ(reports, (std::vector<std::string>{
                          "typeMismatch at stations[1].plays[1]: expected a 64-bit integer, found the string \"many\"",
@@ -165,21 +161,11 @@ TEST(LenientDecoding, PassesOnWhatOpeningTheArrayThrows) {
     const auto container = document.container();
     for (const char* key : {"absent", "text", "object", "null"}) {
       SCOPED_TRACE(key);
-      std::string expected;
-      try {
-        static_cast<void>(container.nestedUnkeyedContainer(key));
-      } catch (const DecodingError& error) {
-        expected = error.what();
-      }
+      const std::string expected = errorOf([&] { (void)container.nestedUnkeyedContainer(key); });
       const auto outcome = tryDecodeArraySkippingInvalidElements<Station>(container, key);
       ASSERT_FALSE(outcome);
       EXPECT_EQ(outcome.error().what(), expected);
-      try {
-        static_cast<void>(decodeArraySkippingInvalidElements<Station>(container, key));
-        FAIL() << "nothing was thrown";
-      } catch (const DecodingError& error) {
-        EXPECT_EQ(error.what(), expected);
-      }
+      EXPECT_EQ(errorOf([&] { (void)decodeArraySkippingInvalidElements<Station>(container, key); }), expected);
     }
   });
 }
@@ -236,16 +222,14 @@ TEST(LenientDecoding, WorksOnFormatsWithOtherHabits) {
 TEST(LenientDecoding, DropsEverythingWhereItCannotStep) {
   const Value value = Object{{"numbers", Array{1, 2, "x", 3}}};
   const Habits stuck{.canStep = false};
-  const Habits broken{.failsFrom = 2};
-  const Habits brokenAndThrows{.failsFrom = 2, .throws = true};
   const struct {
     Habits habits;
     const char* error;
     const char* why;
   } rows[] = {
       {stuck, "dataCorrupted at numbers[0]: no way to step", "a format that cannot move"},
-      {broken, "dataCorrupted at numbers[2]: the stream has broken off", "after two elements that decoded"},
-      {brokenAndThrows, "dataCorrupted at numbers[2]: the stream has broken off", "by an exception"},
+      {{.failsFrom = 2}, "dataCorrupted at numbers[2]: the stream has broken off", "after two elements that decoded"},
+      {{.failsFrom = 2, .throws = true}, "dataCorrupted at numbers[2]: the stream has broken off", "by an exception"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
@@ -253,12 +237,8 @@ TEST(LenientDecoding, DropsEverythingWhereItCannotStep) {
     const auto outcome = tryDecodeArraySkippingInvalidElements<std::int64_t>(container, "numbers");
     ASSERT_FALSE(outcome);
     EXPECT_EQ(outcome.error().description(), row.error);
-    try {
-      static_cast<void>(decodeArraySkippingInvalidElements<std::int64_t>(container, "numbers"));
-      FAIL() << "nothing was thrown";
-    } catch (const DecodingError& error) {
-      EXPECT_STREQ(error.what(), row.error);
-    }
+    EXPECT_EQ(errorOf([&] { (void)decodeArraySkippingInvalidElements<std::int64_t>(container, "numbers"); }),
+              row.error);
   }
   // An element that fails where its array cannot step fails the array, which is then an element that fails.
   const Value nested = Array{Array{1}, 2};
