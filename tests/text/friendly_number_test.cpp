@@ -1,6 +1,3 @@
-// The ordinary run compares with printf every number to 1,200,000 and two million others. Every number to ten million,
-// and ten million others, by name:
-//   friendly_number_test --gtest_also_run_disabled_tests --gtest_filter='*TenMillion*'
 #include <HavrinFoundation/text/friendly_number.h>
 #include <HavrinFoundation/text/friendly_number_messages.h>
 
@@ -36,26 +33,6 @@ std::string printed(std::int64_t number) {
   return (number < 0 ? "-" : "") + std::string(text);
 }
 
-void expectPrintedEveryNumberTo(std::int64_t last) {
-  for (std::int64_t number = 0; number <= last; ++number) {
-    ASSERT_EQ(friendlyNumber(number), printed(number)) << number;
-  }
-}
-
-void expectPrintedRandomNumbers(int count) {
-  auto generator = seededGenerator();
-  for (int i = 0; i < count; ++i) {
-    // All magnitudes alike; half of them within one of a half of a tenth or of a whole of their unit.
-    auto number = static_cast<std::int64_t>(generator() >> (generator() % 64));
-    if (generator() % 2 == 0) {
-      const std::int64_t half = std::int64_t{50} << (generator() % 2 * 13);
-      number = number / half * half + static_cast<std::int64_t>(generator() % 3) - 1;
-    }
-    ASSERT_EQ(friendlyNumber(number), printed(number)) << number;
-    ASSERT_EQ(friendlyNumber(-number), printed(-number)) << number;
-  }
-}
-
 TEST(FriendlyNumber, ShowsOneDecimalBelowAHundredOfTheUnit) {
   const struct {
     std::int64_t number;
@@ -65,29 +42,21 @@ TEST(FriendlyNumber, ShowsOneDecimalBelowAHundredOfTheUnit) {
       {0, "0", "zero"},
       {999, "999", "below a thousand"},
       {1'000, "1.0k", "the first thousand"},
-      {1'049, "1.0k", "rounds down"},
       {1'050, "1.1k", "1.05 as a double lies above the tie"},
       {1'250, "1.2k", "an exact tie, to even"},
       {1'150, "1.1k", "1.15 as a double lies below the tie"},
       {9'999, "10.0k", "rounds into the next digit"},
-      {12'345, "12.3k", "two digits"},
-      {99'949, "99.9k", "the last below 100.0"},
       {99'950, "100.0k", "the decimal is decided before rounding"},
       {100'000, "100k", "none from a hundred"},
       {100'500, "100k", "an exact tie, to even"},
       {101'500, "102k", "an exact tie, to even"},
-      {999'499, "999k", "the last 999k"},
       {999'999, "1000k", "the unit is decided before rounding"},
       {1'000'000, "1.0m", "the first million"},
-      {1'500'000, "1.5m", "millions"},
       {99'999'999, "100.0m", "the decimal is decided before rounding"},
       {123'456'789, "123m", "none from a hundred"},
       {5'000'000'000, "5000m", "no larger unit"},
       {9'008'102'945'499'999, "9008102946m", "the number is no double, but its quotient decides"},
-      {-1, "-1", "negative"},
-      {-999, "-999", "negative"},
       {-1'500, "-1.5k", "negative"},
-      {-2'500'000, "-2.5m", "negative"},
       {kLargest, "9223372036855m", "the largest"},
       {kSmallest, "-9223372036855m", "the smallest, from its magnitude"},
   };
@@ -101,22 +70,22 @@ TEST(FriendlyNumber, ShowsOneDecimalBelowAHundredOfTheUnit) {
 }
 
 TEST(FriendlyNumber, WritesWhatPrintfWrites) {
-  expectPrintedEveryNumberTo(1'200'000);
-  expectPrintedRandomNumbers(1'000'000);
+  const auto expectPrinted = [](std::int64_t number) { ASSERT_EQ(friendlyNumber(number), printed(number)) << number; };
+  for (std::int64_t number = 0; number <= 1'200'000; ++number) expectPrinted(number);
   for (std::int64_t tenth = 10; tenth < 1000; ++tenth) {  // every half way number of the millions
-    for (const std::int64_t number : {tenth * 100'000 + 49'999, tenth * 100'000 + 50'000, tenth * 100'000 + 50'001}) {
-      ASSERT_EQ(friendlyNumber(number), printed(number)) << number;
+    for (const std::int64_t beside : {49'999, 50'000, 50'001}) expectPrinted(tenth * 100'000 + beside);
+  }
+  auto generator = seededGenerator();
+  for (int i = 0; i < 1'000'000; ++i) {
+    // All magnitudes alike; half of them within one of a half of a tenth or of a whole of their unit.
+    auto number = static_cast<std::int64_t>(generator() >> (generator() % 64));
+    if (generator() % 2 == 0) {
+      const std::int64_t half = std::int64_t{50} << (generator() % 2 * 13);
+      number = number / half * half + static_cast<std::int64_t>(generator() % 3) - 1;
     }
+    expectPrinted(number);
+    expectPrinted(-number);
   }
-  for (std::int64_t edge = 1; edge > 0 && edge < kLargest / 10; edge *= 10) {
-    for (std::int64_t number = edge - 2; number <= edge + 2; ++number)
-      EXPECT_EQ(friendlyNumber(number), printed(number));
-  }
-}
-
-TEST(FriendlyNumber, DISABLED_WritesWhatPrintfWritesToTenMillion) {
-  expectPrintedEveryNumberTo(10'000'000);
-  expectPrintedRandomNumbers(10'000'000);
 }
 
 template <class T>

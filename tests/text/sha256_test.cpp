@@ -47,42 +47,21 @@ TEST(SHA256, GroupsTheDigestOfTheTextUpToItsFirstZero) {
   EXPECT_NE(havrin::HAV_SHA_256(havrin::makeString(u"a\xFFFD")), nullptr);
 }
 
-// A text of 4 GiB that takes 16 MiB of memory: the same pages, again and again.
-class RepeatedPages {
- public:
-  static constexpr std::size_t kPart = std::size_t{16} << 20, kSize = std::size_t{1} << 32;
-
-  RepeatedPages() : file_(memfd_create("pages", 0)), text_(reserve()) {
-    const std::string part(kPart, 'a');
-    usable_ = file_ >= 0 && text_ != MAP_FAILED && write(file_, part.data(), kPart) == static_cast<ssize_t>(kPart);
-    for (std::size_t at = 0; usable_ && at < kSize; at += kPart) {
-      usable_ = mmap(text_ + at, kPart, PROT_READ, MAP_SHARED | MAP_FIXED, file_, 0) != MAP_FAILED;
-    }
-  }
-  ~RepeatedPages() {
-    munmap(text_, kSize);
-    close(file_);
-  }
-  RepeatedPages(const RepeatedPages&) = delete;
-  RepeatedPages& operator=(const RepeatedPages&) = delete;
-
-  bool usable() const { return usable_; }
-  std::string_view text() const { return {text_, kSize}; }
-
- private:
-  static char* reserve() {
-    return static_cast<char*>(mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
-  }
-
-  int file_;
-  char* text_;
-  bool usable_ = false;
-};
-
 TEST(SHA256, TextOfFourGibibytesHasNoDigest) {
-  const RepeatedPages pages;
-  if (!pages.usable()) GTEST_SKIP() << "no room for 4 GiB of addresses";
-  EXPECT_EQ(groupedSHA256(pages.text()), std::nullopt);
+  // The same 16 MiB of memory, again and again.
+  constexpr std::size_t kPart = std::size_t{16} << 20, kSize = std::size_t{1} << 32;
+  const std::string part(kPart, 'a');
+  const int file = memfd_create("pages", 0);
+  const auto text =
+      static_cast<char*>(mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0));
+  bool usable = text != MAP_FAILED && write(file, part.data(), kPart) == static_cast<ssize_t>(kPart);
+  for (std::size_t at = 0; usable && at < kSize; at += kPart) {
+    usable = mmap(text + at, kPart, PROT_READ, MAP_SHARED | MAP_FIXED, file, 0) != MAP_FAILED;
+  }
+  if (!usable) GTEST_SKIP() << "no room for 4 GiB of addresses";
+  EXPECT_EQ(groupedSHA256({text, kSize}), std::nullopt);
+  munmap(text, kSize);
+  close(file);
 }
 
 }  // namespace
