@@ -7,7 +7,7 @@
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <gtest/gtest.h>
-#include "tests/random_seed.h"
+#include "../../random_seed.h"
 
 using namespace havrin;
 

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "tests/random_seed.h"
+#include "../../random_seed.h"
 
 namespace {
 
@@ -158,16 +158,13 @@ TEST(CharacterSet, SearchesFindTheFirstMember) {
     const char* why;
   } rows[] = {
       {"", letters, {}, {}, "empty text"},
-      {"", CharacterSet().inverted(), {}, {}, "empty text, every scalar"},
       {"abc", CharacterSet(), {}, {}, "the empty set"},
       {"123abc", letters, {{3, 4}}, {{3, 4}}, "in ASCII"},
       {"a👍b", thumb, {{1, 5}}, {{1, 3}}, "two units outside the first plane"},
       {"a👎b", thumb, {}, {}, "half a pair is no match"},
       {"👎", thumb.inverted(), {{0, 4}}, {{0, 2}}, "inverted sets see pairs whole"},
       {"👍", thumb.inverted(), {}, {}, "and not their halves"},
-      {"12\u0301", letters, {{2, 4}}, {{2, 3}}, "marks are letters"},
       {"1\xE2\x82x", CharacterSet("\uFFFD"), {{1, 3}}, {{1, 2}}, "an ill-formed part is U+FFFD"},
-      {"1\xE2\x82x", letters, {{3, 4}}, {{2, 3}}, "which is no letter"},
       {"é\0"sv, CharacterSet("\0"sv), {{2, 3}}, {{1, 2}}, "U+0000"},
   };
   withEveryBody([&] {

@@ -7,7 +7,7 @@
 #include <HavrinFoundation/platform/object/exception.h>
 #include <gtest/gtest.h>
 
-#include "tests/random_seed.h"
+#include "../../random_seed.h"
 
 using namespace havrin;
 
@@ -42,9 +42,14 @@ TEST(IndexSet, HoldsEveryIndexOnceInAscendingOrder) {
 
 TEST(IndexSet, JoinsRangesThatTouchOrOverlap) {
   const auto set = make<NSIndexSet>(std::vector<NSRange>{{5, 2}, {0, 2}, {1, 3}, {7, 0}, {7, 1}});
-  const std::vector<NSRange> joined(set->ranges().begin(), set->ranges().end());
-  EXPECT_EQ(joined, (std::vector<NSRange>{{0, 4}, {5, 3}}));
   EXPECT_EQ(utf8(*set->description()), "(0-3 5-7)");
+  EXPECT_EQ(set->ranges().size(), 2U);
+  std::uint64_t sum = 0;
+  set->enumerateIndexesUsingBlock([&](std::uint64_t index, bool& stop) {
+    sum += index;
+    stop = index == 5;
+  });
+  EXPECT_EQ(sum, 11U) << "up to where the block stops it";
 }
 
 TEST(IndexSet, EqualsASetOfTheSameIndexesHoweverItWasMade) {
@@ -54,15 +59,6 @@ TEST(IndexSet, EqualsASetOfTheSameIndexesHoweverItWasMade) {
   EXPECT_FALSE(set->isEqual(makeIndexSet({0, 1})));
   EXPECT_FALSE(set->isEqual(nullptr));
   EXPECT_EQ(set->copy().get(), set.get());
-}
-
-TEST(IndexSet, StopsWhereTheBlockAsks) {
-  std::uint64_t sum = 0;
-  makeIndexSet({1, 2, 8, 9})->enumerateIndexesUsingBlock([&](std::uint64_t index, bool& stop) {
-    sum += index;
-    stop = index == 8;
-  });
-  EXPECT_EQ(sum, 11U);
 }
 
 TEST(IndexSet, RefusesIndexesBeyondTheLast) {
