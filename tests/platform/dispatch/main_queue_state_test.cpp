@@ -18,43 +18,28 @@ using namespace havrin;
 // Addresses that serve as keys and values.
 int mainKey;
 int valueA;
-int valueB;
 
 TEST(MainQueue, IsCurrentOnTheMainThreadOutsideOtherQueues) {
   dispatch_queue_set_specific(dispatch_get_main_queue(), &mainKey, &valueA, nullptr);
   ASSERT_TRUE(isMainThread());
   EXPECT_EQ(dispatch_get_specific(&mainKey), &valueA) << "also before any run loop";
-
-  const DispatchQueue line = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
-  void* insideSync = &valueB;
-  dispatch_sync(line, [&] {
-    insideSync = dispatch_get_specific(&mainKey);
+  dispatch_sync(dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL), [&] {
+    EXPECT_EQ(dispatch_get_specific(&mainKey), nullptr) << "the main thread, but not the main queue";
     EXPECT_TRUE(isMainThread());
   });
-  EXPECT_EQ(insideSync, nullptr) << "the main thread, but not the main queue";
-
-  void* onAThread = &valueB;
   std::thread([&] {
-    onAThread = dispatch_get_specific(&mainKey);
+    EXPECT_EQ(dispatch_get_specific(&mainKey), nullptr);
     EXPECT_FALSE(isMainThread());
   }).join();
-  EXPECT_EQ(onAThread, nullptr);
 
   TestClock clock;
-  void* inATimer = nullptr;
-  RunLoop::current().performAfter(1, [&] { inATimer = dispatch_get_specific(&mainKey); });
+  int seen = 0;
+  const auto look = [&seen] { seen += isMainThread() && dispatch_get_specific(&mainKey) == &valueA; };
+  RunLoop::current().performAfter(1, look);
   clock.advance(1);
-  EXPECT_EQ(inATimer, &valueA);
-
-  const DispatchQueue through = dispatch_queue_create("through main", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue());
-  void* seen = nullptr;
-  bool onMain = false;
-  dispatch_async(through, [&] {
-    seen = dispatch_get_specific(&mainKey);
-    onMain = isMainThread();
-  });
-  EXPECT_TRUE(clock.runUntil([&] { return onMain; }));
-  EXPECT_EQ(seen, &valueA);
+  EXPECT_EQ(seen, 1);
+  dispatch_async(dispatch_queue_create("through main", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue()), look);
+  EXPECT_TRUE(clock.runUntil([&] { return seen == 2; }));
 }
 
 TEST(MainQueue, RunsInOrderAndNotWithinItself) {

@@ -15,6 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include "../../exception_name.h"
+
 namespace {
 
 using namespace havrin;
@@ -84,12 +86,9 @@ TEST(PerformSelector, SendsOnAnotherThread) {
   thread->runLoop().perform([&done] { done = true; });
   runner.join();
   for (const bool wait : {true, false}) {
-    try {
-      performSelectorOnThread(*listener, selector<"ring">, *thread, nullptr, wait);
-      ADD_FAILURE() << "the thread has ended";
-    } catch (const NSException& exception) {
-      EXPECT_EQ(exception.name(), NSDestinationInvalidException);
-    }
+    EXPECT_EQ(nameOf([&] { performSelectorOnThread(*listener, selector<"ring">, *thread, nullptr, wait); }),
+              NSDestinationInvalidException)
+        << "the thread has ended";
   }
 }
 
