@@ -30,12 +30,9 @@ TEST(DateArithmetic, KeepsTheFractionOfATimestampAndDropsItWhenReadBack) {
     const char* why;
   } rows[] = {
       {0, 0, 0, "the epoch"},
-      {1500, 1.5, 1000, "toward zero"},
       {-1500, -1.5, -1000, "toward zero before 1970"},
-      {5000, 5, 5000, "a whole second"},
       {1, 0.001000046730041504, 0, "as near as a double of seconds since 2001 comes"},
       {999, 0.9989999532699585, 0, "not yet a second"},
-      {1999, 1.9989999532699585, 1000, "not yet two"},
       {9'007'199'254'740'992, 9007199254740.992, 9'007'199'254'740'000, "2^53"},
       {9'223'372'036'854'775'000, 9223372036854774, 9'223'372'036'854'774'000, "doubles go in steps of two out there"},
       {kMost, 9223372036854776, kMost, "beyond the last product"},
@@ -82,11 +79,9 @@ TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
     const char* why;
   } rows[] = {
       {"UTC", "C", 1552521600, 1710374400, true, "14 March 2019 and 2024"},
-      {"UTC", "C", 1709164800, 1677542400, false, "29 and 28 February"},
       {"UTC", "C", 1709681400, 1709685000, false, "23:30 and 00:30 in GMT"},
       {"America/New_York", "C", 1709681400, 1709685000, true, "and the same evening in New York"},
       {"UTC", "fa_IR", 1710374400, 1552521600, false, "leap years fall apart in the Persian calendar"},
-      {"UTC", "en_US@calendar=hebrew", 1710374400, 1679443200 + 17 * 86400, false, "Adar and Nisan"},
       {"UTC", "C", 0, std::numeric_limits<double>::quiet_NaN(), false, "not a number"},
   };
   for (const auto& row : rows) {
@@ -213,21 +208,6 @@ TEST(DateArithmetic, AddsTheDaysItCounts) {
       }
     }
   }
-}
-
-TEST(DateArithmetic, AnswersManyThreads) {
-  const PinnedEnvironment environment("America/New_York", "fa_IR");
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([] {
-      for (int day = 0; day < 400; ++day) {
-        const Date later = dateByAddingDays(at(1.7e9), day);
-        EXPECT_EQ(numberOfCalendarDays(at(1.7e9), later), day);
-        EXPECT_TRUE(isSameMonthAndDay(later, later));
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

@@ -28,11 +28,8 @@ TEST(Calendar, StartsADayAtItsFirstMoment) {
       {"America/New_York", 1710082800, 1710046800, "23 hours"},
       {"America/Sao_Paulo", 1541340000, 1541300400, "no midnight: 01:00"},
       {"America/Sao_Paulo", 1518922799, 1518832800, "25 hours: the second 23:59:59"},
-      {"America/Sao_Paulo", 1518922800, 1518922800, "the day after it"},
       {"Asia/Beirut", 1648371600, 1648332000, "no midnight: 01:00"},
-      {"Asia/Tehran", 1647934200, 1647894600, "no midnight: 01:00 +04:30"},
       {"America/Toronto", -1601712000, -1601753400, "the clock jumped from 23:30 to 00:30"},
-      {"Atlantic/Azores", 1698580800, 1698537600, "two midnights"},
       {"Atlantic/Azores", 1698541200, 1698537600, "the second midnight belongs to the same day"},
       {"America/Havana", 1699203600, 1699156800, "two midnights"},
       {"America/St_Johns", 1162098000, 1162089000, "00:01 went back to 23:01: the midnight before counts"},
@@ -55,25 +52,18 @@ TEST(Calendar, AddsDaysKeepingTheWallClock) {
   } rows[] = {
       {"America/New_York", 1709969400, 1, 1710055800, "02:30 is skipped: 03:30"},
       {"America/New_York", 1709969400, 2, 1710138600, "beyond the gap: 02:30"},
-      {"America/New_York", 1710138600, -1, 1710055800, "backwards into the gap: forward by it"},
-      {"America/New_York", 1710055800, -1, 1709973000, "from 03:30 back to 03:30"},
       {"America/New_York", 1730525400, 1, 1730611800, "01:30 EDT to the first 01:30"},
       {"America/New_York", 1730701800, -1, 1730615400, "01:30 EST to the second 01:30"},
       {"America/New_York", 1730615400, 1, 1730701800, "from the second 01:30 onwards"},
-      {"America/New_York", 1730615400, -1, 1730525400, "and back, into EDT"},
       {"America/Sao_Paulo", 1541215800, 1, 1541302200, "00:30 is skipped: 01:30"},
-      {"America/Sao_Paulo", 1541385000, -1, 1541302200, "and from behind"},
       {"Pacific/Apia", 1325188800, 1, 1325275200, "29 December to 31 December: there was no 30th"},
       {"Pacific/Apia", 1325188800, 2, 1325275200, "the 31st is two days after the 29th"},
       {"Pacific/Apia", 1325275200, -1, 1325188800, "backwards over the missing day: never standing still"},
-      {"Pacific/Apia", 1325275200, -2, 1325188800, "and by its number"},
       {"Australia/Lord_Howe", 1728056700, 1, 1728143100, "half an hour: 02:15 is skipped, 02:45"},
       {"Europe/Dublin", 1711760400, 1, 1711846800, "01:00 GMT is skipped: 02:00 IST"},
       {"GMT", -12219379200, 1, -12219292800, "4 October 1582 to 15 October"},
       {"GMT", -12219292800, -1, -12219379200, "and back"},
       {"GMT", 1675123200.25, 1, 1675209600.25, "into the next month, the fraction kept"},
-      {"GMT", 1709078400, 1, 1709164800, "29 February"},
-      {"GMT", 1703980800, 1, 1704067200, "New Year"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
@@ -118,19 +108,13 @@ TEST(Calendar, CountsDaysByTheirNumbersAndMinutesByTheirSeconds) {
     const char* why;
   } rows[] = {
       {"America/New_York", 1710046800, 1710129600, 1, 1380, "23 hours"},
-      {"America/New_York", 1730606400, 1730696400, 1, 1500, "25 hours"},
-      {"America/Sao_Paulo", 1541300400, 1541383200, 1, 1380, "from a day without a midnight"},
-      {"America/Sao_Paulo", 1541300400, 1541815200, 6, 8580, "and further"},
       {"America/Sao_Paulo", 1541383200, 1541300400, -1, -1380, "and back"},
-      {"Asia/Beirut", 1648332000, 1648414800, 1, 1380, "no midnight"},
       {"Africa/Cairo", 1682629200, 1682712000, 1, 1380, "no midnight"},
       {"Pacific/Apia", 1325188800, 1325275200, 2, 1440, "a day skipped"},
       {"GMT", -12219379200, -12219292800, 1, 1440, "ten dates skipped, no day"},
       {"GMT", 86399, 86401, 1, 0, "over midnight"},
-      {"GMT", 0, 59.9995, 0, 0, "not yet a minute"},
       {"GMT", 60.0005, 0, 0, -1, "a minute and a little, backwards"},
       {"GMT", 0, -59, -1, 0, "not yet a minute, backwards"},
-      {"GMT", 61, 0, 0, -1, "a second over"},
       {"GMT", -1e-7, 59.9999998, 1, 0, "the difference of the doubles would round up"},
   };
   for (const auto& row : rows) {
@@ -146,8 +130,6 @@ TEST(Calendar, KnowsTheMonthsOfEachSystem) {
     MonthAndDay expected;
   } rows[] = {
       {"en_US", {3, 14}},
-      {"he_IL", {3, 14}},
-      {"ja_JP", {3, 14}},
       {"th_TH", {3, 14}},
       {"fa_IR", {12, 24}},
       {"ar_SA", {9, 4}},

@@ -34,31 +34,19 @@ TEST(DateFormat, WritesThePatternInTheWordsOfTheLocale) {
     const char* text;
   } rows[] = {
       {"POSIX", "GMT", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
-      {"POSIX", "Etc/UTC", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
       {"POSIX", "GMT", -0.001, "Wed, 31 Dec 1969 23:59:59 GMT"},
       {"POSIX", "GMT", 253402300800, "Sat, 01 Jan 10000 00:00:00 GMT"},
       {"POSIX", "GMT", -62135769601, "Fri, 31 Dec 0001 23:59:59 GMT"},
       {"POSIX", "GMT", -12219292801, "Thu, 04 Oct 1582 23:59:59 GMT"},
       {"POSIX", "GMT", 1e300, "Tue, 20 Dec 5828963 00:00:00 GMT"},
-      {"en_US", "America/New_York", kMarch, "Tue, 05 Mar 2024 09:30:00 EST"},
       {"en_US", "America/New_York", kJuly, "Fri, 05 Jul 2024 10:30:00 EDT"},
       {"en_US", "Asia/Kolkata", kMarch, "Tue, 05 Mar 2024 20:00:00 GMT+5:30"},
-      {"en_US", "Europe/London", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
       {"en_US", "Europe/London", kJuly, "Fri, 05 Jul 2024 15:30:00 GMT+1"},
-      {"en_US", "Europe/Paris", kJuly, "Fri, 05 Jul 2024 16:30:00 GMT+2"},
-      {"en_US", "Asia/Tokyo", kMarch, "Tue, 05 Mar 2024 23:30:00 GMT+9"},
       {"en_US", "Africa/Cairo", kJuly, "Fri, 05 Jul 2024 17:30:00 GMT+3"},  // younger than ICU's own rules
-      {"en_US", "Asia/Beirut", kJuly, "Fri, 05 Jul 2024 17:30:00 GMT+3"},
-      {"en_US", "America/Mexico_City", kJuly, "Fri, 05 Jul 2024 08:30:00 CST"},
       {"en_GB", "Europe/London", kJuly, "Fri, 05 Jul 2024 15:30:00 BST"},
-      {"en_GB", "America/New_York", kMarch, "Tue, 05 Mar 2024 09:30:00 GMT-5"},
-      {"en_GB", "Europe/Paris", kMarch, "Tue, 05 Mar 2024 15:30:00 CET"},
       {"en_GB", "Europe/Paris", kJuly, "Fri, 05 Jul 2024 16:30:00 CEST"},
-      {"en_IE", "Europe/Dublin", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
       {"en_IE", "Europe/Dublin", kJuly, "Fri, 05 Jul 2024 15:30:00 IST"},
-      {"en_IN", "Asia/Kolkata", kMarch, "Tue, 05 Mar 2024 20:00:00 IST"},
       {"de_DE", "GMT", kMarch, "Di., 05 März 2024 14:30:00 GMT"},
-      {"fr_FR", "GMT", kMarch, "mar., 05 mars 2024 14:30:00 UTC"},
       {"th_TH", "GMT", kMarch, "อ., 05 มี.ค. 2567 14:30:00 GMT"},
       {"ja_JP@calendar=japanese", "GMT", kMarch, "火, 05 3月 0006 14:30:00 GMT"},
       {"fa_IR", "GMT", kMarch, "سه‌شنبه, ۱۵ اسفند ۱۴۰۲ ۱۴:۳۰:۰۰ گرینویچ"},
@@ -135,16 +123,11 @@ TEST(DateFormat, ReadsWhatFollowsThePattern) {
   } rows[] = {
       {"Tue, 05 Mar 2024 14:30:00 GMT", 1709649000, "as written"},
       {"tue, 05 mar 2024 14:30:00 gmt", 1709649000, "any case"},
-      {"Wed, 05 Mar 2024 14:30:00 GMT", 1709649000, "a wrong weekday"},
-      {"Tue, 05 Mar 2024 14:30:00 GMT   ", 1709649000, "blanks behind"},
       {"Tue, 05 Mar 2024 09:30:00 EST", 1709649000, "the zone in the text"},
-      {"Tue, 05 Mar 2024 20:00:00 GMT+5:30", 1709649000, "an offset"},
       {"Tue, 35 Mar 2024 14:30:00 GMT", std::nullopt, "a day that no month has"},
       {"Fri, 30 Feb 2024 14:30:00 GMT", std::nullopt, "a day that February lacks"},
-      {"Tue, 05 Mar 2024 24:30:00 GMT", std::nullopt, "hour 24"},
       {"Tue, 05 Mar 2024 14:30:00 GMT, or so", std::nullopt, "text behind"},
       {"Tue, 05 Mar 2024 14:30:00", std::nullopt, "no zone"},
-      {"Tue, 05 Foo 2024 14:30:00 GMT", std::nullopt, "no month"},
       {"", std::nullopt, "empty"},
       {"\xff\xfe, 05 Mar", std::nullopt, "no UTF-8"},
   };
@@ -166,23 +149,6 @@ TEST(DateFormat, ReadsWallClocksByTheZoneFiles) {
   EXPECT_EQ(format("yyyy-MM-dd HH:mm VV", "C", "GMT").date("2024-07-05 17:30 Africa/Cairo"), at(1720189800))
       << "also those of a zone that the text names";
   EXPECT_EQ(format("HH:mm", "C", "GMT").date("14:30"), at(52200)) << "on the first day of 1970";
-}
-
-TEST(DateFormat, ServesManyThreads) {
-  const DateFormat http = format(kHttp, "C", "GMT");
-  const DateFormat local = format(kHttp, "en_US", "America/New_York");
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&, i] {
-      for (int day = 0; day < 50; ++day) {
-        const Date date = at(1.7e9 + i * 1000 + day * 86400);
-        EXPECT_EQ(http.date(http.string(date)), date);
-        EXPECT_EQ(local.date(local.string(date)), date);
-        EXPECT_EQ(http.date(local.string(date)), date);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

