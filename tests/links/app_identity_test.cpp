@@ -55,28 +55,17 @@ TEST(AppIdentity, IsWhatTheMainBundleSays) {
   } rows[] = {
       {"both", "<string>2024.10.0</string>", "<string>612345</string>", identityOf("2024.10.0", "612345", 612345)},
       {"a number is no string", "<real>1.5</real>", "<integer>7</integer>", identityOf("", "", 0)},
-      {"a boolean, an array", "<true/>", "<array><string>7</string></array>", identityOf("", "", 0)},
       {"empty strings", "<string></string>", "<string></string>", identityOf("", "", 0)},
       {"nothing is trimmed or escaped", "<string> 1/0 \u00E9 </string>", "<string> 5</string>",
        identityOf(" 1/0 \u00E9 ", " 5", 0)},
       {"a plus", "<string>1</string>", "<string>+7</string>", identityOf("1", "+7", 7)},
       {"a minus", "<string>1</string>", "<string>-3</string>", identityOf("1", "-3", -3)},
-      {"minus zero", "<string>1</string>", "<string>-0</string>", identityOf("1", "-0", 0)},
-      {"leading zeros", "<string>1</string>", "<string>007</string>", identityOf("1", "007", 7)},
-      {"two signs", "<string>1</string>", "<string>+-7</string>", identityOf("1", "+-7", 0)},
       {"a lone sign", "<string>1</string>", "<string>+</string>", identityOf("1", "+", 0)},
-      {"a fraction", "<string>1</string>", "<string>1.2</string>", identityOf("1", "1.2", 0)},
-      {"a blank behind", "<string>1</string>", "<string>5 </string>", identityOf("1", "5 ", 0)},
       {"hexadecimal digits", "<string>1</string>", "<string>0x5</string>", identityOf("1", "0x5", 0)},
-      {"other digits", "<string>1</string>", "<string>\u0665</string>", identityOf("1", "\u0665", 0)},
-      {"the largest", "<string>1</string>", "<string>9223372036854775807</string>",
-       identityOf("1", "9223372036854775807", INT64_MAX)},
       {"the smallest", "<string>1</string>", "<string>-9223372036854775808</string>",
        identityOf("1", "-9223372036854775808", INT64_MIN)},
       {"beyond 64 bits", "<string>1</string>", "<string>9223372036854775808</string>",
        identityOf("1", "9223372036854775808", 0)},
-      {"far beyond", "<string>1</string>", "<string>99999999999999999999</string>",
-       identityOf("1", "99999999999999999999", 0)},
   };
   const TemporaryFolder folder;
   for (const auto& row : rows) {

@@ -29,18 +29,13 @@ TEST(UtmParameters, ReadsTheLastItemOfEachKey) {
        UTMParameters{"1", "2", "3", "4", "5", "6"}, "all six"},
       {"?utm_source=a&x&utm_source=b", UTMParameters{.source = "b"}, "the last one decides"},
       {"?utm_source=a&utm_source", std::nullopt, "a bare key sets back to absent"},
-      {"?utm_source=a&utm_source&utm_term=t", UTMParameters{.term = "t"}, "a bare key clears its own field only"},
       {"?utm_source&utm_source=a", UTMParameters{.source = "a"}, "a bare key clears what stood before it only"},
       {"?utm_source=", UTMParameters{.source = ""}, "the empty text is present"},
       {"?utm_source=a&utm_source=", UTMParameters{.source = ""}, "the empty text replaces"},
-      {"?UTM_SOURCE=a", std::nullopt, "keys are lower case"},
       {"?utm_sources=a&tm_source=a", std::nullopt, "keys are whole"},
       {"?utm%5Fsource=a%20b+c", UTMParameters{.source = "a b+c"}, "names and values are decoded"},
       {"?utm_source=%FF", UTMParameters{.source = "\uFFFD"}, "bytes that are no text"},
       {"https://h/p?a=1", std::nullopt, "other keys"},
-      {"https://h/p?", std::nullopt, "an empty query"},
-      {"https://h/p", std::nullopt, "no query"},
-      {"https://h/p#?utm_source=a", std::nullopt, "a fragment is no query"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
@@ -74,11 +69,8 @@ TEST(UtmParameters, AppendsBehindWhatStands) {
       {"https://h/p", UTMParameters{.source = "a b&c"}, "https://h/p?utm_source=a%20b%26c", "values are encoded"},
       {"https://h/p", {}, "https://h/p?", "nothing to write, no query"},
       {"https://h/p#f", {}, "https://h/p?#f", "nothing to write, a fragment"},
-      {"https://h/p?", {}, "https://h/p?", "nothing to write, an empty query"},
-      {"https://h/p?a", {}, "https://h/p?a", "nothing to write, a query"},
       {"https://h/p?", UTMParameters{.source = "a"}, "https://h/p?utm_source=a", "an empty query"},
       {"p?a=1", UTMParameters{.source = "x"}, "p?a=1&utm_source=x", "a relative link without a base"},
-      {"mailto:a@b.c", UTMParameters{.source = "x"}, "mailto:a@b.c?utm_source=x", "no authority"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);

@@ -34,24 +34,17 @@ TEST(UrlComponents, ReadsQueriesAndWritesBackWhatItRead) {
     std::string_view why;
   } rows[] = {
       {"https://h/p", std::nullopt, "no query"},
-      {"https://h/p#?a=1", std::nullopt, "a question mark in the fragment"},
-      {"https://h/p?", Pairs{}, "an empty query"},
       {"?a", Pairs{{"a", std::nullopt}}, "a bare key"},
       {"?a=", Pairs{{"a", ""}}, "an empty value"},
-      {"?=v", Pairs{{"", "v"}}, "an empty name"},
       {"?=", Pairs{{"", ""}}, "only the sign"},
       {"?a=b=c", Pairs{{"a", "b=c"}}, "the first sign parts"},
       {"?a=1&", Pairs{{"a", "1"}, {"", std::nullopt}}, "an empty piece at the end"},
-      {"?&a=1", Pairs{{"", std::nullopt}, {"a", "1"}}, "an empty piece in front"},
       {"?a&&b", Pairs{{"a", std::nullopt}, {"", std::nullopt}, {"b", std::nullopt}}, "an empty piece between"},
       {"?a;b=1;c", Pairs{{"a;b", "1;c"}}, "a semicolon does not part"},
       {"?a+b=c+d%20e", Pairs{{"a+b", "c+d e"}}, "a plus is a plus"},
-      {"?a%26b=c%3Dd", Pairs{{"a&b", "c=d"}}, "escaped separators"},
       {"?a=%00b", Pairs{{"a", std::string("\0b", 2)}}, "an escaped zero"},
       {"?%c3%a9=%F0%9F%91%8D", Pairs{{"\xC3\xA9", "\xF0\x9F\x91\x8D"}}, "UTF-8, either case"},
-      {"?a=%FFx%C3", Pairs{{"a", "\uFFFDx\uFFFD"}}, "bytes that are no UTF-8"},
       {"?a=%F0%9F%91%2e%ED%A0%80", Pairs{{"a", "\uFFFD.\uFFFD\uFFFD\uFFFD"}}, "one sign per ill-formed part"},
-      {"?a=/?:@!$'()*,~", Pairs{{"a", "/?:@!$'()*,~"}}, "characters that need no escape"},
       {"mailto:a@b.c?subject=x#f", Pairs{{"subject", "x"}}, "no authority"},
   };
   for (const auto& row : rows) {
@@ -72,12 +65,9 @@ TEST(UrlComponents, EncodesNewItems) {
     std::string_view why;
   } rows[] = {
       {"a", "b", "a=b", "plain"},
-      {"a", std::nullopt, "a", "no value"},
       {"a", "", "a=", "an empty value"},
-      {"token@#$&!", std::nullopt, "token@%23$%26!", "separators"},
       {"a b", "a+b;c", "a%20b=a%2Bb%3Bc", "what servers read in two ways"},
       {"1&2=3", "4=5", "1%262%3D3=4%3D5", "signs of the query itself"},
-      {"\xC3\xA9", "\xF0\x9F\x91\x8D", "%C3%A9=%F0%9F%91%8D", "beyond ASCII"},
       {"100%", "%41", "100%25=%2541", "percent signs"},
       {"https://x/y?z", "-._~!$'()*,:@/?", "https://x/y?z=-._~!$'()*,:@/?", "what may stand"},
       {"\"<>[\\]^`{|}\x7F", std::string("\0\n", 2), "%22%3C%3E%5B%5C%5D%5E%60%7B%7C%7D%7F=%00%0A", "what may not"},
@@ -137,10 +127,7 @@ TEST(UrlComponents, GivesThePartsAsTheyAreWritten) {
   EXPECT_EQ(all.percentEncodedQuery(), "q=%41");
   EXPECT_EQ(all.percentEncodedFragment(), "f%20");
   const URLComponents few = componentsOf("p");
-  EXPECT_EQ(few.scheme(), std::nullopt);
-  EXPECT_EQ(few.percentEncodedAuthority(), std::nullopt);
-  EXPECT_EQ(few.percentEncodedPath(), "p");
-  EXPECT_EQ(few.percentEncodedFragment(), std::nullopt);
+  EXPECT_FALSE(few.scheme() || few.percentEncodedAuthority() || few.percentEncodedFragment());
 }
 
 TEST(UrlComponents, ResolvesOnlyWhereAsked) {
