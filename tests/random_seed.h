@@ -1,6 +1,6 @@
 // Random numbers for tests: a new seed each run, printed, so that a failure can be run again.
 //
-//   HAVRIN_TEST_SEED=12345 build/dev/tests/text/base36_test
+//   HAVRIN_TEST_SEED=12345 build/dev/tests/text/text_test --gtest_filter='Base36*'
 #pragma once
 
 #include <cstdint>
