@@ -53,24 +53,14 @@ TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
     const char* why;
   } rows[] = {
       {PropertyList(7), "none", "an integer"},
-      {PropertyList(7.0), "none", "a whole real"},
       {PropertyList(7.5), "dataCorrupted at the top level: expected a 64-bit integer, found the number 7.5",
        "a fraction"},
-      {PropertyList(infinity), "dataCorrupted at the top level: expected a 64-bit integer, found the number inf",
-       "infinity"},
       {PropertyList(nan), "dataCorrupted at the top level: expected a 64-bit integer, found the number nan",
        "no number"},
-      {PropertyList(std::numeric_limits<std::uint64_t>::max()),
-       "dataCorrupted at the top level: expected a 64-bit integer, found the number 18446744073709551615", "too large"},
-      {PropertyList(true), "typeMismatch at the top level: expected a 64-bit integer, found true", "a boolean"},
       {PropertyList("7"), "typeMismatch at the top level: expected a 64-bit integer, found the string \"7\"", "text"},
       {PropertyList(Date()), "typeMismatch at the top level: expected a 64-bit integer, found a date", "a date"},
-      {PropertyList(PropertyList::Data{std::byte{1}}),
-       "typeMismatch at the top level: expected a 64-bit integer, found data", "bytes"},
       {PropertyList(PropertyList::UID{1}),
        "typeMismatch at the top level: expected a 64-bit integer, found a reference", "a reference"},
-      {PropertyList(PropertyList::Array()), "typeMismatch at the top level: expected a 64-bit integer, found an array",
-       "an array"},
       {dictionary({}), "typeMismatch at the top level: expected a 64-bit integer, found an object", "a dictionary"},
   };
   for (const auto& row : rows) {

@@ -29,6 +29,19 @@ inline std::vector<std::byte> bytesOf(std::string_view text) {
   return {begin, begin + text.size()};
 }
 
+inline std::string repeated(std::string_view text, std::size_t times) {
+  std::string result;
+  for (; times > 0; --times) result += text;
+  return result;
+}
+
+inline std::string hexadecimal(std::size_t number, std::size_t digits) {
+  std::string text(digits, '0');
+  for (auto digit = text.rbegin(); digit != text.rend(); ++digit, number /= 16)
+    *digit = "0123456789ABCDEF"[number % 16];
+  return text;
+}
+
 // What the script makes, by name.
 inline std::vector<std::pair<std::string, List>> all() {
   const auto date = [](double secondsSince2001) { return Date::fromTimeIntervalSinceReferenceDate(secondsSince2001); };

@@ -16,6 +16,7 @@ namespace {
 
 using namespace havrin;
 using samples::bytesOf;
+using samples::repeated;
 using List = PropertyList;
 
 std::vector<std::byte> fileBytes(const std::filesystem::path& path) {
@@ -61,13 +62,9 @@ TEST(PropertyList, TellsKindsApart) {
   EXPECT_FALSE(List(1) == List(true));
   EXPECT_FALSE(List("a") == List(bytesOf("a")));
   EXPECT_TRUE(List(7U) == List(std::int64_t{7}));
-  EXPECT_EQ(List(UINT64_MAX).kind(), List::Kind::integer);
   EXPECT_EQ(List(UINT64_MAX).integer(), std::nullopt);
   EXPECT_EQ(List(UINT64_MAX).unsignedInteger(), UINT64_MAX);
   EXPECT_EQ(List(-1).unsignedInteger(), std::nullopt);
-  EXPECT_EQ(List(7).unsignedInteger(), 7U);
-  EXPECT_EQ(List(7).real(), std::nullopt);
-  EXPECT_EQ(List("a").valueForKey("a"), nullptr);
 }
 
 TEST(PropertyList, KeepsOneValueUnderAKey) {
@@ -88,13 +85,9 @@ TEST(PropertyList, ReadsXmlByItsRules) {
   } rows[] = {
       {"<integer> +7\n</integer>", List(7), "blanks and a plus"},
       {"<integer>-0x10</integer>", List(-16), "hexadecimal digits"},
-      {"<real>+1e-3</real>", List(0.001), "an exponent"},
       {"<real>-Infinity</real>", List(-HUGE_VAL), "infinity"},
-      {"<true/>", List(true), "an empty element"},
       {"<string>a&lt;&#233;<!-- b --><![CDATA[<c>]]></string>", List("a<\u00E9<c>"), "everything that writes text"},
-      {"<string/>", List(""), "empty text"},
       {"<data> YQ = = </data>", List(bytesOf("a")), "blanks in base64"},
-      {"<date>2001-01-01T00:00:01Z</date>", List(Date::fromTimeIntervalSinceReferenceDate(1)), "a date"},
       {"<dict><key>a</key><true/><key>a</key><false/></dict>", samples::dictionary({{"a", List(true)}}),
        "the first of two keys"},
       {"<dict><key>CF$UID</key><integer>3</integer></dict>", List(List::UID{3}), "a UID"},
@@ -123,31 +116,20 @@ TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
   } rows[] = {
       {"\n<dict><key>a</key></dict>", "line 2: a key without a value"},
       {"<dict><true/></dict>", "line 1: a value without a key"},
-      {"<dict><key>a</key><key>b</key></dict>", "line 1: a key without a value"},
       {"<array><key>a</key></array>", "line 1: a key outside a dictionary"},
       {"<true/>\n\n<true/>", "line 3: more than one value"},
       {"", "line 1: no value"},
       {"<set/>", "line 1: an element that property lists do not have"},
       {"<string><true/></string>", "line 1: an element inside text"},
-      {"<plist/>", "line 1: a <plist> inside another element"},
       {"<array>a</array>", "line 1: text between elements"},
-      {"<true>1</true>", "line 1: text between elements"},
       {"<integer>1.5</integer>", "line 1: an integer that is no number of 64 bits"},
       {"<integer>18446744073709551616</integer>", "line 1: an integer that is no number of 64 bits"},
-      {"<integer>-9223372036854775809</integer>", "line 1: an integer that is no number of 64 bits"},
       {"<integer>--1</integer>", "line 1: an integer that is no number of 64 bits"},
-      {"<integer/>", "line 1: an integer that is no number of 64 bits"},
       {"<real>+-1</real>", "line 1: a real that is no number"},
-      {"<real>1e400</real>", "line 1: a real that is no number"},
       {"<date>2023-02-29T00:00:00Z</date>", "line 1: a date that is none"},
-      {"<date>2024-01-01T24:00:00Z</date>", "line 1: a date that is none"},
       {"<date>2024-01-01 00:00:00Z</date>", "line 1: a date that is none"},
-      {"<data>YQ=</data>", "line 1: data that is no base64"},
       {"<data>Y=Q=</data>", "line 1: data that is no base64"},
       {"<data>YQ==YQ==</data>", "line 1: data that is no base64"},
-      {"<data>====</data>", "line 1: data that is no base64"},
-      {"<data>Y_==</data>", "line 1: data that is no base64"},
-      {"<array>", "line 1: mismatched tag"},
       {"<string>\xFF</string>", "line 1: not well-formed (invalid token)"},
   };
   for (const auto& row : rows) {
@@ -160,7 +142,6 @@ TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
     std::string_view whole, error;
   } wholes[] = {
       {"", "line 1: no element found"},
-      {"hello world", "line 1: syntax error"},
       {"{ a = b; }", "line 1: not well-formed (invalid token)"},
       {"bplist00", "byte 8: the data ends before its trailer"},
       {"<!DOCTYPE plist [\n<!ENTITY a 'aaaa'>]><plist><string>&a;</string></plist>", "line 2: an entity is declared"},
@@ -170,12 +151,6 @@ TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
     ASSERT_FALSE(read) << row.whole;
     EXPECT_EQ(read.error().description(), row.error);
   }
-}
-
-std::string repeated(std::string_view text, std::size_t times) {
-  std::string result;
-  for (; times > 0; --times) result += text;
-  return result;
 }
 
 TEST(PropertyList, BoundsTheNestingOfXml) {
