@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <random>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -58,40 +59,33 @@ TEST(Url, TakesTheGrammarToTheLetter) {
   }
 }
 
-TEST(Url, ResolvesExamplesOfTheStandard) {  // RFC 3986, 5.4.1 and 5.4.2
-  const struct {
-    std::string_view reference, resolved;
-  } rows[] = {{"g:h", "g:h"},
-              {"g", "http://a/b/c/g"},
-              {"/g", "http://a/g"},
-              {"//g", "http://g"},
-              {"?y", "http://a/b/c/d;p?y"},
-              {"#s", "http://a/b/c/d;p?q#s"},
-              {"g;x?y#s", "http://a/b/c/g;x?y#s"},
-              {"", "http://a/b/c/d;p?q"},
-              {".", "http://a/b/c/"},
-              {"..", "http://a/b/"},
-              {"../g", "http://a/b/g"},
-              {"../../../g", "http://a/g"},
-              {"/../g", "http://a/g"},
-              {"g..", "http://a/b/c/g.."},
-              {"./../g", "http://a/b/g"},
-              {"./g/.", "http://a/b/c/g/"},
-              {"g/./h", "http://a/b/c/g/h"},
-              {"g/../h", "http://a/b/c/h"},
-              {"g;x=1/../y", "http://a/b/c/y"},
-              {"g?y/./x", "http://a/b/c/g?y/./x"},
-              {"g#s/./x", "http://a/b/c/g#s/./x"},
-              {"http:g", "http:g"}};
+TEST(Url, ResolvesTheExamplesOfTheStandard) {  // RFC 3986, 5.4.1 and 5.4.2
   const URL base = *URL::fromString("http://a/b/c/d;p?q");
-  for (const auto& [reference, resolved] : rows) {
+  const auto expectResolved = [&base](std::string_view reference, std::string_view resolved) {
     SCOPED_TRACE(reference);
     const auto url = URL::fromString(reference, base);
     ASSERT_TRUE(url);
     EXPECT_EQ(url->relativeString(), reference);
     EXPECT_EQ(url->absoluteString(), resolved);
     EXPECT_EQ(url->absoluteURL(), *URL::fromString(resolved));
-  }
+  };
+  std::istringstream examples(R"(
+      g:h    g:h                ?y       http://a/b/c/d;p?y    g?y        http://a/b/c/g?y
+      g      http://a/b/c/g     #s       http://a/b/c/d;p?q#s  g?y#s      http://a/b/c/g?y#s
+      ./g    http://a/b/c/g     g#s      http://a/b/c/g#s      g;x?y#s    http://a/b/c/g;x?y#s
+      g/     http://a/b/c/g/    ;x       http://a/b/c/;x       g;x=1/./y  http://a/b/c/g;x=1/y
+      /g     http://a/g         g;x      http://a/b/c/g;x      g;x=1/../y http://a/b/c/y
+      //g    http://g           g.       http://a/b/c/g.       g?y/./x    http://a/b/c/g?y/./x
+      .      http://a/b/c/      .g       http://a/b/c/.g       g?y/../x   http://a/b/c/g?y/../x
+      ./     http://a/b/c/      g..      http://a/b/c/g..      g#s/./x    http://a/b/c/g#s/./x
+      ..     http://a/b/        ..g      http://a/b/c/..g      g#s/../x   http://a/b/c/g#s/../x
+      ../    http://a/b/        ./../g   http://a/b/g          http:g     http:g
+      ../g   http://a/b/g       ./g/.    http://a/b/c/g/       ../../../g     http://a/g
+      ../..  http://a/          g/./h    http://a/b/c/g/h      ../../../../g  http://a/g
+      ../../ http://a/          g/../h   http://a/b/c/h        /./g           http://a/g
+      ../../g http://a/g        /../g    http://a/g)");
+  for (std::string reference, resolved; examples >> reference >> resolved;) expectResolved(reference, resolved);
+  expectResolved("", "http://a/b/c/d;p?q");
 }
 
 TEST(Url, NeverTurnsAPathIntoAnAuthority) {
