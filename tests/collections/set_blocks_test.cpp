@@ -1,6 +1,5 @@
 #include <HavrinFoundation/collections/set_blocks_messages.h>
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -12,18 +11,6 @@
 using namespace havrin;
 
 namespace {
-
-std::vector<std::int64_t> numbers(NSFastEnumeration& collection) {
-  std::vector<std::int64_t> values;
-  for (NSObject* object : each(collection)) values.push_back(static_cast<NSNumber*>(object)->integerValue());
-  return values;
-}
-std::vector<std::int64_t> sorted(NSFastEnumeration& collection) {
-  auto values = numbers(collection);
-  std::sort(values.begin(), values.end());
-  return values;
-}
-using Numbers = std::vector<std::int64_t>;
 
 bool isOdd(const NSNumber& number) { return number.integerValue() % 2 != 0; }
 Strong<NSObject> sameForAll(NSObject*) { return makeString("same"); }
@@ -77,53 +64,46 @@ class CountDown : public Object<CountDown, NSOrderedSet> {
 
 TEST(SetBlocks, FilterIntoTheReceiversOwnClass) {
   const Strong<NSSet> set = makeSet({makeNumber(1), makeNumber(2), makeNumber(3), makeNumber(4), makeNumber(5)});
-  const Strong<NSMutableSet> mutableSet = send<"setWithSet:">(classOf<NSMutableSet>(), set);
+  const Strong<NSMutableSet> changing = send<"setWithSet:">(classOf<NSMutableSet>(), set);
   const Strong<MySet> mine = send<"setWithSet:">(classOf<MySet>(), set);
-  for (const Strong<NSSet>& receiver : {set, Strong<NSSet>(mutableSet)}) {
+  for (const Strong<NSSet>& receiver : {set, Strong<NSSet>(changing)}) {
     SCOPED_TRACE(std::string(classOf(*receiver).name()));
     const Strong<NSSet> odd = send<"select:">(receiver, isOdd);
     EXPECT_EQ(classOf(*odd), classOf(*receiver));
-    EXPECT_EQ(sorted(*odd), (Numbers{1, 3, 5}));
-    EXPECT_EQ(sorted(*send<"reject:">(receiver, isOdd)), (Numbers{2, 4}));
-    EXPECT_EQ(sorted(*receiver), (Numbers{1, 2, 3, 4, 5})) << "the receiver stays as it was";
-    EXPECT_EQ(send<"map:">(receiver, sameForAll)->count(), 5U);
+    EXPECT_TRUE(odd->isEqual(makeSet({makeNumber(1), makeNumber(3), makeNumber(5)})));
+    EXPECT_TRUE(send<"reject:">(receiver, isOdd)->isEqual(makeSet({makeNumber(2), makeNumber(4)})));
+    EXPECT_TRUE(receiver->isEqual(set)) << "the receiver stays as it was";
+    EXPECT_EQ(text(send<"map:">(receiver, sameForAll)), "(same, same, same, same, same)");
     EXPECT_EQ(send<"compactMap:">(receiver, oddOrNull)->count(), 3U);
     EXPECT_TRUE(send<"map:">(receiver, oddOrNull)->containsObject(NSNull::null()));
   }
-  EXPECT_EQ(numbers(*make<CountUp>()), (Numbers{1, 2, 3, 4, 5}));
-  EXPECT_EQ(send<"compactMap:">(make<CountUp>(), oddOrNull)->count(), 3U);
-  const Strong<NSMutableSet> stillMutable = send<"select:">(mutableSet, isOdd);
-  stillMutable->addObject(makeNumber(9));
-  EXPECT_EQ(stillMutable->count(), 4U);
-
+  EXPECT_EQ(text(send<"compactMap:">(make<CountUp>(), oddOrNull)), "(1, 3, 5)");
+  EXPECT_TRUE(make<CountUp>()->isEqual(set));
   MySet::made = 0;
   const Strong<MySet> rejected = send<"reject:">(mine, isOdd);
-  EXPECT_EQ(sorted(*rejected), (Numbers{2, 4}));
+  EXPECT_TRUE(rejected->isEqual(makeSet({makeNumber(2), makeNumber(4)})));
   EXPECT_EQ(MySet::made, 1);
   EXPECT_EQ(MySet::selected, 0) << "reject: does not send select:";
 }
 
 TEST(SetBlocks, KeepTheOrderOfOrderedSets) {
-  const auto set = makeOrderedSet({makeNumber(5), makeNumber(2), makeNumber(1), makeNumber(2), makeNumber(4)});
-  const Strong<NSMutableOrderedSet> mutableSet =
+  const Strong<NSOrderedSet> set =
+      makeOrderedSet({makeNumber(5), makeNumber(2), makeNumber(1), makeNumber(2), makeNumber(4)});
+  const Strong<NSMutableOrderedSet> changing =
       send<"orderedSetWithArray:">(classOf<NSMutableOrderedSet>(), set->array());
   const Strong<MyOrderedSet> mine = send<"orderedSetWithArray:">(classOf<MyOrderedSet>(), set->array());
   MyOrderedSet::made = 0;
-  for (const Strong<NSOrderedSet>& receiver :
-       {Strong<NSOrderedSet>(set), Strong<NSOrderedSet>(mutableSet), Strong<NSOrderedSet>(mine)}) {
+  for (const Strong<NSOrderedSet>& receiver : {set, Strong<NSOrderedSet>(changing), Strong<NSOrderedSet>(mine)}) {
     SCOPED_TRACE(std::string(classOf(*receiver).name()));
     const Strong<NSOrderedSet> odd = send<"select:">(receiver, isOdd);
     EXPECT_EQ(classOf(*odd), classOf(*receiver));
-    EXPECT_EQ(numbers(*odd), (Numbers{5, 1}));
-    EXPECT_EQ(numbers(*send<"reject:">(receiver, isOdd)), (Numbers{2, 4}));
-    EXPECT_EQ(numbers(*send<"compactMap:">(receiver, oddOrNull)), (Numbers{5, 1}));
-    EXPECT_EQ(send<"map:">(receiver, sameForAll)->count(), 4U) << "results are not made unique";
-    EXPECT_FALSE(isKind<NSMutableArray>(send<"map:">(receiver, sameForAll)));
+    EXPECT_EQ(text(odd->array()), "(5, 1)");
+    EXPECT_EQ(text(send<"reject:">(receiver, isOdd)->array()), "(2, 4)");
+    EXPECT_EQ(text(send<"compactMap:">(receiver, oddOrNull)), "(5, 1)");
+    EXPECT_EQ(text(send<"map:">(receiver, sameForAll)), "(same, same, same, same)") << "results are not made unique";
   }
   EXPECT_EQ(MyOrderedSet::made, 2);
-  EXPECT_EQ(numbers(*make<CountDown>()), (Numbers{5, 4, 3, 2, 1}));
-  EXPECT_EQ(numbers(*send<"map:">(make<CountDown>(), [](NSObject* number) { return Strong<NSObject>(number); })),
-            (Numbers{5, 4, 3, 2, 1}));
+  EXPECT_EQ(text(send<"compactMap:">(make<CountDown>(), oddOrNull)), "(5, 3, 1)");
 }
 
 TEST(SetBlocks, OfEmptySetsCallNoBlock) {
@@ -167,15 +147,14 @@ TEST(OrderedSets, KeepTheFirstOfEqualObjectsAndShowTheirArrayLive) {
   const auto set = make<NSMutableOrderedSet>();
   for (const std::int64_t value : {3, 1, 3, 2}) set->addObject(makeNumber(value));
   const Strong<NSArray> array = set->array();
-  EXPECT_EQ(numbers(*array), (Numbers{3, 1, 2}));
+  EXPECT_EQ(text(array), "(3, 1, 2)");
   set->insertObject(makeNumber(9), 1);
   set->removeObject(makeNumber(2));
-  EXPECT_EQ(numbers(*array), (Numbers{3, 9, 1}));
+  EXPECT_EQ(text(array), "(3, 9, 1)");
   EXPECT_EQ(set->indexOfObject(makeNumber(1)), 2U);
   EXPECT_EQ(set->indexOfObject(makeNumber(7)), kNotFound);
-  const auto fixed = Strong<NSObject>(set->copy());
+  const Strong<NSObject> fixed = set->copy();
   set->removeObjectAtIndex(0);
-  EXPECT_EQ(cast<NSOrderedSet>(fixed.get())->count(), 3U);
   EXPECT_FALSE(fixed->isEqual(array));
   EXPECT_TRUE(fixed->isEqual(makeOrderedSet({makeNumber(3), makeNumber(9), makeNumber(1)})));
   EXPECT_EQ(nameOf([&] { set->insertObject(makeNumber(1), 9); }), NSRangeException);
