@@ -1,6 +1,5 @@
 #include <HavrinFoundation/frame/log.h>
 
-#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
@@ -38,19 +37,20 @@ TEST_F(Log, PassesTheSubsystemOfTheMomentAndTheCallersOwnPointer) {
   EXPECT_EQ(creations[1].first, elsewhere);
   EXPECT_EQ(creations[0].second, category);
   EXPECT_NE(first, second);
-  std::strcpy(category, "xxxxxxx");  // the handle keeps the text, not the pointer
+  category[0] = 'x';  // the handle keeps the text, not the pointer
   EXPECT_EQ(os_log_category(second), "network");
   EXPECT_EQ(os_log_subsystem(second), elsewhere);
 }
 
 TEST_F(Log, GivesOneHandleForEqualTexts) {
-  std::vector<std::thread> threads;
-  std::vector<os_log_t> handles(8);
   logCreationSeen = nullptr;
-  for (os_log_t& handle : handles) {
-    threads.emplace_back([&handle] { handle = hlog_create_with_category(std::string("disk").c_str()); });
+  std::vector<os_log_t> handles(8);
+  {
+    std::vector<std::jthread> threads;
+    for (os_log_t& handle : handles) {
+      threads.emplace_back([&handle] { handle = hlog_create_with_category(std::string("disk").c_str()); });
+    }
   }
-  for (std::thread& thread : threads) thread.join();
   for (os_log_t handle : handles) EXPECT_EQ(handle, handles[0]);
   EXPECT_NE(handles[0], os_log_create("com.havrin", "disks"));
 }

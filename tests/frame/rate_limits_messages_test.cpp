@@ -1,30 +1,26 @@
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 
-#include <HavrinFoundation/platform/dispatch/clock.h>
-#include <HavrinFoundation/platform/dispatch/run_loop.h>
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/association.h>
-#include <HavrinFoundation/platform/object/exception.h>
-#include <HavrinFoundation/platform/object/members.h>
-#include <HavrinFoundation/testkit/test_clock.h>
-
-#include <gtest/gtest.h>
-
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
-#include <vector>
 
-namespace {
+#include <HavrinFoundation/platform/object/association.h>
+#include <HavrinFoundation/testkit/test_clock.h>
+#include <gtest/gtest.h>
+
+#include "../object_text.h"
 
 using namespace havrin;
 
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+namespace {
 
-// Notes what it was asked to do, and when.
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// Notes what it was asked to do, and how many milliseconds after the test had begun.
 class Field : public Object<Field, NSObject> {
  public:
   void search() { note("search"); }
@@ -38,19 +34,18 @@ class Field : public Object<Field, NSObject> {
   bool respondsToSelector(Selector selector) const override {
     return !(deaf && selector == Selector(::selector<"search">)) && NSObject::respondsToSelector(selector);
   }
-
   using Members = List<Method<"search", &Field::search>, Method<"show:", &Field::show>,
                        Method<"move:to:", &Field::move>, Method<"work", &Field::work>, Method<"fail", &Field::fail>>;
 
-  std::vector<std::string> events;
-  std::vector<double> times;
+  std::string take() { return std::exchange(events_, ""); }
   bool deaf = false;
 
  private:
   void note(const char* event) {
-    events.push_back(event);
-    times.push_back(monotonicSeconds());
+    events_ += event + (" " + std::to_string(std::llround((monotonicSeconds() - start_) * 1000))) + ", ";
   }
+  const double start_ = monotonicSeconds();
+  std::string events_;
 };
 
 // Keeps its dictionary in a field of its own.
@@ -63,88 +58,79 @@ class OwnTimestamps : public Object<OwnTimestamps, Field> {
   Strong<NSMutableDictionary> kept;
 };
 
-using Events = std::vector<std::string>;
-
-void debounce(Field& field, Selector message, double delay) { send<"h_debounce:delay:">(field, message, delay); }
-void throttle(Field& field, Selector message, double interval) { send<"h_throttle:delay:">(field, message, interval); }
-
-TEST(Debounce, SendsOnceAfterTheLastOfABurst) {
+struct RateLimits : testing::Test {
   TestClock clock;
-  const auto field = make<Field>();
+  Strong<Field> field = make<Field>();
+
+  void debounce(Selector message, double delay) { send<"h_debounce:delay:">(field, message, delay); }
+  void throttle(Selector message, double interval) { send<"h_throttle:delay:">(field, message, interval); }
+};
+using Debounce = RateLimits;
+using Throttle = RateLimits;
+
+}  // namespace
+
+TEST_F(Debounce, SendsOnceAfterTheLastOfABurst) {
   for (int call = 0; call < 5; ++call) {
     clock.advance(0.1);
-    debounce(*field, selector<"search">, 0.3);
+    debounce(selector<"search">, 0.3);
   }
-  const double lastCall = monotonicSeconds();
   clock.advance(0.25);
-  EXPECT_TRUE(field->events.empty()) << "the first call of a burst is not special";
+  EXPECT_EQ(field->take(), "") << "the first call of a burst is not special";
   clock.advance(10);
-  EXPECT_EQ(field->times, std::vector<double>{lastCall + 0.3});
+  EXPECT_EQ(field->take(), "search 800, ");
 }
 
-TEST(Debounce, DelaysAsItIsTold) {
+TEST_F(Debounce, DelaysAsItIsTold) {
   const struct {
-    double first;
-    double second;
-    double after;
-    const char* why;
+    double first, second;
+    const char *events, *why;
   } rows[] = {
-      {10, 0.125, 0.125, "an earlier deadline counts at once"},
-      {0.125, 10, 10, "a later one as well"},
-      {5, 0, 0, "no delay: the next pass"},
-      {5, -1, 0, "nor a negative one"},
-      {5, kNotANumber, 0, "nor one that is no number"},
+      {10, 0.125, "search 125, ", "an earlier deadline counts at once"},
+      {0.125, 10, "search 10000, ", "a later one as well"},
+      {5, 0, "search 0, ", "no delay: the next pass"},
+      {5, -1, "search 0, ", "nor a negative one"},
+      {5, kNotANumber, "search 0, ", "nor one that is no number"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    TestClock clock;
-    const auto field = make<Field>();
-    const double start = monotonicSeconds();
-    debounce(*field, selector<"search">, row.first);
-    debounce(*field, selector<"search">, row.second);
-    EXPECT_TRUE(field->events.empty()) << "never within the call";
+    field = make<Field>();
+    debounce(selector<"search">, row.first);
+    debounce(selector<"search">, row.second);
+    EXPECT_EQ(field->take(), "") << "never within the call";
     clock.advance(20);
-    EXPECT_EQ(field->times, std::vector<double>{start + row.after});
+    EXPECT_EQ(field->take(), row.events);
   }
 }
 
-TEST(Debounce, RunsInTheDefaultModeOfTheCallingThreadAlone) {
-  TestClock clock;
-  const auto field = make<Field>();
-  debounce(*field, selector<"search">, 0);
-  RunLoop::current().performAfter(
-      0, [] {}, "tracking");
-  clock.advance(1, "tracking");
-  EXPECT_TRUE(field->events.empty());
+TEST_F(Debounce, RunsInTheDefaultModeOfTheCallingThreadAlone) {
+  debounce(selector<"search">, 0);
+  clock.runDue("tracking");
+  EXPECT_EQ(field->take(), "");
   std::thread([&] {
-    debounce(*field, selector<"search">, 0);
+    debounce(selector<"search">, 0);
     RunLoop::current().runDue();
   }).join();
-  EXPECT_EQ(field->events.size(), 1u) << "that thread's, which has not cancelled this one's";
+  EXPECT_EQ(field->take(), "search 0, ") << "that thread's, which has not cancelled this one's";
   clock.runDue();
-  EXPECT_EQ(field->events.size(), 2u);
+  EXPECT_EQ(field->take(), "search 0, ");
 }
 
-TEST(Debounce, KeepsItsReceiverUntilItHasSent) {
-  TestClock clock;
-  Weak<Field> field;
-  {
-    const auto strong = make<Field>();
-    field = strong;
-    debounce(*strong, selector<"show:">, 1);
-    debounce(*strong, selector<"show:">, 2);
-  }
-  EXPECT_TRUE(field.lock());
-  clock.advance(1.5);
-  EXPECT_EQ(field.lock()->events, Events());
-  clock.advance(0.5);
-  EXPECT_FALSE(field.lock());
+TEST_F(Debounce, KeepsItsReceiverUntilItHasSent) {
+  const Weak<Field> weak = field;
+  debounce(selector<"show:">, 1);
+  debounce(selector<"search">, 2);
+  debounce(selector<"search">, 3);
+  field = nullptr;
+  clock.advance(2);
+  EXPECT_EQ(weak.lock()->take(), "show nothing 1000, ") << "selectors do not know one another";
+  clock.advance(1);
+  EXPECT_FALSE(weak.lock());
 }
 
-TEST(Throttle, RunsAtOnceAndThenDropsUntilMoreThanTheIntervalHasPassed) {
+TEST_F(Throttle, RunsAtOnceAndThenDropsUntilMoreThanTheIntervalHasPassed) {
   const struct {
-    double interval;
-    double elapsed;
+    double interval, elapsed;
     bool runs;
     const char* why;
   } rows[] = {
@@ -155,103 +141,83 @@ TEST(Throttle, RunsAtOnceAndThenDropsUntilMoreThanTheIntervalHasPassed) {
       {0, 1e-6, true, "no interval, and it has"},
       {-1, 0, true, "a negative interval"},
       {kNotANumber, 1e6, false, "no number"},
-      {std::numeric_limits<double>::infinity(), 1e6, false, "for ever"},
+      {kInfinity, 1e6, false, "for ever"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    TestClock clock;
-    const auto field = make<Field>();
-    throttle(*field, selector<"search">, row.interval);
-    EXPECT_EQ(field->events.size(), 1u) << "the first call always runs, before it returns";
+    field = make<Field>();
+    throttle(selector<"search">, row.interval);
+    EXPECT_EQ(field->take(), "search 0, ") << "the first call always runs, before it returns";
     clock.advance(row.elapsed);
-    throttle(*field, selector<"search">, row.interval);
-    EXPECT_EQ(field->events.size(), row.runs ? 2u : 1u);
+    throttle(selector<"search">, row.interval);
+    EXPECT_EQ(!field->take().empty(), row.runs);
     clock.advance(1e7);
-    EXPECT_EQ(field->events.size(), row.runs ? 2u : 1u) << "what was dropped never runs";
+    EXPECT_EQ(field->take(), "") << "what was dropped never runs";
   }
 }
 
-TEST(Throttle, CountsFromTheEndOfTheLastRun) {
-  TestClock clock;
-  const auto field = make<Field>();
-  throttle(*field, selector<"work">, 1);  // takes 3 s
-  const auto entry = send<"h_throttleTimestamps">(*field)->objectForKey(makeString("work"));
+TEST_F(Throttle, CountsFromTheEndOfTheLastRun) {
+  throttle(selector<"work">, 1);  // takes 3 s
+  const auto entry = send<"h_throttleTimestamps">(field)->objectForKey(s("work"));
   ASSERT_TRUE(isKind<NSNumber>(entry));
   EXPECT_EQ(static_cast<NSNumber*>(entry.get())->doubleValue(), monotonicSeconds());
   clock.advance(0.5);
-  throttle(*field, selector<"work">, 1);
-  EXPECT_EQ(field->events.size(), 1u);
+  throttle(selector<"work">, 1);
+  EXPECT_EQ(field->take(), "work 3000, ");
   clock.advance(0.6);
-  throttle(*field, selector<"work">, 1);
-  EXPECT_EQ(field->events.size(), 2u);
+  throttle(selector<"work">, 1);
+  EXPECT_EQ(field->take(), "work 7100, ");
 }
 
-TEST(Throttle, KeepsItsStateInADictionaryThatTheApplicationMayChange) {
-  TestClock clock;
-  const auto a = make<Field>();
-  const auto b = make<Field>();
+TEST_F(Throttle, KeepsItsStateInADictionaryThatTheApplicationMayChange) {
   const auto callBoth = [&] {
-    throttle(*a, selector<"search">, 100);
-    throttle(*a, selector<"show:">, 100);
-    return std::exchange(a->events, {});
+    throttle(selector<"search">, 100);
+    throttle(selector<"show:">, 100);
+    return field->take();
   };
-  EXPECT_FALSE(send<"h_throttleTimestamps">(*a));
-  EXPECT_EQ(callBoth(), (Events{"search", "show nothing"})) << "two selectors do not know one another";
-  throttle(*b, selector<"search">, 100);
-  EXPECT_EQ(b->events, Events{"search"}) << "nor do two receivers";
-  const auto timestamps = send<"h_throttleTimestamps">(*a);
+  EXPECT_FALSE(send<"h_throttleTimestamps">(field));
+  EXPECT_EQ(callBoth(), "search 0, show nothing 0, ") << "two selectors do not know one another";
+  const auto timestamps = send<"h_throttleTimestamps">(field);
   EXPECT_EQ(timestamps->count(), 2u);
-  EXPECT_EQ(associatedValue(*a, selector<"h_throttleTimestamps">).get(), timestamps.get());
-
-  timestamps->removeObjectForKey(makeString("search"));
-  EXPECT_EQ(callBoth(), Events{"search"});
-  send<"setH_throttleTimestamps:">(*a, nullptr);
-  EXPECT_FALSE(send<"h_throttleTimestamps">(*a));
-  EXPECT_EQ(callBoth(), (Events{"search", "show nothing"})) << "every selector's next call runs";
+  EXPECT_EQ(associatedValue(*field, selector<"h_throttleTimestamps">).get(), timestamps.get());
+  timestamps->removeObjectForKey(s("search"));
+  EXPECT_EQ(callBoth(), "search 0, ");
+  send<"setH_throttleTimestamps:">(field, nullptr);
+  EXPECT_FALSE(send<"h_throttleTimestamps">(field));
+  EXPECT_EQ(callBoth(), "search 0, show nothing 0, ") << "every selector's next call runs";
   const auto mine = make<NSMutableDictionary>();
-  send<"setH_throttleTimestamps:">(*a, mine);
+  send<"setH_throttleTimestamps:">(field, mine);
   callBoth();
   EXPECT_EQ(mine->count(), 2u) << "stored without a copy";
+  field = make<Field>();
+  EXPECT_EQ(callBoth(), "search 0, show nothing 0, ") << "two receivers do not know one another";
 }
 
-TEST(Throttle, ReachesItsDictionaryByMessages) {
-  TestClock clock;
-  const auto field = make<OwnTimestamps>();
-  throttle(*field, selector<"search">, 1);
-  throttle(*field, selector<"search">, 1);
-  EXPECT_EQ(field->events.size(), 1u);
-  ASSERT_TRUE(field->kept);
-  EXPECT_EQ(field->kept->count(), 1u);
+TEST_F(Throttle, ReachesItsDictionaryByMessages) {
+  const auto own = make<OwnTimestamps>();
+  field = own;
+  throttle(selector<"search">, 1);
+  throttle(selector<"search">, 1);
+  EXPECT_EQ(field->take(), "search 0, ");
+  ASSERT_TRUE(own->kept);
+  EXPECT_EQ(own->kept->count(), 1u);
   EXPECT_FALSE(associatedValue(*field, selector<"h_throttleTimestamps">));
 }
 
-TEST(Throttle, AMessageThatThrowsLeavesNoTime) {
-  TestClock clock;
-  const auto field = make<Field>();
-  EXPECT_THROW(throttle(*field, selector<"fail">, 100), std::runtime_error);
-  EXPECT_THROW(throttle(*field, selector<"fail">, 100), std::runtime_error) << "not dropped";
+TEST_F(Throttle, AMessageThatThrowsLeavesNoTime) {
+  EXPECT_THROW(throttle(selector<"fail">, 100), std::runtime_error);
+  EXPECT_THROW(throttle(selector<"fail">, 100), std::runtime_error) << "not dropped";
 }
 
-TEST(RateLimits, LeaveAReceiverAloneThatDoesNotRespond) {
-  TestClock clock;
-  const auto field = make<Field>();
+TEST_F(RateLimits, LeaveAloneWhatDoesNotRespondAndRefuseTwoArguments) {
   field->deaf = true;
   for (const Selector message : {Selector(selector<"search">), Selector(selector<"noSuchMessage">), Selector()}) {
-    debounce(*field, message, 0);
-    throttle(*field, message, 0);
+    debounce(message, 0);
+    throttle(message, 0);
   }
+  EXPECT_FALSE(send<"h_throttleTimestamps">(field)) << "not even a dictionary";
+  EXPECT_EQ(nameOf([&] { debounce(selector<"move:to:">, 0); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { throttle(selector<"move:to:">, 0); }), NSInvalidArgumentException);
   clock.advance(1);
-  EXPECT_TRUE(field->events.empty());
-  EXPECT_FALSE(send<"h_throttleTimestamps">(*field)) << "not even a dictionary";
+  EXPECT_EQ(field->take(), "");
 }
-
-TEST(RateLimits, RefuseAMessageWithTwoArguments) {
-  TestClock clock;
-  const auto field = make<Field>();
-  EXPECT_THROW(debounce(*field, selector<"move:to:">, 0), NSException);
-  EXPECT_THROW(throttle(*field, selector<"move:to:">, 0), NSException);
-  clock.advance(1);
-  EXPECT_TRUE(field->events.empty());
-}
-
-}  // namespace

@@ -6,8 +6,9 @@
 
 #include <HavrinFoundation/frame/test_flag_messages.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <gtest/gtest.h>
+
+#include "../object_text.h"
 
 using namespace havrin;
 
@@ -50,15 +51,10 @@ TEST(TestFlag, ReadsTheVariableAsABoolean) {
   const auto given = make<GivenProcess>();
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    if (row.value) {
-      setenv(kVariable, row.value->c_str(), 1);
-    } else {
-      unsetenv(kVariable);
-    }
+    row.value ? setenv(kVariable, row.value->c_str(), 1) : unsetenv(kVariable);
     EXPECT_EQ(isExecutingTests(*NSProcessInfo::processInfo()), row.executing);
     EXPECT_EQ(send<"isExecutingTests">(NSProcessInfo::processInfo()), row.executing);
-    given->variables =
-        row.value ? makeDictionary({{makeString(kVariable), makeString(*row.value)}}) : makeDictionary({});
+    given->variables = row.value ? makeDictionary({{s(kVariable), s(*row.value)}}) : makeDictionary({});
     EXPECT_EQ(isExecutingTests(*given), row.executing);
     EXPECT_EQ(send<"isExecutingTests">(given), row.executing);
   }
@@ -67,17 +63,15 @@ TEST(TestFlag, ReadsTheVariableAsABoolean) {
 }
 
 TEST(ProcessInfo, GivesTheEnvironmentOfTheMoment) {
-  setenv("HAVRIN_A", "b=c", 1);
-  setenv("HAVRIN_EMPTY", "", 1);
-  setenv("HAVRIN_BYTES", "\xFF", 1);
   const NSProcessInfo* process = NSProcessInfo::processInfo();
   EXPECT_EQ(process, NSProcessInfo::processInfo());
-  const Strong<NSDictionary> variables = process->environment();
-  for (const char* name : {"HAVRIN_A", "HAVRIN_EMPTY", "HAVRIN_BYTES"}) unsetenv(name);
-  EXPECT_TRUE(makeString("b=c")->isEqual(variables->objectForKey(makeString("HAVRIN_A"))));
-  EXPECT_TRUE(makeString("")->isEqual(variables->objectForKey(makeString("HAVRIN_EMPTY"))));
-  EXPECT_TRUE(makeString("\xEF\xBF\xBD")->isEqual(variables->objectForKey(makeString("HAVRIN_BYTES"))));
-  EXPECT_FALSE(process->environment()->objectForKey(makeString("HAVRIN_A")));
+  const std::pair<const char*, const char*> rows[] = {{"b=c", "b=c"}, {"", ""}, {"\xFF", "\xEF\xBF\xBD"}};
+  for (const auto& [value, read] : rows) {
+    setenv("HAVRIN_A", value, 1);
+    EXPECT_EQ(text(process->environment()->objectForKey(s("HAVRIN_A"))), read);
+  }
+  unsetenv("HAVRIN_A");
+  EXPECT_FALSE(process->environment()->objectForKey(s("HAVRIN_A")));
   EXPECT_FALSE(process->environmentValue("HAVRIN"));
   EXPECT_GT(process->operatingSystemVersionString()->length(), 0U);
 }

@@ -1,5 +1,7 @@
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/unfair_lock.h>
+#include <HavrinFoundation/frame/unfair_lock_messages.h>
+#include <HavrinFoundation/platform/object/exception.h>
 
 #include <gtest/gtest.h>
 
@@ -55,6 +57,34 @@ TEST(UnfairLock, IsFreeAfterTheClosureThrew) {
   Locked<int> box(1);
   EXPECT_THROW(box.perform([](int& content) -> int { throw content = 2; }), int);
   EXPECT_EQ(box.perform([](int& content) { return content; }), 2) << "what the operation left stays";
+}
+
+std::uint32_t word(const Strong<message::UnfairLock>& lock) { return send<"lock">(lock)._os_unfair_lock_opaque; }
+
+TEST(MessageUnfairLock, HoldsItsWordDuringTheBlockOnly) {
+  const Strong<message::UnfairLock> lock = send<"init">(alloc<message::UnfairLock>());
+  EXPECT_EQ(word(lock), 0U);
+  std::uint32_t inside = 0;
+  send<"withLock:">(lock, [&] { inside = word(lock); });
+  EXPECT_NE(inside, 0U);
+  EXPECT_EQ(word(lock), 0U);
+  EXPECT_THROW(send<"withLock:">(lock, [] { throw std::runtime_error("no"); }), std::runtime_error);
+  EXPECT_EQ(word(lock), 0U);
+  EXPECT_THROW(send<"withLock:">(lock, nullptr), NSException);
+  EXPECT_EQ(word(lock), 0U);
+  EXPECT_EQ(classOf(*lock).name(), "UnfairLock");
+}
+
+TEST(MessageUnfairLock, LetsGoOfTheBlockBeforeTheLockAndSurvivesIt) {
+  auto lock = make<message::UnfairLock>();
+  const Weak<message::UnfairLock> weak = lock;
+  std::uint32_t atEnd = 0;
+  Block<void()> block;
+  block = [&, held = std::shared_ptr<void>(nullptr, [&](void*) { atEnd = word(weak.lock()); })] { block = nullptr; };
+  send<"withLock:">(lock, block);
+  EXPECT_NE(atEnd, 0U);
+  send<"withLock:">(lock, [&lock] { lock = nullptr; });
+  EXPECT_FALSE(weak.lock());
 }
 
 TEST(Locked, TakesItsContentOverAndDestroysItOnce) {
