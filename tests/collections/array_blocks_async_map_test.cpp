@@ -1,19 +1,11 @@
 // The asynchronous map: order, unwinding, independent continuations, threads.
-#include <cstdint>
-#include <functional>
 #include <future>
-#include <stdexcept>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/foundation/array_buffer.h>
-#include <gtest/gtest.h>
 
-#include "../object_text.h"
-#include "../random_seed.h"
+#include "../objects.h"
 
 using namespace havrin;
 

@@ -1,15 +1,7 @@
 // The block operations that finish before they return. The asynchronous map: array_blocks_async_map_test.cpp.
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 
-#include <cstddef>
-#include <functional>
-#include <stdexcept>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "../object_text.h"
+#include "../objects.h"
 
 using namespace havrin;
 

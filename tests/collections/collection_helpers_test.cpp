@@ -1,14 +1,9 @@
-#include <limits>
 #include <set>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
 #include <HavrinFoundation/platform/foundation/random.h>
-#include <gtest/gtest.h>
 
-#include "../object_text.h"
+#include "../objects.h"
 
 using namespace havrin;
 

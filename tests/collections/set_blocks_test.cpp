@@ -1,12 +1,8 @@
 #include <HavrinFoundation/collections/set_blocks_messages.h>
 
-#include <string>
-#include <vector>
-
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
-#include <gtest/gtest.h>
 
-#include "../object_text.h"
+#include "../objects.h"
 
 using namespace havrin;
 

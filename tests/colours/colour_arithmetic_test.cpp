@@ -1,10 +1,8 @@
 #include <HavrinFoundation/colours/colour_arithmetic.h>
 
-#include <limits>
-#include <string>
-
 #include <HavrinFoundation/colours/colour_arithmetic_messages.h>
-#include <gtest/gtest.h>
+
+#include "../testing.h"
 
 using namespace havrin;
 

@@ -1,15 +1,13 @@
 #include <HavrinFoundation/colours/hex_codes.h>
 
 #include <cmath>
-#include <limits>
 #include <set>
-#include <string>
-#include <vector>
 
 #include <HavrinFoundation/colours/hex_codes_messages.h>
 #include <HavrinFoundation/platform/foundation/random.h>
 #include <HavrinFoundation/platform/object/exception.h>
-#include <gtest/gtest.h>
+
+#include "../testing.h"
 
 using namespace havrin;
 

@@ -5,11 +5,7 @@
 #include <HavrinFoundation/testkit/test_clock.h>
 #include <tests/platform/time/pinned_environment.h>
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <thread>
-#include <vector>
+#include "../testing.h"
 
 namespace havrin {
 namespace {

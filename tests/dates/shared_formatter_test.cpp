@@ -4,11 +4,9 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <tests/platform/time/pinned_environment.h>
 
-#include <gtest/gtest.h>
-
 #include <array>
-#include <string>
-#include <thread>
+
+#include "../testing.h"
 
 namespace havrin {
 namespace {

@@ -3,10 +3,9 @@
 #include <HavrinFoundation/dates/zero_uuid_messages.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 
-#include <gtest/gtest.h>
-
 #include <array>
-#include <thread>
+
+#include "../testing.h"
 
 namespace havrin {
 namespace {

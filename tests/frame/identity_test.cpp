@@ -2,13 +2,12 @@
 
 #include <fstream>
 #include <iterator>
-#include <string>
-#include <string_view>
 
 #include <HavrinFoundation/frame/not_localized.h>
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/string.h>
-#include <gtest/gtest.h>
+
+#include "../testing.h"
 
 using namespace havrin;
 

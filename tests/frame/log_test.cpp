@@ -1,12 +1,9 @@
 #include <HavrinFoundation/frame/log.h>
 
-#include <string>
-#include <thread>
-#include <vector>
-
 #include <HavrinFoundation/platform/log/log_seam.h>
 #include <HavrinFoundation/platform/object/exception.h>
-#include <gtest/gtest.h>
+
+#include "../testing.h"
 
 using namespace havrin;
 

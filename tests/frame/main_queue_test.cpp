@@ -4,12 +4,7 @@
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <string>
-#include <thread>
-#include <vector>
+#include "../testing.h"
 
 namespace {
 

@@ -1,17 +1,11 @@
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 
 #include <cmath>
-#include <limits>
-#include <stdexcept>
-#include <string>
-#include <thread>
-#include <utility>
 
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/testkit/test_clock.h>
-#include <gtest/gtest.h>
 
-#include "../object_text.h"
+#include "../objects.h"
 
 using namespace havrin;
 

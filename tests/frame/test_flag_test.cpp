@@ -1,14 +1,8 @@
 #include <HavrinFoundation/frame/test_flag.h>
 
-#include <cstdlib>
-#include <optional>
-#include <string>
-
 #include <HavrinFoundation/frame/test_flag_messages.h>
-#include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <gtest/gtest.h>
 
-#include "../object_text.h"
+#include "../objects.h"
 
 using namespace havrin;
 

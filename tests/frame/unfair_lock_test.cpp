@@ -3,15 +3,11 @@
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
-#include <gtest/gtest.h>
-
 #include <barrier>
 #include <future>
-#include <memory>
-#include <stdexcept>
-#include <thread>
 #include <type_traits>
-#include <vector>
+
+#include "../testing.h"
 
 namespace {
 

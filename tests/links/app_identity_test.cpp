@@ -4,13 +4,8 @@
 #include <HavrinFoundation/platform/foundation/process_info.h>
 #include <HavrinFoundation/testkit/main_bundle.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <string>
-#include <string_view>
-
 #include "../temporary_folder.h"
+#include "../testing.h"
 
 namespace {
 

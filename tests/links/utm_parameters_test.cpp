@@ -2,13 +2,10 @@
 
 #include <HavrinFoundation/platform/net/url_components.h>
 
-#include <gtest/gtest.h>
-
 #include <concepts>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <tuple>
+
+#include "../testing.h"
 
 namespace {
 

@@ -1,18 +1,11 @@
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 
-#include <cstdio>
-#include <functional>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
-
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/foundation/index_set.h>
 #include <HavrinFoundation/testkit/test_clock.h>
-#include <gtest/gtest.h>
 
 #include "../platform/observing/observed_objects.h"
+#include "../testing.h"
 
 using namespace havrin;
 using namespace havrin_test;
@@ -21,7 +14,7 @@ namespace {
 
 // The entries of a change, in one line: "listeners 1 0>3".
 std::string line(const NSDictionary* change) {
-  const auto entry = [change](const char* key) { return shown(change->objectForKey(text(key))); };
+  const auto entry = [change](const char* key) { return shown(change->objectForKey(s(key))); };
   return entry("keyPath") + " " + entry("kind") + " " + entry("old") + ">" + entry("new");
 }
 
@@ -51,7 +44,7 @@ struct Observation : testing::Test {
                                                                     keyPaths, options, action());
   }
   Strong<KeyValueObservation> observe(const char* keyPath, std::uint64_t options) {
-    return observe(makeArray({text(keyPath)}), options);
+    return observe(makeArray({s(keyPath)}), options);
   }
   std::string take() {
     std::string all;
@@ -111,13 +104,13 @@ TEST_F(Observation, OptionsAreTwoBits) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    send<"setTitle:">(station, text("a"));
+    send<"setTitle:">(station, s("a"));
     auto keyPaths = makeMutableArray({});
-    for (const char* path : row.keyPaths) keyPaths->addObject(text(path));
+    for (const char* path : row.keyPaths) keyPaths->addObject(s(path));
     token = observe(keyPaths, row.options);
-    send<"setTitle:">(station, text("b"));
-    send<"setTitle:">(station, text("b"));
-    station->setValueForKey(nullptr, text("title"));
+    send<"setTitle:">(station, s("b"));
+    send<"setTitle:">(station, s("b"));
+    station->setValueForKey(nullptr, s("title"));
     EXPECT_EQ(take(), row.told);
     token = nullptr;
     EXPECT_TRUE(station->isUnobserved());
@@ -125,17 +118,17 @@ TEST_F(Observation, OptionsAreTwoBits) {
 }
 
 TEST_F(Observation, UnchangedMeansEqualInTheEyesOfTheOldValue) {
-  token = observe(makeArray({text("title"), text("listeners"), text("songs")}), kSkipInitial | kSkipUnchanged);
+  token = observe(makeArray({s("title"), s("listeners"), s("songs")}), kSkipInitial | kSkipUnchanged);
   send<"setTitle:">(station, nullptr);
   EXPECT_EQ(take(), "") << "null stays null";
   send<"setListeners:">(station, 0);
   EXPECT_EQ(take(), "") << "equal numbers";
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   send<"setTitle:">(station, nullptr);
   EXPECT_EQ(take(), "title 1 null>a, title 1 a>null");
-  const auto songs = station->mutableArrayValueForKey(text("songs"));
-  songs->addObject(text("x"));
-  songs->replaceObjectAtIndex(0, text("x"));
+  const auto songs = station->mutableArrayValueForKey(s("songs"));
+  songs->addObject(s("x"));
+  songs->replaceObjectAtIndex(0, s("x"));
   songs->removeLastObject();
   EXPECT_EQ(take(), "songs 2 ->(x), songs 3 (x)>-") << "what came or went is a change, an equal replacement is none";
 }
@@ -154,7 +147,7 @@ TEST_F(Observation, TheFirstCallIsMadeOnWhateverThreadCreatesIt) {
   std::string first;
   elsewhere([&] {
     token = send<"initWithObserver:object:keyPaths:options:action:">(
-        alloc<KeyValueObservation>(), nullptr, station, makeArray({text("title")}), 0,
+        alloc<KeyValueObservation>(), nullptr, station, makeArray({s("title")}), 0,
         [&](NSObject* who, NSObject* what, NSDictionary* change) {
           EXPECT_FALSE(isMainThread());
           EXPECT_EQ(who, nullptr);
@@ -162,7 +155,7 @@ TEST_F(Observation, TheFirstCallIsMadeOnWhateverThreadCreatesIt) {
           first += shown(change);
         });
   });
-  send<"setTitle:">(station, text("a"));  // for an observer that never was
+  send<"setTitle:">(station, s("a"));  // for an observer that never was
   EXPECT_EQ(first, "{kind = 1}");
 }
 
@@ -171,8 +164,8 @@ TEST_F(Observation, DropsChangesOnceItsObserverIsGone) {
   take();
   elsewhere([&] { observer = nullptr; });
   EXPECT_EQ(token->observer().get(), nullptr);
-  send<"setTitle:">(station, text("a"));
-  elsewhere([&] { send<"setTitle:">(station, text("b")); });
+  send<"setTitle:">(station, s("a"));
+  elsewhere([&] { send<"setTitle:">(station, s("b")); });
   clock.advance(1);
   EXPECT_EQ(take(), "");
   EXPECT_FALSE(station->isUnobserved());
@@ -182,7 +175,7 @@ TEST_F(Observation, DropsChangesOnceItsObserverIsGone) {
 
 TEST_F(Observation, AQueuedDeliveryKeepsEverythingAlive) {
   token = observe("title", kSkipInitial);
-  elsewhere([&] { send<"setTitle:">(station, text("a")); });
+  elsewhere([&] { send<"setTitle:">(station, s("a")); });
   const Weak<KeyValueObservation> weakToken = token;
   const Weak<NSObject> weakObserver = observer;
   NSObject* const kept = observer;
@@ -195,7 +188,7 @@ TEST_F(Observation, AQueuedDeliveryKeepsEverythingAlive) {
   EXPECT_EQ(take(), "title 1 null>a");
   EXPECT_FALSE(weakToken.lock());
   EXPECT_TRUE(station->isUnobserved());
-  elsewhere([&] { send<"setTitle:">(station, text("b")); });
+  elsewhere([&] { send<"setTitle:">(station, s("b")); });
   clock.advance(1);
   EXPECT_EQ(take(), "");
 }
@@ -207,9 +200,9 @@ TEST_F(Observation, ObserverOptionsAndActionMayBeSetLater) {
   EXPECT_EQ(take(), "");
   EXPECT_EQ(token->options(), kSkipUnchanged);
   token->setObserver(observer = make<NSObject>());
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(take(), "title 1 null>a");
-  elsewhere([&] { send<"setTitle:">(station, text("b")); });
+  elsewhere([&] { send<"setTitle:">(station, s("b")); });
   int calls = 0;
   token->setAction([&](NSObject*, NSObject*, NSDictionary*) { ++calls; });
   EXPECT_TRUE(clock.runUntil([&] { return calls != 0; })) << "what is queued calls the action of the moment";
@@ -218,11 +211,11 @@ TEST_F(Observation, ObserverOptionsAndActionMayBeSetLater) {
 
 TEST_F(Observation, TheSameMayBeObservedTwice) {
   token = observe("title", kSkipInitial);
-  const auto second = observe(makeArray({text("title"), text("title")}), kSkipInitial);
-  send<"setTitle:">(station, text("a"));
+  const auto second = observe(makeArray({s("title"), s("title")}), kSkipInitial);
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(take(), "title 1 null>a, title 1 null>a, title 1 null>a");
   token = nullptr;
-  send<"setTitle:">(station, text("b"));
+  send<"setTitle:">(station, s("b"));
   EXPECT_EQ(take(), "title 1 a>b, title 1 a>b");
 }
 
@@ -236,7 +229,7 @@ TEST_F(Observation, ObservationsMayComeAndGoInsideActions) {
   token = observe("title", 0);
   EXPECT_EQ(take(), "- 1 ->-, - 1 ->-, listeners 1 0>1");
   during = [&] { token = inner = nullptr; };
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   send<"setListeners:">(station, 2);
   EXPECT_EQ(take(), "title 1 null>a");
   EXPECT_TRUE(station->isUnobserved());
@@ -247,11 +240,11 @@ TEST_F(Observation, IsCalledAsKeyValueObservingCalls) {
   Strong<NSDictionary> seen;
   token->setAction([&](NSObject*, NSObject*, NSDictionary* given) { seen = given; });
   const auto change = make<NSMutableDictionary>();
-  change->setObject(text("mine"), text("other"));
-  change->setObject(text("mine"), kKeyValueObservationKeyPath);
+  change->setObject(s("mine"), s("other"));
+  change->setObject(s("mine"), kKeyValueObservationKeyPath);
   const auto call = [&](NSObject* object, void* context) {
     seen = nullptr;
-    send<"observeValueForKeyPath:ofObject:change:context:">(token, text("p"), object, change, context);
+    send<"observeValueForKeyPath:ofObject:change:context:">(token, s("p"), object, change, context);
     return shown(seen);
   };
   int foreign = 0;
@@ -264,20 +257,20 @@ TEST_F(Observation, IsCalledAsKeyValueObservingCalls) {
   EXPECT_EQ(seen->count(), 2U);
   token->setOptions(kSkipUnchanged);
   EXPECT_EQ(call(station, kKeyValueObservationContext), "-") << "neither old nor new: the same";
-  change->setObject(text("new"), NSKeyValueChangeNewKey);
+  change->setObject(s("new"), NSKeyValueChangeNewKey);
   EXPECT_NE(call(station, kKeyValueObservationContext), "-") << "a new value where there was none is a change";
-  station->addObserver(token, text("title"), 0, &foreign);  // another registration of the same object
+  station->addObserver(token, s("title"), 0, &foreign);  // another registration of the same object
   seen = nullptr;
   send<"setTitle:">(station, nullptr);
   EXPECT_FALSE(seen);
-  station->removeObserver(token, text("title"), &foreign);
+  station->removeObserver(token, s("title"), &foreign);
 }
 
 TEST_F(Observation, IsMadeThroughItsSettersInOrder) {
-  observer = text("who");
+  observer = s("who");
   const auto named = make<Named>();
   const Strong<KeyValueObservation> result = send<"initWithObserver:object:keyPaths:options:action:">(
-      static_cast<KeyValueObservation&>(*named), observer, make<NSMutableDictionary>(), makeArray({text("a")}),
+      static_cast<KeyValueObservation&>(*named), observer, make<NSMutableDictionary>(), makeArray({s("a")}),
       kSkipInitial | 64, action());
   EXPECT_EQ(result.get(), named.get());
   EXPECT_EQ(named->log, "observer=who object={} keyPaths=(a) options=66 action=- ");
@@ -285,18 +278,18 @@ TEST_F(Observation, IsMadeThroughItsSettersInOrder) {
 
 TEST_F(Observation, CopiesKeyPathsAndReadsTheActionByMessage) {
   const auto silent = make<Silent>();
-  const auto keyPaths = makeMutableArray({text("title")});
+  const auto keyPaths = makeMutableArray({s("title")});
   send<"initWithObserver:object:keyPaths:options:action:">(static_cast<KeyValueObservation&>(*silent), observer,
                                                            station, keyPaths, kSkipInitial, action());
-  keyPaths->addObject(text("listeners"));
+  keyPaths->addObject(s("listeners"));
   EXPECT_EQ(silent->keyPaths()->count(), 1U);
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(silent->asked, 1);
   EXPECT_EQ(take(), "");
 }
 
 TEST_F(Observation, BadInputRaisesAndLeavesNothingRegistered) {
-  const auto title = text("title");
+  const auto title = s("title");
   const struct {
     Strong<NSArray> keyPaths;
     KeyValueObservationAction action;
@@ -304,7 +297,7 @@ TEST_F(Observation, BadInputRaisesAndLeavesNothingRegistered) {
     const char* why;
   } rows[] = {
       {makeArray({title}), nullptr, NSInvalidArgumentException, "no action"},
-      {makeArray({title, text("nothing.name")}), action(), NSUndefinedKeyException, "an unknown key on the way"},
+      {makeArray({title, s("nothing.name")}), action(), NSUndefinedKeyException, "an unknown key on the way"},
       {makeArray({title, makeNumber(1)}), action(), NSInvalidArgumentException, "a number for a path"},
       {makeArray({title}), [](NSObject*, NSObject*, NSDictionary*) { throw NSException("Mine", "x"); }, "Mine",
        "an action that throws"},
@@ -326,16 +319,16 @@ TEST_F(Observation, BadInputRaisesAndLeavesNothingRegistered) {
 
 TEST_F(Observation, ReassignedKeyPathsAreNoCrash) {
   token = observe("title", kSkipInitial);
-  token->setKeyPaths(makeArray({text("listeners")}));
+  token->setKeyPaths(makeArray({s("listeners")}));
   token = nullptr;
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(take(), "");
   EXPECT_TRUE(station->isUnobserved()) << "what the dead observer left is dropped at the change";
 }
 
 TEST_F(Observation, DescribesItselfToTheByte) {
-  observer = text("the board");
-  token = observe(makeArray({text("title"), text("host.name")}), kSkipInitial);
+  observer = s("the board");
+  token = observe(makeArray({s("title"), s("host.name")}), kSkipInitial);
   char address[32];
   std::snprintf(address, sizeof address, "%p", static_cast<void*>(token.get()));
   const std::string head = std::string("<KeyValueObservation: ") + address + ">\n  observer: ";

@@ -1,17 +1,11 @@
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 
-#include <cstdlib>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
-
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/testkit/test_clock.h>
-#include <gtest/gtest.h>
 
 #include "../platform/observing/observed_objects.h"
+#include "../testing.h"
 
 using namespace havrin;
 using namespace havrin_test;
@@ -60,20 +54,20 @@ struct Registry : testing::Test {
 
 TEST_F(Registry, KeepsItsTokensInOrder) {
   bool first = true;
-  send<"observeModel:forKeyPath:action:">(board, station, text("title"), [&](Board& drawn, Station&, NSDictionary*) {
+  send<"observeModel:forKeyPath:action:">(board, station, s("title"), [&](Board& drawn, Station&, NSDictionary*) {
     ++drawn.redraws;
     EXPECT_EQ(!send<"keyValueObservations">(drawn), std::exchange(first, false)) << "not yet in its first call";
   });
   EXPECT_EQ(board->redraws, 1);
   const Strong<NSArray> one = send<"keyValueObservations">(board);
   EXPECT_TRUE(isKind<NSMutableArray>(one));
-  send<"observeModel:forKeyPath:action:">(board, station, text("title"), redraw());
+  send<"observeModel:forKeyPath:action:">(board, station, s("title"), redraw());
   const Strong<NSArray> both = send<"keyValueObservations">(board);
   EXPECT_EQ(one->count(), 1U) << "nothing mutates a list in place";
   ASSERT_EQ(both->count(), 2U);
   EXPECT_EQ(both->objectAtIndex(0).get(), one->objectAtIndex(0).get());
   board->redraws = 0;
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(board->redraws, 2);
   const auto& token = *cast<KeyValueObservation>(both->objectAtIndex(1));
   EXPECT_EQ(token.observer().get(), board.get());
@@ -83,8 +77,8 @@ TEST_F(Registry, KeepsItsTokensInOrder) {
 
 TEST_F(Registry, AllFormsReachTheOneThatMayBeOverridden) {
   const auto nosy = make<Nosy>();
-  const auto path = text("title");
-  const auto paths = makeArray({path, text("listeners")});
+  const auto path = s("title");
+  const auto paths = makeArray({path, s("listeners")});
   Board& responder = *nosy;
   send<"observeModel:forKeyPath:action:">(responder, station, path, redraw());
   send<"observeModel:forKeyPaths:action:">(responder, station, paths, redraw());
@@ -97,30 +91,30 @@ TEST_F(Registry, AllFormsReachTheOneThatMayBeOverridden) {
 
 TEST_F(Registry, OptionsReachTheToken) {
   send<"observeModel:forKeyPath:options:action:">(
-      board, station, text("title"), KeyValueObservationOptionSkipInitial | KeyValueObservationOptionSkipUnchanged,
+      board, station, s("title"), KeyValueObservationOptionSkipInitial | KeyValueObservationOptionSkipUnchanged,
       redraw());
   send<"setTitle:">(station, nullptr);
   EXPECT_EQ(board->redraws, 0);
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(board->redraws, 1);
 }
 
 TEST_F(Registry, TheListIsReadAndStoredByMessage) {
   const auto keeper = make<Keeper>();
-  send<"observeModel:forKeyPath:action:">(keeper, station, text("title"), redraw());
-  send<"observeModel:forKeyPath:action:">(keeper, station, text("title"), redraw());
+  send<"observeModel:forKeyPath:action:">(keeper, station, s("title"), redraw());
+  send<"observeModel:forKeyPath:action:">(keeper, station, s("title"), redraw());
   EXPECT_EQ(keeper->counts, (std::vector<std::uint64_t>{1, 2}));
   EXPECT_FALSE(associatedValue(*keeper, selector<"keyValueObservations">));
 }
 
 TEST_F(Registry, ObservationsEndWithTheListThatHeldThem) {
-  send<"observeModel:forKeyPath:action:">(board, station, text("title"), redraw());
-  send<"observeModel:forKeyPath:action:">(board, station, text("listeners"), redraw());
+  send<"observeModel:forKeyPath:action:">(board, station, s("title"), redraw());
+  send<"observeModel:forKeyPath:action:">(board, station, s("listeners"), redraw());
   Strong<NSArray> list = send<"keyValueObservations">(board);
   const Strong<NSArray> second = makeArray({list->objectAtIndex(1)});
   const auto redraws = [&] {
     board->redraws = 0;
-    send<"setTitle:">(station, text("a"));
+    send<"setTitle:">(station, s("a"));
     return board->redraws;
   };
   send<"setKeyValueObservations:">(board, second);
@@ -134,19 +128,19 @@ TEST_F(Registry, ObservationsEndWithTheListThatHeldThem) {
 
 TEST_F(Registry, ObservationsEndWithTheResponderWhereverItGoes) {
   Weak<Station> weak = station;
-  send<"observeModel:forKeyPath:action:">(board, station, text("title"), redraw());
+  send<"observeModel:forKeyPath:action:">(board, station, s("title"), redraw());
   Strong<Station> held = std::move(station);
   held = nullptr;
   EXPECT_TRUE(weak.lock()) << "observed, so alive";
   station = weak.lock();
   std::thread([&] { board = nullptr; }).join();
   EXPECT_TRUE(station->isUnobserved());
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
 }
 
 TEST_F(Registry, AQueuedDeliveryOutlivesTheList) {
-  send<"observeModel:forKeyPath:options:action:">(board, station, text("title"), 2, redraw());
-  std::thread([&] { send<"setTitle:">(station, text("a")); }).join();
+  send<"observeModel:forKeyPath:options:action:">(board, station, s("title"), 2, redraw());
+  std::thread([&] { send<"setTitle:">(station, s("a")); }).join();
   send<"setKeyValueObservations:">(board, nullptr);
   EXPECT_FALSE(station->isUnobserved());
   EXPECT_TRUE(clock.runUntil([&] { return board->redraws == 1; }));
@@ -166,7 +160,7 @@ TEST_F(Registry, BadInputRaisesAndAddsNoToken) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    const auto path = row.keyPath ? text(row.keyPath) : nullptr;
+    const auto path = row.keyPath ? s(row.keyPath) : nullptr;
     EXPECT_EQ(nameOf([&] { send<"observeModel:forKeyPath:action:">(board, station, path, row.action); }), row.name);
     EXPECT_FALSE(send<"keyValueObservations">(board));
     EXPECT_TRUE(station->isUnobserved());
@@ -179,10 +173,10 @@ TEST(ObservationDeathTest, ExitWithDeliveriesQueuedIsClean) {
       {
         const auto station = make<Station>();
         const auto board = make<Board>();
-        send<"observeModel:forKeyPath:options:action:">(board, station, text("title"), 2,
+        send<"observeModel:forKeyPath:options:action:">(board, station, s("title"), 2,
                                                         [](NSObject*, NSObject*, NSDictionary*) { std::abort(); });
         std::thread([&] {
-          for (int i = 0; i < 100; ++i) send<"setTitle:">(station, text("a"));
+          for (int i = 0; i < 100; ++i) send<"setTitle:">(station, s("a"));
         }).join();
         std::exit(0);
       },

@@ -1,11 +1,6 @@
 #include <HavrinFoundation/runtime/casts_messages.h>
 
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "../object_text.h"
+#include "../objects.h"
 
 using namespace havrin;
 

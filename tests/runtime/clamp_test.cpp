@@ -1,12 +1,8 @@
 #include <HavrinFoundation/runtime/clamp.h>
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <cstdint>
-#include <limits>
-#include <string>
-#include <vector>
+
+#include "../testing.h"
 
 namespace {
 

@@ -2,16 +2,8 @@
 #include <HavrinFoundation/platform/coding/property_list_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <optional>
-#include <stdexcept>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "../platform/coding/value_decoder.h"
+#include "../testing.h"
 
 namespace {
 

@@ -1,13 +1,8 @@
 #include <HavrinFoundation/text/attributed_strings.h>
 
-#include <optional>
-#include <string>
-#include <string_view>
-
 #include <HavrinFoundation/text/attributed_strings_messages.h>
-#include <gtest/gtest.h>
 
-#include "../object_text.h"
+#include "../objects.h"
 
 using namespace havrin;
 

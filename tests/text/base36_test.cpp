@@ -1,20 +1,12 @@
 #include <HavrinFoundation/text/base36.h>
 #include <HavrinFoundation/text/base36_messages.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cctype>
 #include <charconv>
-#include <cstdint>
 #include <iterator>
-#include <limits>
-#include <optional>
-#include <random>
-#include <string>
-#include <string_view>
 
-#include "tests/random_seed.h"
+#include "../testing.h"
 
 namespace {
 

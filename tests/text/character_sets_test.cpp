@@ -1,13 +1,9 @@
 #include <HavrinFoundation/text/character_sets.h>
 #include <HavrinFoundation/text/character_sets_messages.h>
 
-#include <gtest/gtest.h>
-
 #include <latch>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <vector>
+
+#include "../testing.h"
 
 namespace {
 

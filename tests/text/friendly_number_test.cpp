@@ -1,15 +1,7 @@
 #include <HavrinFoundation/text/friendly_number.h>
 #include <HavrinFoundation/text/friendly_number_messages.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <cstdio>
-#include <limits>
-#include <random>
-#include <string>
-
-#include "tests/random_seed.h"
+#include "../testing.h"
 
 namespace {
 

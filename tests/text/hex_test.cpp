@@ -2,12 +2,9 @@
 #include <HavrinFoundation/text/hex.h>
 #include <HavrinFoundation/text/hex_messages.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
 #include <span>
-#include <string>
-#include <vector>
+
+#include "../testing.h"
 
 namespace {
 

@@ -2,15 +2,10 @@
 #include <HavrinFoundation/text/sha256_messages.h>
 
 #include <HavrinFoundation/platform/foundation/unicode.h>
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstddef>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
+#include "../testing.h"
 
 namespace {
 

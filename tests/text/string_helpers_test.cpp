@@ -2,16 +2,8 @@
 #include <HavrinFoundation/text/string_helpers_messages.h>
 
 #include <HavrinFoundation/platform/foundation/unicode.h>
-#include <gtest/gtest.h>
 
-#include <cstdint>
-#include <limits>
-#include <optional>
-#include <stdexcept>
-#include <string>
-#include <string_view>
-
-#include "../object_text.h"
+#include "../objects.h"
 
 namespace {
 

@@ -1,13 +1,8 @@
 #include <HavrinFoundation/platform/coding/binary_property_list.h>
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <vector>
 
+#include "../../testing.h"
 #include "property_list_samples.h"
 
 namespace {

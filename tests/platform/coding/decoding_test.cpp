@@ -1,17 +1,10 @@
 #include <HavrinFoundation/platform/coding/decoding.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
 #include <map>
 #include <new>
-#include <optional>
-#include <stdexcept>
-#include <string>
-#include <thread>
 #include <unordered_map>
-#include <vector>
 
+#include "../../testing.h"
 #include "value_decoder.h"
 
 namespace {

@@ -1,21 +1,11 @@
 #include <HavrinFoundation/platform/coding/json_decoder.h>
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <map>
-#include <optional>
 #include <sstream>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
-#include "../../random_seed.h"
+#include "../../testing.h"
 
 namespace {
 

@@ -1,13 +1,8 @@
 #include <HavrinFoundation/platform/coding/property_list_decoder.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <limits>
 #include <map>
-#include <optional>
-#include <string>
-#include <vector>
+
+#include "../../testing.h"
 
 namespace {
 

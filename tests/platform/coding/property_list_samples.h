@@ -3,13 +3,7 @@
 
 #include <HavrinFoundation/platform/coding/property_list.h>
 
-#include <cstddef>
-#include <cstdint>
-#include <limits>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
+#include "../../testing.h"
 
 namespace havrin::samples {
 

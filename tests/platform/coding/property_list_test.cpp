@@ -1,15 +1,10 @@
 #include <HavrinFoundation/platform/coding/property_list.h>
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
 
+#include "../../testing.h"
 #include "property_list_samples.h"
 
 namespace {

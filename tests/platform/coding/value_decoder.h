@@ -5,13 +5,10 @@
 
 #include <HavrinFoundation/platform/coding/decoding.h>
 
-#include <cstdint>
 #include <map>
-#include <optional>
-#include <string>
-#include <utility>
 #include <variant>
-#include <vector>
+
+#include "../../testing.h"
 
 namespace value_decoder {
 

@@ -1,13 +1,11 @@
 #include <HavrinFoundation/platform/crypto/sha256.h>
 
-#include <gtest/gtest.h>
 #include <openssl/evp.h>
 
-#include <cstdio>
 #include <cstring>
 #include <span>
-#include <string>
-#include <vector>
+
+#include "../../testing.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include <HavrinFoundation/platform/dispatch/clock.h>
 
-#include <gtest/gtest.h>
-
 #include <ctime>
+
+#include "../../testing.h"
 
 namespace {
 

@@ -1,12 +1,8 @@
 #include <HavrinFoundation/platform/dispatch/delayed_performs.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <optional>
-#include <vector>
 
-#include "../../random_seed.h"
+#include "../../testing.h"
 
 namespace {
 

@@ -5,13 +5,9 @@
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <gtest/gtest.h>
 #include <poll.h>
 
-#include <optional>
-#include <stdexcept>
-#include <thread>
-#include <vector>
+#include "../../testing.h"
 
 namespace {
 

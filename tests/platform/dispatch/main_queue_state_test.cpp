@@ -3,13 +3,10 @@
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
-#include <stdexcept>
-#include <thread>
-#include <vector>
+
+#include "../../testing.h"
 
 namespace {
 

@@ -1,10 +1,6 @@
 #include <HavrinFoundation/platform/dispatch/once.h>
 
-#include <gtest/gtest.h>
-
-#include <stdexcept>
-#include <thread>
-#include <vector>
+#include "../../testing.h"
 
 namespace {
 

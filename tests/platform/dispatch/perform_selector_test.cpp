@@ -1,21 +1,13 @@
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
 
 #include <HavrinFoundation/platform/dispatch/clock.h>
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <gtest/gtest.h>
-
 #include <future>
 #include <latch>
-#include <limits>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include "../../exception_name.h"
+#include "../../objects.h"
 
 namespace {
 

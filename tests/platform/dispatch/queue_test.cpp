@@ -3,21 +3,13 @@
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
 #include <barrier>
-#include <cstdlib>
-#include <functional>
 #include <future>
 #include <latch>
-#include <memory>
-#include <stdexcept>
-#include <string>
-#include <thread>
-#include <utility>
-#include <vector>
+
+#include "../../testing.h"
 
 namespace {
 

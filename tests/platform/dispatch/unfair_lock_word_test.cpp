@@ -1,13 +1,12 @@
 #include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <barrier>
 #include <future>
-#include <thread>
-#include <vector>
+
+#include "../../testing.h"
 
 namespace {
 

@@ -2,12 +2,8 @@
 #include <HavrinFoundation/platform/foundation/array_buffer.h>
 
 #include <latch>
-#include <thread>
-#include <vector>
 
-#include <HavrinFoundation/platform/foundation/array.h>
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <gtest/gtest.h>
+#include "../../objects.h"
 
 using namespace havrin;
 

@@ -1,13 +1,6 @@
 #include <HavrinFoundation/platform/foundation/array.h>
 
-#include <functional>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-#include "../../object_text.h"
-#include "../../random_seed.h"
+#include "../../objects.h"
 
 using namespace havrin;
 

@@ -1,13 +1,6 @@
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 
-#include <random>
-#include <string>
-#include <vector>
-
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/object/exception.h>
-#include <gtest/gtest.h>
-#include "../../random_seed.h"
+#include "../../objects.h"
 
 using namespace havrin;
 

@@ -1,22 +1,16 @@
 #include <HavrinFoundation/platform/foundation/bundle.h>
 
 #include <HavrinFoundation/platform/coding/property_list.h>
-#include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/data.h>
-#include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/time/ns_date.h>
 #include <HavrinFoundation/testkit/main_bundle.h>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <latch>
-#include <string>
-#include <thread>
-#include <vector>
 
+#include "../../objects.h"
 #include "../../temporary_folder.h"
 
 namespace {

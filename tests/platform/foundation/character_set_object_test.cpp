@@ -1,10 +1,6 @@
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
 
-#include <string_view>
-
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/exception.h>
-#include <gtest/gtest.h>
+#include "../../objects.h"
 
 using namespace havrin;
 

@@ -2,18 +2,12 @@
 #include <HavrinFoundation/platform/foundation/unicode.h>
 #include <HavrinFoundation/platform/foundation/wide_instructions.h>
 
-#include <gtest/gtest.h>
 #include <unicode/uniset.h>
 
 #include <latch>
-#include <random>
 #include <set>
-#include <string>
-#include <string_view>
-#include <thread>
-#include <vector>
 
-#include "../../random_seed.h"
+#include "../../testing.h"
 
 namespace {
 

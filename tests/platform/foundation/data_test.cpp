@@ -1,9 +1,6 @@
 #include <HavrinFoundation/platform/foundation/data.h>
 
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
+#include "../../testing.h"
 
 using namespace havrin;
 

@@ -1,13 +1,8 @@
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 
-#include <functional>
 #include <map>
-#include <string>
 
-#include <gtest/gtest.h>
-
-#include "../../object_text.h"
-#include "../../random_seed.h"
+#include "../../objects.h"
 
 using namespace havrin;
 

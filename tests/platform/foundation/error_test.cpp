@@ -1,9 +1,6 @@
 #include <HavrinFoundation/platform/foundation/error.h>
 
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/object/exception.h>
-
-#include <gtest/gtest.h>
+#include "../../objects.h"
 
 namespace {
 

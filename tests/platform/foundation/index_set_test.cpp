@@ -1,13 +1,8 @@
 #include <HavrinFoundation/platform/foundation/index_set.h>
 
 #include <set>
-#include <vector>
 
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/exception.h>
-#include <gtest/gtest.h>
-
-#include "../../random_seed.h"
+#include "../../objects.h"
 
 using namespace havrin;
 

@@ -1,9 +1,6 @@
 #include <HavrinFoundation/platform/foundation/range.h>
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <string>
+#include "../../testing.h"
 
 namespace {
 

@@ -1,18 +1,11 @@
 #include <HavrinFoundation/platform/foundation/unicode.h>
 
-#include <gtest/gtest.h>
 #include <unicode/brkiter.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
 
-#include <memory>
-#include <random>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include "../../random_seed.h"
+#include "../../testing.h"
 
 namespace {
 

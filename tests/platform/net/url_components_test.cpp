@@ -1,12 +1,6 @@
 #include <HavrinFoundation/platform/net/url_components.h>
 
-#include <gtest/gtest.h>
-
-#include <optional>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
+#include "../../testing.h"
 
 namespace {
 

@@ -2,16 +2,11 @@
 
 #include <HavrinFoundation/platform/net/uri.h>
 
-#include <gtest/gtest.h>
 #include <uriparser/Uri.h>
 
-#include <optional>
-#include <random>
 #include <sstream>
-#include <string>
-#include <string_view>
 
-#include "../../random_seed.h"
+#include "../../testing.h"
 
 namespace {
 

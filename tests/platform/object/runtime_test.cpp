@@ -1,20 +1,13 @@
 // The object runtime as applications meet it: messages, overrides, categories, references, destruction.
 #include <atomic>
 #include <cstring>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/platform/object/block.h>
 #include <HavrinFoundation/platform/object/category.h>
-#include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/members.h>
-#include <gtest/gtest.h>
 
-#include "../../exception_name.h"
+#include "../../objects.h"
 
 using namespace havrin;
 

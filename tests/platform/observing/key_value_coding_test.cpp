@@ -1,17 +1,8 @@
 #include <HavrinFoundation/platform/observing/key_value_coding.h>
 
-#include <string>
-#include <thread>
-#include <vector>
-
-#include <HavrinFoundation/platform/foundation/array.h>
-#include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/category.h>
-#include <HavrinFoundation/platform/object/exception.h>
-#include <gtest/gtest.h>
 
-#include "../../exception_name.h"
+#include "../../objects.h"
 
 using namespace havrin;
 
@@ -56,8 +47,6 @@ class Relay : public Object<Relay, Station> {
   void setNilValueForKey(NSString*) override { ++nils; }
 };
 
-Strong<NSString> text(const char* ascii) { return makeString(ascii); }
-std::string shown(NSObject* object) { return object ? utf8(*object->description()) : "(null)"; }
 
 }  // namespace
 
@@ -85,23 +74,23 @@ TEST(KeyValueCoding, ReadsAndSetsThroughTheMethodsOfAKey) {
       {"listeners", makeNumber(12.9), "12", "12", "a real is truncated into an integer property"},
       {"rating", makeNumber(2), "0", "4", "get<Key> goes before <key>, _set<Key>: is found"},
       {"onAir", makeNumber(false), "1", "0", "is<Key>"},
-      {"host", make<Host>(), "(null)", nullptr, "an object"},
-      {"host", nullptr, nullptr, "(null)", "null for an object"},
+      {"host", make<Host>(), "nil", nullptr, "an object"},
+      {"host", nullptr, nullptr, "nil", "null for an object"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    const auto key = text(row.key);
+    const auto key = s(row.key);
     if (row.before) {
-      EXPECT_EQ(shown(station->valueForKey(key)), row.before);
+      EXPECT_EQ(text(station->valueForKey(key)), row.before);
     }
     station->setValueForKey(row.value, key);
     if (row.after) {
-      EXPECT_EQ(shown(station->valueForKey(key)), row.after);
+      EXPECT_EQ(text(station->valueForKey(key)), row.after);
     }
   }
-  EXPECT_EQ(shown(station->valueForKey(text("_secret"))), "42");
-  EXPECT_EQ(shown(station->valueForKey(text("secret"))), "42");
-  EXPECT_EQ(shown(station->valueForKey(makeString(u"listeners"))), "12");
+  EXPECT_EQ(text(station->valueForKey(s("_secret"))), "42");
+  EXPECT_EQ(text(station->valueForKey(s("secret"))), "42");
+  EXPECT_EQ(text(station->valueForKey(makeString(u"listeners"))), "12");
 }
 
 TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
@@ -113,16 +102,16 @@ TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
     std::string_view setting;
     const char* why;
   } rows[] = {
-      {text("nothing"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "no method"},
-      {text("Listeners"), makeNumber(1), NSUndefinedKeyException, "none", "letter case counts, but for the setter's"},
-      {text(""), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "the empty key"},
+      {s("nothing"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "no method"},
+      {s("Listeners"), makeNumber(1), NSUndefinedKeyException, "none", "letter case counts, but for the setter's"},
+      {s(""), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "the empty key"},
       {makeString("größe"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "not ASCII"},
-      {text("announce"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "returns nothing"},
-      {text("both:with:"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "takes two"},
-      {text("_secret"), makeNumber(1), "none", NSUndefinedKeyException, "no setter"},
-      {text("listeners"), nullptr, "none", NSInvalidArgumentException, "null for a number"},
-      {text("onAir"), text("yes"), "none", NSInvalidArgumentException, "text for a boolean"},
-      {text("host"), makeNumber(1), "none", NSInvalidArgumentException, "another class"},
+      {s("announce"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "returns nothing"},
+      {s("both:with:"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "takes two"},
+      {s("_secret"), makeNumber(1), "none", NSUndefinedKeyException, "no setter"},
+      {s("listeners"), nullptr, "none", NSInvalidArgumentException, "null for a number"},
+      {s("onAir"), s("yes"), "none", NSInvalidArgumentException, "text for a boolean"},
+      {s("host"), makeNumber(1), "none", NSInvalidArgumentException, "another class"},
       {nullptr, makeNumber(1), NSInvalidArgumentException, NSInvalidArgumentException, "the null key"},
   };
   for (const auto& row : rows) {
@@ -135,59 +124,59 @@ TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
 
 TEST(KeyValueCoding, AsksAClassThatWantsToAnswerForUndefinedKeysAndNull) {
   const auto relay = make<Relay>();
-  EXPECT_EQ(shown(relay->valueForKey(text("nothing"))), "nothing");
-  relay->setValueForKey(nullptr, text("nobody"));
-  EXPECT_EQ(shown(relay->asked), "nobody");
-  relay->setValueForKey(nullptr, text("listeners"));
+  EXPECT_EQ(text(relay->valueForKey(s("nothing"))), "nothing");
+  relay->setValueForKey(nullptr, s("nobody"));
+  EXPECT_EQ(text(relay->asked), "nobody");
+  relay->setValueForKey(nullptr, s("listeners"));
   EXPECT_EQ(relay->nils, 1);
-  relay->setValueForKey(makeNumber(3), text("listeners"));
-  EXPECT_EQ(shown(relay->valueForKey(text("listeners"))), "3");
+  relay->setValueForKey(makeNumber(3), s("listeners"));
+  EXPECT_EQ(text(relay->valueForKey(s("listeners"))), "3");
 }
 
 TEST(KeyValueCoding, FollowsPathsAndStopsAtNull) {
   const auto station = make<Station>();
-  const auto path = text("host.name");
+  const auto path = s("host.name");
   EXPECT_FALSE(station->valueForKeyPath(path));
-  station->setValueForKeyPath(text("lost"), path);  // nobody there to be named
-  station->setValueForKey(make<Host>(), text("host"));
+  station->setValueForKeyPath(s("lost"), path);  // nobody there to be named
+  station->setValueForKey(make<Host>(), s("host"));
   EXPECT_FALSE(station->valueForKeyPath(path));
-  station->setValueForKeyPath(text("Ada"), path);
-  EXPECT_EQ(shown(station->valueForKeyPath(path)), "Ada");
-  EXPECT_EQ(shown(station->valueForKeyPath(keyPath<Station, "host.name">)), "Ada");
-  EXPECT_EQ(shown(station->valueForKeyPath(makeString(u"listeners"))), "0");
+  station->setValueForKeyPath(s("Ada"), path);
+  EXPECT_EQ(text(station->valueForKeyPath(path)), "Ada");
+  EXPECT_EQ(text(station->valueForKeyPath(keyPath<Station, "host.name">)), "Ada");
+  EXPECT_EQ(text(station->valueForKeyPath(makeString(u"listeners"))), "0");
   for (const char* bad : {"host.nothing", "nothing.name", "host.", ".host", "host..name", "."}) {
-    EXPECT_EQ(nameOf([&] { (void)station->valueForKeyPath(text(bad)); }), NSUndefinedKeyException) << bad;
+    EXPECT_EQ(nameOf([&] { (void)station->valueForKeyPath(s(bad)); }), NSUndefinedKeyException) << bad;
   }
   EXPECT_EQ(nameOf([&] { (void)station->valueForKeyPath(nullptr); }), NSInvalidArgumentException);
 }
 
 TEST(KeyValueCoding, ReadsEntriesOfDictionaries) {
   const auto dictionary = make<NSMutableDictionary>();
-  dictionary->setValueForKey(make<Host>(), text("host"));
-  dictionary->setValueForKeyPath(text("Ada"), text("host.name"));
-  EXPECT_EQ(shown(dictionary->valueForKeyPath(text("host.name"))), "Ada");
-  dictionary->setValueForKey(nullptr, text("host"));
-  EXPECT_FALSE(dictionary->valueForKey(text("host")));
+  dictionary->setValueForKey(make<Host>(), s("host"));
+  dictionary->setValueForKeyPath(s("Ada"), s("host.name"));
+  EXPECT_EQ(text(dictionary->valueForKeyPath(s("host.name"))), "Ada");
+  dictionary->setValueForKey(nullptr, s("host"));
+  EXPECT_FALSE(dictionary->valueForKey(s("host")));
   EXPECT_EQ(dictionary->count(), 0U);
   EXPECT_EQ(nameOf([] { make<NSDictionary>()->setValueForKey(nullptr, makeString("a")); }), NSUndefinedKeyException);
 }
 
 TEST(KeyValueCoding, SeesMethodsThatACategoryBringsLater) {
   const auto station = make<Station>();
-  const auto key = text("added");
+  const auto key = s("added");
   EXPECT_EQ(nameOf([&] { (void)station->valueForKey(key); }), NSUndefinedKeyException);
-  EXPECT_EQ(shown(station->valueForKey(text("listeners"))), "0");
+  EXPECT_EQ(text(station->valueForKey(s("listeners"))), "0");
   const Category* const categories[] = {&kAdded};
   const Loader loader(
       Image{.name = "added", .identification = nullptr, .strings = {}, .categories = categories, .initialisers = {}});
-  EXPECT_EQ(shown(station->valueForKey(key)), "7");
-  EXPECT_EQ(shown(station->valueForKey(text("listeners"))), "0");
+  EXPECT_EQ(text(station->valueForKey(key)), "7");
+  EXPECT_EQ(text(station->valueForKey(s("listeners"))), "0");
 }
 
 TEST(KeyValueCoding, MakesNoSelectorsOfTextFromOutside) {
   const auto station = make<Station>();
-  EXPECT_EQ(nameOf([&] { (void)station->valueForKey(text("keyFromAFile")); }), NSUndefinedKeyException);
-  EXPECT_EQ(nameOf([&] { station->setValueForKey(nullptr, text("keyFromAFile")); }), NSUndefinedKeyException);
+  EXPECT_EQ(nameOf([&] { (void)station->valueForKey(s("keyFromAFile")); }), NSUndefinedKeyException);
+  EXPECT_EQ(nameOf([&] { station->setValueForKey(nullptr, s("keyFromAFile")); }), NSUndefinedKeyException);
   for (const char* name :
        {"keyFromAFile", "getKeyFromAFile", "isKeyFromAFile", "setKeyFromAFile:", "_setKeyFromAFile:"}) {
     EXPECT_FALSE(Selector::known(name)) << name;
@@ -208,7 +197,7 @@ TEST(KeyValueCoding, MayBeUsedFromSeveralThreadsWhileCategoriesCome) {
       const auto station = make<Station>();
       for (int i = 0; i < 500; ++i) {
         station->setValueForKey(makeNumber(i), makeString("listeners"));
-        EXPECT_EQ(shown(station->valueForKey(makeString("listeners"))), std::to_string(i));
+        EXPECT_EQ(text(station->valueForKey(makeString("listeners"))), std::to_string(i));
       }
     });
   }

@@ -1,16 +1,10 @@
 // Registrations, what they are told, and how they end.
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <HavrinFoundation/platform/foundation/array.h>
-#include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
-#include <gtest/gtest.h>
 
+#include "../../objects.h"
 #include "observed_objects.h"
 
 using namespace havrin;
@@ -20,18 +14,18 @@ TEST_F(Observed, SettersTellWhatWasAndWhatIs) {
   watch("title");
   watch("listeners");
   watch("hand");
-  send<"setTitle:">(station, text("a"));
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
+  send<"setTitle:">(station, s("a"));
   send<"setTitle:">(station, nullptr);
   EXPECT_EQ(watcher->take(), "title 1 null>a, title 1 a>a, title 1 a>null");
   send<"setListeners:">(station, 3);
-  station->setValueForKey(makeNumber(4), text("listeners"));
-  station->setValueForKeyPath(makeNumber(4), text("listeners"));
+  station->setValueForKey(makeNumber(4), s("listeners"));
+  station->setValueForKeyPath(makeNumber(4), s("listeners"));
   EXPECT_EQ(watcher->take(), "listeners 1 0>3, listeners 1 3>4, listeners 1 4>4");
   send<"setHand:">(station, 5);
   station->performSelector(selector<"setHand:">, makeNumber(6));
   EXPECT_EQ(watcher->take(), "hand 1 0>5, hand 1 5>6");
-  send<"setSlogan:">(station, text("unwatched"));
+  send<"setSlogan:">(station, s("unwatched"));
   station->hand = 9;
   EXPECT_EQ(watcher->take(), "");
 }
@@ -52,9 +46,9 @@ TEST_F(Observed, OptionsSayWhatTheChangeHolds) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.options);
-    send<"setTitle:">(station, text("a"));
+    send<"setTitle:">(station, s("a"));
     watch("title", row.options);
-    send<"setTitle:">(station, text("b"));
+    send<"setTitle:">(station, s("b"));
     EXPECT_EQ(watcher->take(), row.told);
     unwatch("title");
   }
@@ -65,17 +59,17 @@ TEST_F(Observed, OptionsSayWhatTheChangeHolds) {
 
 TEST_F(Observed, ChangesAreImmutableDictionaries) {
   watch("title");
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   const Strong<NSDictionary> change = watcher->last;
   EXPECT_EQ(change->count(), 3U);
-  EXPECT_TRUE(change->isEqual(
-      makeDictionary({{text("kind"), makeNumber(1)}, {text("old"), NSNull::null()}, {text("new"), text("a")}})));
+  EXPECT_TRUE(
+      change->isEqual(makeDictionary({{s("kind"), makeNumber(1)}, {s("old"), NSNull::null()}, {s("new"), s("a")}})));
   EXPECT_FALSE(isKind<NSMutableDictionary>(change));
   EXPECT_EQ(change->copy().get(), change.get());
   const Strong<NSObject> copy = change->mutableCopy();
   EXPECT_TRUE(isKind<NSMutableDictionary>(copy));
   EXPECT_TRUE(copy->isEqual(change));
-  EXPECT_FALSE(change->objectForKey(text("indexes")));
+  EXPECT_FALSE(change->objectForKey(s("indexes")));
   EXPECT_FALSE(change->objectForKey(makeNumber(1)));
 }
 
@@ -97,10 +91,10 @@ TEST_F(Observed, ObjectsStillLookLikeWhatTheyAre) {
 
 TEST_F(Observed, AnOverriddenSetterTakesPart) {
   const auto relay = make<Relay>();
-  relay->addObserver(watcher, text("hand"), kBoth, nullptr);
+  relay->addObserver(watcher, s("hand"), kBoth, nullptr);
   send<"setHand:">(static_cast<Station&>(*relay), 3);
   EXPECT_EQ(watcher->take(), "hand 1 0>6");
-  relay->removeObserver(watcher, text("hand"));
+  relay->removeObserver(watcher, s("hand"));
 }
 
 TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
@@ -109,10 +103,10 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   watch("title", 0, &mine);
   watch("title", 0, &mine);
   watch("title", 0, &yours);
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(watcher->log.size(), 3U);
   const auto remove = [&](NSObject* observer, const char* path, void* context) {
-    return nameOf([&] { station->removeObserver(observer, text(path), context); });
+    return nameOf([&] { station->removeObserver(observer, s(path), context); });
   };
   EXPECT_EQ(remove(watcher, "title", nullptr), NSRangeException) << "wrong context";
   EXPECT_EQ(remove(watcher, "slogan", &mine), NSRangeException) << "wrong path";
@@ -120,7 +114,7 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   EXPECT_EQ(remove(watcher, "title", &yours), "none");
   EXPECT_EQ(remove(watcher, "title", &yours), NSRangeException) << "removed before";
   watcher->log.clear();
-  send<"setTitle:">(station, text("b"));
+  send<"setTitle:">(station, s("b"));
   EXPECT_EQ(watcher->log.size(), 2U);
   unwatch("title");
   unwatch("title");
@@ -138,16 +132,16 @@ TEST_F(Observed, BadRegistrationsRaiseAndLeaveNothing) {
     std::string_view name;
     const char* why;
   } rows[] = {
-      {makeArray({}), watcher, text("count"), 0, NSInvalidArgumentException, "an array"},
-      {makeSet({}), watcher, text("count"), 0, NSInvalidArgumentException, "a set"},
-      {make<NSOrderedSet>(), watcher, text("count"), 0, NSInvalidArgumentException, "an ordered set"},
-      {static_cast<NSObject*>(classOf<Station>()), watcher, text("kind"), 0, NSInvalidArgumentException, "a class"},
-      {station, watcher, text("songs.count"), 0, NSInvalidArgumentException, "an array on the way"},
-      {station, nullptr, text("title"), 0, NSInvalidArgumentException, "no observer"},
+      {makeArray({}), watcher, s("count"), 0, NSInvalidArgumentException, "an array"},
+      {makeSet({}), watcher, s("count"), 0, NSInvalidArgumentException, "a set"},
+      {make<NSOrderedSet>(), watcher, s("count"), 0, NSInvalidArgumentException, "an ordered set"},
+      {static_cast<NSObject*>(classOf<Station>()), watcher, s("kind"), 0, NSInvalidArgumentException, "a class"},
+      {station, watcher, s("songs.count"), 0, NSInvalidArgumentException, "an array on the way"},
+      {station, nullptr, s("title"), 0, NSInvalidArgumentException, "no observer"},
       {station, watcher, nullptr, 0, NSInvalidArgumentException, "no path"},
-      {station, watcher, text("nothing.name"), 0, NSUndefinedKeyException, "an undefined key on the way"},
-      {station, watcher, text("host.nothing.name"), 0, NSUndefinedKeyException, "the same, further on"},
-      {station, watcher, text("nothing"), kInitial | kNew, NSUndefinedKeyException, "an undefined key that is read"},
+      {station, watcher, s("nothing.name"), 0, NSUndefinedKeyException, "an undefined key on the way"},
+      {station, watcher, s("host.nothing.name"), 0, NSUndefinedKeyException, "the same, further on"},
+      {station, watcher, s("nothing"), kInitial | kNew, NSUndefinedKeyException, "an undefined key that is read"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
@@ -157,20 +151,20 @@ TEST_F(Observed, BadRegistrationsRaiseAndLeaveNothing) {
     }
     EXPECT_FALSE(dispatchClass(row.object)->isNotifying());
   }
-  station->addObserver(watcher, text("nothing"), kBoth, nullptr);  // until its value is needed
-  EXPECT_EQ(nameOf([&] { station->willChangeValueForKey(text("nothing")); }), NSUndefinedKeyException);
+  station->addObserver(watcher, s("nothing"), kBoth, nullptr);  // until its value is needed
+  EXPECT_EQ(nameOf([&] { station->willChangeValueForKey(s("nothing")); }), NSUndefinedKeyException);
   unwatch("nothing");
   EXPECT_EQ(watcher->take(), "");
 }
 
 TEST_F(Observed, AnObserverThatDoesNotListenRaises) {
   const auto deaf = make<Host>();
-  station->addObserver(deaf, text("title"), 0, nullptr);
-  EXPECT_EQ(nameOf([&] { send<"setTitle:">(station, text("a")); }), NSInternalInconsistencyException);
+  station->addObserver(deaf, s("title"), 0, nullptr);
+  EXPECT_EQ(nameOf([&] { send<"setTitle:">(station, s("a")); }), NSInternalInconsistencyException);
   EXPECT_EQ(shown(send<"title">(station)), "a");
-  EXPECT_EQ(nameOf([&] { station->addObserver(deaf, text("slogan"), kInitial, nullptr); }),
+  EXPECT_EQ(nameOf([&] { station->addObserver(deaf, s("slogan"), kInitial, nullptr); }),
             NSInternalInconsistencyException);
-  EXPECT_EQ(nameOf([&] { station->removeObserver(deaf, text("slogan")); }), NSRangeException);
+  EXPECT_EQ(nameOf([&] { station->removeObserver(deaf, s("slogan")); }), NSRangeException);
 }
 
 TEST_F(Observed, ASetterThatThrowsTellsNobody) {
@@ -185,48 +179,48 @@ TEST_F(Observed, RegistrationsMayComeAndGoInsideANotification) {
   bool done = false;
   watcher->during = [&](NSObject*) {
     if (std::exchange(done, true)) return;
-    station->removeObserver(other, text("title"));
-    station->addObserver(third, text("title"), kBoth, nullptr);
-    station->removeObserver(watcher, text("title"));
-    for (int i = 0; i < 20; ++i) station->addObserver(third, text("slogan"), 0, nullptr);
+    station->removeObserver(other, s("title"));
+    station->addObserver(third, s("title"), kBoth, nullptr);
+    station->removeObserver(watcher, s("title"));
+    for (int i = 0; i < 20; ++i) station->addObserver(third, s("slogan"), 0, nullptr);
   };
   watch("title");
-  station->addObserver(other, text("title"), kBoth, nullptr);
-  send<"setTitle:">(station, text("a"));
+  station->addObserver(other, s("title"), kBoth, nullptr);
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(watcher->take(), "title 1 null>a");
   EXPECT_EQ(other->take(), "");
   EXPECT_EQ(third->take(), "");
-  send<"setTitle:">(station, text("b"));
+  send<"setTitle:">(station, s("b"));
   EXPECT_EQ(third->take(), "title 1 a>b");
   EXPECT_EQ(watcher->take() + other->take(), "");
 }
 
 TEST_F(Observed, AlsoInsideTheInitialCall) {
-  watcher->during = [&](NSObject*) { station->removeObserver(watcher, text("title")); };
+  watcher->during = [&](NSObject*) { station->removeObserver(watcher, s("title")); };
   watch("title", kInitial | kNew);
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   EXPECT_EQ(watcher->take(), "title 1 ->null");
 }
 
 TEST_F(Observed, AChangeInsideANotificationNests) {
   watcher->during = [&](NSObject*) {
-    if (watcher->log.size() == 1) send<"setTitle:">(station, text("inner"));
+    if (watcher->log.size() == 1) send<"setTitle:">(station, s("inner"));
   };
   watch("title");
-  send<"setTitle:">(station, text("outer"));
+  send<"setTitle:">(station, s("outer"));
   EXPECT_EQ(watcher->take(), "title 1 null>outer, title 1 outer>inner");
 }
 
 TEST_F(Observed, TheObjectMayGoInsideItsNotification) {
   watcher->during = [&](NSObject* object) {
     station = nullptr;
-    EXPECT_EQ(shown(object->valueForKey(text("title"))), "a");  // held until everybody has been told
+    EXPECT_EQ(shown(object->valueForKey(s("title"))), "a");  // held until everybody has been told
   };
   const auto other = make<Watcher>();
   watch("title");
-  station->addObserver(other, text("title"), kBoth, nullptr);
+  station->addObserver(other, s("title"), kBoth, nullptr);
   Station& borrowed = *station;
-  send<"setTitle:">(borrowed, text("a"));
+  send<"setTitle:">(borrowed, s("a"));
   EXPECT_EQ(watcher->take(), "title 1 null>a");
   EXPECT_EQ(other->take(), "title 1 null>a");
 }
@@ -235,11 +229,11 @@ TEST_F(Observed, AnObserverThatIsGoneIsForgotten) {
   watch("title");
   watch("host.name");
   watcher = nullptr;
-  send<"setTitle:">(station, text("a"));
+  send<"setTitle:">(station, s("a"));
   send<"setHost:">(station, host("Ada"));
   EXPECT_TRUE(station->isUnobserved()) << "purged by the change";
-  for (int i = 0; i < 1000; ++i) station->addObserver(make<Watcher>(), text("title"), kBoth, nullptr);
-  send<"setTitle:">(station, text("b"));
+  for (int i = 0; i < 1000; ++i) station->addObserver(make<Watcher>(), s("title"), kBoth, nullptr);
+  send<"setTitle:">(station, s("b"));
   EXPECT_TRUE(station->isUnobserved());
 }
 
@@ -247,19 +241,19 @@ TEST_F(Observed, ADyingObserverRemovesItselfAndHearsNothing) {
   struct Leaver : Object<Leaver, Watcher> {
     Strong<Station> station;
     ~Leaver() override {
-      send<"setTitle:">(station, text("while dying"));
-      station->removeObserver(this, text("slogan"));
-      EXPECT_EQ(nameOf([this] { station->removeObserver(this, text("slogan")); }), NSRangeException);
-      station->addObserver(this, text("title"), 0, nullptr);  // reaches nobody
+      send<"setTitle:">(station, s("while dying"));
+      station->removeObserver(this, s("slogan"));
+      EXPECT_EQ(nameOf([this] { station->removeObserver(this, s("slogan")); }), NSRangeException);
+      station->addObserver(this, s("title"), 0, nullptr);  // reaches nobody
       EXPECT_TRUE(log.empty());
     }
   };
   auto leaver = make<Leaver>();
   leaver->station = station;
-  station->addObserver(leaver, text("title"), 0, nullptr);
-  station->addObserver(leaver, text("slogan"), 0, nullptr);
+  station->addObserver(leaver, s("title"), 0, nullptr);
+  station->addObserver(leaver, s("slogan"), 0, nullptr);
   leaver = nullptr;
-  send<"setTitle:">(station, text("afterwards"));
+  send<"setTitle:">(station, s("afterwards"));
   EXPECT_TRUE(station->isUnobserved());
 }
 
@@ -267,8 +261,8 @@ TEST_F(Observed, AnObjectMayObserveItselfFromItsConstructorAndNotFromItsDestruct
   struct Base : Object<Base, NSObject> {
     Strong<NSString> title;
     std::string heard;
-    Base() { addObserver(this, text("title"), kNew, nullptr); }
-    ~Base() override { addObserver(this, text("title"), kNew, nullptr); }
+    Base() { addObserver(this, s("title"), kNew, nullptr); }
+    ~Base() override { addObserver(this, s("title"), kNew, nullptr); }
     void observeValueForKeyPath(NSString*, NSObject*, NSDictionary* change, void*) override {
       heard += shown(change->objectForKey(NSKeyValueChangeNewKey));
     }
@@ -276,7 +270,7 @@ TEST_F(Observed, AnObjectMayObserveItselfFromItsConstructorAndNotFromItsDestruct
   };
   struct Derived : Object<Derived, Base> {};
   auto derived = make<Derived>();
-  send<"setTitle:">(derived, text("a"));
+  send<"setTitle:">(derived, s("a"));
   EXPECT_EQ(derived->heard, "a");
   EXPECT_EQ(classOf(*derived).name(), "Derived");
   derived = nullptr;

@@ -1,18 +1,9 @@
 // What the tests of key-value observing watch, and with what.
 #pragma once
 
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <HavrinFoundation/platform/foundation/array.h>
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
-#include <gtest/gtest.h>
 
-#include "../../exception_name.h"
+#include "../../objects.h"
 
 namespace havrin_test {
 
@@ -24,7 +15,6 @@ inline constexpr std::uint64_t kBoth = kNew | kOld;
 inline constexpr std::uint64_t kInitial = NSKeyValueObservingOptionInitial;
 inline constexpr std::uint64_t kPrior = NSKeyValueObservingOptionPrior;
 
-inline Strong<NSString> text(const char* ascii) { return makeString(ascii); }
 inline std::string shown(NSObject* object) {
   if (!object) return "-";
   return object == NSNull::null() ? "null" : utf8(*object->description());
@@ -42,7 +32,7 @@ class Host : public Object<Host, NSObject> {
 
 inline Strong<Host> host(const char* name) {
   auto host = make<Host>();
-  send<"setName:">(host, text(name));
+  send<"setName:">(host, s(name));
   return host;
 }
 
@@ -76,8 +66,8 @@ class Station : public Object<Station, NSObject> {
     return makeString(shown(title_) + "/" + shown(host_ ? send<"name">(host_) : Strong<NSString>()));
   }
   Strong<NSString> longBanner() { return makeString("<" + utf8(*banner()) + ">"); }
-  static Strong<NSSet> bannerNeeds(ClassOf<Station>) { return makeSet({text("title"), text("host.name")}); }
-  static Strong<NSSet> longBannerNeeds(ClassOf<Station>) { return makeSet({text("banner")}); }
+  static Strong<NSSet> bannerNeeds(ClassOf<Station>) { return makeSet({s("title"), s("host.name")}); }
+  static Strong<NSSet> longBannerNeeds(ClassOf<Station>) { return makeSet({s("banner")}); }
   static bool quietIsByHand(ClassOf<Station>) { return false; }
 
   Strong<NSArray> tagList() { return makeArray(tags); }
@@ -138,9 +128,9 @@ struct Observed : testing::Test {
   Strong<Watcher> watcher = make<Watcher>();
 
   void watch(const char* path, std::uint64_t options = kBoth, void* context = nullptr) {
-    station->addObserver(watcher, text(path), options, context);
+    station->addObserver(watcher, s(path), options, context);
   }
-  void unwatch(const char* path) { station->removeObserver(watcher, text(path)); }
+  void unwatch(const char* path) { station->removeObserver(watcher, s(path)); }
 };
 
 }  // namespace havrin_test

@@ -1,14 +1,7 @@
 // Paths of several keys, keys that depend on others, changes announced by hand, and arrays changed in place.
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
-#include <string>
-#include <utility>
-#include <vector>
-
-#include <HavrinFoundation/platform/foundation/array.h>
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <gtest/gtest.h>
-
+#include "../../objects.h"
 #include "observed_objects.h"
 
 using namespace havrin;
@@ -19,16 +12,16 @@ TEST_F(Observed, PathsFollowWhatIsReplacedAndWhatIsMissing) {
   const auto bob = host("Bob");
   watch("host.name");
   send<"setHost:">(station, ada);
-  send<"setName:">(ada, text("Ana"));
+  send<"setName:">(ada, s("Ana"));
   send<"setHost:">(station, bob);
   EXPECT_EQ(watcher->take(), "host.name 1 null>Ada, host.name 1 Ada>Ana, host.name 1 Ana>Bob");
-  send<"setName:">(ada, text("nobody hears"));
+  send<"setName:">(ada, s("nobody hears"));
   EXPECT_FALSE(dispatchClass(ada)->isNotifying());
   send<"setHost:">(station, bob);
-  send<"setName:">(bob, text("Ben"));
+  send<"setName:">(bob, s("Ben"));
   send<"setHost:">(station, nullptr);
   EXPECT_EQ(watcher->take(), "host.name 1 Bob>Bob, host.name 1 Bob>Ben, host.name 1 Ben>null");
-  send<"setName:">(bob, text("gone"));
+  send<"setName:">(bob, s("gone"));
   EXPECT_EQ(watcher->take(), "");
   unwatch("host.name");
   EXPECT_TRUE(station->isUnobserved());
@@ -42,8 +35,8 @@ TEST_F(Observed, PathsOfThreeStepsTellOfTheRoot) {
   const auto bob = host("Bob");
   send<"setHost:">(station, ada);
   send<"setDeputy:">(ada, bob);
-  send<"setName:">(bob, text("Ben"));
-  send<"setName:">(ada, text("on the way, but not the end"));
+  send<"setName:">(bob, s("Ben"));
+  send<"setName:">(ada, s("on the way, but not the end"));
   send<"setDeputy:">(ada, nullptr);
   EXPECT_EQ(watcher->take(),
             "host.deputy.name 1 null>null, host.deputy.name 1 null>Bob, host.deputy.name 1 Bob>Ben, "
@@ -54,14 +47,14 @@ TEST_F(Observed, PathsOfThreeStepsTellOfTheRoot) {
 TEST_F(Observed, OneObjectMayStandOnAPathTwice) {
   const auto ada = host("Ada");
   send<"setDeputy:">(ada, ada);
-  ada->addObserver(watcher, text("deputy.deputy.name"), kBoth, nullptr);
-  send<"setName:">(ada, text("Ana"));
+  ada->addObserver(watcher, s("deputy.deputy.name"), kBoth, nullptr);
+  send<"setName:">(ada, s("Ana"));
   EXPECT_EQ(watcher->take(), "deputy.deputy.name 1 Ada>Ana");
   send<"setDeputy:">(ada, host("Bob"));
   EXPECT_EQ(watcher->take(), "deputy.deputy.name 1 Ana>null");
-  send<"setName:">(ada, text("Amy"));
+  send<"setName:">(ada, s("Amy"));
   EXPECT_EQ(watcher->take(), "");
-  ada->removeObserver(watcher, text("deputy.deputy.name"));
+  ada->removeObserver(watcher, s("deputy.deputy.name"));
   EXPECT_FALSE(dispatchClass(ada)->isNotifying());
 }
 
@@ -76,7 +69,7 @@ TEST_F(Observed, ObjectsOnTheWayAreNotRetainedAndMayDie) {
     Host::destroyed = 0;
   }
   EXPECT_EQ(Host::destroyed, 1);
-  send<"setName:">(bob, text("Ben"));
+  send<"setName:">(bob, s("Ben"));
   EXPECT_EQ(watcher->take(), "") << "nothing leads there any more";
   const auto guest = host("Zoe");
   send<"setGuest:">(station, guest);
@@ -92,18 +85,18 @@ TEST_F(Observed, ObjectsOnTheWayAreNotRetainedAndMayDie) {
 TEST_F(Observed, DependentKeysChangeWithWhatTheyDependOn) {
   watch("banner");
   watch("longBanner", kNew);
-  send<"setTitle:">(station, text("Nord"));
+  send<"setTitle:">(station, s("Nord"));
   EXPECT_EQ(watcher->take(), "banner 1 -/->Nord/-, longBanner 1 -><Nord/->");
   const auto ada = host("Ada");
   send<"setHost:">(station, ada);
   EXPECT_EQ(watcher->take(), "banner 1 Nord/->Nord/Ada, longBanner 1 -><Nord/Ada>");
-  send<"setName:">(ada, text("Ana"));
+  send<"setName:">(ada, s("Ana"));
   EXPECT_EQ(watcher->take(), "banner 1 Nord/Ada>Nord/Ana, longBanner 1 -><Nord/Ana>");
   send<"setHost:">(station, nullptr);
   watcher->log.clear();
-  send<"setName:">(ada, text("Amy"));
-  station->willChangeValueForKey(text("banner"));
-  station->didChangeValueForKey(text("banner"));
+  send<"setName:">(ada, s("Amy"));
+  station->willChangeValueForKey(s("banner"));
+  station->didChangeValueForKey(s("banner"));
   EXPECT_EQ(watcher->take(), "banner 1 Nord/->Nord/-, longBanner 1 -><Nord/->");
   unwatch("banner");
   unwatch("longBanner");
@@ -115,14 +108,14 @@ TEST_F(Observed, ByHandWhatIsAnnouncedIsTold) {
   send<"setQuiet:">(station, 1);
   send<"setQuiet:">(station, 1);
   EXPECT_EQ(watcher->take(), "quiet 1 0>1") << "the setter decides";
-  station->didChangeValueForKey(text("quiet"));
+  station->didChangeValueForKey(s("quiet"));
   EXPECT_EQ(watcher->take(), "") << "never announced";
   watch("hand");
-  station->willChangeValueForKey(text("hand"));
+  station->willChangeValueForKey(s("hand"));
   send<"setHand:">(station, 5);
-  station->didChangeValueForKey(text("hand"));
+  station->didChangeValueForKey(s("hand"));
   EXPECT_EQ(watcher->take(), "hand 1 0>5, hand 1 0>5") << "the inner pair first";
-  station->willChangeValueForKey(text("hand"));  // and never done
+  station->willChangeValueForKey(s("hand"));  // and never done
   unwatch("hand");
   unwatch("quiet");
   EXPECT_EQ(nameOf([&] { station->willChangeValueForKey(nullptr); }), NSInvalidArgumentException);
@@ -130,13 +123,13 @@ TEST_F(Observed, ByHandWhatIsAnnouncedIsTold) {
 
 TEST_F(Observed, ArraysChangedInPlaceTellWhere) {
   watch("songs");
-  const auto songs = station->mutableArrayValueForKey(text("songs"));
-  songs->addObject(text("a"));
-  songs->addObject(text("b"));
-  songs->insertObject(text("x"), 1);
+  const auto songs = station->mutableArrayValueForKey(s("songs"));
+  songs->addObject(s("a"));
+  songs->addObject(s("b"));
+  songs->insertObject(s("x"), 1);
   EXPECT_EQ(watcher->take(), "songs 2 ->(a) at 0, songs 2 ->(b) at 1, songs 2 ->(x) at 1");
   songs->removeObjectAtIndex(0);
-  songs->replaceObjectAtIndex(1, text("y"));
+  songs->replaceObjectAtIndex(1, s("y"));
   EXPECT_EQ(watcher->take(), "songs 3 (a)>- at 0, songs 4 (b)>(y) at 1");
   EXPECT_EQ(shown(send<"songs">(station)), "(x, y)");
   EXPECT_EQ(shown(songs), "(x, y)");
@@ -146,31 +139,30 @@ TEST_F(Observed, ArraysChangedInPlaceTellWhere) {
   EXPECT_EQ(watcher->take(), "songs 1 (x, y)>()");
   EXPECT_EQ(songs->count(), 0U);
   send<"setSongs:">(station, nullptr);
-  songs->addObject(text("z"));
+  songs->addObject(s("z"));
   EXPECT_EQ(watcher->take(), "songs 1 ()>null, songs 2 ->(z) at 0");
 }
 
 TEST_F(Observed, ArraysOfWhichOnlyTheStepsAreOfferedChangeThroughThem) {
   watch("tags");
-  const auto tags = station->mutableArrayValueForKey(text("tags"));
-  tags->addObject(text("jazz"));
-  tags->insertObject(text("news"), 0);
+  const auto tags = station->mutableArrayValueForKey(s("tags"));
+  tags->addObject(s("jazz"));
+  tags->insertObject(s("news"), 0);
   tags->removeLastObject();
   EXPECT_EQ(watcher->take(), "tags 2 ->(jazz) at 0, tags 2 ->(news) at 0, tags 3 (jazz)>- at 1");
   EXPECT_EQ(station->tags.size(), 1U);
-  EXPECT_EQ(nameOf([&] { tags->replaceObjectAtIndex(0, text("x")); }), NSUndefinedKeyException);
-  send<"setTitle:">(station, text("a"));
-  EXPECT_EQ(nameOf([&] { (void)station->mutableArrayValueForKey(text("title"))->count(); }),
-            NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { tags->replaceObjectAtIndex(0, s("x")); }), NSUndefinedKeyException);
+  send<"setTitle:">(station, s("a"));
+  EXPECT_EQ(nameOf([&] { (void)station->mutableArrayValueForKey(s("title"))->count(); }), NSInvalidArgumentException);
 }
 
 TEST_F(Observed, DictionariesTellOfEntriesSetByKey) {
   const auto dictionary = make<NSMutableDictionary>();
-  dictionary->addObserver(watcher, text("a.b"), kBoth, nullptr);
+  dictionary->addObserver(watcher, s("a.b"), kBoth, nullptr);
   const auto inner = make<NSMutableDictionary>();
-  dictionary->setValueForKey(inner, text("a"));
-  inner->setValueForKey(makeNumber(1), text("b"));
-  inner->setValueForKey(nullptr, text("b"));
+  dictionary->setValueForKey(inner, s("a"));
+  inner->setValueForKey(makeNumber(1), s("b"));
+  inner->setValueForKey(nullptr, s("b"));
   EXPECT_EQ(watcher->take(), "a.b 1 null>null, a.b 1 null>1, a.b 1 1>null");
-  EXPECT_TRUE(dictionary->objectForKey(text("a")));
+  EXPECT_TRUE(dictionary->objectForKey(s("a")));
 }

@@ -1,14 +1,11 @@
 // Observers and observed objects that come, change and go on several threads. Under the thread and address sanitizers
 // these are the proof that nothing is read after it has gone.
 #include <atomic>
-#include <functional>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
-#include <gtest/gtest.h>
+
+#include "../../testing.h"
 
 using namespace havrin;
 

@@ -1,13 +1,9 @@
 #include <HavrinFoundation/platform/time/calendar.h>
 #include <tests/platform/time/pinned_environment.h>
 
-#include <gtest/gtest.h>
 #include <unicode/gregocal.h>
 
-#include <limits>
-#include <memory>
-#include <random>
-#include <string>
+#include "../../testing.h"
 
 namespace havrin {
 namespace {

@@ -5,13 +5,7 @@
 #include <HavrinFoundation/platform/time/pattern_writer.h>
 #include <tests/platform/time/pinned_environment.h>
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <random>
-#include <string>
-#include <thread>
-#include <vector>
+#include "../../testing.h"
 
 namespace havrin {
 namespace {

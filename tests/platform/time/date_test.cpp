@@ -2,11 +2,10 @@
 
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <cmath>
-#include <limits>
+
+#include "../../testing.h"
 
 namespace havrin {
 namespace {

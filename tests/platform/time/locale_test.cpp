@@ -1,9 +1,7 @@
 #include <HavrinFoundation/platform/time/locale.h>
 #include <tests/platform/time/pinned_environment.h>
 
-#include <gtest/gtest.h>
-
-#include <string>
+#include "../../testing.h"
 
 namespace havrin {
 namespace {

@@ -3,12 +3,9 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <tests/platform/time/pinned_environment.h>
 
-#include <gtest/gtest.h>
-
 #include <set>
-#include <string>
-#include <thread>
-#include <vector>
+
+#include "../../testing.h"
 
 namespace havrin {
 namespace {

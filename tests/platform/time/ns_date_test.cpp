@@ -1,12 +1,8 @@
 #include <HavrinFoundation/platform/time/ns_date.h>
 
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <gtest/gtest.h>
-
-#include <limits>
+#include "../../objects.h"
 
 namespace havrin {
 namespace {

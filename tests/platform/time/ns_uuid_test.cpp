@@ -2,7 +2,7 @@
 
 #include <HavrinFoundation/platform/foundation/string.h>
 
-#include <gtest/gtest.h>
+#include "../../testing.h"
 
 namespace havrin {
 namespace {

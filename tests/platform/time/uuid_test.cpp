@@ -1,9 +1,8 @@
 #include <HavrinFoundation/platform/time/uuid.h>
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <unordered_set>
+
+#include "../../testing.h"
 
 namespace havrin {
 namespace {

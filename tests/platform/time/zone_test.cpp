@@ -5,20 +5,15 @@
 #include <HavrinFoundation/platform/time/system_zone.h>
 #include <HavrinFoundation/platform/time/zone_rules.h>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <atomic>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <limits>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include "../../random_seed.h"
 #include "../../temporary_folder.h"
+#include "../../testing.h"
 #include "pinned_environment.h"
 
 namespace havrin {

@@ -1,16 +1,13 @@
-// Objects as texts, so that a row of a table can say what is expected, and texts as objects.
+// What most tests of objects use: strings, numbers and arrays, and objects as texts, so that a row can say what is expected.
 #pragma once
 
-#include <optional>
-#include <string>
-#include <string_view>
-
 #include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
-#include "exception_name.h"
+#include "testing.h"
 
 namespace havrin {
 
@@ -27,6 +24,18 @@ inline Strong<NSMutableArray> letters(std::string_view word) {
   auto list = makeMutableArray({});
   for (const char letter : word) list->addObject(s(std::string_view(&letter, 1)));
   return list;
+}
+
+/// The name of the NSException that `body` throws, which must give a reason; "none" when it throws none.
+template <class F>
+std::string nameOf(F body) {
+  try {
+    body();
+  } catch (const NSException& exception) {
+    EXPECT_FALSE(exception.reason().empty());
+    return exception.name();
+  }
+  return "none";
 }
 
 }  // namespace havrin
