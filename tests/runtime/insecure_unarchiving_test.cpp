@@ -1,15 +1,10 @@
 #include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
 
 #include <HavrinFoundation/platform/coding/keyed_archiver.h>
-#include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
+#include "../objects.h"
 
 namespace havrin {
 namespace {

@@ -47,7 +47,6 @@ class Relay : public Object<Relay, Station> {
   void setNilValueForKey(NSString*) override { ++nils; }
 };
 
-
 }  // namespace
 
 template <>
