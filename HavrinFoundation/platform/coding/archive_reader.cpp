@@ -34,13 +34,15 @@ std::string quoted(std::string_view name) {
 class ArchiveReader::Nested {
  public:
   Nested(ArchiveReader& reader, std::uint64_t uid, const BinaryObject& values)
-      : reader_(reader), outer_(std::exchange(reader.frame_, Frame{.values = values, .uid = uid, .extent = {}})) {
+      : reader_(reader),
+        frame_{.values = values, .uid = uid, .extent = {}},
+        outer_(std::exchange(reader.frame_, &frame_)) {
     ++reader_.depth_;
   }
   Nested(const Nested&) = delete;
   Nested& operator=(const Nested&) = delete;
   ~Nested() {
-    Slot& slot = reader_.slots_[reader_.frame_.uid];
+    Slot& slot = reader_.slots_[frame_.uid];
     if (slot.state != Slot::State::made) slot = Slot();
     reader_.frame_ = outer_;
     --reader_.depth_;
@@ -48,7 +50,8 @@ class ArchiveReader::Nested {
 
  private:
   ArchiveReader& reader_;
-  Frame outer_;
+  Frame frame_;
+  Frame* outer_;
 };
 
 bool ArchiveReader::Allowed::permits(const ClassObject* given) const {
@@ -65,15 +68,13 @@ ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArch
     : coder_(coder),
       archive_(std::move(archive)),
       slots_(archive_->count()),
-      budget_(std::max(kSmallestBudget, kBudgetPerByte * archive_->size())) {
-  frame_.values = archive_->top();
-}
+      budget_(std::max(kSmallestBudget, kBudgetPerByte * archive_->size())) {}
 
 // Failures.
 
 void ArchiveReader::fail(std::string_view reason) {
   if (hasFailed()) return;
-  std::string text = frame_.uid == 0 ? "at the top: " : "object " + std::to_string(frame_.uid) + ": ";
+  std::string text = frame_->uid == 0 ? "at the top: " : "object " + std::to_string(frame_->uid) + ": ";
   coder_.failWithError(makeCodingError(NSCoderReadCorruptError, text += reason));
 }
 
@@ -94,12 +95,12 @@ bool ArchiveReader::charge(std::uint64_t bytes) {
 // Values.
 
 bool ArchiveReader::contains(std::string_view key) {
-  return !hasFailed() && archive_->find(frame_.values, key, frame_.next).has_value();
+  return !hasFailed() && archive_->find(frame_->values, key, frame_->next).has_value();
 }
 
 std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
   if (hasFailed()) return std::nullopt;
-  const auto number = archive_->find(frame_.values, key, frame_.next);
+  const auto number = archive_->find(frame_->values, key, frame_->next);
   if (!number) return std::nullopt;
   const auto object = archive_->list().object(*number);
   if (!object) {
@@ -127,7 +128,7 @@ std::optional<std::uint64_t> ArchiveReader::uidAt(std::uint64_t number) {
 
 NSObject* ArchiveReader::object(std::string_view key) {
   if (hasFailed()) return nullptr;
-  const auto number = archive_->find(frame_.values, key, frame_.next);
+  const auto number = archive_->find(frame_->values, key, frame_->next);
   if (!number) return nullptr;
   const auto uid = archive_->list().uid(*number);
   if (uid) return objectWithUid(*uid);
@@ -136,6 +137,7 @@ NSObject* ArchiveReader::object(std::string_view key) {
 }
 
 NSObject* ArchiveReader::objectOfClasses(std::string_view key, const Allowed& allowed) {
+  if (!coder_.requiresSecureCoding()) return object(key);
   struct Restore {
     ArchiveReader& reader;
     Allowed before;
@@ -174,7 +176,7 @@ bool ArchiveReader::objects(std::string_view key, Use use, Objects& row) {
 
 // The keys stand in any order: one walk puts each in its place.
 bool ArchiveReader::numberedObjects(std::string_view prefix, Use use, Objects& row) {
-  const BinaryObject values = frame_.values;
+  const BinaryObject& values = frame_->values;
   std::vector<std::uint64_t> numbers(values.count(), ~std::uint64_t{0});
   std::uint64_t found = 0;
   for (std::uint64_t i = 0; i < values.count(); ++i) {
@@ -202,7 +204,7 @@ bool ArchiveReader::numberedObjects(std::string_view prefix, Use use, Objects& r
 // Each is walked over for its hash; those with the same hash are compared with one another.
 bool ArchiveReader::chargeHashing(std::span<NSObject* const> row) {
   constexpr std::uint64_t kPart = 8;
-  const std::uint64_t parts = frame_.extent.expansion;
+  const std::uint64_t parts = frame_->extent.expansion;
   if (row.empty()) return true;
   if (!charge(kPart * parts)) return false;
   std::vector<std::uint64_t> hashes;
@@ -251,7 +253,7 @@ NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
       if (slot.object && !permits(dispatchClass(slot.object)->shown())) return nullptr;
       break;
   }
-  const std::string_view tooMuch = frame_.extent.add(slot.extent);
+  const std::string_view tooMuch = frame_->extent.add(slot.extent);
   if (!tooMuch.empty()) {
     fail(tooMuch);
     return nullptr;
@@ -306,7 +308,9 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
     return false;
   }
   const Nested nested(*this, uid, values);
-  const auto classNumber = archive_->find(values, "$class", frame_.next);
+  // Objects of one class have their keys in one order: the search begins where it ended for the last one.
+  const auto classNumber = archive_->find(values, "$class", nextClassKey_);
+  nextClassKey_ = nextClassKey_ == 0 ? 0 : nextClassKey_ - 1;
   const auto classUid = classNumber ? archive_->list().uid(*classNumber) : std::nullopt;
   const ArchivedClassEntry* const found = classUid ? classEntry(*classUid) : nullptr;
   if (!found) {
@@ -325,16 +329,15 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
   }
   slot.object = std::move(made);
   // An object of the application is one part: how it is compared is its own affair.
-  if (entry.form) slot.extent = frame_.extent;
+  if (entry.form) slot.extent = frame_->extent;
   slot.state = Slot::State::made;
   return true;
 }
 
 Strong<NSObject> ArchiveReader::makeOwn(Slot& slot, const ArchivedClassEntry& entry) {
-  const Strong<NSObject> allocated = alloc(Class(entry.cls));
-  slot.object = allocated;
+  slot.object = alloc(Class(entry.cls));
   slot.state = Slot::State::openToItself;
-  Strong<NSObject> made = send<"initWithCoder:">(allocated, &coder_);
+  Strong<NSObject> made = send<"initWithCoder:">(slot.object, &coder_);
   if (made && entry.awakes) made = send<"awakeAfterUsingCoder:">(made, &coder_);
   return made;
 }

@@ -103,8 +103,10 @@ class ArchiveReader {
 
   NSKeyedUnarchiver& coder_;
   std::unique_ptr<KeyedArchive> archive_;
-  Frame frame_;
+  Frame top_{.values = archive_->top(), .extent = {}};
+  Frame* frame_ = &top_;
   std::size_t depth_ = 0;
+  std::uint64_t nextClassKey_ = 0;
   Allowed allowed_;
   std::vector<Slot> slots_;
   std::vector<ArchivedClassEntry> classes_;

@@ -36,8 +36,8 @@ std::uint64_t BinaryObject::reference(std::uint64_t index) const noexcept {
 }
 
 std::u16string BinaryObject::utf16Text() const {
-  std::u16string units(count_, u'\0');
-  for (std::uint64_t i = 0; i < count_; ++i) units[i] = static_cast<char16_t>(bigEndian(bytes_ + 2 * i, 2));
+  std::u16string units(value_, u'\0');
+  for (std::uint64_t i = 0; i < value_; ++i) units[i] = static_cast<char16_t>(bigEndian(bytes_ + 2 * i, 2));
   return units;
 }
 
@@ -147,19 +147,21 @@ class BinaryPropertyList::Cursor {
   [[nodiscard]] PropertyListError error(std::string_view reason) const noexcept { return errorAt(begin_, reason); }
   [[nodiscard]] std::uint64_t room() const noexcept { return list_.tableOffset_ - at_; }
 
-  PropertyListResult<BinaryObject> finish(BinaryObject::Kind kind, std::uint64_t bits) noexcept {
-    BinaryObject object;
-    object.kind_ = kind;
-    object.number_.bits = bits;
-    object.encodedSize_ = at_ - begin_;
-    return object;
+  // The object whose last byte has been read. Made where it is wanted: copying what was just written stalls.
+  PropertyListResult<BinaryObject> finish(BinaryObject::Kind kind, std::uint64_t value) noexcept {
+    return {std::in_place, kind, at_ - begin_, value};
+  }
+
+  // The number in the next bytes, of which there are enough.
+  std::uint64_t take(std::uint64_t size) noexcept {
+    const std::uint64_t number = bigEndian(list_.data_.data() + at_, size);
+    at_ += size;
+    return number;
   }
 
   PropertyListResult<BinaryObject> readNumber(BinaryObject::Kind kind, std::uint64_t size) noexcept {
     if (size > room()) return error(kTooLong);
-    const std::uint64_t bits = bigEndian(list_.data_.data() + at_, size);
-    at_ += size;
-    return finish(kind, bits);
+    return finish(kind, take(size));
   }
 
   // 1, 2 and 4 bytes are unsigned, 8 signed; 16 bytes hold what is unsigned and needs all of 64 bits.
@@ -167,25 +169,20 @@ class BinaryPropertyList::Cursor {
     if (widthBits > 4) return error("an integer of an unknown width");
     if (widthBits < 4) return readNumber(BinaryObject::Kind::integer, std::uint64_t{1} << widthBits);
     if (room() < 16) return error(kTooLong);
-    const std::uint64_t high = bigEndian(list_.data_.data() + at_, 8);
-    at_ += 8;
-    auto low = readNumber(BinaryObject::Kind::integer, 8);
-    const bool isNegative = low->integer() < 0;
-    if (high == (isNegative ? ~std::uint64_t{0} : 0)) return low;
+    const std::uint64_t high = take(8);
+    const std::uint64_t low = take(8);
+    const bool isNegative = low >> 63 != 0;
+    if (high == (isNegative ? ~std::uint64_t{0} : 0)) return finish(BinaryObject::Kind::integer, low);
     if (high != 0) return error("an integer of more than 64 bits");
-    low->kind_ = BinaryObject::Kind::unsignedInteger;
-    return low;
+    return finish(BinaryObject::Kind::unsignedInteger, low);
   }
 
   PropertyListResult<BinaryObject> readReal(unsigned widthBits) noexcept {
-    if (widthBits != 2 && widthBits != 3) return error("a real of an unknown width");
-    auto object = readNumber(BinaryObject::Kind::real, std::uint64_t{1} << widthBits);
-    if (object && widthBits == 2) {
-      object->number_.real = std::bit_cast<float>(static_cast<std::uint32_t>(object->number_.bits));
-    } else if (object) {
-      object->number_.real = std::bit_cast<double>(object->number_.bits);
-    }
-    return object;
+    if (widthBits == 3) return readNumber(BinaryObject::Kind::real, 8);
+    if (widthBits != 2) return error("a real of an unknown width");
+    if (room() < 4) return error(kTooLong);
+    const double value = std::bit_cast<float>(static_cast<std::uint32_t>(take(4)));
+    return finish(BinaryObject::Kind::real, std::bit_cast<std::uint64_t>(value));
   }
 
   PropertyListResult<BinaryObject> readSequence(BinaryObject::Kind kind, std::uint64_t count,
@@ -196,20 +193,15 @@ class BinaryPropertyList::Cursor {
       if (marker >> 4 != 1 || (marker & 15) > 3) return error("a size that is no integer");
       const std::uint64_t width = std::uint64_t{1} << (marker & 15);
       if (width > room()) return error(kTooLong);
-      count = bigEndian(list_.data_.data() + at_, width);
-      at_ += width;
+      count = take(width);
     }
     if (count > room() / unitSize) return error(kTooLong);
     const std::byte* const bytes = list_.data_.data() + at_;
-    at_ += count * unitSize;
-    auto object = finish(kind, 0);
-    object->bytes_ = bytes;
-    object->count_ = count;
-    object->referenceSize_ = list_.referenceSize_;
-    if (kind == BinaryObject::Kind::asciiText && !isAscii(object->asciiText())) {
+    if (kind == BinaryObject::Kind::asciiText && !isAscii({reinterpret_cast<const char*>(bytes), count})) {
       return error("a text that is marked as ASCII and is not");
     }
-    return object;
+    at_ += count * unitSize;
+    return {std::in_place, kind, at_ - begin_, count, bytes, list_.referenceSize_};
   }
 
   const BinaryPropertyList& list_;

@@ -15,6 +15,7 @@
 #include <HavrinFoundation/platform/coding/property_list.h>
 #include <HavrinFoundation/platform/time/date.h>
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -42,48 +43,47 @@ class BinaryObject {
     dictionary
   };
 
+  /// As the list reads it: `value` is a number's bits, or how many `bytes` or parts there are.
+  BinaryObject(Kind kind, std::uint64_t encodedSize, std::uint64_t value, const std::byte* bytes = nullptr,
+               std::uint8_t referenceSize = 0) noexcept
+      : kind_(kind), referenceSize_(referenceSize), encodedSize_(encodedSize), value_(value), bytes_(bytes) {}
+
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
   [[nodiscard]] bool isText() const noexcept { return kind_ == Kind::asciiText || kind_ == Kind::utf16Text; }
 
   /// The value. Only of the kind that is named.
-  [[nodiscard]] bool boolean() const noexcept { return number_.bits != 0; }
-  [[nodiscard]] std::int64_t integer() const noexcept { return static_cast<std::int64_t>(number_.bits); }
-  [[nodiscard]] std::uint64_t unsignedInteger() const noexcept { return number_.bits; }
-  [[nodiscard]] double real() const noexcept { return number_.real; }
-  [[nodiscard]] Date date() const noexcept { return Date::fromTimeIntervalSinceReferenceDate(number_.real); }
-  [[nodiscard]] std::uint64_t uid() const noexcept { return number_.bits; }
-  [[nodiscard]] std::span<const std::byte> data() const noexcept { return {bytes_, count_}; }
+  [[nodiscard]] bool boolean() const noexcept { return value_ != 0; }
+  [[nodiscard]] std::int64_t integer() const noexcept { return static_cast<std::int64_t>(value_); }
+  [[nodiscard]] std::uint64_t unsignedInteger() const noexcept { return value_; }
+  [[nodiscard]] double real() const noexcept { return std::bit_cast<double>(value_); }
+  [[nodiscard]] Date date() const noexcept { return Date::fromTimeIntervalSinceReferenceDate(real()); }
+  [[nodiscard]] std::uint64_t uid() const noexcept { return value_; }
+  [[nodiscard]] std::span<const std::byte> data() const noexcept { return {bytes_, value_}; }
   /// Below U+0080 throughout.
-  [[nodiscard]] std::string_view asciiText() const noexcept { return {reinterpret_cast<const char*>(bytes_), count_}; }
+  [[nodiscard]] std::string_view asciiText() const noexcept { return {reinterpret_cast<const char*>(bytes_), value_}; }
   /// The units as they stand, lone surrogates too.
   [[nodiscard]] std::u16string utf16Text() const;
   /// Either text as UTF-8, lone surrogates as U+FFFD.
   [[nodiscard]] std::string text() const;
 
   /// How many objects an array holds, or how many keys a dictionary; bytes of data, units of text.
-  [[nodiscard]] std::uint64_t count() const noexcept { return count_; }
+  [[nodiscard]] std::uint64_t count() const noexcept { return value_; }
   /// The number of the object at `index` of an array; of a key and of a value of a dictionary.
   [[nodiscard]] std::uint64_t element(std::uint64_t index) const noexcept { return reference(index); }
   [[nodiscard]] std::uint64_t key(std::uint64_t index) const noexcept { return reference(index); }
-  [[nodiscard]] std::uint64_t value(std::uint64_t index) const noexcept { return reference(count_ + index); }
+  [[nodiscard]] std::uint64_t value(std::uint64_t index) const noexcept { return reference(value_ + index); }
 
   /// How many bytes the object takes in the data, what it refers to not counted.
   [[nodiscard]] std::uint64_t encodedSize() const noexcept { return encodedSize_; }
 
  private:
-  friend class BinaryPropertyList;
-
   [[nodiscard]] std::uint64_t reference(std::uint64_t index) const noexcept;
 
-  Kind kind_ = Kind::boolean;
-  std::uint8_t referenceSize_ = 0;
-  union {
-    std::uint64_t bits = 0;
-    double real;
-  } number_;
-  const std::byte* bytes_ = nullptr;
-  std::uint64_t count_ = 0;
-  std::uint64_t encodedSize_ = 0;
+  Kind kind_;
+  std::uint8_t referenceSize_;
+  std::uint64_t encodedSize_;
+  std::uint64_t value_;
+  const std::byte* bytes_;
 };
 
 /// The objects of a binary property list, by number. Refers to the data.

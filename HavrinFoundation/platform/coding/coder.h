@@ -99,9 +99,10 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
   /// The object under `key` as a T. A failure when it is of another class, whether or not secure coding is required.
   template <class T>
   [[nodiscard]] Strong<T> decodeObject(std::string_view key) {
-    const Strong<NSObject> object = decodeObjectOfClass(classOf<T>(), key);
-    if (object && !isKind<T>(object)) failWithWrongClass(object, typeName<T>(), key);
-    return cast<T>(static_cast<NSObject*>(object));
+    Strong<NSObject> object = decodeObjectOfClass(classOf<T>(), key);
+    if (!object || isKind<T>(object)) return Strong<T>::adopt(static_cast<T*>(object.detach()));
+    failWithWrongClass(object, typeName<T>(), key);
+    return nullptr;
   }
 
   [[nodiscard]] virtual bool requiresSecureCoding() const { return false; }

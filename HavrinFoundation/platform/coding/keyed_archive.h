@@ -58,8 +58,8 @@ class KeyedArchive {
   Strong<NSData> data_;
   std::vector<std::byte> converted_;  // from XML
   BinaryPropertyList list_;
-  BinaryObject objects_;
-  BinaryObject top_;
+  BinaryObject objects_{BinaryObject::Kind::array, 0, 0};
+  BinaryObject top_{BinaryObject::Kind::dictionary, 0, 0};
 };
 
 }  // namespace havrin::inline platform

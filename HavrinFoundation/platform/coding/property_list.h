@@ -170,6 +170,10 @@ class [[nodiscard]] PropertyListResult {
  public:
   PropertyListResult(T value) : outcome_(std::in_place_index<0>, std::move(value)) {}
   PropertyListResult(PropertyListError error) : outcome_(std::in_place_index<1>, error) {}
+  /// A value made of these, in place.
+  template <class... A>
+  PropertyListResult(std::in_place_t, A&&... arguments)
+      : outcome_(std::in_place_index<0>, std::forward<A>(arguments)...) {}
 
   [[nodiscard]] explicit operator bool() const noexcept { return outcome_.index() == 0; }
   /// The value. Only after a test that it is there.
