@@ -19,23 +19,23 @@
 
 namespace havrin {
 
-namespace library_detail {
+namespace internal {
 HAVRIN_EXPORT const CharacterSet& hexadecimalSet();
 HAVRIN_EXPORT const CharacterSet& asciiAlphabetSet();
 HAVRIN_EXPORT CharacterSet& urlSchemeAllowedSet();
 HAVRIN_EXPORT CharacterSet& validSubhavrinNameSet();
-}  // namespace library_detail
+}  // namespace internal
 
 /// 0-9, a-f, A-F: 22 characters.
 template <std::same_as<CharacterSet> C>
 [[nodiscard]] C hexadecimal() {
-  return library_detail::hexadecimalSet();
+  return internal::hexadecimalSet();
 }
 
 /// a-z, A-Z: 52 characters.
 template <std::same_as<CharacterSet> C>
 [[nodiscard]] C asciiAlphabet() {
-  return library_detail::asciiAlphabetSet();
+  return internal::asciiAlphabetSet();
 }
 
 /// At first asciiAlphabet, 0-9, "+", "-" and ".": 65 characters, those that a link's scheme may have. Which of them may
@@ -43,31 +43,31 @@ template <std::same_as<CharacterSet> C>
 /// Source: RFC 3986, 3.1.
 template <std::same_as<CharacterSet> C>
 [[nodiscard]] C urlSchemeAllowed() {
-  return library_detail::urlSchemeAllowedSet();
+  return internal::urlSchemeAllowedSet();
 }
 template <std::same_as<CharacterSet> C>
 void setUrlSchemeAllowed(C value) {
-  library_detail::urlSchemeAllowedSet() = std::move(value);
+  internal::urlSchemeAllowedSet() = std::move(value);
 }
 /// Calls `change(CharacterSet&)` with the set itself.
 template <std::same_as<CharacterSet> C, std::invocable<C&> F>
 void changeUrlSchemeAllowed(F&& change) {
-  std::invoke(std::forward<F>(change), library_detail::urlSchemeAllowedSet());
+  std::invoke(std::forward<F>(change), internal::urlSchemeAllowedSet());
 }
 
 /// At first asciiAlphabet, 0-9 and "_": 63 characters.
 template <std::same_as<CharacterSet> C>
 [[nodiscard]] C validSubhavrinName() {
-  return library_detail::validSubhavrinNameSet();
+  return internal::validSubhavrinNameSet();
 }
 template <std::same_as<CharacterSet> C>
 void setValidSubhavrinName(C value) {
-  library_detail::validSubhavrinNameSet() = std::move(value);
+  internal::validSubhavrinNameSet() = std::move(value);
 }
 /// Calls `change(CharacterSet&)` with the set itself.
 template <std::same_as<CharacterSet> C, std::invocable<C&> F>
 void changeValidSubhavrinName(F&& change) {
-  std::invoke(std::forward<F>(change), library_detail::validSubhavrinNameSet());
+  std::invoke(std::forward<F>(change), internal::validSubhavrinNameSet());
 }
 
 }  // namespace havrin

@@ -335,10 +335,13 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
 }
 
 Strong<NSObject> ArchiveReader::makeOwn(Slot& slot, const ArchivedClassEntry& entry) {
+  const auto awakes = [](ClassObject* cls) { return cls->row(selector<"awakeAfterUsingCoder:">) != nullptr; };
   slot.object = alloc(Class(entry.cls));
   slot.state = Slot::State::openToItself;
   Strong<NSObject> made = send<"initWithCoder:">(slot.object, &coder_);
-  if (made && entry.awakes) made = send<"awakeAfterUsingCoder:">(made, &coder_);
+  if (!made) return nullptr;
+  ClassObject* const cls = dispatchClass(made);
+  if (cls == entry.cls ? entry.awakes : awakes(cls)) made = send<"awakeAfterUsingCoder:">(made, &coder_);
   return made;
 }
 

@@ -60,6 +60,8 @@ class ArchiveReader {
   /// Counts `bytes` of what is made. Result: false, and a failure, when that is out of all proportion to the archive.
   bool charge(std::uint64_t bytes);
   [[nodiscard]] bool hasFailed() const { return coder_.hasFailed(); }
+  /// Whether an object is being read: the reader is needed still.
+  [[nodiscard]] bool isInside() const { return depth_ != 0; }
   /// A failure of the object that is being read.
   void fail(std::string_view reason);
   void failWithValue(std::string_view key, std::string_view wanted);

@@ -6,9 +6,6 @@
 #include <algorithm>
 #include <bit>
 #include <deque>
-#include <functional>
-#include <unordered_map>
-#include <utility>
 
 namespace havrin::inline platform {
 namespace {
@@ -30,14 +27,16 @@ void appendInteger(std::string& text, std::uint64_t value) {
   appendBigEndian(text, value, size);
 }
 
-void appendHeader(std::string& text, unsigned kind, std::uint64_t size) {
-  text += static_cast<char>(kind << 4 | (size < 15 ? size : 15));
+std::string header(unsigned kind, std::uint64_t size) {
+  std::string text(1, static_cast<char>(kind << 4 | (size < 15 ? size : 15)));
   if (size >= 15) appendInteger(text, size);
+  return text;
 }
 
-void appendReal(std::string& text, unsigned marker, double value) {
-  text += static_cast<char>(marker);
-  appendBigEndian(text, std::bit_cast<std::uint64_t>(value), 8);
+std::string number(unsigned marker, std::uint64_t bits, std::uint64_t size) {
+  std::string text(1, static_cast<char>(marker));
+  appendBigEndian(text, bits, size);
+  return text;
 }
 
 // Walks a tree and numbers its parts breadth first, without recursion.
@@ -103,100 +102,55 @@ class TreeWriter {
 
 }  // namespace
 
-// Where the index has the scalar of these bytes, or has room for it.
-BinaryPropertyListWriter::Place& BinaryPropertyListWriter::place(std::string_view bytes, std::uint32_t hash) {
-  const std::size_t mask = index_.size() - 1;
-  for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
-    Place& found = index_[at];
-    if (found.number == 0) return found;
-    if (found.hash == hash && bytesOf(objects_[found.number - 1]) == bytes) return found;
-  }
+Number BinaryPropertyListWriter::scalar(std::string bytes) {
+  const auto [found, isNew] = scalars_.try_emplace(std::move(bytes), objects_.size());
+  if (isNew) objects_.push_back({.bytes = found->first, .header = {}});
+  return found->second;
 }
 
-// The number of the scalar that has been appended from `firstByte` on: that of an equal one, if there is one.
-Number BinaryPropertyListWriter::endScalar(std::size_t firstByte) {
-  if (2 * (scalarCount_ + 1) > index_.size()) {
-    std::vector<Place> before(std::max<std::size_t>(64, 2 * index_.size()));
-    before.swap(index_);
-    for (const Place& one : before) {
-      if (one.number != 0) place(bytesOf(objects_[one.number - 1]), one.hash) = one;
-    }
-  }
-  const Object scalar{.firstByte = firstByte, .byteCount = bytes_.size() - firstByte};
-  const auto hash = static_cast<std::uint32_t>(std::hash<std::string_view>()(bytesOf(scalar)));
-  Place& found = place(bytesOf(scalar), hash);
-  if (found.number == 0) {
-    objects_.push_back(scalar);
-    ++scalarCount_;
-    found = {hash, static_cast<std::uint32_t>(objects_.size())};
-  } else {
-    bytes_.resize(firstByte);
-  }
-  return found.number - 1;
-}
-
-Number BinaryPropertyListWriter::boolean(bool value) {
-  bytes_ += value ? '\x09' : '\x08';
-  return endScalar(bytes_.size() - 1);
-}
+Number BinaryPropertyListWriter::boolean(bool value) { return scalar(std::string(1, value ? '\x09' : '\x08')); }
 
 Number BinaryPropertyListWriter::integer(std::int64_t value) {
-  const std::size_t begin = bytes_.size();
-  appendInteger(bytes_, static_cast<std::uint64_t>(value));
-  return endScalar(begin);
+  std::string bytes;
+  appendInteger(bytes, static_cast<std::uint64_t>(value));
+  return scalar(std::move(bytes));
 }
 
 // What needs all of 64 bits takes 16 bytes, since 8 are signed.
 Number BinaryPropertyListWriter::integer(std::uint64_t value) {
   if (std::in_range<std::int64_t>(value)) return integer(static_cast<std::int64_t>(value));
-  const std::size_t begin = bytes_.size();
-  bytes_ += '\x14';
-  appendBigEndian(bytes_, 0, 8);
-  appendBigEndian(bytes_, value, 8);
-  return endScalar(begin);
+  std::string bytes = number(0x14, 0, 8);
+  appendBigEndian(bytes, value, 8);
+  return scalar(std::move(bytes));
 }
 
 Number BinaryPropertyListWriter::real(double value) {
-  const std::size_t begin = bytes_.size();
-  appendReal(bytes_, 0x23, value);
-  return endScalar(begin);
+  return scalar(number(0x23, std::bit_cast<std::uint64_t>(value), 8));
 }
 
 Number BinaryPropertyListWriter::date(Date value) {
-  const std::size_t begin = bytes_.size();
-  appendReal(bytes_, 0x33, value.timeIntervalSinceReferenceDate());
-  return endScalar(begin);
+  return scalar(number(0x33, std::bit_cast<std::uint64_t>(value.timeIntervalSinceReferenceDate()), 8));
 }
 
 Number BinaryPropertyListWriter::uid(std::uint64_t value) {
-  const std::size_t begin = bytes_.size();
   const std::uint64_t size = widthOf(value);
-  bytes_ += static_cast<char>(0x80 | (size - 1));
-  appendBigEndian(bytes_, value, size);
-  return endScalar(begin);
+  return scalar(number(0x80 | static_cast<unsigned>(size - 1), value, size));
 }
 
 Number BinaryPropertyListWriter::data(std::span<const std::byte> bytes) {
-  const std::size_t begin = bytes_.size();
-  appendHeader(bytes_, 0x4, bytes.size());
-  bytes_.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-  return endScalar(begin);
+  return scalar(header(0x4, bytes.size()).append(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
 Number BinaryPropertyListWriter::text(std::string_view text) {
   if (!isAscii(text)) return this->text(utf16(text));
-  const std::size_t begin = bytes_.size();
-  appendHeader(bytes_, 0x5, text.size());
-  bytes_ += text;
-  return endScalar(begin);
+  return scalar(header(0x5, text.size()).append(text));
 }
 
 Number BinaryPropertyListWriter::text(std::u16string_view units) {
-  const std::size_t begin = bytes_.size();
-  const bool isNarrow = isAscii(units);
-  appendHeader(bytes_, isNarrow ? 0x5 : 0x6, units.size());
-  for (const char16_t unit : units) appendBigEndian(bytes_, unit, isNarrow ? 1 : 2);
-  return endScalar(begin);
+  if (isAscii(units)) return scalar(header(0x5, units.size()).append(units.begin(), units.end()));
+  std::string bytes = header(0x6, units.size());
+  for (const char16_t unit : units) appendBigEndian(bytes, unit, 2);
+  return scalar(std::move(bytes));
 }
 
 Number BinaryPropertyListWriter::container() {
@@ -207,9 +161,7 @@ Number BinaryPropertyListWriter::container() {
 void BinaryPropertyListWriter::setParts(Number container, unsigned kind, std::size_t count,
                                         std::span<const Number> first, std::span<const Number> second) {
   Object& object = objects_[container];
-  object.firstByte = bytes_.size();
-  appendHeader(bytes_, kind, count);
-  object.byteCount = bytes_.size() - object.firstByte;
+  object.header = header(kind, count);
   object.firstPart = parts_.size();
   object.partCount = first.size() + second.size();
   parts_.insert(parts_.end(), first.begin(), first.end());
@@ -238,29 +190,28 @@ Number BinaryPropertyListWriter::dictionary(std::span<const Number> keys, std::s
 }
 
 std::vector<std::byte> BinaryPropertyListWriter::finish(Number top) const {
+  std::string bytes = "bplist00";
   const std::uint64_t referenceSize = widthOf(objects_.size());
-  std::string list = "bplist00";
-  list.reserve(bytes_.size() + parts_.size() * referenceSize + objects_.size() * 8 + 40);
   std::vector<std::uint64_t> offsets;
   offsets.reserve(objects_.size());
   for (const Object& object : objects_) {
-    offsets.push_back(list.size());
-    list += bytesOf(object);
+    offsets.push_back(bytes.size());
+    bytes.append(object.header).append(object.bytes);
     for (std::size_t i = 0; i < object.partCount; ++i) {
-      appendBigEndian(list, parts_[object.firstPart + i], referenceSize);
+      appendBigEndian(bytes, parts_[object.firstPart + i], referenceSize);
     }
   }
-  const std::uint64_t tableOffset = list.size();
+  const std::uint64_t tableOffset = bytes.size();
   const std::uint64_t offsetSize = widthOf(tableOffset);
-  for (const std::uint64_t offset : offsets) appendBigEndian(list, offset, offsetSize);
-  appendBigEndian(list, 0, 6);
-  appendBigEndian(list, offsetSize, 1);
-  appendBigEndian(list, referenceSize, 1);
-  appendBigEndian(list, objects_.size(), 8);
-  appendBigEndian(list, top, 8);
-  appendBigEndian(list, tableOffset, 8);
-  const auto* begin = reinterpret_cast<const std::byte*>(list.data());
-  return {begin, begin + list.size()};
+  for (const std::uint64_t offset : offsets) appendBigEndian(bytes, offset, offsetSize);
+  appendBigEndian(bytes, 0, 6);
+  appendBigEndian(bytes, offsetSize, 1);
+  appendBigEndian(bytes, referenceSize, 1);
+  appendBigEndian(bytes, objects_.size(), 8);
+  appendBigEndian(bytes, top, 8);
+  appendBigEndian(bytes, tableOffset, 8);
+  const auto* begin = reinterpret_cast<const std::byte*>(bytes.data());
+  return {begin, begin + bytes.size()};
 }
 
 std::vector<std::byte> binaryPropertyList(const PropertyList& list) { return TreeWriter().write(list); }

@@ -15,6 +15,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace havrin::inline platform {
@@ -48,32 +49,20 @@ class BinaryPropertyListWriter {
   [[nodiscard]] std::vector<std::byte> finish(Number top) const;
 
  private:
-  // The bytes up to the references stand in `bytes_`, the references in `parts_`.
   struct Object {
-    std::size_t firstByte = 0;
-    std::size_t byteCount = 0;
-    std::size_t firstPart = 0;
+    std::string_view bytes;     // up to the references; of a scalar, the key in scalars_
+    std::string header;         // a container's own bytes
+    std::size_t firstPart = 0;  // in parts_
     std::size_t partCount = 0;
   };
 
-  [[nodiscard]] std::string_view bytesOf(const Object& object) const {
-    return std::string_view(bytes_).substr(object.firstByte, object.byteCount);
-  }
-  // A scalar in the index: most that differ are told apart without a look at their bytes.
-  struct Place {
-    std::uint32_t hash = 0;
-    std::uint32_t number = 0;  // plus one; 0 where there is none
-  };
-  Number endScalar(std::size_t firstByte);
-  [[nodiscard]] Place& place(std::string_view bytes, std::uint32_t hash);
+  Number scalar(std::string bytes);
   void setParts(Number container, unsigned kind, std::size_t count, std::span<const Number> first,
                 std::span<const Number> second);
 
   std::vector<Object> objects_;
-  std::string bytes_;
-  std::vector<Number> parts_;
-  std::vector<Place> index_;  // by the hash; a power of two, at most half full
-  std::size_t scalarCount_ = 0;
+  std::vector<Number> parts_;                        // the references of all containers
+  std::unordered_map<std::string, Number> scalars_;  // the numbers by the bytes, which stay where they are
 };
 
 }  // namespace havrin::inline platform

@@ -34,12 +34,16 @@ NSKeyedUnarchiver::NSKeyedUnarchiver() = default;
 NSKeyedUnarchiver::~NSKeyedUnarchiver() = default;
 
 Strong<NSKeyedUnarchiver> NSKeyedUnarchiver::initForReadingFromData(NSData* data, Strong<NSError>* error) {
-  reader_.reset();
   KeyedArchive::Opened opened;
-  if (data) {
-    opened = KeyedArchive::open(*data);
+  if (reader_ && reader_->isInside()) {
+    opened.error = "an archive is being read";
   } else {
-    opened.error = "no keyed archive: there is no data";
+    reader_.reset();
+    if (data) {
+      opened = KeyedArchive::open(*data);
+    } else {
+      opened.error = "no keyed archive: there is no data";
+    }
   }
   if (opened.archive) {
     reader_ = std::make_unique<ArchiveReader>(*this, std::move(opened.archive));
@@ -103,6 +107,9 @@ std::span<const std::byte> NSKeyedUnarchiver::decodeBytesForKey(std::string_view
   return value ? value->data() : std::span<const std::byte>();
 }
 
-void NSKeyedUnarchiver::finishDecoding() { reader_.reset(); }
+void NSKeyedUnarchiver::finishDecoding() {
+  if (reader_ && reader_->isInside()) return reader_->fail("decoding is finished while an object is being read");
+  reader_.reset();
+}
 
 }  // namespace havrin::inline platform

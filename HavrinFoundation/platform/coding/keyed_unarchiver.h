@@ -87,7 +87,8 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
   [[nodiscard]] double decodeDoubleForKey(std::string_view key) override;
   [[nodiscard]] std::span<const std::byte> decodeBytesForKey(std::string_view key) override;
 
-  /// Says that nothing more is decoded, and lets the archive go. Not needed before the unarchiver ends.
+  /// Says that nothing more is decoded, and lets the archive go. Not needed before the unarchiver ends. A failure while
+  /// an object is being read.
   virtual void finishDecoding();
 
  private:
