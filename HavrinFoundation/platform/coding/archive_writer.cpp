@@ -88,11 +88,7 @@ void ArchiveWriter::write(std::uint64_t uid, const NSObject& object) {
   Plan& plan = planFor(cls);
   if (!plan.refusal.empty()) return fail(plan.refusal);
   const Nested nested(*this, uid);
-  if (plan.form) {
-    plan.form->encode(object, *this);
-  } else {
-    send<"encodeWithCoder:">(object, &coder_);
-  }
+  encode(object, plan);
   Written& written = written_[uid];
   if (!written.isPlain) {
     ClassObject* const writtenAs = plan.form ? plan.form->cls() : cls;
@@ -100,6 +96,17 @@ void ArchiveWriter::write(std::uint64_t uid, const NSObject& object) {
     written_[uid].number = list_.dictionary(frame_.keys, frame_.values);
   }
   if (plan.form) written_[uid].extent = frame_.extent;
+}
+
+void ArchiveWriter::encode(const NSObject& object, const Plan& plan) try {
+  if (plan.form) {
+    plan.form->encode(object, *this);
+  } else {
+    send<"encodeWithCoder:">(object, &coder_);
+  }
+} catch (...) {  // half an object stands in the archive
+  fail("an exception while an object was being written");
+  throw;
 }
 
 ArchiveWriter::Plan& ArchiveWriter::planFor(ClassObject* cls) {

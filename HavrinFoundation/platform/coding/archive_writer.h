@@ -37,6 +37,10 @@ class ArchiveWriter {
   /// Says that the object is this value, and no dictionary.
   void setPlain(Number value, std::uint64_t size);
 
+  /// Whether an object is being written: code of the application may be running in the middle of it.
+  [[nodiscard]] bool isWriting() const { return depth_ > 0; }
+  void fail(std::string_view reason);
+
   [[nodiscard]] std::vector<std::byte> finish();
 
  private:
@@ -62,9 +66,9 @@ class ArchiveWriter {
   };
   class Nested;
 
-  void fail(std::string_view reason);
   [[nodiscard]] std::uint64_t uidOf(const NSObject* object);
   void write(std::uint64_t uid, const NSObject& object);
+  void encode(const NSObject& object, const Plan& plan);
   [[nodiscard]] Plan& planFor(ClassObject* cls);
   [[nodiscard]] Plan makePlan(ClassObject* cls) const;
   [[nodiscard]] std::uint64_t classUid(Plan& plan, ClassObject* cls);

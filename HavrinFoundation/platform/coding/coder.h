@@ -93,7 +93,7 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
   [[nodiscard]] virtual double decodeDoubleForKey(std::string_view key);
   /// The nearest float. A failure when a finite number becomes infinite.
   [[nodiscard]] float decodeFloatForKey(std::string_view key);
-  /// Good as long as the coder.
+  /// Good until the coder has finished decoding or ends.
   [[nodiscard]] virtual std::span<const std::byte> decodeBytesForKey(std::string_view key);
 
   /// The object under `key` as a T. A failure when it is of another class, whether or not secure coding is required.

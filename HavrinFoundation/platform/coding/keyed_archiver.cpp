@@ -24,7 +24,9 @@ Strong<NSData> NSKeyedArchiver::archivedDataWithRootObject(NSObject* object, boo
   return data;
 }
 
+// What an application does while its objects are written may let go of the archiver.
 void NSKeyedArchiver::encodeObject(NSObject* object, std::string_view key) {
+  const Strong<NSKeyedArchiver> held(writer_->isWriting() ? nullptr : this);
   writer_->addObject(ArchivedKey(key), object);
 }
 
@@ -45,6 +47,7 @@ void NSKeyedArchiver::encodeBytes(std::span<const std::byte> bytes, std::string_
 }
 
 Strong<NSData> NSKeyedArchiver::encodedData() {
+  if (writer_->isWriting()) writer_->fail("encodedData while an object is being written");
   if (hasFailed()) return nullptr;
   return make<NSData>(writer_->finish());
 }

@@ -55,7 +55,8 @@ class HAVRIN_EXPORT NSKeyedArchiver : public Object<NSKeyedArchiver, NSCoder> {
 
   [[nodiscard]] bool requiresSecureCoding() const override { return requiresSecureCoding_; }
 
-  /// The archive of what has been encoded so far. Null when: something could not be.
+  /// The archive of what has been encoded so far. Null when: something could not be; an object is being written, by its
+  /// `encodeWithCoder:`, which is a failure.
   [[nodiscard]] virtual Strong<NSData> encodedData();
 
  private:

@@ -71,20 +71,27 @@ bool NSKeyedUnarchiver::containsValueForKey(std::string_view key) {
 }
 
 Strong<NSObject> NSKeyedUnarchiver::decodeObjectForKey(std::string_view key) {
-  if (!reader_) return nullptr;
-  if (requiresSecureCoding()) {
+  if (reader_ && requiresSecureCoding()) {
     reader_->fail("decodeObjectForKey: names no class, and secure coding is required");
     return nullptr;
   }
-  return reader_->object(ArchivedKey(key));
+  return decode(nullptr, nullptr, key);
 }
 
 Strong<NSObject> NSKeyedUnarchiver::decodeObjectOfClass(Class cls, std::string_view key) {
-  return reader_ ? reader_->objectOfClasses(ArchivedKey(key), {cls, nullptr}) : nullptr;
+  return decode(cls, nullptr, key);
 }
 
 Strong<NSObject> NSKeyedUnarchiver::decodeObjectOfClasses(const NSSet* classes, std::string_view key) {
-  return reader_ ? reader_->objectOfClasses(ArchivedKey(key), {nullptr, classes}) : nullptr;
+  return decode(nullptr, classes, key);
+}
+
+// What an application does while its objects are made may let go of the unarchiver, or of the set.
+Strong<NSObject> NSKeyedUnarchiver::decode(Class cls, const NSSet* classes, std::string_view key) {
+  if (!reader_) return nullptr;
+  const Strong<NSKeyedUnarchiver> held(reader_->isInside() ? nullptr : this);
+  const Strong<NSSet> heldClasses(const_cast<NSSet*>(classes));
+  return reader_->objectOfClasses(ArchivedKey(key), {cls, classes});
 }
 
 bool NSKeyedUnarchiver::decodeBoolForKey(std::string_view key) {

@@ -92,7 +92,7 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
   virtual void finishDecoding();
 
  private:
-  friend class ArchiveReader;
+  [[nodiscard]] Strong<NSObject> decode(Class cls, const NSSet* classes, std::string_view key);
 
   std::unique_ptr<ArchiveReader> reader_;
   NSDecodingFailurePolicy policy_ = NSDecodingFailurePolicy::SetErrorAndReturn;
