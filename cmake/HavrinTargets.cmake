@@ -15,6 +15,10 @@ if(HAVRIN_SANITIZERS)
   target_link_options(havrin_build_flags INTERFACE -fsanitize=${HAVRIN_SANITIZERS})
 endif()
 
+if(HAVRIN_BUILD_FUZZERS)  # the mutations follow what the library's own code does
+  target_compile_options(havrin_build_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # havrin_library(<target> AS <name> LINKS ... STATIC_LINKS ...): one set of objects, a shared library HavrinFoundation::<name>
 # and a static one, HavrinFoundation::<name>Static. The tests use the static one, through which they reach internals.
 function(havrin_library shared)
