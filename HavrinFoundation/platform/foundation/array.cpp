@@ -8,6 +8,7 @@
 
 #include <HavrinFoundation/platform/foundation/array_buffer.h>
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/foundation/collection_hash.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -178,11 +179,13 @@ bool NSArray::isEqual(const NSObject* other) const {
 }
 
 std::uint64_t NSArray::hash() const {
-  // Of an array in an array only the count: its own first object may be the outer array.
-  const Strong<NSObject> first = firstObject();
-  const NSArray* inner = cast<NSArray>(first.get());
-  const std::uint64_t firstHash = inner ? inner->count() : first ? first->hash() : 0;
-  return firstHash * 31 + count();
+  constexpr std::uint64_t kHashed = 16;
+  std::uint64_t hash = count();
+  visit([&hash](const NSObject* object, std::uint64_t index) {
+    hash = hash * 31 + elementHash(object);
+    return index + 1 < kHashed;
+  });
+  return mixedHash(hash);
 }
 
 Strong<NSString> NSArray::description() const {

@@ -83,7 +83,7 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
 
   /// True for an array, mutable or not, with equal objects in the same order.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
-  /// From the count and the first object.
+  /// From the count and the first sixteen objects, of which collections count for nothing.
   [[nodiscard]] std::uint64_t hash() const override;
   /// "(Nord, Sud)".
   [[nodiscard]] Strong<NSString> description() const override;

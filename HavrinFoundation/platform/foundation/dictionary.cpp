@@ -3,6 +3,7 @@
 #include <string>
 
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/foundation/collection_hash.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -108,7 +109,14 @@ bool NSDictionary::isEqual(const NSObject* other) const {
   return same;
 }
 
-std::uint64_t NSDictionary::hash() const { return count(); }
+std::uint64_t NSDictionary::hash() const {
+  std::uint64_t hash = count();
+  forEach([&hash](NSObject* key, NSObject* value) {
+    hash += mixedHash(elementHash(key) * 31 + elementHash(value));
+    return true;
+  });
+  return hash;
+}
 
 Strong<NSString> NSDictionary::description() const {
   std::string text = "{";

@@ -54,6 +54,7 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
 
   /// True for a dictionary with equal keys and values, mutable or not.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
+  /// From the keys and values, of which collections count for nothing. Cost: linear.
   [[nodiscard]] std::uint64_t hash() const override;
   /// The entry under `key`; null for none.
   [[nodiscard]] Strong<NSObject> valueForKey(NSString* key) const override;

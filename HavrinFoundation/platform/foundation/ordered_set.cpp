@@ -105,7 +105,7 @@ bool NSOrderedSet::isEqual(const NSObject* other) const {
   return set && array()->isEqual(set->array());
 }
 
-std::uint64_t NSOrderedSet::hash() const { return count(); }
+std::uint64_t NSOrderedSet::hash() const { return array()->hash(); }
 
 Strong<NSString> NSOrderedSet::description() const { return makeString("{" + utf8(*array()->description()) + "}"); }
 

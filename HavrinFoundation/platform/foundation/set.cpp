@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/foundation/collection_hash.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 
 namespace havrin::inline platform {
@@ -88,7 +89,11 @@ bool NSSet::isEqual(const NSObject* other) const {
   return true;
 }
 
-std::uint64_t NSSet::hash() const { return count(); }
+std::uint64_t NSSet::hash() const {
+  std::uint64_t hash = count();
+  for (NSObject* object : each(this)) hash += mixedHash(elementHash(object));
+  return hash;
+}
 
 Strong<NSString> NSSet::description() const {
   std::string text = "{";

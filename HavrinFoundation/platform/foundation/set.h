@@ -58,6 +58,7 @@ class HAVRIN_EXPORT NSSet : public Object<NSSet, NSObject>, public NSFastEnumera
 
   /// True for a set with equal elements, mutable or not.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
+  /// From the elements, of which collections count for nothing. Cost: linear.
   [[nodiscard]] std::uint64_t hash() const override;
   /// "{jazz, news}".
   [[nodiscard]] Strong<NSString> description() const override;

@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include <HavrinFoundation/platform/foundation/set.h>
+
 #include "../../objects.h"
 
 using namespace havrin;
@@ -144,6 +146,40 @@ TEST(Dictionary, CopiesAreOfTheirMoment) {
   EXPECT_FALSE(copy->isEqual(dictionary));
   EXPECT_FALSE(copy->isEqual(makeDictionary({{key, s("other")}})));
   EXPECT_FALSE(copy->isEqual(makeDictionary({{s("other"), key}})));
+}
+
+TEST(Dictionary, IsFoundAmongManyOfItsSizeWithoutComparingThemAll) {
+  static int compared = 0;
+  class Compared : public Object<Compared, NSObject> {
+   public:
+    explicit Compared(std::uint64_t number) : number_(number) {}
+    bool isEqual(const NSObject* other) const override {
+      ++compared;
+      return cast<Compared>(other)->number_ == number_;
+    }
+    std::uint64_t hash() const override { return number_; }
+
+   private:
+    std::uint64_t number_;
+  };
+  using Wrap = Strong<NSObject> (*)(NSObject*);
+  for (const Wrap wrapped : {
+           Wrap([](NSObject* value) -> Strong<NSObject> {
+             return makeDictionary({{s("key"), value}});
+           }),
+           Wrap([](NSObject* value) -> Strong<NSObject> {
+             return makeArray({s("first"), value});
+           }),
+           Wrap([](NSObject* value) -> Strong<NSObject> {
+             return makeSet({s("first"), value});
+           }),
+       }) {
+    compared = 0;
+    const auto members = make<NSMutableSet>();
+    for (std::uint64_t number = 0; number < 500; ++number) members->addObject(wrapped(make<Compared>(number)));
+    EXPECT_LT(compared, 500);
+    EXPECT_TRUE(members->containsObject(wrapped(make<Compared>(77))));
+  }
 }
 
 TEST(Dictionary, WorksOverASubclassesPrimitives) {
