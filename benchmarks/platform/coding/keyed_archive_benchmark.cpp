@@ -41,8 +41,8 @@ class Station : public Object<Station, NSObject> {
     return this;
   }
   using Protocols = List<NSSecureCoding>;
-  using Members = List<Method<"encodeWithCoder:", &Station::encodeWithCoder>,
-                       Method<"initWithCoder:", &Station::initWithCoder>>;
+  using Members =
+      List<Method<"encodeWithCoder:", &Station::encodeWithCoder>, Method<"initWithCoder:", &Station::initWithCoder>>;
 
  private:
   Strong<NSString> name_;
@@ -165,8 +165,9 @@ void readsIndexed(benchmark::State& state) {
 void readsByIndex(benchmark::State& state) {
   for (auto _ : state) {
     const Tree tree;
-    readsTree([&tree](std::uint64_t uid) { return plist_array_get_item(tree.objects(), static_cast<std::uint32_t>(uid)); },
-              tree.root());
+    readsTree(
+        [&tree](std::uint64_t uid) { return plist_array_get_item(tree.objects(), static_cast<std::uint32_t>(uid)); },
+        tree.root());
   }
 }
 
