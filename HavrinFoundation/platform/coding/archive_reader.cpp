@@ -54,16 +54,6 @@ class ArchiveReader::Nested {
   Frame* outer_;
 };
 
-bool ArchiveReader::Allowed::permits(const ClassObject* given) const {
-  if (cls && given->inheritsFrom(cls.object())) return true;
-  if (!classes) return false;
-  for (NSObject* one : each(classes)) {
-    const Class allowed = Class::from(one);
-    if (allowed && given->inheritsFrom(allowed.object())) return true;
-  }
-  return false;
-}
-
 ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArchive> archive)
     : coder_(coder),
       archive_(std::move(archive)),
@@ -136,11 +126,11 @@ NSObject* ArchiveReader::object(std::string_view key) {
   return nullptr;
 }
 
-NSObject* ArchiveReader::objectOfClasses(std::string_view key, const Allowed& allowed) {
+NSObject* ArchiveReader::objectOfClasses(std::string_view key, const AllowedClasses& allowed) {
   if (!coder_.requiresSecureCoding()) return object(key);
   struct Restore {
     ArchiveReader& reader;
-    Allowed before;
+    AllowedClasses before;
     ~Restore() { reader.allowed_ = before; }
   } const restore{*this, std::exchange(allowed_, allowed)};
   return object(key);

@@ -22,13 +22,6 @@ class ArchiveReader {
   ArchiveReader(const ArchiveReader&) = delete;
   ArchiveReader& operator=(const ArchiveReader&) = delete;
 
-  /// The classes that may come while secure coding is required: one, or a set of them.
-  struct Allowed {
-    Class cls;
-    const NSSet* classes = nullptr;
-    [[nodiscard]] bool permits(const ClassObject* given) const;
-  };
-
   // Values of the object that is being read; outside of any, of the top. After a failure all are absent.
 
   [[nodiscard]] bool contains(std::string_view key);
@@ -38,11 +31,15 @@ class ArchiveReader {
   [[nodiscard]] std::optional<BinaryObject> value(std::string_view key, BinaryObject::Kind kind);
   /// The object that the value under `key` refers to, borrowed from the reader. Null when: there is none.
   [[nodiscard]] NSObject* object(std::string_view key);
-  [[nodiscard]] NSObject* objectOfClasses(std::string_view key, const Allowed& allowed);
+  [[nodiscard]] NSObject* objectOfClasses(std::string_view key, const AllowedClasses& allowed);
+  /// The same, of the layer's own classes and those that may come anyway.
+  [[nodiscard]] NSObject* objectOfLayersOwn(std::string_view key) {
+    return objectOfClasses(key, {.cls = allowed_.cls, .classes = allowed_.classes, .layersOwn = true});
+  }
   /// The object under `key` as a T. A failure when: it is none, or null.
   template <class T>
   [[nodiscard]] T* object(std::string_view key) {
-    T* const found = cast<T>(object(key));
+    T* const found = cast<T>(objectOfClasses(key, {.cls = classOf<T>()}));
     if (!found) failWithValue(key, typeName<T>());
     return found;
   }
@@ -109,7 +106,7 @@ class ArchiveReader {
   Frame* frame_ = &top_;
   std::size_t depth_ = 0;
   std::uint64_t nextClassKey_ = 0;
-  Allowed allowed_;
+  AllowedClasses allowed_;
   std::vector<Slot> slots_;
   std::vector<ArchivedClassEntry> classes_;
   std::uint64_t budget_ = 0;

@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/coding/archived_classes.h>
 
 #include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <algorithm>
@@ -57,6 +58,17 @@ std::optional<std::string> archivedNameForClass(Class cls) {
   const std::shared_lock guard(named.lock);
   const auto found = named.firstNames.find(cls.object());
   return found == named.firstNames.end() ? std::nullopt : std::optional(found->second);
+}
+
+bool AllowedClasses::permits(const ClassObject* given) const {
+  if (cls && given->inheritsFrom(cls.object())) return true;
+  if (layersOwn && archivedFormForClass(given)) return true;
+  if (!classes) return false;
+  for (NSObject* one : each(classes)) {
+    const Class allowed = Class::from(one);
+    if (allowed && given->inheritsFrom(allowed.object())) return true;
+  }
+  return false;
 }
 
 std::string_view ArchivedExtent::add(const ArchivedExtent& part) noexcept {

@@ -12,6 +12,7 @@ namespace havrin::inline platform {
 
 class ArchiveReader;
 class ArchiveWriter;
+class NSSet;
 
 /// The form of one of the layer's classes: what is written of an object, and made of what was written.
 struct ArchivedForm {
@@ -29,6 +30,15 @@ struct ArchivedForm {
 
 /// The name under which archives know a class of the application. Empty when: they do not.
 [[nodiscard]] std::optional<std::string> archivedNameForClass(Class cls);
+
+/// The classes that may come while secure coding is required: one, a set of them, all that are the layer's own.
+struct AllowedClasses {
+  Class cls;
+  const NSSet* classes = nullptr;
+  bool layersOwn = false;
+
+  [[nodiscard]] bool permits(const ClassObject* given) const;
+};
 
 /// How much an object holds, itself counted: what bounds the walks over it (hashing, comparing, describing).
 struct ArchivedExtent {

@@ -240,7 +240,7 @@ void encodeURL(const NSObject& object, ArchiveWriter& writer) {
 
 // Links come back as they were, also those whose text is no URI reference.
 Strong<NSObject> decodeURL(ArchiveReader& reader) {
-  NSObject* const base = reader.object("NS.base");
+  NSObject* const base = reader.objectOfClasses("NS.base", {.cls = classOf<NSURL>()});
   const NSString* const text = reader.object<NSString>("NS.relative");
   if (!text) return nullptr;
   const std::string relative = utf8(*text);
@@ -339,7 +339,7 @@ template <class C>
 Strong<NSObject> decodeAttributedString(ArchiveReader& reader) {
   NSString* const string = reader.object<NSString>("NSString");
   if (!string || !reader.charge(2 * string->length())) return nullptr;
-  NSObject* const attributes = reader.object("NSAttributes");
+  NSObject* const attributes = reader.objectOfLayersOwn("NSAttributes");
   if (reader.hasFailed()) return nullptr;
   NSDictionary* const one = cast<NSDictionary>(attributes);
   if (one || !attributes) return make<C>(string, one);

@@ -14,7 +14,7 @@ namespace {
 
 using Kind = BinaryObject::Kind;
 
-Strong<NSObject> unarchived(const ArchiveReader::Allowed& allowed, NSData* data, Strong<NSError>* error) {
+Strong<NSObject> unarchived(const AllowedClasses& allowed, NSData* data, Strong<NSError>* error) {
   const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(data, error);
   if (!unarchiver) return nullptr;
   Strong<NSObject> root = allowed.classes
@@ -54,12 +54,12 @@ Strong<NSKeyedUnarchiver> NSKeyedUnarchiver::initForReadingFromData(NSData* data
 }
 
 Strong<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClass(Class cls, NSData* data, Strong<NSError>* error) {
-  return unarchived({cls, nullptr}, data, error);
+  return unarchived({.cls = cls}, data, error);
 }
 
 Strong<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClasses(const NSSet* classes, NSData* data,
                                                               Strong<NSError>* error) {
-  return unarchived({nullptr, classes}, data, error);
+  return unarchived({.cls = nullptr, .classes = classes}, data, error);
 }
 
 void NSKeyedUnarchiver::setRequiresSecureCoding(bool required) { requiresSecureCoding_ = required; }
@@ -91,7 +91,7 @@ Strong<NSObject> NSKeyedUnarchiver::decode(Class cls, const NSSet* classes, std:
   if (!reader_) return nullptr;
   const Strong<NSKeyedUnarchiver> held(reader_->isInside() ? nullptr : this);
   const Strong<NSSet> heldClasses(const_cast<NSSet*>(classes));
-  return reader_->objectOfClasses(ArchivedKey(key), {cls, classes});
+  return reader_->objectOfClasses(ArchivedKey(key), {.cls = cls, .classes = classes});
 }
 
 bool NSKeyedUnarchiver::decodeBoolForKey(std::string_view key) {

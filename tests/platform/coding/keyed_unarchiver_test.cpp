@@ -1,5 +1,8 @@
 #include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
 
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
+#include <HavrinFoundation/platform/net/ns_url.h>
+
 #include "archive_samples.h"
 
 namespace havrin {
@@ -12,6 +15,10 @@ TEST(KeyedUnarchiver, LetsOnlyClassesComeThatAreAskedFor) {
   const auto puppet = make<Puppet>();
   const auto node = make<Node>();
   node->name = text;
+  const auto link = make<NSURL>(*URL::fromString("c", *URL::fromString("https://h/a/b")));
+  const auto styled = [](NSObject* value) {
+    return make<NSAttributedString>(makeString("On air"), makeDictionary({{makeString("key"), value}}));
+  };
   const Class none, strings = classOf<NSString>(), arrays = classOf<NSArray>(), objects = classOf<NSObject>();
   const struct {
     Strong<NSObject> written;
@@ -33,6 +40,10 @@ TEST(KeyedUnarchiver, LetsOnlyClassesComeThatAreAskedFor) {
       {makeArray({puppet}), {objects}, "class \"Puppet\", which does not adopt NSSecureCoding", "inside, too"},
       {node, {classOf<Node>()}, "none", "objects name the classes of their own values"},
       {makeArray({node}), {arrays}, "class \"Node\", which is not among the classes", "an object in a collection"},
+      {link, {classOf<NSURL>()}, "none", "a link names the classes of its parts"},
+      {styled(makeNumber(1)), {classOf<NSAttributedString>()}, "none", "attributes of the layer's classes"},
+      {styled(node), {classOf<NSAttributedString>()}, "class \"Node\", which is not among", "other attributes"},
+      {styled(node), {classOf<NSAttributedString>(), classOf<Node>()}, "none", "other attributes that are asked for"},
       {nullptr, {objects}, "Code=4865 \"there is no object at the root\"", "null"},
   };
   for (const auto& row : rows) {
