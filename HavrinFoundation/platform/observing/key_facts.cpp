@@ -71,7 +71,7 @@ KeyFacts factsForKey(const ClassObject& shown, NSString& key) {
   return withText(key, [&](std::string_view text) {
     const std::uint64_t changes = methodChanges();
     if (const auto known = cache().find(shown, text, changes)) return *known;
-    const KeyFacts facts = ask(shown, key);
+    KeyFacts facts = ask(shown, key);
     const KeyRows rows = rowsForKey(shown, text);
     if (rows.getter || rows.setter) cache().keep(shown, text, changes, facts);
     return facts;
