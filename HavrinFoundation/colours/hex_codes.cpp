@@ -28,7 +28,7 @@ constexpr std::uint8_t kNoDigit = 0xFF;
 using DigitTable = std::array<std::uint8_t, 256>;
 
 DigitTable digitTable() {
-  const CharacterSet& digits = internal::hexadecimalSet();
+  const CharacterSet& digits = library_detail::hexadecimalSet();
   DigitTable table;
   table.fill(kNoDigit);
   for (std::uint8_t unit = 0; unit < 0x80; ++unit) {  // no byte of another character is a digit

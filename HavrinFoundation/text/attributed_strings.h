@@ -14,13 +14,13 @@
 
 namespace havrin {
 
-namespace internal {
+namespace library_detail {
 // Send the allocated object its init message.
 HAVRIN_EXPORT Strong<NSAttributedString> initialised(NSAttributedString& allocated,
                                                      std::optional<std::string_view> string);
 HAVRIN_EXPORT Strong<NSAttributedString> initialised(NSAttributedString& allocated,
                                                      std::optional<std::string_view> string, NSDictionary* attributes);
-}  // namespace internal
+}  // namespace library_detail
 
 /// {0, the text's length}, in UTF-16 units.
 [[nodiscard]] HAVRIN_EXPORT NSRange entireRange(const NSAttributedString& string);
@@ -31,12 +31,12 @@ HAVRIN_EXPORT Strong<NSAttributedString> initialised(NSAttributedString& allocat
 /// Result: never null, unless an override answers null or an object of another class.
 template <std::derived_from<NSAttributedString> C>
 [[nodiscard]] Strong<C> fromOptionalString(std::optional<std::string_view> string) {
-  const Strong<NSObject> made = internal::initialised(*alloc<C>(), string);
+  const Strong<NSObject> made = library_detail::initialised(*alloc<C>(), string);
   return cast<C>(made);
 }
 template <std::derived_from<NSAttributedString> C>
 [[nodiscard]] Strong<C> fromOptionalString(std::optional<std::string_view> string, NSDictionary* attributes) {
-  const Strong<NSObject> made = internal::initialised(*alloc<C>(), string, attributes);
+  const Strong<NSObject> made = library_detail::initialised(*alloc<C>(), string, attributes);
   return cast<C>(made);
 }
 

@@ -19,23 +19,23 @@
 
 namespace havrin {
 
-namespace internal {
+namespace library_detail {
 HAVRIN_EXPORT const CharacterSet& hexadecimalSet();
 HAVRIN_EXPORT const CharacterSet& asciiAlphabetSet();
 HAVRIN_EXPORT CharacterSet& urlSchemeAllowedSet();
 HAVRIN_EXPORT CharacterSet& validSubhavrinNameSet();
-}  // namespace internal
+}  // namespace library_detail
 
 /// 0-9, a-f, A-F: 22 characters.
 template <std::same_as<CharacterSet> C>
 [[nodiscard]] C hexadecimal() {
-  return internal::hexadecimalSet();
+  return library_detail::hexadecimalSet();
 }
 
 /// a-z, A-Z: 52 characters.
 template <std::same_as<CharacterSet> C>
 [[nodiscard]] C asciiAlphabet() {
-  return internal::asciiAlphabetSet();
+  return library_detail::asciiAlphabetSet();
 }
 
 /// At first asciiAlphabet, 0-9, "+", "-" and ".": 65 characters, those that a link's scheme may have. Which of them may
@@ -43,31 +43,31 @@ template <std::same_as<CharacterSet> C>
 /// Source: RFC 3986, 3.1.
 template <std::same_as<CharacterSet> C>
 [[nodiscard]] C urlSchemeAllowed() {
-  return internal::urlSchemeAllowedSet();
+  return library_detail::urlSchemeAllowedSet();
 }
 template <std::same_as<CharacterSet> C>
 void setUrlSchemeAllowed(C value) {
-  internal::urlSchemeAllowedSet() = std::move(value);
+  library_detail::urlSchemeAllowedSet() = std::move(value);
 }
 /// Calls `change(CharacterSet&)` with the set itself.
 template <std::same_as<CharacterSet> C, std::invocable<C&> F>
 void changeUrlSchemeAllowed(F&& change) {
-  std::invoke(std::forward<F>(change), internal::urlSchemeAllowedSet());
+  std::invoke(std::forward<F>(change), library_detail::urlSchemeAllowedSet());
 }
 
 /// At first asciiAlphabet, 0-9 and "_": 63 characters.
 template <std::same_as<CharacterSet> C>
 [[nodiscard]] C validSubhavrinName() {
-  return internal::validSubhavrinNameSet();
+  return library_detail::validSubhavrinNameSet();
 }
 template <std::same_as<CharacterSet> C>
 void setValidSubhavrinName(C value) {
-  internal::validSubhavrinNameSet() = std::move(value);
+  library_detail::validSubhavrinNameSet() = std::move(value);
 }
 /// Calls `change(CharacterSet&)` with the set itself.
 template <std::same_as<CharacterSet> C, std::invocable<C&> F>
 void changeValidSubhavrinName(F&& change) {
-  std::invoke(std::forward<F>(change), internal::validSubhavrinNameSet());
+  std::invoke(std::forward<F>(change), library_detail::validSubhavrinNameSet());
 }
 
 }  // namespace havrin

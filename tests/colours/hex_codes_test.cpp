@@ -14,7 +14,6 @@ using namespace havrin;
 namespace {
 
 constexpr double kHuge = std::numeric_limits<double>::max();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
 class MyColour : public Object<MyColour, UIColor> {

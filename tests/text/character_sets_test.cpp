@@ -60,7 +60,7 @@ TEST(CharacterSets, FirstUseFromManyThreadsAndByAWriteBuildsOnce) {
   for (int i = 0; i < kThreads; ++i) {
     threads.emplace_back([&start, &slot = built[static_cast<std::size_t>(i)]] {
       start.arrive_and_wait();
-      slot = &internal::urlSchemeAllowedSet();
+      slot = &library_detail::urlSchemeAllowedSet();
       EXPECT_TRUE(hexadecimal<CharacterSet>().contains(U'f') && asciiAlphabet<CharacterSet>().contains(U'z') &&
                   urlSchemeAllowed<CharacterSet>().contains(U'+'));
     });

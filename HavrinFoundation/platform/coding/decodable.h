@@ -13,6 +13,7 @@
 #include <HavrinFoundation/platform/coding/decoder.h>
 #include <HavrinFoundation/platform/coding/keyed_decoding_container.h>
 #include <HavrinFoundation/platform/coding/unkeyed_decoding_container.h>
+#include <HavrinFoundation/platform/object/text.h>
 
 #include <algorithm>
 #include <concepts>
@@ -32,18 +33,9 @@ namespace havrin::inline platform {
 template <class T>
 struct DecodingTraits;
 
-/// A text known when compiling, as a template argument: `Field<"name", ...>`.
-template <std::size_t Size>
-struct FieldName {
-  consteval FieldName(const char (&text)[Size]) { std::copy_n(text, Size, characters); }  // NOLINT: implicit on purpose
-  [[nodiscard]] constexpr std::string_view view() const { return {characters, Size - 1}; }
-
-  char characters[Size];
-};
-
 /// One field of a type: the key under which it stands, and the member it fills. A member that is an optional stays empty
 /// where the key is absent or null stands there; for any other member the key must be there.
-template <FieldName Name, auto Member>
+template <Text Name, auto Member>
 struct Field {
   static constexpr std::string_view kName = Name.view();
   static constexpr auto kMember = Member;
