@@ -11,30 +11,41 @@
 
 #include "../../testing.h"
 
-namespace {
-
 using namespace havrin;
 
+namespace {
+
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double kForEver = std::numeric_limits<double>::infinity();
 
 int target;
 int otherTarget;
 int selectorA;
 int selectorB;
 
-// Arguments are compared by what they point to, like objects that are equal.
-bool cancelText(const void* onTarget, const void* selector, const std::string* argument) {
-  RunLoop::current().cancelPerforms({onTarget, selector, argument}, [argument](const void* other) {
-    return *static_cast<const std::string*>(other) == *argument;
-  });
-  return true;
-}
-
-TEST(RunLoop, RunsDelayedWorkInTheOrderOfItsDueTimes) {
+// The loop of this thread, under a clock of the test's.
+struct OnThisLoop : testing::Test {
   TestClock clock;
   RunLoop& loop = RunLoop::current();
-  std::string order;
-  const auto note = [&](const char* name) { return [&order, name] { order += name; }; };
+  std::string ran;
+
+  // Work that notes that it ran.
+  auto note(const char* what) {
+    return [this, what] { ran += what; };
+  }
+  std::string take() { return std::exchange(ran, ""); }
+  // Arguments are compared by what they point to, like objects that are equal.
+  void cancel(const PerformKey& key) {
+    RunLoop::current().cancelPerforms(key, [&key](const void* other) {
+      return *static_cast<const std::string*>(other) == *static_cast<const std::string*>(key.argument);
+    });
+  }
+};
+using RunLoopTest = OnThisLoop;
+
+}  // namespace
+
+TEST_F(RunLoopTest, RunsDelayedWorkInTheOrderOfItsDueTimes) {
   loop.performAfter(0.3, note("c"));
   loop.performAfter(0.1, note("a"));
   loop.performAfter(0.3, note("d"));
@@ -42,144 +53,124 @@ TEST(RunLoop, RunsDelayedWorkInTheOrderOfItsDueTimes) {
   loop.performAfter(0, note("zero, "));
   loop.performAfter(-5, note("negative, "));
   loop.performAfter(kNotANumber, note("not a number"));
-  EXPECT_EQ(order, "") << "never within the call";
+  EXPECT_EQ(take(), "") << "never within the call";
   clock.advance(0.0);
-  EXPECT_EQ(std::exchange(order, ""), "zero, negative, not a number");
+  EXPECT_EQ(take(), "zero, negative, not a number");
   clock.advance(0.2);
-  EXPECT_EQ(order, "ab");
+  EXPECT_EQ(take(), "ab");
   clock.advance(0.1);
-  EXPECT_EQ(order, "abcd");
+  EXPECT_EQ(take(), "cd");
   EXPECT_EQ(loop.nextDeadline(), std::nullopt);
 }
 
-TEST(RunLoop, WorkThatArrangesItselfAgainWaitsForALaterPass) {
-  TestClock clock;
-  RunLoop& loop = RunLoop::current();
-  int runs = 0;
-  std::function<void()> again = [&] {
-    if (++runs < 3) loop.performAfter(0, [&] { again(); });
-  };
-  loop.performAfter(0, [&] { again(); });
-  for (int pass = 1; pass <= 3; ++pass) {
-    EXPECT_TRUE(loop.runDue());
-    EXPECT_EQ(runs, pass);
-  }
+TEST_F(RunLoopTest, LetsWorkThatArrangesItselfAgainWaitForALaterPass) {
+  loop.performAfter(0, [&] {
+    ran += "first ";
+    loop.performAfter(0, note("second"));
+  });
+  EXPECT_TRUE(loop.runDue());
+  EXPECT_EQ(take(), "first ");
+  EXPECT_TRUE(loop.runDue());
+  EXPECT_EQ(take(), "second");
   EXPECT_FALSE(loop.runDue());
 }
 
-TEST(RunLoop, RunsOnlyTheModeItRunsIn) {
-  TestClock clock;
-  RunLoop& loop = RunLoop::current();
-  std::string ran;
-  const auto note = [&](const char* what) { return [&ran, what] { ran += what; }; };
+TEST_F(RunLoopTest, RunsOnlyTheModeItRunsIn) {
   loop.performAfter(0, note("default "));
   loop.performAfter(0, note("tracking "), "tracking");
   loop.performAfter(0, note("common "), NSRunLoopCommonModes);
   loop.perform(note("posted "), "tracking");
   dispatch_async(dispatch_get_main_queue(), note("main "));
   loop.runDue("tracking");
-  EXPECT_EQ(std::exchange(ran, ""), "tracking posted ");
+  EXPECT_EQ(take(), "tracking posted ");
   loop.runDue();
-  EXPECT_EQ(std::exchange(ran, ""), "default common main ") << "the main queue belongs to the common modes";
-
+  EXPECT_EQ(take(), "default common main ") << "the main queue belongs to the common modes";
   loop.addCommonMode("tracking");
   loop.performAfter(0, note("common "), NSRunLoopCommonModes);
   dispatch_async(dispatch_get_main_queue(), note("main "));
   loop.runDue("tracking");
-  EXPECT_EQ(ran, "common main ");
+  EXPECT_EQ(take(), "common main ");
 }
 
-TEST(RunLoop, ReturnsAsItsContractSays) {
-  TestClock clock;
-  std::thread([&] {
-    RunLoop& loop = RunLoop::current();
-    const double now = monotonicSeconds();
-    EXPECT_FALSE(loop.runMode(NSDefaultRunLoopMode, now + 10)) << "nothing is attached";
-    loop.runUntil(now + 10);
-
-    int ran = 0;
-    loop.performAfter(0, [&] { ++ran; });
-    EXPECT_FALSE(loop.runMode("tracking", now + 10)) << "attached to another mode";
-    EXPECT_TRUE(loop.runMode(NSDefaultRunLoopMode, now + 10)) << "ends when nothing is attached any more";
-    EXPECT_EQ(ran, 1);
-
-    loop.perform([&] { ++ran; });
-    loop.perform([&] { ++ran; });
-    EXPECT_TRUE(loop.runMode(NSDefaultRunLoopMode, std::numeric_limits<double>::infinity())) << "one batch";
-    EXPECT_EQ(ran, 3);
-
-    loop.performAfter(100, [&] { ++ran; });
-    EXPECT_TRUE(loop.runMode(NSDefaultRunLoopMode, now)) << "attached, and at its limit";
-    EXPECT_TRUE(loop.runMode(NSDefaultRunLoopMode, kNotANumber)) << "no number is no time to wait";
-    EXPECT_EQ(ran, 3);
+TEST_F(RunLoopTest, ReturnsAsItsContractSays) {
+  std::thread([this, now = monotonicSeconds()] {
+    RunLoop& own = RunLoop::current();
+    EXPECT_FALSE(own.runMode(NSDefaultRunLoopMode, now + 10)) << "nothing is attached";
+    own.runUntil(now + 10);
+    own.performAfter(0, note("delayed "));
+    EXPECT_FALSE(own.runMode("tracking", now + 10)) << "attached to another mode";
+    EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, now + 10)) << "ends when nothing is attached any more";
+    own.perform(note("one "));
+    own.perform(note("batch"));
+    EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, kForEver));
+    EXPECT_EQ(take(), "delayed one batch");
+    own.performAfter(100, note("not yet"));
+    EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, now)) << "attached, and at its limit";
+    EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, kNotANumber)) << "no number is no time to wait";
+    EXPECT_EQ(take(), "");
   }).join();
 }
 
-TEST(RunLoop, DelayedWorkDoesNotEndAWaitButPostedWorkDoes) {
-  TestClock clock;
-  RunLoop& loop = RunLoop::current();
+TEST_F(RunLoopTest, EndsAWaitForPostedWorkAndNotForDelayedWork) {
   const double start = monotonicSeconds();
-  std::vector<double> firedAt;
-  for (const double delay : {1.0, 2.0, 3.0}) {
-    loop.performAfter(delay, [&] { firedAt.push_back(monotonicSeconds() - start); });
-  }
+  loop.performAfter(1, note("1"));
+  loop.performAfter(2, note("2"));
+  loop.performAfter(3, note("3"));
   EXPECT_TRUE(loop.runMode(NSDefaultRunLoopMode, start + 2.5));
-  EXPECT_EQ(firedAt, (std::vector<double>{1, 2}));
+  EXPECT_EQ(take(), "12");
   EXPECT_EQ(monotonicSeconds(), start + 2.5);
-
-  loop.performAfter(0.25, [] { dispatch_async(dispatch_get_main_queue(), [] {}); });
+  loop.performAfter(0.25, [this] { dispatch_async(dispatch_get_main_queue(), note("main ")); });
   EXPECT_TRUE(loop.runMode(NSDefaultRunLoopMode, start + 100));
   EXPECT_EQ(monotonicSeconds(), start + 2.75) << "the main queue ended the wait";
-
   loop.runUntil(start + 4);
-  EXPECT_EQ(firedAt.size(), 3u);
+  EXPECT_EQ(take(), "main 3");
   EXPECT_EQ(monotonicSeconds(), start + 4);
 }
 
-TEST(RunLoop, CancelsWhatHasTheSameTargetSelectorAndArgument) {
-  TestClock clock;
-  RunLoop& loop = RunLoop::current();
+TEST_F(RunLoopTest, CancelsWhatHasTheSameTargetSelectorAndArgument) {
   const std::string a = "a";
   const std::string alsoA = "a";
   const struct {
     const char* why;
     std::vector<PerformKey> scheduled;
-    std::function<void()> cancel;
+    std::function<void()> cancels;
     int left;
   } rows[] = {
       {"both of two equal ones, and nothing else",
        {{&target, &selectorA}, {&target, &selectorA}, {&otherTarget, &selectorA}, {&target, &selectorB}},
-       [] { cancelText(&target, &selectorA, nullptr); },
+       [&] {
+         cancel({&target, &selectorA});
+       },
        2},
       {"nothing but an equal argument",
        {{&target, &selectorA, &a}, {&target, &selectorA}},
-       [&] { cancelText(&target, &selectorA, &alsoA); },
+       [&] {
+         cancel({&target, &selectorA, &alsoA});
+       },
        1},
       {"everything of a target",
        {{&target, &selectorA, &a}, {&target, &selectorB}, {&otherTarget, &selectorA}},
-       [] { RunLoop::current().cancelPerforms(&target); },
+       [&] { loop.cancelPerforms(&target); },
        1},
-      {"nothing of the unknown", {}, [] { cancelText(&target, &selectorA, nullptr); }, 0},
       {"nothing from another thread",
        {{&target, &selectorA}},
-       [] { std::thread([] { cancelText(&target, &selectorA, nullptr); }).join(); },
+       [&] { std::thread([&] {
+               cancel({&target, &selectorA});
+             }).join(); },
        1},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    int ran = 0;
     auto held = std::make_shared<int>(0);
-    for (const PerformKey& key : row.scheduled) loop.performAfterDelay(key, 1, Work([held, &ran] { ++ran; }));
-    loop.performAfterDelay({&otherTarget, &selectorB}, 1, Work([] {}), "tracking");
-    row.cancel();
+    for (const PerformKey& key : row.scheduled) loop.performAfterDelay(key, 1, Work([held] { ++*held; }));
+    row.cancels();
     EXPECT_EQ(held.use_count(), 1 + row.left) << "what is cancelled lets go at once";
     clock.advance(2);
-    EXPECT_EQ(ran, row.left);
+    EXPECT_EQ(*held, row.left);
   }
-  clock.advance(2, "tracking");
 }
 
-TEST(RunLoop, TakesPostsFromOtherThreadsAndWakes) {
+TEST(RunLoopThreads, PostToALoopAndWakeItUntilItsThreadEnds) {
   std::shared_ptr<RunLoop> loop;
   std::latch ready(1);
   std::vector<int> order;
@@ -188,7 +179,7 @@ TEST(RunLoop, TakesPostsFromOtherThreadsAndWakes) {
     RunLoopSource keepsAttached([] {});
     loop = RunLoop::current().shared_from_this();
     ready.count_down();
-    while (!done) RunLoop::current().runMode(NSDefaultRunLoopMode, std::numeric_limits<double>::infinity());
+    while (!done) RunLoop::current().runMode(NSDefaultRunLoopMode, kForEver);
   });
   ready.wait();
   for (int i = 0; i < 100; ++i) EXPECT_TRUE(loop->perform([&order, i] { order.push_back(i); }));
@@ -201,7 +192,7 @@ TEST(RunLoop, TakesPostsFromOtherThreadsAndWakes) {
   EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST(RunLoop, WaitsOnTheRealClockUntilItsDeadlines) {
+TEST(RunLoopThreads, WaitOnTheRealClockUntilTheirDeadlines) {
   std::thread([] {
     RunLoop& loop = RunLoop::current();
     const double start = monotonicSeconds();
@@ -214,23 +205,20 @@ TEST(RunLoop, WaitsOnTheRealClockUntilItsDeadlines) {
   }).join();
 }
 
-TEST(RunLoop, AThreadThatEndsDropsItsWorkAndLetsGoOfWhatItHeld) {
-  struct Witness {
-    explicit Witness(std::atomic<int>* itsCount) : count(itsCount), thread(std::this_thread::get_id()) {}
-    ~Witness() {
-      // What is destroyed late may still turn to its run loop.
-      RunLoop::current().performAfter(0, [] {});
-      RunLoop::current().cancelPerforms({this, &selectorA}, nullptr);
-      RunLoop::current().perform([] {});
-      if (std::this_thread::get_id() == thread) ++*count;
-    }
-    std::atomic<int>* count;
-    std::thread::id thread;
-  };
+TEST(RunLoopThreads, DropTheirWorkAndLetGoOfWhatItHeldWhenTheyEnd) {
   std::atomic<int> released{0};
-  std::thread([&] {
+  std::thread([&released] {
+    const auto held = [&released, self = std::this_thread::get_id()] {
+      const std::shared_ptr<void> witness(nullptr, [&released, self](void*) {
+        // What is destroyed late may still turn to its run loop.
+        RunLoop::current().performAfter(0, [] {});
+        RunLoop::current().cancelPerforms({&target, &selectorB}, nullptr);
+        RunLoop::current().perform([] {});
+        released += std::this_thread::get_id() == self;
+      });
+      return [witness] { ADD_FAILURE() << "it ran"; };
+    };
     RunLoop& loop = RunLoop::current();
-    const auto held = [&] { return [witness = std::make_shared<Witness>(&released)] { ADD_FAILURE() << "it ran"; }; };
     loop.performAfterDelay({&target, &selectorA}, 5, Work(held()));
     loop.performAfter(5, held(), "tracking");
     loop.perform(held());
@@ -238,42 +226,38 @@ TEST(RunLoop, AThreadThatEndsDropsItsWorkAndLetsGoOfWhatItHeld) {
   EXPECT_EQ(released, 3);
 }
 
-TEST(RunLoop, AnExceptionPassesThroughAndLeavesTheRestWaiting) {
-  TestClock clock;
-  RunLoop& loop = RunLoop::current();
-  int ran = 0;
+TEST_F(RunLoopTest, LetsAnExceptionThroughAndLeavesTheRestWaiting) {
   loop.perform([] { throw std::runtime_error("posted"); });
-  loop.perform([&] { ++ran; });
+  loop.perform(note("posted "));
   loop.performAfter(0, [] { throw std::runtime_error("delayed"); });
-  loop.performAfter(0, [&] { ++ran; });
+  loop.performAfter(0, note("delayed "));
   EXPECT_THROW(loop.runDue(), std::runtime_error);
-  EXPECT_EQ(ran, 0);
+  EXPECT_EQ(ran, "");
   EXPECT_THROW(loop.runDue(), std::runtime_error);
-  EXPECT_EQ(ran, 1);
   loop.runDue();
-  EXPECT_EQ(ran, 2);
+  loop.runDue();
+  EXPECT_EQ(ran.size(), 15u) << ran;
 }
 
-TEST(RunLoopSource, HandlesSignalsOnItsLoopOnceForAllThatCameBefore) {
-  TestClock clock;
-  int handled = 0;
+TEST_F(RunLoopTest, HandlesSignalsOfASourceOnceForAllThatCameBefore) {
   std::unique_ptr<RunLoopSource> source;
   source = std::make_unique<RunLoopSource>([&] {
-    if (++handled == 1) source->signal();
+    ran += "handled ";
+    if (ran == "handled ") source->signal();
   });
-  EXPECT_FALSE(RunLoop::current().runDue());
+  EXPECT_FALSE(loop.runDue());
   std::thread([&] {
     source->signal();
     source->signal();
   }).join();
-  EXPECT_TRUE(RunLoop::current().runDue());
-  EXPECT_EQ(handled, 1);
-  EXPECT_TRUE(RunLoop::current().runDue()) << "signalled again from inside its handler";
-  EXPECT_EQ(handled, 2);
+  EXPECT_TRUE(loop.runDue());
+  EXPECT_EQ(ran, "handled ");
+  EXPECT_TRUE(loop.runDue()) << "signalled again from inside its handler";
+  EXPECT_EQ(take(), "handled handled ");
   source->signal();
   source.reset();
   clock.runDue();
-  EXPECT_EQ(handled, 2) << "a signal dies with its source";
+  EXPECT_EQ(take(), "") << "a signal dies with its source";
   EXPECT_THROW(RunLoopSource(nullptr), NSException);
   std::thread([] {
     RunLoopSource attached([] {}, "tracking");
@@ -281,5 +265,3 @@ TEST(RunLoopSource, HandlesSignalsOnItsLoopOnceForAllThatCameBefore) {
     EXPECT_TRUE(RunLoop::current().runMode("tracking", monotonicSeconds() + 1));
   }).join();
 }
-
-}  // namespace
