@@ -21,13 +21,9 @@ std::string dateLine(double secondsSince1970) {
 TEST(SharedFormatter, IsOneObjectWhoeverAsksFirst) {
   const PinnedEnvironment environment("Asia/Tokyo", "fa_IR");  // of no influence, whoever is first
   std::array<Strong<NSDateFormatter>, 8> found;
-  std::array<std::thread, 8> threads;
-  for (std::size_t i = 0; i < threads.size(); ++i) {
-    threads[i] = std::thread([&found, i] {
-      found[i] = i % 2 == 0 ? rfc1123<NSDateFormatter>() : send<"hav_rfc1123Formatter">(classOf<NSDateFormatter>());
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  onThreads(found.size(), [&](std::size_t i) {
+    found[i] = i % 2 == 0 ? rfc1123<NSDateFormatter>() : send<"hav_rfc1123Formatter">(classOf<NSDateFormatter>());
+  });
   for (const Strong<NSDateFormatter>& formatter : found) EXPECT_EQ(formatter, found[0]);
 }
 

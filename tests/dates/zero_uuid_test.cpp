@@ -12,11 +12,8 @@ namespace {
 
 TEST(ZeroUuid, IsOneObjectWhoeverAsksFirst) {
   std::array<Strong<NSUUID>, 8> found;
-  std::array<std::thread, 8> threads;
-  for (std::size_t i = 0; i < threads.size(); ++i) {
-    threads[i] = std::thread([&found, i] { found[i] = i % 2 == 0 ? zero<NSUUID>() : send<"zero">(classOf<NSUUID>()); });
-  }
-  for (std::thread& thread : threads) thread.join();
+  onThreads(found.size(),
+            [&](std::size_t i) { found[i] = i % 2 == 0 ? zero<NSUUID>() : send<"zero">(classOf<NSUUID>()); });
   for (const Strong<NSUUID>& uuid : found) EXPECT_EQ(uuid, found[0]);
 }
 

@@ -42,12 +42,8 @@ TEST_F(Log, PassesTheSubsystemOfTheMomentAndTheCallersOwnPointer) {
 TEST_F(Log, GivesOneHandleForEqualTexts) {
   logCreationSeen = nullptr;
   std::vector<os_log_t> handles(8);
-  {
-    std::vector<std::jthread> threads;
-    for (os_log_t& handle : handles) {
-      threads.emplace_back([&handle] { handle = hlog_create_with_category(std::string("disk").c_str()); });
-    }
-  }
+  onThreads(handles.size(),
+            [&](std::size_t i) { handles[i] = hlog_create_with_category(std::string("disk").c_str()); });
   for (os_log_t handle : handles) EXPECT_EQ(handle, handles[0]);
   EXPECT_NE(handles[0], os_log_create("com.havrin", "disks"));
 }

@@ -3,7 +3,6 @@
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
-#include <barrier>
 #include <future>
 #include <type_traits>
 
@@ -99,19 +98,11 @@ TEST(Locked, TakesItsContentOverAndDestroysItOnce) {
 }
 
 TEST(Locked, GuardsItsContentAgainstEightThreads) {
-  constexpr int kThreads = 8;
-  constexpr int kRounds = 100'000;
-  Locked<long> box(0);
-  std::barrier start(kThreads);
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&] {
-      start.arrive_and_wait();
-      for (int round = 0; round < kRounds; ++round) box.perform([](long& content) { ++content; });
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(box.perform([](long& content) { return content; }), long{kThreads} * kRounds);
+  Locked<int> box(0);
+  onThreads(8, [&box] {
+    for (int round = 0; round < 100'000; ++round) box.perform([](int& content) { ++content; });
+  });
+  EXPECT_EQ(box.perform([](int& content) { return content; }), 800'000);
 }
 
 TEST(LockedDeathTest, StopsTheProcessWhenEnteredFromItsOwnOperation) {

@@ -209,16 +209,6 @@ TEST_F(Observation, ObserverOptionsAndActionMayBeSetLater) {
   EXPECT_EQ(take(), "");
 }
 
-TEST_F(Observation, TheSameMayBeObservedTwice) {
-  token = observe("title", kSkipInitial);
-  const auto second = observe(makeArray({s("title"), s("title")}), kSkipInitial);
-  send<"setTitle:">(station, s("a"));
-  EXPECT_EQ(take(), "title 1 null>a, title 1 null>a, title 1 null>a");
-  token = nullptr;
-  send<"setTitle:">(station, s("b"));
-  EXPECT_EQ(take(), "title 1 a>b, title 1 a>b");
-}
-
 TEST_F(Observation, ObservationsMayComeAndGoInsideActions) {
   Strong<KeyValueObservation> inner;
   during = [&] {

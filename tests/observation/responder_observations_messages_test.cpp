@@ -167,18 +167,3 @@ TEST_F(Registry, BadInputRaisesAndAddsNoToken) {
   }
   EXPECT_EQ(board->redraws, 0);
 }
-
-TEST(ObservationDeathTest, ExitWithDeliveriesQueuedIsClean) {
-  EXPECT_EXIT(
-      {
-        const auto station = make<Station>();
-        const auto board = make<Board>();
-        send<"observeModel:forKeyPath:options:action:">(board, station, s("title"), 2,
-                                                        [](NSObject*, NSObject*, NSDictionary*) { std::abort(); });
-        std::thread([&] {
-          for (int i = 0; i < 100; ++i) send<"setTitle:">(station, s("a"));
-        }).join();
-        std::exit(0);
-      },
-      testing::ExitedWithCode(0), "");
-}

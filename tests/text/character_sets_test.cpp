@@ -1,8 +1,6 @@
 #include <HavrinFoundation/text/character_sets.h>
 #include <HavrinFoundation/text/character_sets_messages.h>
 
-#include <latch>
-
 #include "../testing.h"
 
 namespace {
@@ -53,19 +51,12 @@ TEST(CharacterSets, FirstUseFromManyThreadsAndByAWriteBuildsOnce) {
   setValidSubhavrinName<CharacterSet>(CharacterSet("w"));  // a write before any read
   EXPECT_EQ(validSubhavrinNameOnEachSurface(), "w");
 
-  constexpr int kThreads = 4;
-  std::latch start(kThreads);
-  std::vector<const void*> built(kThreads);
-  std::vector<std::thread> threads;
-  for (int i = 0; i < kThreads; ++i) {
-    threads.emplace_back([&start, &slot = built[static_cast<std::size_t>(i)]] {
-      start.arrive_and_wait();
-      slot = &library_detail::urlSchemeAllowedSet();
-      EXPECT_TRUE(hexadecimal<CharacterSet>().contains(U'f') && asciiAlphabet<CharacterSet>().contains(U'z') &&
-                  urlSchemeAllowed<CharacterSet>().contains(U'+'));
-    });
-  }
-  for (auto& thread : threads) thread.join();
+  std::vector<const void*> built(4);
+  onThreads(built.size(), [&built](std::size_t i) {
+    built[i] = &library_detail::urlSchemeAllowedSet();
+    EXPECT_TRUE(hexadecimal<CharacterSet>().contains(U'f') && asciiAlphabet<CharacterSet>().contains(U'z') &&
+                urlSchemeAllowed<CharacterSet>().contains(U'+'));
+  });
   for (const void* set : built) EXPECT_EQ(set, built.front());
 
   setValidSubhavrinName<CharacterSet>(CharacterSet(std::string(kLetters) + std::string(kDigits) + "_"));

@@ -183,17 +183,6 @@ TEST(Decoding, LetsExceptionsOfOtherTypesThrough) {
   EXPECT_THROW(static_cast<void>(tryDecode<std::vector<Thrown>>(memory)), std::bad_alloc);
 }
 
-TEST(Decoding, UnderstandsAFormatThatThrows) {
-  Habits throwing;
-  throwing.throws = true;
-  const Value good = Array{station()};
-  EXPECT_TRUE(tryDecode<std::vector<Station>>(good, throwing));
-  const Value bad = Array{Object{{"title", 1}}};
-  const auto outcome = tryDecode<std::vector<Song>>(bad, throwing);
-  ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error().description(), "typeMismatch at [0].title: expected a string, found the number 1");
-}
-
 TEST(KeyedContainer, AnswersForMissingAndNullKeys) {
   const Value value = Object{{"null", null}, {"one", 1}, {"super", Object{{"x", 2}}}};
   Decoder decoder = decoderOf(value);
@@ -314,10 +303,7 @@ TEST(DecodingError, IsReadByManyThreadsAndOutlivesThem) {
   const std::string ofMany(39, 'x');
   const DecodingError error = mismatch(ofMany + "yé");
   std::vector<std::string> texts(4);
-  {
-    std::vector<std::jthread> threads;
-    for (auto& text : texts) threads.emplace_back([&text, copy = error] { text = copy.what(); });
-  }
+  onThreads(texts.size(), [&texts, copy = error](std::size_t i) { texts[i] = copy.what(); });
   for (const auto& text : texts) EXPECT_EQ(text, error.description());
   EXPECT_EQ(error.found(), "the string \"" + ofMany + "y…\"") << "long values are cut";
   EXPECT_EQ(mismatch(ofMany + "é!").found(), "the string \"" + ofMany + "…\"") << "between characters";

@@ -55,28 +55,6 @@ TEST(MainQueue, RunsInOrderAndNotWithinItself) {
   EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
 }
 
-TEST(MainQueue, TakesClosuresFromAnyThreadInEachOnesOrder) {
-  constexpr int kThreads = 3;
-  constexpr int kEach = 2000;
-  TestClock clock;
-  std::vector<std::vector<int>> seen(kThreads);
-  int count = 0;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&, t] {
-      for (int i = 0; i < kEach; ++i) {
-        dispatch_async(dispatch_get_main_queue(), [&, t, i] {
-          seen[static_cast<std::size_t>(t)].push_back(i);
-          ++count;
-        });
-      }
-    });
-  }
-  EXPECT_TRUE(clock.runUntil([&] { return count == kThreads * kEach; }));
-  for (std::thread& thread : threads) thread.join();
-  for (const std::vector<int>& each : seen) EXPECT_TRUE(std::is_sorted(each.begin(), each.end()));
-}
-
 TEST(MainQueue, RunsASyncFromAnotherThreadOnTheMainThread) {
   TestClock clock;
   std::atomic<int> done{0};

@@ -10,17 +10,13 @@ TEST(Once, CallsOneBlockAndLetsTheOthersWaitForIt) {
   for (int round = 0; round < 100; ++round) {
     dispatch_once_t once;
     int value = 0;  // no atomic: who returns has seen it written
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 6; ++t) {
-      threads.emplace_back([&] {
-        dispatch_once(&once, [&] {
-          std::this_thread::yield();
-          ++value;
-        });
-        EXPECT_EQ(value, 1);
+    onThreads(6, [&] {
+      dispatch_once(&once, [&] {
+        std::this_thread::yield();
+        ++value;
       });
-    }
-    for (std::thread& thread : threads) thread.join();
+      EXPECT_EQ(value, 1);
+    });
     dispatch_once(&once, [&] { ++value; });
     EXPECT_EQ(value, 1);
   }

@@ -29,20 +29,16 @@ void finish(const DispatchQueue& queue) {
 TEST(Queue, ASerialQueueRunsOneAtATimeInOrderWhoeverQueuesAndHowever) {
   const DispatchQueue queue = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
   EXPECT_EQ(queue.label(), "line");
-  std::vector<std::pair<int, int>> order;  // no lock: the queue is the guard
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&, t] {
-      for (int round = 0; round < 2000; ++round) {
-        const auto note = [&order, t, round] { order.emplace_back(t, round); };
-        round % 8 == 0 ? dispatch_sync(queue, note) : dispatch_async(queue, note);
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  std::vector<std::pair<std::size_t, int>> order;  // no lock: the queue is the guard
+  onThreads(4, [&](std::size_t thread) {
+    for (int round = 0; round < 2000; ++round) {
+      const auto note = [&order, thread, round] { order.emplace_back(thread, round); };
+      round % 8 == 0 ? dispatch_sync(queue, note) : dispatch_async(queue, note);
+    }
+  });
   finish(queue);
   EXPECT_EQ(order.size(), 8000u);
-  std::vector<std::pair<int, int>> expected = order;
+  auto expected = order;
   std::stable_sort(order.begin(), order.end(), [](auto a, auto b) { return a.first < b.first; });
   std::sort(expected.begin(), expected.end());
   EXPECT_EQ(order, expected) << "each thread's own in its order";

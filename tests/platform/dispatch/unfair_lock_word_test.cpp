@@ -3,8 +3,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <barrier>
 #include <future>
+#include <latch>
 
 #include "../../testing.h"
 
@@ -24,43 +24,36 @@ TEST(UnfairLockWord, IsZeroExactlyWhileFreeAndTriedWithoutWaiting) {
 }
 
 TEST(UnfairLockWord, LetsOneThreadInAtATime) {
-  constexpr int kThreads = 8;
-  constexpr int kRounds = 100'000;
   os_unfair_lock lock{};
   int total = 0;
-  std::barrier start(kThreads);
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&] {
-      start.arrive_and_wait();
-      for (int round = 0; round < kRounds; ++round) {
-        UnfairLockGuard guard(lock);
-        ++total;
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(total, kThreads * kRounds);
+  onThreads(8, [&] {
+    for (int round = 0; round < 100'000; ++round) {
+      UnfairLockGuard guard(lock);
+      ++total;
+    }
+  });
+  EXPECT_EQ(total, 800'000);
   EXPECT_EQ(os_unfair_lock_copy(lock)._os_unfair_lock_opaque, 0u) << "no waiter's mark is left behind";
 }
 
 TEST(UnfairLockWord, WakesEverySleeper) {
   // Everybody sleeps behind one holder; each that gets the lock must wake the next.
-  constexpr int kSleepers = 6;
   os_unfair_lock lock{};
   int through = 0;
-  os_unfair_lock_lock(&lock);
-  std::vector<std::thread> sleepers;
-  for (int i = 0; i < kSleepers; ++i) {
-    sleepers.emplace_back([&] {
+  std::latch held(1);
+  onThreads(7, [&](std::size_t thread) {
+    if (thread != 0) {
+      held.wait();
       UnfairLockGuard guard(lock);
       ++through;
-    });
-  }
-  while ((os_unfair_lock_copy(lock)._os_unfair_lock_opaque & 0x8000'0000) == 0) std::this_thread::yield();
-  os_unfair_lock_unlock(&lock);
-  for (std::thread& sleeper : sleepers) sleeper.join();
-  EXPECT_EQ(through, kSleepers);
+      return;
+    }
+    os_unfair_lock_lock(&lock);
+    held.count_down();
+    while ((os_unfair_lock_copy(lock)._os_unfair_lock_opaque & 0x8000'0000) == 0) std::this_thread::yield();
+    os_unfair_lock_unlock(&lock);
+  });
+  EXPECT_EQ(through, 6);
 }
 
 TEST(UnfairLockWord, IsStillHeldByTheThreadThatForked) {

@@ -1,8 +1,6 @@
 // What arrays share: which additions copy, how long elements live, and that threads may share too.
 #include <HavrinFoundation/platform/foundation/array_buffer.h>
 
-#include <latch>
-
 #include "../../objects.h"
 
 using namespace havrin;
@@ -84,21 +82,15 @@ TEST(ArrayBuffer, IsSharedByTheCopyOfAMutableArrayUntilOneOfThemDiffers) {
 
 TEST(ArrayBuffer, LetsThreadsAddToOneArrayAndDropWhatTheyMade) {
   const auto base = grown(11);
-  std::latch start(4);
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t) {
-    threads.emplace_back([&, t] {
-      start.arrive_and_wait();
-      for (int round = 0; round < 2000; ++round) {
-        Strong<NSArray> mine = base;
-        for (int i = 0; i < 5; ++i) mine = mine->arrayByAddingObject(makeNumber(t * 100 + i));
-        for (int i = 0; i < 16; ++i) {
-          ASSERT_EQ(value(*mine, static_cast<std::uint64_t>(i)), i < 11 ? i : t * 100 + i - 11);
-        }
+  onThreads(4, [&](std::uint64_t thread) {
+    for (int round = 0; round < 2000; ++round) {
+      Strong<NSArray> mine = base;
+      for (std::uint64_t i = 0; i < 5; ++i) mine = mine->arrayByAddingObject(makeNumber(thread * 100 + i));
+      for (std::uint64_t i = 0; i < 16; ++i) {
+        ASSERT_EQ(value(*mine, i), static_cast<std::int64_t>(i < 11 ? i : thread * 100 + i - 11));
       }
-    });
-  }
-  for (auto& thread : threads) thread.join();
+    }
+  });
   const std::uint64_t before = arraySlotsCopied();
   EXPECT_EQ(base->arrayByAddingObject(makeNumber(1))->count(), 12U);
   EXPECT_EQ(arraySlotsCopied(), before) << "everything was given back";

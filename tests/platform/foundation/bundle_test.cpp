@@ -8,7 +8,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <latch>
 
 #include "../../objects.h"
 #include "../../temporary_folder.h"
@@ -118,16 +117,10 @@ TEST(Bundle, ReadsItsInformationOnceWhoeverAsks) {
   const TemporaryFolder folder;
   folder.write("Info.plist", "<plist><dict><key>a</key><string>old</string></dict></plist>");
   const auto bundle = make<NSBundle>(folder.path().string());
-  std::latch start(4);
-  std::vector<std::jthread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&] {
-      start.arrive_and_wait();
-      EXPECT_TRUE(makeString("old")->isEqual(bundle->objectForInfoDictionaryKey(makeString("a"))));
-      EXPECT_EQ(NSBundle::bundleWithPath(folder.path().string()), NSBundle::bundleWithPath(folder.path().string()));
-    });
-  }
-  threads.clear();
+  onThreads(4, [&] {
+    EXPECT_TRUE(makeString("old")->isEqual(bundle->objectForInfoDictionaryKey(makeString("a"))));
+    EXPECT_EQ(NSBundle::bundleWithPath(folder.path().string()), NSBundle::bundleWithPath(folder.path().string()));
+  });
   folder.write("Info.plist", "<plist><dict><key>a</key><string>new</string></dict></plist>");
   EXPECT_TRUE(makeString("old")->isEqual(bundle->objectForInfoDictionaryKey(makeString("a"))));
 }

@@ -4,7 +4,6 @@
 
 #include <unicode/uniset.h>
 
-#include <latch>
 #include <set>
 
 #include "../../testing.h"
@@ -232,24 +231,18 @@ TEST(CharacterSet, RandomTextIsSearchedAsScalarByScalar) {
 
 TEST(CharacterSet, CopiesAreMadeAndChangedOnManyThreads) {
   const CharacterSet shared("abc");
-  constexpr char32_t kThreads = 4;
-  std::latch start(kThreads);
-  std::vector<std::thread> threads;
-  for (char32_t i = 0; i < kThreads; ++i) {
-    threads.emplace_back([&shared, &start, i] {
-      start.arrive_and_wait();
-      EXPECT_TRUE(CharacterSet::letters().contains(U'x'));
-      for (int round = 0; round < 1000; ++round) {
-        CharacterSet mine = shared;
-        mine.insert(U'0' + i);
-        CharacterSet moved = std::move(mine);
-        mine = moved;
-        moved.insert(U'z');
-        EXPECT_TRUE(mine.contains(U'0' + i) && !mine.contains(U'z') && moved.contains(U'a'));
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
+  onThreads(4, [&shared](std::size_t thread) {
+    EXPECT_TRUE(CharacterSet::letters().contains(U'x'));
+    const auto own = static_cast<char32_t>('0' + thread);
+    for (int round = 0; round < 1000; ++round) {
+      CharacterSet mine = shared;
+      mine.insert(own);
+      CharacterSet moved = std::move(mine);
+      mine = moved;
+      moved.insert(U'z');
+      EXPECT_TRUE(mine.contains(own) && !mine.contains(U'z') && moved.contains(U'a'));
+    }
+  });
   EXPECT_TRUE(shared == CharacterSet("cba"));
 }
 

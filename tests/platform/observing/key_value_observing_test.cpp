@@ -1,7 +1,6 @@
 // Registrations, what they are told, and how they end.
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
-#include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
 
 #include "../../objects.h"
@@ -61,16 +60,13 @@ TEST_F(Observed, ChangesAreImmutableDictionaries) {
   watch("title");
   send<"setTitle:">(station, s("a"));
   const Strong<NSDictionary> change = watcher->last;
-  EXPECT_EQ(change->count(), 3U);
-  EXPECT_TRUE(
-      change->isEqual(makeDictionary({{s("kind"), makeNumber(1)}, {s("old"), NSNull::null()}, {s("new"), s("a")}})));
+  const auto expected = makeDictionary({{s("kind"), makeNumber(1)}, {s("old"), NSNull::null()}, {s("new"), s("a")}});
+  EXPECT_TRUE(change->isEqual(expected));
   EXPECT_FALSE(isKind<NSMutableDictionary>(change));
   EXPECT_EQ(change->copy().get(), change.get());
   const Strong<NSObject> copy = change->mutableCopy();
-  EXPECT_TRUE(isKind<NSMutableDictionary>(copy));
-  EXPECT_TRUE(copy->isEqual(change));
-  EXPECT_FALSE(change->objectForKey(s("indexes")));
-  EXPECT_FALSE(change->objectForKey(makeNumber(1)));
+  EXPECT_TRUE(isKind<NSMutableDictionary>(copy) && copy->isEqual(change));
+  EXPECT_FALSE(change->objectForKey(s("indexes")) || change->objectForKey(makeNumber(1)));
 }
 
 TEST_F(Observed, ObjectsStillLookLikeWhatTheyAre) {
@@ -79,8 +75,7 @@ TEST_F(Observed, ObjectsStillLookLikeWhatTheyAre) {
   watch("title");
   EXPECT_FALSE(station->isUnobserved());
   EXPECT_EQ(classOf(*station).object(), cls);
-  EXPECT_TRUE(station->isMemberOfClass(classOf<Station>()));
-  EXPECT_TRUE(isKind<Station>(station));
+  EXPECT_TRUE(station->isMemberOfClass(classOf<Station>()) && isKind<Station>(station));
   EXPECT_EQ(utf8(*station->description()), before);
   watch("listeners");
   unwatch("title");
@@ -103,8 +98,11 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   watch("title", 0, &mine);
   watch("title", 0, &mine);
   watch("title", 0, &yours);
-  send<"setTitle:">(station, s("a"));
-  EXPECT_EQ(watcher->log.size(), 3U);
+  const auto told = [&] {
+    send<"setTitle:">(station, s("a"));
+    return std::exchange(watcher->log, {}).size();
+  };
+  EXPECT_EQ(told(), 3U);
   const auto remove = [&](NSObject* observer, const char* path, void* context) {
     return nameOf([&] { station->removeObserver(observer, s(path), context); });
   };
@@ -113,9 +111,7 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   EXPECT_EQ(remove(station, "title", &mine), NSRangeException) << "wrong observer";
   EXPECT_EQ(remove(watcher, "title", &yours), "none");
   EXPECT_EQ(remove(watcher, "title", &yours), NSRangeException) << "removed before";
-  watcher->log.clear();
-  send<"setTitle:">(station, s("b"));
-  EXPECT_EQ(watcher->log.size(), 2U);
+  EXPECT_EQ(told(), 2U);
   unwatch("title");
   unwatch("title");
   EXPECT_EQ(nameOf([&] { unwatch("title"); }), NSRangeException);
@@ -133,22 +129,16 @@ TEST_F(Observed, BadRegistrationsRaiseAndLeaveNothing) {
     const char* why;
   } rows[] = {
       {makeArray({}), watcher, s("count"), 0, NSInvalidArgumentException, "an array"},
-      {makeSet({}), watcher, s("count"), 0, NSInvalidArgumentException, "a set"},
-      {make<NSOrderedSet>(), watcher, s("count"), 0, NSInvalidArgumentException, "an ordered set"},
       {static_cast<NSObject*>(classOf<Station>()), watcher, s("kind"), 0, NSInvalidArgumentException, "a class"},
       {station, watcher, s("songs.count"), 0, NSInvalidArgumentException, "an array on the way"},
       {station, nullptr, s("title"), 0, NSInvalidArgumentException, "no observer"},
-      {station, watcher, nullptr, 0, NSInvalidArgumentException, "no path"},
       {station, watcher, s("nothing.name"), 0, NSUndefinedKeyException, "an undefined key on the way"},
-      {station, watcher, s("host.nothing.name"), 0, NSUndefinedKeyException, "the same, further on"},
       {station, watcher, s("nothing"), kInitial | kNew, NSUndefinedKeyException, "an undefined key that is read"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     EXPECT_EQ(nameOf([&] { row.object->addObserver(row.observer, row.path, row.options, nullptr); }), row.name);
-    if (row.path) {
-      EXPECT_EQ(nameOf([&] { row.object->removeObserver(watcher, row.path); }), NSRangeException);
-    }
+    EXPECT_EQ(nameOf([&] { row.object->removeObserver(watcher, row.path); }), NSRangeException);
     EXPECT_FALSE(dispatchClass(row.object)->isNotifying());
   }
   station->addObserver(watcher, s("nothing"), kBoth, nullptr);  // until its value is needed

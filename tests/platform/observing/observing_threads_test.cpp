@@ -144,37 +144,12 @@ TEST(ObservingThreads, WritersOfOnePathLeaveItWhereItLeads) {
     const auto station = make<Station>();
     const auto watcher = make<Watcher>();
     station->addObserver(watcher, path, 0, nullptr);
-    std::vector<std::thread> writers;
-    for (int t = 0; t < 3; ++t) {
-      writers.emplace_back([&] {
-        for (int i = 0; i < 10; ++i) send<"setHost:">(station, make<Host>());
-      });
-    }
-    for (auto& writer : writers) writer.join();
+    onThreads(3, [&] {
+      for (int i = 0; i < 10; ++i) send<"setHost:">(station, make<Host>());
+    });
     EXPECT_EQ(watcher->heard, 30);
     watcher->heard = 0;
     send<"setName:">(send<"host">(station), 1);
     EXPECT_EQ(watcher->heard, 1);
   }
-}
-
-TEST(ObservingThreads, AndTheLastReferenceToAnObserverMayGoAnywhere) {
-  const auto station = make<Station>();
-  const auto title = makeString("title");
-  struct Leaver : Object<Leaver, Watcher> {
-    Strong<Station> station;
-    Strong<NSString> key;
-    ~Leaver() override { station->removeObserver(this, key); }
-  };
-  std::int64_t value = 0;
-  together(
-      kRounds / 10,
-      [&](int) {
-        auto leaver = make<Leaver>();
-        leaver->station = station;
-        leaver->key = title;
-        station->addObserver(leaver, title, kBoth, nullptr);
-        std::thread([last = std::move(leaver)]() mutable { last = nullptr; }).join();
-      },
-      [&] { send<"setTitle:">(station, ++value); });
 }

@@ -54,19 +54,15 @@ TEST(NSDateFormatter, MayBeChangedWhileOthersUseIt) {
   formatter->setCalendar(Calendar(CalendarIdentifier::gregorian, TimeZone::gmt()));
   formatter->setDateFormat(makeString("yyyy"));
   const std::set<std::string> whole = {"2024", "14:30", "Q1"};
-  std::vector<std::thread> readers;
-  for (int i = 0; i < 3; ++i) {
-    readers.emplace_back([&] {
-      for (int round = 0; round < 300; ++round) {
-        EXPECT_TRUE(whole.contains(text(formatter)));
-        (void)formatter->dateFromString(makeString("2024"));
-      }
-    });
-  }
-  for (int round = 0; round < 30; ++round) {
-    for (const char* pattern : {"HH:mm", "QQQ", "yyyy"}) formatter->setDateFormat(makeString(pattern));
-  }
-  for (std::thread& reader : readers) reader.join();
+  onThreads(4, [&](std::size_t thread) {
+    for (int round = 0; thread == 0 && round < 30; ++round) {
+      for (const char* pattern : {"HH:mm", "QQQ", "yyyy"}) formatter->setDateFormat(makeString(pattern));
+    }
+    for (int round = 0; thread != 0 && round < 300; ++round) {
+      EXPECT_TRUE(whole.contains(text(formatter)));
+      (void)formatter->dateFromString(makeString("2024"));
+    }
+  });
 }
 
 }  // namespace

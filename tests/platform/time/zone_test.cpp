@@ -263,28 +263,22 @@ TEST_F(SystemZone, AnswersManyThreadsWhileTheLinkMoves) {
   relink(kZones / "Europe/Paris");
   resetSystemTimeZone();
   std::atomic<bool> done{false};
-  std::atomic<int> strangers{0};
-  std::vector<std::thread> readers;
-  for (int i = 0; i < 3; ++i) {
-    readers.emplace_back([&] {
-      while (!done.load()) {
-        const Calendar calendar = Calendar::current();
-        const std::int64_t offset = calendar.timeZone().secondsFromGmt(at(1704067200));
-        if (offset != 3600 && offset != 32400) ++strangers;
-        if (calendar.days(at(0), calendar.dateByAddingDays(at(0), 40'000)) != 40'000) ++strangers;
-        const Calendar persian(CalendarIdentifier::persian, calendar.timeZone());
-        if (persian.monthAndDay(at(1710374400)) != MonthAndDay{12, 24}) ++strangers;
-      }
-    });
-  }
-  for (int i = 0; i < 100; ++i) {
-    relink(kZones / (i % 2 == 0 ? "Asia/Tokyo" : "Europe/Paris"));
-    resetSystemTimeZone();
-    EXPECT_EQ(TimeZone::current().name(), i % 2 == 0 ? "Asia/Tokyo" : "Europe/Paris");
-  }
-  done = true;
-  for (std::thread& reader : readers) reader.join();
-  EXPECT_EQ(strangers, 0);
+  onThreads(4, [&](std::size_t thread) {
+    for (int i = 0; thread == 0 && i < 100; ++i) {
+      relink(kZones / (i % 2 == 0 ? "Asia/Tokyo" : "Europe/Paris"));
+      resetSystemTimeZone();
+      EXPECT_EQ(TimeZone::current().name(), i % 2 == 0 ? "Asia/Tokyo" : "Europe/Paris");
+    }
+    if (thread == 0) done = true;
+    while (!done) {
+      const Calendar calendar = Calendar::current();
+      const std::int64_t offset = calendar.timeZone().secondsFromGmt(at(1704067200));
+      EXPECT_TRUE(offset == 3600 || offset == 32400) << offset;
+      EXPECT_EQ(calendar.days(at(0), calendar.dateByAddingDays(at(0), 40'000)), 40'000);
+      const Calendar persian(CalendarIdentifier::persian, calendar.timeZone());
+      EXPECT_EQ(persian.monthAndDay(at(1710374400)), (MonthAndDay{12, 24}));
+    }
+  });
 }
 
 }  // namespace
