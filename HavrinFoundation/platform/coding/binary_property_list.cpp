@@ -90,21 +90,7 @@ std::optional<std::uint64_t> BinaryPropertyList::uid(std::uint64_t number) const
   return bigEndian(data_.data() + offset + 1, size);
 }
 
-bool BinaryPropertyList::isText(std::uint64_t number, std::string_view text) const noexcept {
-  const std::uint64_t offset = offsetOf(number);
-  if (offset < kHeaderSize || offset >= tableOffset_) return false;
-  const auto marker = std::to_integer<unsigned>(data_[offset]);
-  if (marker >> 4 == 0x5 && (marker & 15) < 15) {
-    return (marker & 15) == text.size() && text.size() < tableOffset_ - offset &&
-           std::memcmp(data_.data() + offset + 1, text.data(), text.size()) == 0;
-  }
-  const auto object = this->object(number);
-  if (!object) return false;
-  return object->kind() == BinaryObject::Kind::asciiText ? object->asciiText() == text
-                                                         : object->isText() && object->text() == text;
-}
-
-// Reads one object from its first byte on, in front of the table of offsets.
+// Reads one object from its first byte on, in front of the table of offsets. ASCII is not looked through.
 class BinaryPropertyList::Cursor {
  public:
   Cursor(const BinaryPropertyList& list, std::uint64_t offset) noexcept : list_(list), begin_(offset), at_(offset) {}
@@ -197,9 +183,6 @@ class BinaryPropertyList::Cursor {
     }
     if (count > room() / unitSize) return error(kTooLong);
     const std::byte* const bytes = list_.data_.data() + at_;
-    if (kind == BinaryObject::Kind::asciiText && !isAscii({reinterpret_cast<const char*>(bytes), count})) {
-      return error("a text that is marked as ASCII and is not");
-    }
     at_ += count * unitSize;
     return {std::in_place, kind, at_ - begin_, count, bytes, list_.referenceSize_};
   }
@@ -209,13 +192,31 @@ class BinaryPropertyList::Cursor {
   std::uint64_t at_;
 };
 
+bool BinaryPropertyList::isText(std::uint64_t number, std::string_view text) const noexcept {
+  const std::uint64_t offset = offsetOf(number);
+  if (offset < kHeaderSize || offset >= tableOffset_) return false;
+  const auto marker = std::to_integer<unsigned>(data_[offset]);
+  if (marker >> 4 == 0x5 && (marker & 15) < 15) {
+    return (marker & 15) == text.size() && text.size() < tableOffset_ - offset &&
+           std::memcmp(data_.data() + offset + 1, text.data(), text.size()) == 0;
+  }
+  // A long text is not looked through, nor converted, only to see that it is another.
+  const auto object = Cursor(*this, offset).read();
+  if (!object || !object->isText() || object->count() > text.size()) return false;
+  return object->kind() == BinaryObject::Kind::asciiText ? object->asciiText() == text : object->text() == text;
+}
+
 PropertyListResult<BinaryObject> BinaryPropertyList::object(std::uint64_t number) const noexcept {
   if (number >= objectCount_) return errorAt(tableOffset_, "a reference to no object");
   const std::uint64_t offset = offsetOf(number);
   if (offset < kHeaderSize || offset >= tableOffset_) {
     return errorAt(tableOffset_ + number * offsetSize_, "an offset outside the objects");
   }
-  return Cursor(*this, offset).read();
+  auto object = Cursor(*this, offset).read();
+  if (object && object->kind() == BinaryObject::Kind::asciiText && !isAscii(object->asciiText())) {
+    return errorAt(offset, "a text that is marked as ASCII and is not");
+  }
+  return object;
 }
 
 }  // namespace havrin::inline platform
