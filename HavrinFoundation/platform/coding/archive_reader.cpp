@@ -2,14 +2,15 @@
 
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/time/ns_date.h>
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 namespace havrin::inline platform {
@@ -17,9 +18,14 @@ namespace {
 
 using Kind = BinaryObject::Kind;
 
-constexpr std::uint64_t kSmallestBudget = std::uint64_t{16} << 20;
-constexpr std::uint64_t kBudgetPerByte = 64;
+// What the smallest archive may stand for, and what each of its bytes may.
+constexpr std::uint64_t kSmallestRoom = std::uint64_t{16} << 20;
+constexpr std::uint64_t kRoomPerByte = 32;
+constexpr std::uint64_t kSmallestWork = std::uint64_t{1} << 24;
+constexpr std::uint64_t kWorkPerByte = 8;
 constexpr std::uint64_t kObjectSize = 64;  // about what an object takes, whatever it holds
+
+constexpr std::uint8_t kOthers = 255;
 
 // A name from outside, as errors quote it.
 std::string quoted(std::string_view name) {
@@ -58,7 +64,8 @@ ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArch
     : coder_(coder),
       archive_(std::move(archive)),
       slots_(archive_->count()),
-      budget_(std::max(kSmallestBudget, kBudgetPerByte * archive_->size())) {}
+      room_(std::max(kSmallestRoom, kRoomPerByte * archive_->size())),
+      work_(std::max(kSmallestWork, kWorkPerByte * archive_->size())) {}
 
 // Failures.
 
@@ -73,12 +80,28 @@ void ArchiveReader::failWithValue(std::string_view key, std::string_view wanted)
 }
 
 bool ArchiveReader::charge(std::uint64_t bytes) {
-  if (bytes <= budget_) {
-    budget_ -= bytes;
+  if (bytes <= room_) {
+    room_ -= bytes;
     return true;
   }
-  budget_ = 0;
+  room_ = 0;
   fail("the objects stand for more than an archive of this size should hold");
+  return false;
+}
+
+bool ArchiveReader::chargeWork(std::uint64_t parts) {
+  if (parts <= work_) {
+    work_ -= parts;
+    return true;
+  }
+  work_ = 0;
+  fail("telling the objects apart takes more than an archive of this size should need");
+  return false;
+}
+
+bool ArchiveReader::isWithinBounds(std::string_view tooMuch) {
+  if (tooMuch.empty()) return true;
+  fail(tooMuch);
   return false;
 }
 
@@ -98,6 +121,10 @@ std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
     return std::nullopt;
   }
   if (!charge(object->encodedSize())) return std::nullopt;
+  const bool isText = object->isText();
+  const bool isData = object->kind() == Kind::data;
+  if (isText && !addExtent(ArchivedExtent::ofText(object->count()).expansion)) return std::nullopt;
+  if (isData && !addExtent(ArchivedExtent::ofData(object->count()).expansion)) return std::nullopt;
   return *object;
 }
 
@@ -131,82 +158,13 @@ NSObject* ArchiveReader::objectOfClasses(std::string_view key, const AllowedClas
   struct Restore {
     ArchiveReader& reader;
     AllowedClasses before;
-    ~Restore() { reader.allowed_ = before; }
-  } const restore{*this, std::exchange(allowed_, allowed)};
-  return object(key);
-}
-
-bool ArchiveReader::add(std::uint64_t number, Objects& row) {
-  const auto uid = uidAt(number);
-  if (!uid) return false;
-  NSObject* const object = objectWithUid(*uid);
-  if (object) {
-    row.push_back(object);
-    return true;
-  }
-  if (!hasFailed()) fail("a collection holds null");
-  return false;
-}
-
-bool ArchiveReader::objects(std::string_view key, Use use, Objects& row) {
-  const auto array = value(key, Kind::array);
-  if (!array) {
-    fail("there is no array under " + quoted(key));
-    return false;
-  }
-  const std::uint64_t count = array->count();
-  if (!charge(count * (use == Use::hashed ? 40 : 8))) return false;
-  const std::size_t from = row.size();
-  row.reserve(from + count);
-  for (std::uint64_t i = 0; i < count; ++i) {
-    if (!add(array->element(i), row)) return false;
-  }
-  return use == Use::inOrder || chargeHashing(std::span(row).subspan(from));
-}
-
-// The keys stand in any order: one walk puts each in its place.
-bool ArchiveReader::numberedObjects(std::string_view prefix, Use use, Objects& row) {
-  const BinaryObject& values = frame_->values;
-  std::vector<std::uint64_t> numbers(values.count(), ~std::uint64_t{0});
-  std::uint64_t found = 0;
-  for (std::uint64_t i = 0; i < values.count(); ++i) {
-    const auto key = archive_->list().object(values.key(i));
-    if (!key || key->kind() != Kind::asciiText || !key->asciiText().starts_with(prefix)) continue;
-    const std::string_view digits = key->asciiText().substr(prefix.size());
-    std::uint64_t index = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), index);
-    if (error != std::errc() || end != digits.data() + digits.size() || index >= numbers.size()) continue;
-    found += numbers[index] == ~std::uint64_t{0};
-    numbers[index] = values.value(i);
-  }
-  if (!charge(found * 40)) return false;
-  const std::size_t from = row.size();
-  for (std::uint64_t i = 0; i < found; ++i) {
-    if (numbers[i] == ~std::uint64_t{0}) {
-      fail("a number is missing among the keys that begin with " + quoted(prefix));
-      return false;
+    std::uint8_t number;
+    ~Restore() {
+      reader.allowed_ = before;
+      reader.allowedNumber_ = number;
     }
-    if (!add(numbers[i], row)) return false;
-  }
-  return use == Use::inOrder || chargeHashing(std::span(row).subspan(from));
-}
-
-// Each is walked over for its hash; those with the same hash are compared with one another.
-bool ArchiveReader::chargeHashing(std::span<NSObject* const> row) {
-  constexpr std::uint64_t kPart = 8;
-  const std::uint64_t parts = frame_->extent.expansion;
-  if (row.empty()) return true;
-  if (!charge(kPart * parts)) return false;
-  std::vector<std::uint64_t> hashes;
-  hashes.reserve(row.size());
-  for (NSObject* const object : row) hashes.push_back(object->hash());
-  std::sort(hashes.begin(), hashes.end());
-  std::uint64_t same = 0;
-  for (std::size_t i = 1; i < hashes.size(); ++i) {
-    same = hashes[i] == hashes[i - 1] ? same + 1 : 0;
-    if (!charge(same * kPart * (parts / row.size()))) return false;
-  }
-  return true;
+  } const restore{*this, std::exchange(allowed_, allowed), std::exchange(allowedNumber_, numberOf(allowed))};
+  return object(key);
 }
 
 // Objects.
@@ -219,6 +177,37 @@ bool ArchiveReader::permits(const ClassObject* cls) {
     fail("an object of class " + quoted(cls->name()) + ", which does not adopt NSSecureCoding");
   }
   return !hasFailed();
+}
+
+// The classes that may come, as a number: slots remember them. kOthers for what is no use to remember.
+std::uint8_t ArchiveReader::numberOf(const AllowedClasses& allowed) {
+  for (std::size_t i = 0; i < allowedBefore_.size(); ++i) {
+    const AllowedClasses& before = allowedBefore_[i];
+    if (before.cls != allowed.cls || before.layersOwn != allowed.layersOwn) continue;
+    if (before.classes ? before.classes->isEqual(allowed.classes) : !allowed.classes)
+      return static_cast<std::uint8_t>(i);
+  }
+  if (allowedBefore_.size() == kOthers) return kOthers;
+  AllowedClasses kept = allowed;
+  if (allowed.classes) kept.classes = allowedSets_.emplace_back(cast<NSSet>(allowed.classes->copy())).get();
+  allowedBefore_.push_back(kept);
+  return static_cast<std::uint8_t>(allowedBefore_.size() - 1);
+}
+
+// Holds the parts of a collection, which was made when other classes could come, to those of now.
+bool ArchiveReader::permitsParts(NSObject* object, std::size_t depth) {
+  const auto all = [this, depth](const NSFastEnumeration* parts) {
+    for (NSObject* const part : each(parts)) {
+      if (!chargeWork(1) || !permits(dispatchClass(part)->shown()) || !permitsParts(part, depth + 1)) return false;
+    }
+    return true;
+  };
+  if (depth > NSKeyedUnarchiver::kDeepestNesting) return isWithinBounds("objects nest too deep");
+  if (const NSArray* const array = cast<NSArray>(object)) return all(array);
+  if (const NSSet* const set = cast<NSSet>(object)) return all(set);
+  if (const NSOrderedSet* const set = cast<NSOrderedSet>(object)) return all(set);
+  const NSDictionary* const dictionary = cast<NSDictionary>(object);
+  return !dictionary || (all(dictionary->allKeys()) && all(dictionary->allValues()));
 }
 
 NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
@@ -240,15 +229,13 @@ NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
       return nullptr;
     case Slot::State::openToItself:
     case Slot::State::made:
-      if (slot.object && !permits(dispatchClass(slot.object)->shown())) return nullptr;
+      if (!coder_.requiresSecureCoding() || !slot.object) break;
+      if (!permits(dispatchClass(slot.object)->shown())) return nullptr;
+      if (slot.extent.height == 0 || (slot.allowed == allowedNumber_ && slot.allowed != kOthers)) break;
+      if (!permitsParts(slot.object, 0)) return nullptr;
       break;
   }
-  const std::string_view tooMuch = frame_->extent.add(slot.extent);
-  if (!tooMuch.empty()) {
-    fail(tooMuch);
-    return nullptr;
-  }
-  return slot.object;
+  return isWithinBounds(frame_->extent.add(slot.extent)) ? slot.object.get() : nullptr;
 }
 
 bool ArchiveReader::makeObject(std::uint64_t uid) {
@@ -262,7 +249,8 @@ bool ArchiveReader::makeObject(std::uint64_t uid) {
   Slot& slot = slots_[uid];
   slot.object = makePlain(*object);
   if (!slot.object) return false;
-  slot.extent = ArchivedExtent::ofBytes(object->encodedSize());
+  if (object->isText()) slot.extent = ArchivedExtent::ofText(object->count());
+  if (object->kind() == Kind::data) slot.extent = ArchivedExtent::ofData(object->count());
   slot.state = Slot::State::made;
   return true;
 }
@@ -320,6 +308,7 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
   slot.object = std::move(made);
   // An object of the application is one part: how it is compared is its own affair.
   if (entry.form) slot.extent = frame_->extent;
+  slot.allowed = allowedNumber_;
   slot.state = Slot::State::made;
   return true;
 }
@@ -360,11 +349,12 @@ std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const Bi
     fail("the record of its class has no name");
     return std::nullopt;
   }
+  if (!charge(name->encodedSize())) return std::nullopt;
   auto entry = entryForName(name->text());
   const auto hints = entry ? std::nullopt : archive_->member(record, "$classhints", Kind::array);
   for (std::uint64_t i = 0; hints && !entry && i < hints->count(); ++i) {
     const auto hint = archive_->list().object(hints->element(i));
-    if (!hint || !hint->isText() || !charge(hint->encodedSize())) break;
+    if (!hint || !hint->isText() || !charge(kObjectSize + hint->encodedSize())) break;
     entry = entryForName(hint->text());
   }
   if (!entry) {

@@ -4,12 +4,12 @@
 #include <HavrinFoundation/platform/coding/archived_classes.h>
 #include <HavrinFoundation/platform/coding/keyed_archive.h>
 #include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/foundation/set.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,18 +44,30 @@ class ArchiveReader {
     return found;
   }
 
-  using Objects = std::vector<NSObject*>;
-  /// Appends the objects that the array under `key` refers to, and answers true; false after a failure, null among them
-  /// included. What they are for bounds what is made of them.
-  enum class Use { inOrder, hashed };
-  [[nodiscard]] bool objects(std::string_view key, Use use, Objects& row);
-  /// The same, for one value each under "<prefix>0", "<prefix>1" and so on, up to a number that is not there.
-  [[nodiscard]] bool numberedObjects(std::string_view prefix, Use use, Objects& row);
+  // Rows of objects: archive_rows.cpp.
 
-  /// Counts what it takes to find the objects of a row, parts of the object that is being read, by equality.
-  [[nodiscard]] bool chargeHashing(std::span<NSObject* const> row);
+  using Objects = std::vector<NSObject*>;
+  /// What a row is for: keys are copied, and members and keys are found by equality.
+  enum class Use { inOrder, members, keys };
+  /// Appends the objects that the array under `key` refers to, and answers true; false after a failure, null among them
+  /// included.
+  [[nodiscard]] bool objects(std::string_view key, Use use, Objects& row);
+  /// The same for members, one value each under "<prefix>0", "<prefix>1" and so on, up to a number that is not there.
+  [[nodiscard]] bool numberedObjects(std::string_view prefix, Objects& row);
+
+  struct Part {
+    NSObject* object;
+    std::uint64_t work;  // what comparing it takes
+  };
+  /// The parts of an array that has been made, from its own values. Empty when: an object of the application answered it.
+  [[nodiscard]] std::vector<Part> partsOf(std::string_view key);
+
   /// Counts `bytes` of what is made. Result: false, and a failure, when that is out of all proportion to the archive.
   bool charge(std::uint64_t bytes);
+  /// The same for work: parts that are hashed or compared.
+  bool chargeWork(std::uint64_t parts);
+  /// Adds to what walks over the object that is being read will take. Result: false, and a failure, when that is too much.
+  bool addExtent(std::uint64_t work) { return isWithinBounds(frame_->extent.add(work)); }
   [[nodiscard]] bool hasFailed() const { return coder_.hasFailed(); }
   /// Whether an object is being read: the reader is needed still.
   [[nodiscard]] bool isInside() const { return depth_ != 0; }
@@ -70,6 +82,7 @@ class ArchiveReader {
     Strong<NSObject> object;
     ArchivedExtent extent;
     State state = State::unread;
+    std::uint8_t allowed = 0;  // which classes could come when it was made
   };
   // A class that a record names.
   struct ArchivedClassEntry {
@@ -98,7 +111,17 @@ class ArchiveReader {
   [[nodiscard]] std::optional<ArchivedClassEntry> resolve(const BinaryObject& record);
   [[nodiscard]] static std::optional<ArchivedClassEntry> entryForName(std::string_view name);
   [[nodiscard]] bool permits(const ClassObject* cls);
-  [[nodiscard]] bool add(std::uint64_t number, Objects& row);
+  [[nodiscard]] bool permitsParts(NSObject* object, std::size_t depth);
+  [[nodiscard]] std::uint8_t numberOf(const AllowedClasses& allowed);
+  [[nodiscard]] bool isWithinBounds(std::string_view tooMuch);
+
+  // What finding an object among others takes.
+  struct Sought {
+    std::uint64_t hash;
+    std::uint64_t work;
+  };
+  [[nodiscard]] bool add(std::uint64_t number, Use use, Objects& row, std::vector<Sought>& sought);
+  [[nodiscard]] bool chargeSearch(std::vector<Sought>& sought);
 
   NSKeyedUnarchiver& coder_;
   std::unique_ptr<KeyedArchive> archive_;
@@ -107,9 +130,13 @@ class ArchiveReader {
   std::size_t depth_ = 0;
   std::uint64_t nextClassKey_ = 0;
   AllowedClasses allowed_;
+  std::uint8_t allowedNumber_ = 0;
+  std::vector<AllowedClasses> allowedBefore_;  // what may have come for some object; the sets stand in the other
+  std::vector<Strong<NSSet>> allowedSets_;
   std::vector<Slot> slots_;
   std::vector<ArchivedClassEntry> classes_;
-  std::uint64_t budget_ = 0;
+  std::uint64_t room_ = 0;
+  std::uint64_t work_ = 0;
 };
 
 }  // namespace havrin::inline platform

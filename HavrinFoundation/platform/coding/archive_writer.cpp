@@ -11,8 +11,7 @@ namespace havrin::inline platform {
 class ArchiveWriter::Nested {
  public:
   Nested(ArchiveWriter& writer, std::uint64_t uid)
-      : writer_(writer),
-        outer_(std::exchange(writer.frame_, Frame{.uid = uid, .keys = {}, .values = {}, .extent = {}})) {
+      : writer_(writer), outer_(std::exchange(writer.frame_, Frame{.uid = uid})) {
     ++writer_.depth_;
     writer_.written_[uid].isOpen = true;
   }
@@ -40,11 +39,16 @@ void ArchiveWriter::fail(std::string_view reason) {
 
 void ArchiveWriter::add(std::string_view key, Number value) {
   const Number name = list_.text(key);
-  if (std::find(frame_.keys.begin(), frame_.keys.end(), name) != frame_.keys.end()) {
-    return fail("two values under the key \"" + std::string(key) + '"');
-  }
+  if (frame_.has(name)) return fail("two values under the key \"" + std::string(key) + '"');
   frame_.keys.push_back(name);
   frame_.values.push_back(value);
+}
+
+bool ArchiveWriter::Frame::has(Number key) {
+  constexpr std::size_t kFew = 16;
+  if (keys.size() < kFew) return std::find(keys.begin(), keys.end(), key) != keys.end();
+  if (many.empty()) many.insert(keys.begin(), keys.end());
+  return !many.insert(key).second;
 }
 
 void ArchiveWriter::addObject(std::string_view key, const NSObject* object) { add(key, reference(uidOf(object))); }
@@ -56,11 +60,11 @@ void ArchiveWriter::addObjects(std::string_view key, std::span<const Strong<NSOb
   add(key, list_.array(references));
 }
 
-void ArchiveWriter::setPlain(Number value, std::uint64_t size) {
+void ArchiveWriter::setPlain(Number value, const ArchivedExtent& extent) {
   Written& written = written_[frame_.uid];
   written.number = value;
   written.isPlain = true;
-  frame_.extent = ArchivedExtent::ofBytes(size);
+  frame_.extent = extent;
 }
 
 std::uint64_t ArchiveWriter::uidOf(const NSObject* object) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace havrin::inline platform {
@@ -35,7 +36,7 @@ class ArchiveWriter {
   /// Adds an array of references.
   void addObjects(std::string_view key, std::span<const Strong<NSObject>> objects);
   /// Says that the object is this value, and no dictionary.
-  void setPlain(Number value, std::uint64_t size);
+  void setPlain(Number value, const ArchivedExtent& extent = {});
 
   /// Whether an object is being written: code of the application may be running in the middle of it.
   [[nodiscard]] bool isWriting() const { return depth_ > 0; }
@@ -53,9 +54,13 @@ class ArchiveWriter {
   };
   struct Frame {
     std::uint64_t uid = 0;
-    std::vector<Number> keys;
-    std::vector<Number> values;
-    ArchivedExtent extent;
+    std::vector<Number> keys = {};
+    std::vector<Number> values = {};
+    ArchivedExtent extent = {};
+    std::unordered_set<Number> many = {};  // the keys again, when they are
+
+    // Whether there is a value under the key, which is added next where there is none.
+    [[nodiscard]] bool has(Number key);
   };
   // How objects of a class are written.
   struct Plan {

@@ -72,17 +72,21 @@ bool AllowedClasses::permits(const ClassObject* given) const {
 }
 
 std::string_view ArchivedExtent::add(const ArchivedExtent& part) noexcept {
-  expansion += part.expansion;  // neither exceeds the limit, so that the sum stays below 32 bits
   height = std::max<std::uint16_t>(height, static_cast<std::uint16_t>(part.height + 1));
-  if (expansion > NSKeyedUnarchiver::kLargestExpansion) return "shared parts that stand for too much";
   if (height > NSKeyedUnarchiver::kDeepestNesting) return "objects nest too deep";
+  return add(part.expansion);
+}
+
+std::string_view ArchivedExtent::add(std::uint64_t work) noexcept {
+  if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) return "shared parts that stand for too much";
+  expansion += static_cast<std::uint32_t>(work);
   return {};
 }
 
-ArchivedExtent ArchivedExtent::ofBytes(std::uint64_t size) noexcept {
-  ArchivedExtent extent;
-  extent.expansion = static_cast<std::uint32_t>(std::min(1 + size / 32, NSKeyedUnarchiver::kLargestExpansion));
-  return extent;
+ArchivedExtent ArchivedExtent::ofText(std::uint64_t units) noexcept {
+  return {.expansion = static_cast<std::uint32_t>(std::min(1 + units / 8, NSKeyedUnarchiver::kLargestExpansion))};
 }
+
+ArchivedExtent ArchivedExtent::ofData(std::uint64_t bytes) noexcept { return ofText(bytes / 32); }
 
 }  // namespace havrin::inline platform

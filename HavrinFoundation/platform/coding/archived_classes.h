@@ -42,13 +42,16 @@ struct AllowedClasses {
 
 /// How much an object holds, itself counted: what bounds the walks over it (hashing, comparing, describing).
 struct ArchivedExtent {
-  std::uint32_t expansion =
-      1;                     // the parts, and parts of parts, shared ones each time; 32 bytes of text or data are one
+  // The parts, and parts of parts, shared ones each time; of a set and of keys each once more for every other one of its
+  // hash, with which it is compared. 8 units of text are a part, and 256 bytes of data.
+  std::uint32_t expansion = 1;
   std::uint16_t height = 0;  // how deep they nest
 
-  /// Adds a part. Result: what is too much of it now; empty when nothing is.
+  /// Adds a part, or so much work. Result: what is too much of it now; empty when nothing is.
   [[nodiscard]] std::string_view add(const ArchivedExtent& part) noexcept;
-  [[nodiscard]] static ArchivedExtent ofBytes(std::uint64_t size) noexcept;
+  [[nodiscard]] std::string_view add(std::uint64_t work) noexcept;
+  [[nodiscard]] static ArchivedExtent ofText(std::uint64_t units) noexcept;
+  [[nodiscard]] static ArchivedExtent ofData(std::uint64_t bytes) noexcept;
 };
 
 }  // namespace havrin::inline platform

@@ -18,6 +18,7 @@
 // Mutable collections, sets and attributed strings stand as the immutable ones do.
 #include <HavrinFoundation/platform/coding/archive_reader.h>
 #include <HavrinFoundation/platform/coding/archive_writer.h>
+#include <HavrinFoundation/platform/coding/archived_attributed_string.h>
 #include <HavrinFoundation/platform/coding/archived_classes.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
@@ -58,7 +59,7 @@ ArchiveWriter::Number numberOfText(const NSString& string, ArchiveWriter& writer
 
 void encodeString(const NSObject& object, ArchiveWriter& writer) {
   const NSString& string = as<NSString>(object);
-  writer.setPlain(numberOfText(string, writer), string.length());
+  writer.setPlain(numberOfText(string, writer), ArchivedExtent::ofText(string.length()));
 }
 
 void encodeMutableString(const NSObject& object, ArchiveWriter& writer) {
@@ -71,7 +72,7 @@ Strong<NSObject> decodeString(ArchiveReader& reader) {
   if (text && text->kind() == Kind::asciiText) return make<C>(text->asciiText());
   if (text && text->kind() == Kind::utf16Text) return make<C>(text->utf16Text());
   const NSString* const string = reader.object<NSString>("NS.string");
-  if (!string || !reader.charge(string->length())) return nullptr;
+  if (!string || !reader.charge(2 * string->length())) return nullptr;
   return make<C>(utf16(*string));
 }
 
@@ -82,13 +83,13 @@ void encodeNumber(const NSObject& object, ArchiveWriter& writer) {
   BinaryPropertyListWriter& list = writer.list();
   switch (number.kind()) {
     case NSNumber::Kind::boolean:
-      return writer.setPlain(list.boolean(number.boolValue()), 1);
+      return writer.setPlain(list.boolean(number.boolValue()));
     case NSNumber::Kind::integer:
-      return writer.setPlain(list.integer(number.integerValue()), 8);
+      return writer.setPlain(list.integer(number.integerValue()));
     case NSNumber::Kind::unsignedInteger:
-      return writer.setPlain(list.integer(number.unsignedIntegerValue()), 8);
+      return writer.setPlain(list.integer(number.unsignedIntegerValue()));
     case NSNumber::Kind::real:
-      return writer.setPlain(list.real(number.doubleValue()), 8);
+      return writer.setPlain(list.real(number.doubleValue()));
   }
 }
 
@@ -103,7 +104,7 @@ Strong<NSObject> decodeNull(ArchiveReader&) { return NSNull::null(); }
 
 void encodeData(const NSObject& object, ArchiveWriter& writer) {
   const auto bytes = as<NSData>(object).bytes();
-  writer.setPlain(writer.list().data(bytes), bytes.size());
+  writer.setPlain(writer.list().data(bytes), ArchivedExtent::ofData(bytes.size()));
 }
 
 void encodeMutableData(const NSObject& object, ArchiveWriter& writer) {
@@ -149,7 +150,7 @@ void encodeSet(const NSObject& object, ArchiveWriter& writer) {
 template <class C>
 Strong<NSObject> decodeSet(ArchiveReader& reader) {
   ArchiveReader::Objects row;
-  return reader.objects("NS.objects", Use::hashed, row) ? make<C>(std::span<NSObject* const>(row)) : nullptr;
+  return reader.objects("NS.objects", Use::members, row) ? make<C>(std::span<NSObject* const>(row)) : nullptr;
 }
 
 void encodeOrderedSet(const NSObject& object, ArchiveWriter& writer) {
@@ -163,8 +164,8 @@ void encodeOrderedSet(const NSObject& object, ArchiveWriter& writer) {
 template <class C>
 Strong<NSObject> decodeOrderedSet(ArchiveReader& reader) {
   ArchiveReader::Objects row;
-  const bool isRead = reader.contains("NS.objects") ? reader.objects("NS.objects", Use::hashed, row)
-                                                    : reader.numberedObjects("NS.object.", Use::hashed, row);
+  const bool isRead = reader.contains("NS.objects") ? reader.objects("NS.objects", Use::members, row)
+                                                    : reader.numberedObjects("NS.object.", row);
   return isRead ? make<C>(std::span<NSObject* const>(row)) : nullptr;
 }
 
@@ -184,7 +185,7 @@ template <class C>
 Strong<NSObject> decodeDictionary(ArchiveReader& reader) {
   ArchiveReader::Objects keys;
   ArchiveReader::Objects values;
-  if (!reader.objects("NS.keys", Use::hashed, keys) || !reader.objects("NS.objects", Use::inOrder, values)) {
+  if (!reader.objects("NS.keys", Use::keys, keys) || !reader.objects("NS.objects", Use::inOrder, values)) {
     return nullptr;
   }
   if (keys.size() != values.size()) {
@@ -243,114 +244,18 @@ Strong<NSObject> decodeURL(ArchiveReader& reader) {
   NSObject* const base = reader.objectOfClasses("NS.base", {.cls = classOf<NSURL>()});
   const NSString* const text = reader.object<NSString>("NS.relative");
   if (!text) return nullptr;
+  const NSURL* const baseURL = cast<NSURL>(base);
+  // Each link has its text, and that of its base in its absolute form, for itself.
+  const std::uint64_t size = text->length() + (baseURL ? baseURL->absoluteString()->length() : 0);
+  if (!reader.charge(3 * size) || !reader.chargeWork(size)) return nullptr;
   const std::string relative = utf8(*text);
   if (!base) {
     if (auto url = URL::fromString(relative)) return make<NSURL>(*std::move(url));
     return make<NSURL>(URL::fromUncheckedText(relative));
   }
-  const NSURL* const baseURL = cast<NSURL>(base);
   auto url = baseURL ? URL::fromString(relative, baseURL->value()) : std::nullopt;
   if (url) return make<NSURL>(*std::move(url));
   reader.fail("a link that cannot be seen from its base");
-  return nullptr;
-}
-
-// Attributed strings.
-
-void appendVarint(std::vector<std::byte>& bytes, std::uint64_t value) {
-  for (; value >= 0x80; value >>= 7) bytes.push_back(static_cast<std::byte>(value | 0x80));
-  bytes.push_back(static_cast<std::byte>(value));
-}
-
-// The number at the beginning of `bytes`, which move behind it. Empty when: it does not end, or takes more than 63 bits.
-std::optional<std::uint64_t> takeVarint(std::span<const std::byte>& bytes) {
-  std::uint64_t value = 0;
-  for (unsigned shift = 0; shift < 63 && !bytes.empty(); shift += 7) {
-    const auto byte = std::to_integer<std::uint64_t>(bytes.front());
-    bytes = bytes.subspan(1);
-    value |= (byte & 0x7F) << shift;
-    if (byte < 0x80) return value;
-  }
-  return std::nullopt;
-}
-
-void encodeAttributedString(const NSObject& object, ArchiveWriter& writer) {
-  const NSAttributedString& text = as<NSAttributedString>(object);
-  const Strong<NSString> string = text.string();
-  writer.addObject("NSString", string);
-  ArrayBuilder attributes(1);
-  std::vector<std::byte> info;
-  std::uint64_t runs = 0;
-  for (std::uint64_t at = 0; at < string->length(); ++runs) {
-    const NSAttributedString::Run run = text.attributesAtIndex(at);
-    attributes.add(run.attributes);
-    appendVarint(info, run.range.location + run.range.length - at);
-    appendVarint(info, runs);
-    at = std::max(run.range.location + run.range.length, at + 1);
-  }
-  const Strong<NSArray> all = attributes.finish();
-  if (runs <= 1) return writer.addObject("NSAttributes", all->firstObject());
-  writer.addObject("NSAttributes", all);
-  writer.addObject("NSAttributeInfo", makeData(info));
-}
-
-// The dictionaries of an array, immutable, equal ones as one object. Empty when: there is something else among them, or
-// comparing them is too much.
-std::optional<std::vector<Strong<NSDictionary>>> distinctAttributes(const NSArray& array, ArchiveReader& reader) {
-  ArchiveReader::Objects row;
-  for (const Strong<NSObject>& element : array.elements()) {
-    if (!isKind<NSDictionary>(element)) return std::nullopt;
-    row.push_back(element);
-  }
-  if (!reader.chargeHashing(row)) return std::nullopt;
-  std::vector<Strong<NSDictionary>> distinct;
-  const auto seen = make<NSMutableSet>();
-  for (NSObject* const attributes : row) {
-    Strong<NSObject> one = seen->member(attributes);
-    if (!one) seen->addObject(one = attributes->copy());
-    distinct.emplace_back(cast<NSDictionary>(one.get()));
-  }
-  return distinct;
-}
-
-// The runs that `info` tells of, equal neighbours as one. Empty when: it tells no such thing.
-std::optional<std::vector<NSAttributedString::Run>> runsOf(std::span<const std::byte> info, const NSArray& attributes,
-                                                           ArchiveReader& reader) {
-  const auto distinct = distinctAttributes(attributes, reader);
-  if (!distinct || !reader.charge(sizeof(NSAttributedString::Run) * info.size() / 2)) return std::nullopt;
-  std::vector<NSAttributedString::Run> runs;
-  std::uint64_t end = 0;
-  while (!info.empty()) {
-    const auto length = takeVarint(info);
-    const auto index = takeVarint(info);
-    if (!length || !index || *index >= distinct->size()) return std::nullopt;
-    const Strong<NSDictionary>& one = (*distinct)[*index];
-    if (!runs.empty() && runs.back().attributes.get() == one.get()) {
-      runs.back().range.length += *length;
-    } else {
-      runs.push_back({one, {end, *length}});
-    }
-    end += *length;
-  }
-  return runs;
-}
-
-template <class C>
-Strong<NSObject> decodeAttributedString(ArchiveReader& reader) {
-  NSString* const string = reader.object<NSString>("NSString");
-  if (!string || !reader.charge(2 * string->length())) return nullptr;
-  NSObject* const attributes = reader.objectOfLayersOwn("NSAttributes");
-  if (reader.hasFailed()) return nullptr;
-  NSDictionary* const one = cast<NSDictionary>(attributes);
-  if (one || !attributes) return make<C>(string, one);
-  const NSArray* const several = cast<NSArray>(attributes);
-  const NSData* const info = several ? reader.object<NSData>("NSAttributeInfo") : nullptr;
-  const auto runs = info ? runsOf(info->bytes(), *several->snapshot(), reader) : std::nullopt;
-  try {
-    if (runs) return make<C>(string, std::span<const NSAttributedString::Run>(*runs));
-  } catch (const NSException&) {  // runs that are not those of the text
-  }
-  reader.fail("attributes that do not fit the text");
   return nullptr;
 }
 

@@ -16,8 +16,9 @@
 //
 // Reading takes nothing on trust. Sizes and references are checked before they are used; objects nest no deeper than
 // kDeepestNesting, and stand, shared parts counted each time, for no more than kLargestExpansion; a collection that holds
-// itself is refused; what is made stays within 64 times the size of the archive, or 16 MiB where that is more. An object
-// of the application may hold itself, by a value of its own: it meets itself before its `initWithCoder:` has returned.
+// itself is refused; what is made stays within 32 times the size of the archive, or 16 MiB where that is more, and so does
+// the work of telling keys and members of sets apart: thousands with one hash are refused. An object of the application
+// may hold itself, by a value of its own: it meets itself before its `initWithCoder:` has returned.
 //
 // Left out: delegates, classes by name for one unarchiver alone, archives without keys, archives inside archives.
 #pragma once
@@ -44,7 +45,8 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
  public:
   /// Objects nest at most so deep in what is read and in what NSKeyedArchiver writes.
   static constexpr std::size_t kDeepestNesting = 1024;
-  /// How many parts a collection may stand for, parts of parts counted, and shared ones each time.
+  /// How many parts a collection may stand for, parts of parts counted, and shared ones each time; members of a set and
+  /// keys count once more for every other one of their hash.
   static constexpr std::uint64_t kLargestExpansion = std::uint64_t{1} << 24;
 
   /// An unarchiver of nothing, for an init message.

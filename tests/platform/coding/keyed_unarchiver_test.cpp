@@ -65,6 +65,18 @@ TEST(KeyedUnarchiver, LetsOnlyClassesComeThatAreAskedFor) {
   EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "names no class"));
 }
 
+// The contents of what was read before are held to the classes that are asked for now.
+TEST(KeyedUnarchiver, LooksAgainAtWhatIsSharedUnderOtherClasses) {
+  const auto inner = makeArray({makeNumber(1)});
+  const auto archiver = make<NSKeyedArchiver>();
+  archiver->encodeObject(inner, "wide");
+  archiver->encodeObject(makeArray({inner}), "narrow");
+  const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(archiver->encodedData(), nullptr);
+  EXPECT_TRUE(unarchiver->decodeObjectOfClass(classOf<NSObject>(), "wide"));
+  EXPECT_FALSE(unarchiver->decodeObjectOfClasses(makeSet({classOf<NSArray>(), classOf<NSString>()}), "narrow"));
+  EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "\"NSNumber\", which is not among"));
+}
+
 TEST(KeyedUnarchiver, AnswersNothingAfterTheFirstFailure) {
   const auto archiver = make<NSKeyedArchiver>();
   archiver->encodeObject(makeString("x"), "text");
