@@ -8,11 +8,14 @@
 //   table.erase(*key)                     optional<Entry>: what was there, for the caller to let go of
 //   table.forEach([](Entry& e) { return true; });     false ends it
 //
+// Where a hash stands in the index is the process's secret: whoever chooses the keys cannot make them crowd together. Of
+// keys with the same hash, each is compared with the others.
 // `hash` and `isEqual` are the keys' own code; they must not change the table. Removed entries are handed out rather
 // than destroyed, so that what their release sets off finds the table whole.
 // Threads: one at a time, or readers alone.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -20,9 +23,13 @@
 #include <utility>
 #include <vector>
 
+#include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {
+
+/// An odd number, the same for the life of the process and another for each.
+[[nodiscard]] HAVRIN_EXPORT std::uint64_t objectTableMultiplier();
 
 template <class Entry>
 class ObjectTable {
@@ -53,7 +60,7 @@ class ObjectTable {
     if (position == kNone) return std::nullopt;
     Slot& slot = slots_[position];
     if (!index_.empty()) {
-      std::size_t i = slot.hash & mask();
+      std::size_t i = home(slot.hash);
       while (index_[i] != position + 1) i = (i + 1) & mask();
       index_[i] = kErased;
     }
@@ -104,6 +111,11 @@ class ObjectTable {
 
   [[nodiscard]] std::size_t mask() const { return index_.size() - 1; }
 
+  // The upper bits of a product with a secret odd number: two hashes meet as rarely as if it were by chance.
+  [[nodiscard]] std::size_t home(std::uint64_t hash) const {
+    return static_cast<std::size_t>(hash * multiplier_ >> (64 - std::countr_zero(index_.size())));
+  }
+
   [[nodiscard]] std::size_t locate(const NSObject& key) const {
     if (live_ == 0) return kNone;
     if (index_.empty()) {
@@ -124,14 +136,14 @@ class ObjectTable {
       }
       return kNone;
     }
-    for (std::size_t i = hash & mask(); index_[i] != 0; i = (i + 1) & mask()) {
+    for (std::size_t i = home(hash); index_[i] != 0; i = (i + 1) & mask()) {
       if (index_[i] != kErased && matches(slots_[index_[i] - 1])) return index_[i] - 1;
     }
     return kNone;
   }
 
   [[nodiscard]] std::size_t freeIndex(std::uint64_t hash) const {
-    std::size_t i = hash & mask();
+    std::size_t i = home(hash);
     while (index_[i] != 0) i = (i + 1) & mask();
     return i;
   }
@@ -149,6 +161,7 @@ class ObjectTable {
     std::size_t size = 16;
     while (count * 2 > size) size *= 2;
     index_.resize(size);
+    multiplier_ = objectTableMultiplier();
     for (std::size_t i = 0; i < slots_.size(); ++i) {
       index_[freeIndex(slots_[i].hash)] = static_cast<std::uint32_t>(i + 1);
     }
@@ -156,6 +169,7 @@ class ObjectTable {
 
   std::vector<Slot> slots_;
   std::vector<std::uint32_t> index_;  // positions in slots_ plus one, by hash; a power of two, or empty
+  std::uint64_t multiplier_ = 0;      // once there is an index
   std::size_t live_ = 0;
 };
 
