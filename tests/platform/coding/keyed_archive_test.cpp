@@ -237,6 +237,30 @@ TEST(KeyedArchive, LetsObjectsOfTheApplicationHoldThemselves) {
   }
 }
 
+// What bounds hostile archives lets honest ones through.
+TEST(KeyedArchive, GivesBackWhatIsLarge) {
+  const auto number = [](int i) { return makeNumber(i); };
+  const auto genres = makeSet({makeString("jazz"), makeString("news")});
+  const auto kName = makeString("name"), kGenres = makeString("genres"), kPlays = makeString("plays");
+  const auto records = make<NSMutableArray>();
+  const auto different = make<NSMutableSet>();
+  std::vector<NSAttributedString::Run> runs;
+  for (int i = 0; i < 20'000; ++i) {
+    const auto name = makeString("Station " + std::to_string(i));
+    records->addObject(makeDictionary({{kName, name}, {kGenres, genres}, {kPlays, number(i % 7)}}));
+    if (i % 20 == 0) different->addObject(makeDictionary({{kName, makeArray({makeArray({name})})}}));
+    const auto attributes = i % 2 ? makeDictionary({{kName, number(i)}, {kPlays, genres}}) : makeDictionary({});
+    runs.push_back({attributes, {static_cast<std::uint64_t>(i), 1}});
+  }
+  const auto text = make<NSAttributedString>(makeString(std::string(runs.size(), 'x')),
+                                             std::span<const NSAttributedString::Run>(runs));
+  for (const Strong<NSObject>& large : {Strong<NSObject>(records), Strong<NSObject>(different), Strong<NSObject>(text),
+                                        Strong<NSObject>(makeString(std::string(1'000'000, 'x')))}) {
+    const auto read = root(archived(large));
+    EXPECT_TRUE(read && read->isEqual(large)) << classOf(*large).name();
+  }
+}
+
 TEST(KeyedArchive, FailsAsAWholeWhereAClassIsUnknown) {
   for (const char* const name : {"unknown.bplist", "unknown.xml"}) {
     EXPECT_TRUE(saysWhy(failureOf(fixture(name)), "object 3: no class \"Nobody\" is known to archives"));

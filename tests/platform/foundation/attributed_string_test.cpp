@@ -43,6 +43,40 @@ TEST(AttributedString, HoldsOneRunOverItsText) {
   EXPECT_THROW((void)alloc<NSAttributedString>()->initWithString(nullptr), NSException);
 }
 
+TEST(AttributedString, TakesTheRunsThatFitItsText) {
+  using Run = NSAttributedString::Run;
+  const auto nine = size(9), none = makeDictionary({});
+  constexpr std::uint64_t kHuge = ~std::uint64_t{0};
+  const struct {
+    std::string text;
+    std::vector<Run> runs;
+    std::string expected;
+  } rows[] = {
+      {"abc", {{nine, {0, 1}}, {none, {1, 2}}}, "1:9 2:-"},
+      {"abc", {{nine, {0, 3}}}, "3:9"},
+      {"", {}, ""},
+      {"abc", {}, "refused"},
+      {"abc", {{nine, {0, 2}}}, "refused"},
+      {"abc", {{nine, {1, 2}}}, "refused"},
+      {"abc", {{nine, {0, 1}}, {none, {2, 1}}}, "refused"},
+      {"abc", {{nine, {0, 2}}, {none, {1, 2}}}, "refused"},
+      {"abc", {{nine, {0, 2}}, {none, {2, 2}}}, "refused"},
+      {"abc", {{nine, {0, 3}}, {none, {3, 0}}}, "refused"},
+      {"abc", {{nine, {0, 2}}, {none, {2, kHuge}}}, "refused"},
+      {"abc", {{nine, {0, 2}}, {nullptr, {2, 1}}}, "refused"},
+      {"", {{nine, {0, 0}}}, "refused"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text + " as " + row.expected);
+    const std::span<const Run> runs(row.runs);
+    std::string made = "refused";
+    const std::string thrown = nameOf([&] { made = runsOf(*make<NSMutableAttributedString>(s(row.text), runs)); });
+    EXPECT_EQ(made, row.expected);
+    EXPECT_EQ(thrown, row.expected == "refused" ? "NSInvalidArgumentException" : "none");
+  }
+  EXPECT_THROW((void)make<NSAttributedString>(nullptr, std::span<const Run>()), NSException);
+}
+
 TEST(AttributedString, CopiesTextAndAttributes) {
   const auto string = make<NSMutableString>("ab");
   const auto attributes = make<NSMutableDictionary>();
