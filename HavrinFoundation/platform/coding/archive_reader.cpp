@@ -21,8 +21,6 @@ using Kind = BinaryObject::Kind;
 // What the smallest archive may stand for, and what each of its bytes may.
 constexpr std::uint64_t kSmallestRoom = std::uint64_t{16} << 20;
 constexpr std::uint64_t kRoomPerByte = 32;
-constexpr std::uint64_t kSmallestWork = std::uint64_t{1} << 24;
-constexpr std::uint64_t kWorkPerByte = 8;
 constexpr std::uint64_t kObjectSize = 64;  // about what an object takes, whatever it holds
 
 constexpr std::uint8_t kOthers = 255;
@@ -65,7 +63,7 @@ ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArch
       archive_(std::move(archive)),
       slots_(archive_->count()),
       room_(std::max(kSmallestRoom, kRoomPerByte * archive_->size())),
-      work_(std::max(kSmallestWork, kWorkPerByte * archive_->size())) {}
+      work_(archivedWork(archive_->size())) {}
 
 // Failures.
 
@@ -108,7 +106,9 @@ bool ArchiveReader::isWithinBounds(std::string_view tooMuch) {
 // Values.
 
 bool ArchiveReader::contains(std::string_view key) {
-  return !hasFailed() && archive_->find(frame_->values, key, frame_->next).has_value();
+  if (hasFailed() || !archive_->find(frame_->values, key, frame_->next)) return false;
+  --frame_->next;  // the value is asked for next
+  return true;
 }
 
 std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
@@ -235,7 +235,8 @@ NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
       if (!permitsParts(slot.object, 0)) return nullptr;
       break;
   }
-  return isWithinBounds(frame_->extent.add(slot.extent)) ? slot.object.get() : nullptr;
+  if (frame_->isBounded && !isWithinBounds(frame_->extent.add(slot.extent))) return nullptr;
+  return slot.object;
 }
 
 bool ArchiveReader::makeObject(std::uint64_t uid) {
@@ -300,14 +301,14 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
 
   Slot& slot = slots_[uid];
   slot.state = Slot::State::open;
+  frame_->isBounded = entry.form != nullptr;
   Strong<NSObject> made = entry.form ? entry.form->decode(*this) : makeOwn(slot, entry);
   if (hasFailed() || (entry.form && !made)) {
     fail("it cannot be made");
     return false;
   }
   slot.object = std::move(made);
-  // An object of the application is one part: how it is compared is its own affair.
-  if (entry.form) slot.extent = frame_->extent;
+  slot.extent = frame_->extent;
   slot.allowed = allowedNumber_;
   slot.state = Slot::State::made;
   return true;

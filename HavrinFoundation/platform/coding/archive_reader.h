@@ -67,7 +67,7 @@ class ArchiveReader {
   /// The same for work: parts that are hashed or compared.
   bool chargeWork(std::uint64_t parts);
   /// Adds to what walks over the object that is being read will take. Result: false, and a failure, when that is too much.
-  bool addExtent(std::uint64_t work) { return isWithinBounds(frame_->extent.add(work)); }
+  bool addExtent(std::uint64_t work) { return !frame_->isBounded || isWithinBounds(frame_->extent.add(work)); }
   [[nodiscard]] bool hasFailed() const { return coder_.hasFailed(); }
   /// Whether an object is being read: the reader is needed still.
   [[nodiscard]] bool isInside() const { return depth_ != 0; }
@@ -92,11 +92,12 @@ class ArchiveReader {
   };
   // The object that is being read.
   struct Frame {
-    BinaryObject values;    // a dictionary
-    std::uint64_t uid = 0;  // 0: the top
-    std::uint64_t next =
-        0;  // where the search for the next key begins: mostly they are read in the order they stand in
+    BinaryObject values;     // a dictionary
+    std::uint64_t uid = 0;   // 0: the top
+    std::uint64_t next = 0;  // where the search for the next key begins: mostly they are read in their order
+    // The top and the objects of the application are one part: how they are compared is their own affair.
     ArchivedExtent extent;
+    bool isBounded = false;
   };
   class Nested;
 
@@ -115,13 +116,8 @@ class ArchiveReader {
   [[nodiscard]] std::uint8_t numberOf(const AllowedClasses& allowed);
   [[nodiscard]] bool isWithinBounds(std::string_view tooMuch);
 
-  // What finding an object among others takes.
-  struct Sought {
-    std::uint64_t hash;
-    std::uint64_t work;
-  };
-  [[nodiscard]] bool add(std::uint64_t number, Use use, Objects& row, std::vector<Sought>& sought);
-  [[nodiscard]] bool chargeSearch(std::vector<Sought>& sought);
+  [[nodiscard]] bool add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought);
+  [[nodiscard]] bool chargeSearch(std::vector<SoughtObject>& sought);
 
   NSKeyedUnarchiver& coder_;
   std::unique_ptr<KeyedArchive> archive_;

@@ -1,6 +1,5 @@
 #include <HavrinFoundation/platform/coding/archive_reader.h>
 
-#include <algorithm>
 #include <charconv>
 
 // The rows of objects that collections are made of. What a collection does with a row bounds how long it may be.
@@ -17,7 +16,7 @@ constexpr std::uint64_t kPartSize = 32;  // of a key that is copied
 
 }  // namespace
 
-bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector<Sought>& sought) {
+bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought) {
   const auto uid = archive_->list().uid(number);
   if (!uid) {
     fail("a value is no reference to an object");
@@ -45,7 +44,7 @@ bool ArchiveReader::objects(std::string_view key, Use use, Objects& row) {
   const std::uint64_t count = array->count();
   if (!charge(count * (use == Use::inOrder ? kElementSize : kMemberSize))) return false;
   row.reserve(row.size() + count);
-  std::vector<Sought> sought;
+  std::vector<SoughtObject> sought;
   if (use != Use::inOrder) sought.reserve(count);
   for (std::uint64_t i = 0; i < count; ++i) {
     if (!add(array->element(i), use, row, sought)) return false;
@@ -71,7 +70,7 @@ bool ArchiveReader::numberedObjects(std::string_view prefix, Objects& row) {
     numbers[index] = values.value(i);
   }
   if (!charge(found * kMemberSize)) return false;
-  std::vector<Sought> sought;
+  std::vector<SoughtObject> sought;
   for (std::uint64_t i = 0; i < found; ++i) {
     if (numbers[i] == kMissing) {
       fail("a number is missing among the keys that begin with \"" + std::string(prefix) + '"');
@@ -82,16 +81,9 @@ bool ArchiveReader::numberedObjects(std::string_view prefix, Objects& row) {
   return chargeSearch(sought);
 }
 
-// Each is compared with those of its hash, again whenever the collection is compared with another.
-bool ArchiveReader::chargeSearch(std::vector<Sought>& sought) {
-  std::ranges::sort(sought, {}, &Sought::hash);
-  for (std::size_t from = 0, to = 0; from < sought.size(); from = to) {
-    std::uint64_t work = 0;
-    for (; to < sought.size() && sought[to].hash == sought[from].hash; ++to) work += sought[to].work;
-    const std::uint64_t others = to - from - 1;
-    if (others != 0 && (!chargeWork(others * work) || !addExtent(others * work))) return false;
-  }
-  return true;
+bool ArchiveReader::chargeSearch(std::vector<SoughtObject>& sought) {
+  const std::uint64_t work = searchWork(sought);
+  return chargeWork(work) && addExtent(work);
 }
 
 std::vector<ArchiveReader::Part> ArchiveReader::partsOf(std::string_view key) {

@@ -10,8 +10,8 @@ namespace havrin::inline platform {
 // While it lives, values are added to one object.
 class ArchiveWriter::Nested {
  public:
-  Nested(ArchiveWriter& writer, std::uint64_t uid)
-      : writer_(writer), outer_(std::exchange(writer.frame_, Frame{.uid = uid})) {
+  Nested(ArchiveWriter& writer, std::uint64_t uid, bool isBounded)
+      : writer_(writer), outer_(std::exchange(writer.frame_, Frame{.uid = uid, .isBounded = isBounded})) {
     ++writer_.depth_;
     writer_.written_[uid].isOpen = true;
   }
@@ -28,7 +28,8 @@ class ArchiveWriter::Nested {
   Frame outer_;
 };
 
-ArchiveWriter::ArchiveWriter(NSKeyedArchiver& coder) : coder_(coder) {
+ArchiveWriter::ArchiveWriter(NSKeyedArchiver& coder)
+    : coder_(coder), root_(list_.container()), objects_(list_.container()), top_(list_.container()) {
   written_.push_back(
       {.object = nullptr, .number = list_.text(std::string_view("$null")), .extent = {}, .isPlain = true});
 }
@@ -37,11 +38,17 @@ void ArchiveWriter::fail(std::string_view reason) {
   if (!coder_.hasFailed()) coder_.failWithError(makeCodingError(NSCoderInvalidValueError, reason));
 }
 
-void ArchiveWriter::add(std::string_view key, Number value) {
+void ArchiveWriter::add(std::string_view key, Number value, std::uint64_t work) {
   const Number name = list_.text(key);
   if (frame_.has(name)) return fail("two values under the key \"" + std::string(key) + '"');
   frame_.keys.push_back(name);
   frame_.values.push_back(value);
+  addExtent(work);
+}
+
+void ArchiveWriter::addExtent(std::uint64_t work) {
+  const std::string_view tooMuch = frame_.isBounded ? frame_.extent.add(work) : std::string_view();
+  if (!tooMuch.empty()) fail(tooMuch);
 }
 
 bool ArchiveWriter::Frame::has(Number key) {
@@ -58,6 +65,19 @@ void ArchiveWriter::addObjects(std::string_view key, std::span<const Strong<NSOb
   references.reserve(objects.size());
   for (const Strong<NSObject>& object : objects) references.push_back(reference(uidOf(object)));
   add(key, list_.array(references));
+}
+
+void ArchiveWriter::addSearch(std::span<const Strong<NSObject>> parts) {
+  if (coder_.hasFailed()) return;
+  std::vector<SoughtObject> sought;
+  sought.reserve(parts.size());
+  for (const Strong<NSObject>& part : parts) {
+    sought.push_back({part->hash(), workOf(part)});
+    chargeWork(sought.back().work);
+  }
+  const std::uint64_t work = searchWork(sought);
+  chargeWork(work);
+  addExtent(work);
 }
 
 void ArchiveWriter::setPlain(Number value, const ArchivedExtent& extent) {
@@ -81,7 +101,7 @@ std::uint64_t ArchiveWriter::uidOf(const NSObject* object) {
     if (planFor(dispatchClass(object)->shown()).form) fail("a collection holds itself");
     return uid;
   }
-  const std::string_view tooMuch = frame_.extent.add(written.extent);
+  const std::string_view tooMuch = frame_.isBounded ? frame_.extent.add(written.extent) : std::string_view();
   if (!tooMuch.empty()) fail(tooMuch);
   return uid;
 }
@@ -91,7 +111,7 @@ void ArchiveWriter::write(std::uint64_t uid, const NSObject& object) {
   ClassObject* const cls = dispatchClass(&object)->shown();
   Plan& plan = planFor(cls);
   if (!plan.refusal.empty()) return fail(plan.refusal);
-  const Nested nested(*this, uid);
+  const Nested nested(*this, uid, plan.form != nullptr);
   encode(object, plan);
   Written& written = written_[uid];
   if (!written.isPlain) {
@@ -99,7 +119,7 @@ void ArchiveWriter::write(std::uint64_t uid, const NSObject& object) {
     add("$class", reference(classUid(planFor(writtenAs), writtenAs)));
     written_[uid].number = list_.dictionary(frame_.keys, frame_.values);
   }
-  if (plan.form) written_[uid].extent = frame_.extent;
+  written_[uid].extent = frame_.extent;
 }
 
 void ArchiveWriter::encode(const NSObject& object, const Plan& plan) try {
@@ -160,15 +180,21 @@ std::uint64_t ArchiveWriter::classUid(Plan& plan, ClassObject* cls) {
   return plan.classUid;
 }
 
+// More may be added, and the archive be finished again: the containers around the objects stay the same ones.
 std::vector<std::byte> ArchiveWriter::finish() {
   std::vector<Number> objects;
   objects.reserve(written_.size());
   for (const Written& written : written_) objects.push_back(written.number);
   const Number keys[] = {list_.text(std::string_view("$archiver")), list_.text(std::string_view("$objects")),
                          list_.text(std::string_view("$top")), list_.text(std::string_view("$version"))};
-  const Number values[] = {list_.text(std::string_view("NSKeyedArchiver")), list_.array(objects),
-                           list_.dictionary(frame_.keys, frame_.values), list_.integer(std::int64_t{100000})};
-  return list_.finish(list_.dictionary(keys, values));
+  const Number values[] = {list_.text(std::string_view("NSKeyedArchiver")), objects_, top_,
+                           list_.integer(std::int64_t{100000})};
+  list_.setArray(objects_, objects);
+  list_.setDictionary(top_, frame_.keys, frame_.values);
+  list_.setDictionary(root_, keys, values);
+  std::vector<std::byte> bytes = list_.finish(root_);
+  if (work_ > archivedWork(bytes.size())) fail("objects that take too much to be told apart");
+  return bytes;
 }
 
 }  // namespace havrin::inline platform

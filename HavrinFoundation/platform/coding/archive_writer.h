@@ -29,19 +29,33 @@ class ArchiveWriter {
 
   /// The list under construction, for values.
   [[nodiscard]] BinaryPropertyListWriter& list() { return list_; }
-  /// Adds a value under `key`. A failure when: there is one.
-  void add(std::string_view key, Number value);
+  /// Adds a value under `key`, and what walking over it takes. A failure when: there is one.
+  void add(std::string_view key, Number value, std::uint64_t work = 0);
   /// Adds a reference to `object`, which is written when it has not been.
   void addObject(std::string_view key, const NSObject* object);
   /// Adds an array of references.
   void addObjects(std::string_view key, std::span<const Strong<NSObject>> objects);
+  /// Adds what telling these parts apart takes, which stand in a set, or are keys.
+  void addSearch(std::span<const Strong<NSObject>> parts);
+
+  // Reading counts what it takes; what would be too much is not written.
+
+  /// What walking over a part takes that has been added.
+  [[nodiscard]] std::uint64_t workOf(const NSObject* part) const { return written_[uids_.at(part)].extent.expansion; }
+  /// Adds to what walking over the object that is being written takes.
+  void addExtent(std::uint64_t work);
+  /// Adds to what reading the archive takes.
+  void chargeWork(std::uint64_t parts) { work_ += parts; }
+
   /// Says that the object is this value, and no dictionary.
   void setPlain(Number value, const ArchivedExtent& extent = {});
 
   /// Whether an object is being written: code of the application may be running in the middle of it.
   [[nodiscard]] bool isWriting() const { return depth_ > 0; }
   void fail(std::string_view reason);
+  [[nodiscard]] bool hasFailed() const { return coder_.hasFailed(); }
 
+  /// The archive of what has been added. Not to be used after a failure, which it may be itself.
   [[nodiscard]] std::vector<std::byte> finish();
 
  private:
@@ -57,6 +71,7 @@ class ArchiveWriter {
     std::vector<Number> keys = {};
     std::vector<Number> values = {};
     ArchivedExtent extent = {};
+    bool isBounded = false;                // neither the top nor an object of the application
     std::unordered_set<Number> many = {};  // the keys again, when they are
 
     // Whether there is a value under the key, which is added next where there is none.
@@ -83,6 +98,10 @@ class ArchiveWriter {
   BinaryPropertyListWriter list_;
   Frame frame_;
   std::size_t depth_ = 0;
+  std::uint64_t work_ = 0;
+  Number root_;
+  Number objects_;  // of all UIDs
+  Number top_;
   std::vector<Written> written_;  // by UID
   std::unordered_map<const NSObject*, std::uint64_t> uids_;
   std::unordered_map<const ClassObject*, Plan> plans_;

@@ -74,6 +74,17 @@ std::optional<Runs> runsOf(std::span<const std::byte> info, const std::vector<Ar
   return runs;
 }
 
+// What reading the runs counts.
+void addRuns(std::span<const Strong<NSObject>> attributes, ArchiveWriter& writer) {
+  if (writer.hasFailed()) return;
+  for (std::size_t i = 0; i < attributes.size(); ++i) {
+    const std::uint64_t work = writer.workOf(attributes[i]);
+    writer.addExtent(work);
+    if (i != 0 && attributes[i] != attributes[i - 1])
+      writer.chargeWork(std::max(work, writer.workOf(attributes[i - 1])));
+  }
+}
+
 }  // namespace
 
 void encodeAttributedString(const NSObject& object, ArchiveWriter& writer) {
@@ -94,12 +105,13 @@ void encodeAttributedString(const NSObject& object, ArchiveWriter& writer) {
   if (runs <= 1) return writer.addObject("NSAttributes", all->firstObject());
   writer.addObject("NSAttributes", all);
   writer.addObject("NSAttributeInfo", makeData(info));
+  addRuns(all->elements(), writer);
 }
 
 template <class C>
 Strong<NSObject> decodeAttributedString(ArchiveReader& reader) {
   NSString* const string = reader.object<NSString>("NSString");
-  if (!string || !reader.charge(2 * string->length())) return nullptr;
+  if (!string || (isKind<NSMutableString>(string) && !reader.charge(2 * string->length()))) return nullptr;
   NSObject* const attributes = reader.objectOfLayersOwn("NSAttributes");
   if (reader.hasFailed()) return nullptr;
   if (!attributes) return make<C>(string);

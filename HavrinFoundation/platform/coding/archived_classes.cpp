@@ -5,20 +5,23 @@
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <algorithm>
-#include <limits>
 #include <map>
 #include <mutex>
 #include <shared_mutex>
-#include <unordered_map>
+#include <utility>
 
 namespace havrin::inline platform {
 namespace {
 
 // The classes that programs have named. Never destroyed: threads may read archives until the process ends.
 struct NamedClasses {
+  struct Named {
+    Class cls;
+    std::uint64_t order;  // of two names of a class the one with the lower is written
+  };
   std::shared_mutex lock;
-  std::map<std::string, Class, std::less<>> byName;
-  std::unordered_map<const ClassObject*, std::string> firstNames;
+  std::map<std::string, Named, std::less<>> byName;
+  std::uint64_t count = 0;
 
   static NamedClasses& shared() {
     static NamedClasses* const kNamed = new NamedClasses;
@@ -33,21 +36,17 @@ void NSKeyedUnarchiver::setClass(Class cls, std::string_view name) {
     throw NSException(NSInvalidArgumentException, "+[NSKeyedUnarchiver setClass:forClassName:]: no name");
   NamedClasses& named = NamedClasses::shared();
   const std::unique_lock guard(named.lock);
-  if (cls) {
-    named.byName.insert_or_assign(std::string(name), cls);
-    named.firstNames.try_emplace(cls.object(), name);
-  } else if (const auto found = named.byName.find(name); found != named.byName.end()) {
-    const auto first = named.firstNames.find(found->second.object());
-    if (first != named.firstNames.end() && first->second == name) named.firstNames.erase(first);
-    named.byName.erase(found);
-  }
+  const auto found = named.byName.find(name);
+  if (found != named.byName.end() && found->second.cls == cls) return;
+  if (found != named.byName.end()) named.byName.erase(found);
+  if (cls) named.byName.emplace(name, NamedClasses::Named{cls, ++named.count});
 }
 
 Class NSKeyedUnarchiver::classForName(std::string_view name) {
   NamedClasses& named = NamedClasses::shared();
   {
     const std::shared_lock guard(named.lock);
-    if (const auto found = named.byName.find(name); found != named.byName.end()) return found->second;
+    if (const auto found = named.byName.find(name); found != named.byName.end()) return found->second.cls;
   }
   const ArchivedForm* const form = archivedFormForName(name);
   return form ? Class(form->cls()) : Class();
@@ -56,8 +55,11 @@ Class NSKeyedUnarchiver::classForName(std::string_view name) {
 std::optional<std::string> archivedNameForClass(Class cls) {
   NamedClasses& named = NamedClasses::shared();
   const std::shared_lock guard(named.lock);
-  const auto found = named.firstNames.find(cls.object());
-  return found == named.firstNames.end() ? std::nullopt : std::optional(found->second);
+  const std::pair<const std::string, NamedClasses::Named>* first = nullptr;
+  for (const auto& entry : named.byName) {
+    if (entry.second.cls == cls && (!first || entry.second.order < first->second.order)) first = &entry;
+  }
+  return first ? std::optional(first->first) : std::nullopt;
 }
 
 bool AllowedClasses::permits(const ClassObject* given) const {
@@ -88,5 +90,21 @@ ArchivedExtent ArchivedExtent::ofText(std::uint64_t units) noexcept {
 }
 
 ArchivedExtent ArchivedExtent::ofData(std::uint64_t bytes) noexcept { return ofText(bytes / 32); }
+
+std::uint64_t searchWork(std::span<SoughtObject> sought) {
+  std::ranges::sort(sought, {}, &SoughtObject::hash);
+  std::uint64_t all = 0;
+  for (std::size_t from = 0, to = 0; from < sought.size(); from = to) {
+    std::uint64_t work = 0;
+    for (; to < sought.size() && sought[to].hash == sought[from].hash; ++to) work += sought[to].work;
+    all += std::min((to - from - 1) * work, 2 * NSKeyedUnarchiver::kLargestExpansion);
+  }
+  return all;
+}
+
+std::uint64_t archivedWork(std::uint64_t size) noexcept {
+  constexpr std::uint64_t kWorkPerByte = 8;
+  return std::max(NSKeyedUnarchiver::kLargestExpansion, kWorkPerByte * size);
+}
 
 }  // namespace havrin::inline platform

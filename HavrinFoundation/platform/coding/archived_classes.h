@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -28,7 +29,8 @@ struct ArchivedForm {
 [[nodiscard]] const ArchivedForm* archivedFormForName(std::string_view name);
 [[nodiscard]] const ArchivedForm* archivedFormForClass(const ClassObject* cls);
 
-/// The name under which archives know a class of the application. Empty when: they do not.
+/// The name under which archives know a class of the application: the first that it still has. Empty when: they do not.
+/// Cost: linear in the classes that have been named.
 [[nodiscard]] std::optional<std::string> archivedNameForClass(Class cls);
 
 /// The classes that may come while secure coding is required: one, a set of them, all that are the layer's own.
@@ -53,5 +55,17 @@ struct ArchivedExtent {
   [[nodiscard]] static ArchivedExtent ofText(std::uint64_t units) noexcept;
   [[nodiscard]] static ArchivedExtent ofData(std::uint64_t bytes) noexcept;
 };
+
+/// A member of a set, or a key.
+struct SoughtObject {
+  std::uint64_t hash;
+  std::uint64_t work;  // its expansion
+};
+/// What telling the objects of a row apart takes: each is compared with those of its hash, again whenever the collection
+/// is compared with another. Sorts the row.
+[[nodiscard]] std::uint64_t searchWork(std::span<SoughtObject> sought);
+
+/// How much work, in parts that are hashed or compared, an archive of `size` bytes may ask for.
+[[nodiscard]] std::uint64_t archivedWork(std::uint64_t size) noexcept;
 
 }  // namespace havrin::inline platform

@@ -63,7 +63,8 @@ void encodeString(const NSObject& object, ArchiveWriter& writer) {
 }
 
 void encodeMutableString(const NSObject& object, ArchiveWriter& writer) {
-  writer.add("NS.string", numberOfText(as<NSString>(object), writer));
+  const NSString& string = as<NSString>(object);
+  writer.add("NS.string", numberOfText(string, writer), ArchivedExtent::ofText(string.length()).expansion);
 }
 
 template <class C>
@@ -108,7 +109,8 @@ void encodeData(const NSObject& object, ArchiveWriter& writer) {
 }
 
 void encodeMutableData(const NSObject& object, ArchiveWriter& writer) {
-  writer.add("NS.data", writer.list().data(as<NSData>(object).bytes()));
+  const auto bytes = as<NSData>(object).bytes();
+  writer.add("NS.data", writer.list().data(bytes), ArchivedExtent::ofData(bytes.size()).expansion);
 }
 
 template <class C>
@@ -145,6 +147,7 @@ Strong<NSObject> decodeMutableArray(ArchiveReader& reader) {
 void encodeSet(const NSObject& object, ArchiveWriter& writer) {
   const Strong<NSArray> objects = as<NSSet>(object).allObjects()->snapshot();
   writer.addObjects("NS.objects", elementsOf(*objects));
+  writer.addSearch(elementsOf(*objects));
 }
 
 template <class C>
@@ -157,8 +160,11 @@ void encodeOrderedSet(const NSObject& object, ArchiveWriter& writer) {
   const Strong<NSArray> objects = as<NSOrderedSet>(object).array()->snapshot();
   std::uint64_t index = 0;
   for (const Strong<NSObject>& element : elementsOf(*objects)) {
-    writer.addObject("NS.object." + std::to_string(index++), element);
+    const std::string key = "NS.object." + std::to_string(index++);
+    writer.addObject(key, element);
+    writer.chargeWork(ArchivedExtent::ofText(key.size()).expansion);
   }
+  writer.addSearch(elementsOf(*objects));
 }
 
 template <class C>
@@ -178,6 +184,7 @@ void encodeDictionary(const NSObject& object, ArchiveWriter& writer) {
     return true;
   });
   writer.addObjects("NS.keys", keys);
+  writer.addSearch(keys);
   writer.addObjects("NS.objects", values);
 }
 
@@ -219,7 +226,8 @@ Strong<NSObject> decodeDate(ArchiveReader& reader) {
 
 void encodeUUID(const NSObject& object, ArchiveWriter& writer) {
   const UUID::Bytes bytes = as<NSUUID>(object).getUUIDBytes();
-  writer.add("NS.uuidbytes", writer.list().data(std::as_bytes(std::span(bytes))));
+  writer.add("NS.uuidbytes", writer.list().data(std::as_bytes(std::span(bytes))),
+             ArchivedExtent::ofData(bytes.size()).expansion);
 }
 
 Strong<NSObject> decodeUUID(ArchiveReader& reader) {

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <deque>
 
 namespace havrin::inline platform {
 namespace {
@@ -103,6 +102,10 @@ class TreeWriter {
 }  // namespace
 
 Number BinaryPropertyListWriter::scalar(std::string bytes) {
+  if (bytes.size() > kLargestShared) {
+    objects_.push_back({.bytes = largeScalars_.emplace_back(std::move(bytes)), .header = {}});
+    return objects_.size() - 1;
+  }
   const auto [found, isNew] = scalars_.try_emplace(std::move(bytes), objects_.size());
   if (isNew) objects_.push_back({.bytes = found->first, .header = {}});
   return found->second;

@@ -5,13 +5,16 @@
 //   const auto names = list.array({&name, 1});
 //   const std::vector<std::byte> bytes = list.finish(names);
 //
-// Objects are referred to by the numbers that adding them answers. Equal scalars get one number.
+// Objects are referred to by the numbers that adding them answers. Equal scalars of up to kLargestShared bytes get one
+// number; larger ones stand in the list as often as they are added, so that what is read of a list is not out of all
+// proportion to its size.
 #pragma once
 
 #include <HavrinFoundation/platform/time/date.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,6 +26,7 @@ namespace havrin::inline platform {
 class BinaryPropertyListWriter {
  public:
   using Number = std::uint64_t;
+  static constexpr std::size_t kLargestShared = 256;
 
   Number boolean(bool value);
   Number integer(std::int64_t value);
@@ -36,7 +40,10 @@ class BinaryPropertyListWriter {
   /// UTF-16 units as they stand, lone surrogates too.
   Number text(std::u16string_view units);
 
-  /// An array or a dictionary to be: a number for it, before its parts are known.
+  /// How many bytes a scalar takes in the list; 0 for an array or a dictionary.
+  [[nodiscard]] std::uint64_t sizeOf(Number scalar) const { return objects_[scalar].bytes.size(); }
+
+  /// An array or a dictionary to be: a number for it, before its parts are known. It may be set again.
   Number container();
   void setArray(Number container, std::span<const Number> elements);
   /// Keys are texts; as many as values.
@@ -50,7 +57,7 @@ class BinaryPropertyListWriter {
 
  private:
   struct Object {
-    std::string_view bytes;     // up to the references; of a scalar, the key in scalars_
+    std::string_view bytes;     // of a scalar, where it is held
     std::string header;         // a container's own bytes
     std::size_t firstPart = 0;  // in parts_
     std::size_t partCount = 0;
@@ -63,6 +70,7 @@ class BinaryPropertyListWriter {
   std::vector<Object> objects_;
   std::vector<Number> parts_;                        // the references of all containers
   std::unordered_map<std::string, Number> scalars_;  // the numbers by the bytes, which stay where they are
+  std::deque<std::string> largeScalars_;
 };
 
 }  // namespace havrin::inline platform

@@ -4,6 +4,8 @@
 #include <HavrinFoundation/platform/coding/archived_keys.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 
+#include <utility>
+
 namespace havrin::inline platform {
 
 NSKeyedArchiver::NSKeyedArchiver() : writer_(std::make_unique<ArchiveWriter>(*this)) {}
@@ -49,7 +51,8 @@ void NSKeyedArchiver::encodeBytes(std::span<const std::byte> bytes, std::string_
 Strong<NSData> NSKeyedArchiver::encodedData() {
   if (writer_->isWriting()) writer_->fail("encodedData while an object is being written");
   if (hasFailed()) return nullptr;
-  return make<NSData>(writer_->finish());
+  auto bytes = writer_->finish();
+  return hasFailed() ? nullptr : make<NSData>(std::move(bytes));
 }
 
 }  // namespace havrin::inline platform

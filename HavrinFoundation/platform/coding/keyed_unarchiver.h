@@ -67,7 +67,8 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
                                                                   Strong<NSError>* error);
 
   /// Makes archives know a class of the application by `name`, or takes the name away for null. Names of the layer's own
-  /// classes may be given too. One class may be read under several names; it is written under the first. Threads: any.
+  /// classes may be given too. One class may be read under several names; it is written under the first that still is
+  /// its own. Threads: any.
   /// Throws: NSException (InvalidArgument) for an empty name.
   static void setClass(Class cls, std::string_view name);
   /// The class that archives know by `name`; null for none.
