@@ -37,7 +37,7 @@ void onThreads(std::size_t count, const Body& body) {
   std::barrier start(static_cast<std::ptrdiff_t>(count));
   std::vector<std::jthread> threads;
   for (std::size_t i = 0; i < count; ++i) {
-    threads.emplace_back([&start, &body, i] {
+    threads.emplace_back([=, &start, &body] {
       start.arrive_and_wait();
       if constexpr (std::invocable<const Body&, std::size_t>) {
         body(i);
