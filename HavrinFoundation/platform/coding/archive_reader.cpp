@@ -316,13 +316,19 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
 
 Strong<NSObject> ArchiveReader::makeOwn(Slot& slot, const ArchivedClassEntry& entry) {
   const auto awakes = [](ClassObject* cls) { return cls->row(selector<"awakeAfterUsingCoder:">) != nullptr; };
-  slot.object = alloc(Class(entry.cls));
+  try {
+    slot.object = alloc(Class(entry.cls));
+  } catch (const NSException& exception) {
+    fail(exception.reason());
+    return nullptr;
+  }
   slot.state = Slot::State::openToItself;
   Strong<NSObject> made = send<"initWithCoder:">(slot.object, &coder_);
   if (!made) return nullptr;
   ClassObject* const cls = dispatchClass(made);
   if (cls == entry.cls ? entry.awakes : awakes(cls)) made = send<"awakeAfterUsingCoder:">(made, &coder_);
-  return made;
+  const ClassObject* const shown = made ? dispatchClass(made)->shown() : entry.cls;
+  return shown == entry.cls || permits(shown) ? made : nullptr;
 }
 
 // Classes.
@@ -360,24 +366,18 @@ std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const Bi
   }
   if (!entry) {
     fail("no class " + quoted(name->text()) + " is known to archives");
-  } else if (!entry->form && !Class(entry->cls).object()->row(selector<"initWithCoder:">)) {
-    fail("the class " + quoted(name->text()) + " does not answer initWithCoder:");
-    return std::nullopt;
-  } else if (!entry->form && !entry->cls->adopts(protocolOf<NSCoding>())) {
-    fail("the class " + quoted(name->text()) + " does not adopt NSCoding");
     return std::nullopt;
   }
-  return entry;
+  const std::string_view refusal = entry->form ? std::string_view() : readingRefusal(*entry->cls);
+  if (refusal.empty()) return entry;
+  fail("the class " + quoted(name->text()) + ' ' + std::string(refusal));
+  return std::nullopt;
 }
 
 std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::entryForName(std::string_view name) {
-  if (const Class known = NSKeyedUnarchiver::classForName(name)) {
-    ClassObject* const cls = known.object();
-    return ArchivedClassEntry{cls, archivedFormForClass(cls), cls->row(selector<"awakeAfterUsingCoder:">) != nullptr};
-  }
-  const ArchivedForm* const form = archivedFormForName(name);
-  if (!form) return std::nullopt;
-  return ArchivedClassEntry{form->cls(), form, false};
+  ClassObject* const cls = NSKeyedUnarchiver::classForName(name).object();
+  if (!cls) return std::nullopt;
+  return ArchivedClassEntry{cls, archivedFormForClass(cls), cls->row(selector<"awakeAfterUsingCoder:">) != nullptr};
 }
 
 }  // namespace havrin::inline platform

@@ -144,8 +144,9 @@ ArchiveWriter::Plan ArchiveWriter::makePlan(ClassObject* cls) const {
   const auto known = archivedFormForClass(cls) ? std::nullopt : archivedNameForClass(Class(cls));
   if (known) {
     plan.name = *known;
-    if (!cls->row(selector<"encodeWithCoder:">))
-      plan.refusal = "the class " + name + " does not answer encodeWithCoder:";
+    const bool isWritten = cls->row(selector<"encodeWithCoder:">) != nullptr;
+    const std::string_view refusal = isWritten ? readingRefusal(*cls) : "does not answer encodeWithCoder:";
+    if (!refusal.empty()) plan.refusal = "the class " + name + ' ' + std::string(refusal);
   } else {
     const ClassObject* nearest = cls;
     while (nearest && !plan.form) {
@@ -160,7 +161,6 @@ ArchiveWriter::Plan ArchiveWriter::makePlan(ClassObject* cls) const {
     }
   }
   if (!plan.refusal.empty()) return plan;
-  if (!cls->adopts(protocolOf<NSCoding>())) plan.refusal = "the class " + name + " does not adopt NSCoding";
   if (coder_.requiresSecureCoding() && !cls->adopts(protocolOf<NSSecureCoding>())) {
     plan.refusal = "the class " + name + " does not adopt NSSecureCoding";
   }

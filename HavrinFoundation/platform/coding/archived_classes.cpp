@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/coding/archived_classes.h>
 
 #include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -60,6 +61,11 @@ std::optional<std::string> archivedNameForClass(Class cls) {
     if (entry.second.cls == cls && (!first || entry.second.order < first->second.order)) first = &entry;
   }
   return first ? std::optional(first->first) : std::nullopt;
+}
+
+std::string_view readingRefusal(const ClassObject& cls) {
+  if (!cls.adopts(protocolOf<NSCoding>())) return "does not adopt NSCoding";
+  return cls.row(selector<"initWithCoder:">) ? "" : "does not answer initWithCoder:";
 }
 
 bool AllowedClasses::permits(const ClassObject* given) const {

@@ -33,6 +33,9 @@ struct ArchivedForm {
 /// Cost: linear in the classes that have been named.
 [[nodiscard]] std::optional<std::string> archivedNameForClass(Class cls);
 
+/// Why objects of a class of the application cannot be read, to be said after its name. Empty when: they can.
+[[nodiscard]] std::string_view readingRefusal(const ClassObject& cls);
+
 /// The classes that may come while secure coding is required: one, a set of them, all that are the layer's own.
 struct AllowedClasses {
   Class cls;

@@ -9,8 +9,9 @@
 //   archiver->encodeInteger(3, "version");
 //   const auto bytes = archiver->encodedData();
 //
-// What can be written is what can be read; see keyed_unarchiver.h. Objects of a subclass of one of the layer's classes
-// are written as that class, unless archives know the subclass.
+// What can be written is what can be read, when the values of an object are asked for in the order in which they were
+// written; in another order, long chains of the application's objects may nest too deep. See keyed_unarchiver.h.
+// Objects of a subclass of one of the layer's classes are written as that class, unless archives know the subclass.
 // Left out: writing XML, delegates, stand-ins for objects, names of classes for one archiver alone.
 #pragma once
 
@@ -38,7 +39,7 @@ class HAVRIN_EXPORT NSKeyedArchiver : public Object<NSKeyedArchiver, NSCoder> {
   NSKeyedArchiver();
   ~NSKeyedArchiver() override;
 
-  /// Whether each object's class must adopt NSSecureCoding. Result: the archiver to use in its place, here itself.
+  /// Whether each object's class must adopt NSSecureCoding; said before anything is encoded. Result: the archiver to use in its place, here itself.
   virtual Strong<NSKeyedArchiver> initRequiringSecureCoding(bool required);
 
   /// An archive whose outermost object is `object`, null included.

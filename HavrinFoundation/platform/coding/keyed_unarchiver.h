@@ -31,6 +31,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <type_traits>
 
 namespace havrin::inline platform {
 
@@ -105,6 +106,8 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
 /// Makes the class T known to archives before the program begins, as a constant beside the class.
 template <class T>
 struct ArchivedClass {
+  static_assert(std::is_default_constructible_v<T>,
+                "ArchivedClass: archives make objects before they know their values");
   explicit ArchivedClass(std::string_view name = typeName<T>()) { NSKeyedUnarchiver::setClass(classOf<T>(), name); }
 };
 

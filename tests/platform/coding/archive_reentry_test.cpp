@@ -41,6 +41,15 @@ class Meddler : public Object<Meddler, NSObject> {
 };
 const ArchivedClass<Meddler> kArchivedMeddler("Meddler");
 
+/// Cannot be made before its values are known.
+class Needy : public Object<Needy, NSObject> {
+ public:
+  explicit Needy(int) {}
+  Strong<NSObject> initWithCoder(NSCoder*) { return this; }
+  using Protocols = List<NSCoding>;
+  using Members = List<Method<"initWithCoder:", &Needy::initWithCoder>>;
+};
+
 class ArchiveReentry : public testing::Test {
  protected:
   void TearDown() override {
@@ -86,6 +95,27 @@ TEST_F(ArchiveReentry, AnObjectCannotGiveItsUnarchiverAnotherArchive) {
   const auto unarchiver = unarchiverOf(data_);
   EXPECT_TRUE(decodeRoot(*unarchiver));
   unarchiver->finishDecoding();
+}
+
+TEST_F(ArchiveReentry, WhatAnObjectBecomesIsOfTheClassesAskedFor) {
+  Meddler::becomes = [](Meddler*) { return makeNumber(7); };
+  const auto data = NSKeyedArchiver::archivedDataWithRootObject(make<Meddler>(), true, nullptr);
+  const auto secure = unarchiverOf(data);
+  EXPECT_FALSE(secure->decodeObjectOfClass(classOf<Meddler>(), "root"));
+  EXPECT_TRUE(text(secure->error()).find("\"NSNumber\", which is not among the classes") != std::string::npos);
+  secure->finishDecoding();
+  const auto any = unarchiverOf(data);
+  any->setRequiresSecureCoding(false);
+  EXPECT_EQ(text(any->decodeObjectForKey("root")), "7");
+}
+
+TEST_F(ArchiveReentry, AClassThatMakesNoObjectsIsAFailure) {
+  NSKeyedUnarchiver::setClass(classOf<Needy>(), "Meddler");
+  const auto unarchiver = unarchiverOf(data_);
+  unarchiver->setRequiresSecureCoding(false);
+  EXPECT_FALSE(unarchiver->decodeObjectForKey("root"));
+  EXPECT_TRUE(text(unarchiver->error()).find("makes no objects without arguments") != std::string::npos);
+  NSKeyedUnarchiver::setClass(classOf<Meddler>(), "Meddler");
 }
 
 TEST_F(ArchiveReentry, AnUnarchiverOutlivesItsLastOwnerWhileItReads) {
