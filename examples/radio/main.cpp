@@ -2,10 +2,12 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <clocale>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -148,7 +150,7 @@ int run(const Options& options) {
 
   const bool onTerminal = Terminal::isPresent() && !options.once;
   const bool colours =
-      options.colours == Colours::always || (options.colours == Colours::automatic && isatty(STDOUT_FILENO) &&
+      options.colours == Colours::always || (options.colours == Colours::automatic && Terminal::takesControls() &&
                                              !havrin::NSProcessInfo::processInfo()->environmentValue("NO_COLOR"));
   const Paint paint(colours);
   bool changed = false;
@@ -173,7 +175,11 @@ int main(int count, char** words) {
     std::fputs(answer->text.c_str(), answer->status ? stderr : stdout);
     return answer->status;
   }
-  const int status = run(std::get<Options>(read));
+  int status = run(std::get<Options>(read));
+  if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+    std::fprintf(stderr, "radio: cannot write to standard output: %s\n", std::strerror(errno));
+    status = 1;
+  }
   if (const int signal = Terminal::endedBy()) {
     std::signal(signal, SIG_DFL);
     std::raise(signal);

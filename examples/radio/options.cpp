@@ -17,7 +17,7 @@ constexpr const char* kHelp =
 
   radio [options] [STATIONS.json]
 
-  --once                        draw the final state and exit (as without a terminal)
+  --once                        draw the final state and exit (as without a terminal, or on a dumb one)
   --seconds N                   how long the board runs; 0: until q (30)
   --verbose                     say why entries of the stations file were skipped
   --colours never|always|auto   auto: on a terminal, unless NO_COLOR is set

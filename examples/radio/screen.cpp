@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cwchar>
 
+#include <HavrinFoundation/platform/foundation/process_info.h>
 #include <HavrinFoundation/platform/foundation/unicode.h>
 
 namespace radio {
@@ -157,7 +158,12 @@ Terminal::~Terminal() { restore(); }
 
 int Terminal::endedBy() { return endingSignal; }
 
-bool Terminal::isPresent() { return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO); }
+bool Terminal::takesControls() {
+  const auto kind = havrin::NSProcessInfo::processInfo()->environmentValue("TERM");
+  return isatty(STDOUT_FILENO) && kind && *kind != "dumb";
+}
+
+bool Terminal::isPresent() { return isatty(STDIN_FILENO) && takesControls(); }
 
 Terminal::Size Terminal::size() {
   winsize window{};

@@ -48,7 +48,9 @@ class Terminal {
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
 
-  /// True when both input and output are a terminal.
+  /// True when the output is a terminal that follows control sequences, as a "dumb" one does not.
+  static bool takesControls();
+  /// True when both input and output are such a terminal.
   static bool isPresent();
   struct Size {
     std::size_t width;

@@ -1,9 +1,10 @@
 #include "station_file.h"
 
+#include <array>
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
 #include <HavrinFoundation/platform/coding/json_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
@@ -21,7 +22,17 @@ LoadedStations loadStations(const std::string& path) {
     loaded.problem = path + ": " + std::strerror(errno);
     return loaded;
   }
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  // Not by iterators: those throw where a folder opens as a file does and cannot be read.
+  std::string text;
+  std::array<char, 1 << 16> part;
+  do {
+    file.read(part.data(), part.size());
+    text.append(part.data(), static_cast<std::size_t>(file.gcount()));
+  } while (file);
+  if (file.bad()) {
+    loaded.problem = path + ": " + std::strerror(errno);
+    return loaded;
+  }
   try {
     const auto entries = JSONDecoder().read(text, [&loaded](Decoder& document) {
       return decodeArraySkippingInvalidElements<StationEntry>(
