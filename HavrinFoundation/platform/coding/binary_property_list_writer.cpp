@@ -1,10 +1,12 @@
 #include <HavrinFoundation/platform/coding/binary_property_list_writer.h>
 
 #include <HavrinFoundation/platform/coding/property_list.h>
+#include <HavrinFoundation/platform/foundation/random.h>
 #include <HavrinFoundation/platform/foundation/unicode.h>
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 namespace havrin::inline platform {
 namespace {
@@ -100,6 +102,20 @@ class TreeWriter {
 };
 
 }  // namespace
+
+// Eight bytes at a time, both halves of a product with a secret folded into one.
+std::size_t BinaryPropertyListWriter::SecretHash::operator()(std::string_view bytes) const {
+  __extension__ using Wide = unsigned __int128;
+  static const std::uint64_t kSecret = hashSecret();
+  std::uint64_t hash = kSecret ^ bytes.size();
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), sizeof hash))) {
+    std::uint64_t next = 0;
+    std::memcpy(&next, bytes.data(), std::min(bytes.size(), sizeof next));
+    const Wide product = Wide{hash ^ next} * kSecret;
+    hash = static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
+  }
+  return hash;
+}
 
 Number BinaryPropertyListWriter::scalar(std::string bytes) {
   if (bytes.size() > kLargestShared) {

@@ -63,13 +63,19 @@ class BinaryPropertyListWriter {
     std::size_t partCount = 0;
   };
 
+  // What stands in a tree may come from outside: nobody can choose which scalars meet.
+  struct SecretHash {
+    [[nodiscard]] std::size_t operator()(std::string_view bytes) const;
+  };
+
   Number scalar(std::string bytes);
   void setParts(Number container, unsigned kind, std::size_t count, std::span<const Number> first,
                 std::span<const Number> second);
 
   std::vector<Object> objects_;
-  std::vector<Number> parts_;                        // the references of all containers
-  std::unordered_map<std::string, Number> scalars_;  // the numbers by the bytes, which stay where they are
+  std::vector<Number> parts_;  // the references of all containers
+  // The numbers by the bytes, which stay where they are.
+  std::unordered_map<std::string, Number, SecretHash> scalars_;
   std::deque<std::string> largeScalars_;
 };
 

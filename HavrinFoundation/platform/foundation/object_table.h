@@ -23,13 +23,10 @@
 #include <utility>
 #include <vector>
 
-#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/random.h>
 #include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {
-
-/// An odd number, the same for the life of the process and another for each.
-[[nodiscard]] HAVRIN_EXPORT std::uint64_t objectTableMultiplier();
 
 template <class Entry>
 class ObjectTable {
@@ -161,7 +158,7 @@ class ObjectTable {
     std::size_t size = 16;
     while (count * 2 > size) size *= 2;
     index_.resize(size);
-    multiplier_ = objectTableMultiplier();
+    multiplier_ = hashSecret();
     for (std::size_t i = 0; i < slots_.size(); ++i) {
       index_[freeIndex(slots_[i].hash)] = static_cast<std::uint32_t>(i + 1);
     }

@@ -43,4 +43,9 @@ std::uint64_t secureRandomBits() {
   return bits;
 }
 
+std::uint64_t hashSecret() {
+  static const std::uint64_t kSecret = std::uint64_t{::arc4random()} << 32 | ::arc4random() | 1;
+  return kSecret;
+}
+
 }  // namespace havrin::inline platform

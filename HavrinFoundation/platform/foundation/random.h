@@ -19,7 +19,11 @@ namespace havrin::inline platform {
 /// 64 bits from the system's secure random-number generator. Threads and failure as above.
 [[nodiscard]] HAVRIN_EXPORT std::uint64_t secureRandomBits();
 
-/// What a test installs to own every random number.
+/// An odd number, the same for the life of the process and another for each, so that nobody can choose what meets in a
+/// hash table. A test's source is not asked for it. Threads: any.
+[[nodiscard]] HAVRIN_EXPORT std::uint64_t hashSecret();
+
+/// What a test installs to own every random number but hashSecret().
 class HAVRIN_EXPORT RandomSource {
  public:
   RandomSource() = default;
