@@ -18,6 +18,12 @@ Strong<NSDictionary> copied(NSDictionary* attributes) {
 
 std::uint64_t endOf(NSRange range) { return range.location + range.length; }
 
+// The text that cannot change any more: of many attributed strings perhaps the same one.
+Strong<NSString> immutable(NSString& string) {
+  if (string.isPlain() && !isKind<NSMutableString>(&string)) return Strong<NSString>(&string);
+  return makeString(utf16(string));
+}
+
 // Calls `body(run)` for each run of any attributed string, in order.
 template <class Body>
 void forEachRun(const NSAttributedString& text, Body body) {
@@ -38,7 +44,7 @@ NSAttributedString::NSAttributedString(NSString* string, NSDictionary* attribute
 NSAttributedString::NSAttributedString(NSString* string, std::span<const Run> runs) : runs_(runs.begin(), runs.end()) {
   constexpr std::string_view kSelector = "initWithString:runs:";
   if (!string) throwNullArgument(*this, kSelector, "string");
-  string_ = makeString(utf16(*string));
+  string_ = immutable(*string);
   std::uint64_t end = 0;
   for (const Run& run : runs_) {
     if (!run.attributes) throwNullArgument(*this, kSelector, "dictionary of a run");
@@ -56,7 +62,7 @@ Strong<NSAttributedString> NSAttributedString::initWithString(NSString* string) 
 
 Strong<NSAttributedString> NSAttributedString::initWithStringAttributes(NSString* string, NSDictionary* attributes) {
   if (!string) throwNullArgument(*this, "initWithString:attributes:", "string");
-  string_ = makeString(utf16(*string));
+  string_ = immutable(*string);
   runs_.clear();
   addRun(copied(attributes), string_->length());
   return Strong<NSAttributedString>(this);

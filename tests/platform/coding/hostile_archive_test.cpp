@@ -266,6 +266,16 @@ Strong<NSData> longTexts(std::string_view cls) {
   });
 }
 
+// One immutable text, which all may share.
+Strong<NSData> sharedText() {
+  Forger forger;
+  const auto cls = forger.classNamed("NSAttributedString");
+  const auto text = forger.text(kLong);
+  return forger.finish(forger.row(forger.classNamed("NSArray"), upTo(200, [&](std::size_t) {
+                                    return forger.instance(cls, {{"NSString", forger.list.uid(text)}});
+                                  })));
+}
+
 Strong<NSData> basesOfLinks() {
   Forger forger;
   const auto links = forger.classNamed("NSURL");
@@ -439,6 +449,7 @@ TEST(HostileArchive, GivesNothingOrWhatIsHarmlessInLittleMemory) {
       {"a long text in many ordered sets", [] { return longTexts("NSOrderedSet"); }, kTooHard},
       {"a long text as many links", [] { return longTexts("NSURL"); }, kTooLarge},
       {"a long text as many attributed texts", [] { return longTexts("NSMutableAttributedString"); }, kTooLarge},
+      {"a long immutable text as many attributed texts", sharedText, "none"},
       {"a long text as many mutable ones", [] { return longTexts("NSMutableString"); }, kTooLarge},
       {"a long text as a key of many dictionaries", longKeys, kTooLarge},
       {"a long base of many links", basesOfLinks, kTooLarge},
