@@ -86,8 +86,7 @@ class Selecting : public Object<Selecting, Marked> {
 TEST(ArrayBlocks, FilterTransformFoldAndSearchInOrder) {
   const struct {
     std::string word;
-    const char *vowels, *others, *mapped, *compacted, *folded, *first, *tested;
-    const char* why;
+    const char *vowels, *others, *mapped, *compacted, *folded, *first, *tested, *why;
   } rows[] = {
       {"", "()", "()", "()", "()", "nil", "nil", "", "an empty receiver: no block is called"},
       {"queue", "(u, e, u, e)", "(q)", "(<null>, U, E, U, E)", "(U, E, U, E)", "nilqueue", "u", "qu", "duplicates"},

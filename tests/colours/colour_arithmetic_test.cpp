@@ -87,8 +87,7 @@ TEST(Blending, WeighsTheOtherColour) {
   const auto white = UIColor::whiteColor();
   const struct {
     const char* why;
-    double weight;
-    double level;
+    double weight, level;
   } rows[] = {
       {"a quarter", 0.25, 0.25}, {"none", 0.0, 0.0},        {"all", 1.0, 1.0},
       {"too much", 1.5, 0.5},    {"too little", -0.1, 0.5}, {"not a number", kNotANumber, 0.5},

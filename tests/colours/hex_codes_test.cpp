@@ -35,8 +35,7 @@ TEST(HexCodes, AreReadLooselyOrNotAtAll) {
   const struct {
     const char* why;
     std::string code;
-    const char* cleaned;
-    const char* written;
+    const char *cleaned, *written;
   } rows[] = {
       {"six digits", "FF8800", "FF8800", "#FF8800"},
       {"number sign", "#FF8800", "FF8800", "#FF8800"},

@@ -67,10 +67,8 @@ TEST(DateArithmetic, SaturatesWhatHasNoMilliseconds) {
 
 TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
   const struct {
-    const char* zone;
-    const char* language;
-    double first;
-    double second;
+    const char *zone, *language;
+    double first, second;
     bool same;
     const char* why;
   } rows[] = {
@@ -113,10 +111,8 @@ TEST(DateArithmetic, FollowsTheZoneFromCallToCall) {
 TEST(DateArithmetic, CountsDaysAndMinutes) {
   const PinnedEnvironment environment("UTC");
   const struct {
-    double from;
-    double to;
-    std::int64_t days;
-    std::int64_t minutes;
+    double from, to;
+    std::int64_t days, minutes;
     const char* why;
   } rows[] = {
       {86340, 86460, 1, 2, "over midnight"}, {0, 59, 0, 0, "less than a minute"},

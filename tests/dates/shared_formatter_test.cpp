@@ -29,8 +29,7 @@ TEST(SharedFormatter, IsOneObjectWhoeverAsksFirst) {
 
 TEST(SharedFormatter, WritesAndReadsDateLinesAlikeOnEveryMachine) {
   const struct {
-    const char* zone;
-    const char* language;
+    const char *zone, *language;
   } machines[] = {{"GMT", "en_US"}, {"America/New_York", "de_DE"}, {"Asia/Tokyo", "th_TH"}, {nullptr, "ar_SA"}};
   for (const auto& machine : machines) {
     SCOPED_TRACE(machine.language);

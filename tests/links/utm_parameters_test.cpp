@@ -53,8 +53,7 @@ TEST(UtmParameters, AppendsBehindWhatStands) {
   const struct {
     std::string_view url;
     UTMParameters parameters;
-    std::string_view result;
-    std::string_view why;
+    std::string_view result, why;
   } rows[] = {
       {"https://h", all, "https://h?utm_campaign=1&utm_content=2&utm_medium=3&utm_name=4&utm_source=5&utm_term=6",
        "the fixed order"},

@@ -90,8 +90,7 @@ TEST_F(Observation, OptionsAreTwoBits) {
   const struct {
     std::vector<const char*> keyPaths;
     std::uint64_t options;
-    const char* told;
-    const char* why;
+    const char *told, *why;
   } rows[] = {
       {{"title"}, 0, "- 1 ->-, title 1 a>b, title 1 b>b, title 1 b>null", "none"},
       {{"title"}, 1 | 8, "- 1 ->-, title 1 a>b, title 1 b>b, title 1 b>null", "others have no effect"},

@@ -78,11 +78,7 @@ std::string errorOf(F body) {
 TEST(LenientDecoding, KeepsWhatDecodesInOrder) {
   using Integer = std::int64_t;
   const struct {
-    const char* json;
-    const char* integers;
-    const char* optionals;
-    const char* arrays;
-    const char* why;
+    const char *json, *integers, *optionals, *arrays, *why;
   } rows[] = {
       {"[]", "", "", "", "nothing at all"},
       {"[1,\"x\",3]", "1 3", "1 3", "", "a text among integers"},
@@ -178,12 +174,11 @@ TEST(LenientDecoding, WorksOnPropertyLists) {
                                                   {"plays", PropertyList(PropertyList::Array())},
                                                   {"listeners", std::move(listeners)}}));
   };
-  const PropertyList list(PropertyList::Dictionary(
-      {{"stations",
-        PropertyList(PropertyList::Array{entry("A", PropertyList(1)), entry("B", PropertyList(1.5)),
-                                         entry("C", PropertyList(Date())), entry("D", PropertyList(2.0))})}}));
+  const PropertyList list(PropertyList::Array{entry("A", PropertyList(1)), entry("B", PropertyList(1.5)),
+                                              entry("C", PropertyList(Date())), entry("D", PropertyList(2.0))});
   const auto decode = [](Decoder& document) {
-    return decodeArraySkippingInvalidElements<Station>(document.container(), "stations");
+    auto container = document.unkeyedContainer();
+    return decodeSkippingInvalidElements<Station>(container);
   };
   for (const auto& stations :
        {PropertyListDecoder().read(list, decode), PropertyListDecoder().read(binaryPropertyList(list), decode)}) {
@@ -216,8 +211,7 @@ TEST(LenientDecoding, DropsEverythingWhereItCannotStep) {
   const Habits stuck{.canStep = false};
   const struct {
     Habits habits;
-    const char* error;
-    const char* why;
+    const char *error, *why;
   } rows[] = {
       {stuck, "dataCorrupted at numbers[0]: no way to step", "a format that cannot move"},
       {{.failsFrom = 2}, "dataCorrupted at numbers[2]: the stream has broken off", "after two elements that decoded"},

@@ -105,8 +105,7 @@ TEST(Base36, NumbersAndStringsAreWrittenFromTheirIntegerValue) {
   const struct {
     Strong<NSNumber> number;
     Strong<NSString> string;
-    const char* text;
-    const char* why;
+    const char *text, *why;
   } rows[] = {
       {makeNumber(35.9), makeString("  35abc"), "Z",
        "a fraction is cut off, reading ends at the first other character"},

@@ -28,8 +28,7 @@ std::string printed(std::int64_t number) {
 TEST(FriendlyNumber, ShowsOneDecimalBelowAHundredOfTheUnit) {
   const struct {
     std::int64_t number;
-    const char* text;
-    const char* why;
+    const char *text, *why;
   } rows[] = {
       {0, "0", "zero"},
       {999, "999", "below a thousand"},

@@ -122,8 +122,7 @@ TEST(Decoding, SaysWhatFailedAndWhere) {
   using Stations = std::vector<Station>;
   const struct {
     std::string error;
-    const char* expected;
-    const char* why;
+    const char *expected, *why;
   } rows[] = {
       {errorOf<Stations>(Array{station()}), "none", "nothing is wrong"},
       {errorOf<Stations>(Array{null}), "valueNotFound at [0]: expected an object, found null", "null for an object"},

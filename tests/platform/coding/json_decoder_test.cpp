@@ -32,14 +32,7 @@ std::string outcome(std::string_view text) {
 
 TEST(JSONDecoder, ReadsAScalarByTheRulesOfItsType) {
   const struct {
-    const char* text;
-    const char* int8;
-    const char* uint64;
-    const char* int64;
-    const char* real;
-    const char* boolean;
-    const char* string;
-    const char* why;
+    const char *text, *int8, *uint64, *int64, *real, *boolean, *string, *why;
   } rows[] = {
       {"1", "1", "1", "1", "1", kMismatch, kMismatch, "a number is no boolean and no text"},
       {"1.0", "1", "1", "1", "1", kMismatch, kMismatch, "whole"},

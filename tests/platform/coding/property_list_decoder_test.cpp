@@ -44,8 +44,7 @@ TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
   const auto nan = std::numeric_limits<double>::quiet_NaN();
   const struct {
     PropertyList list;
-    const char* error;
-    const char* why;
+    const char *error, *why;
   } rows[] = {
       {PropertyList(7), "none", "an integer"},
       {PropertyList(7.5), "dataCorrupted at the top level: expected a 64-bit integer, found the number 7.5",

@@ -69,8 +69,7 @@ TEST(Array, OfEveryKindAnswersAlike) {
     const NSArray& array = *kind.array;
     EXPECT_EQ(array.count(), 4U);
     EXPECT_EQ(utf8(*array.description()), "(a, b, c, d)");
-    EXPECT_EQ(utf8(*array.objectAtIndexedSubscript(2)->description()), "c");
-    EXPECT_EQ(utf8(*array.firstObject()->description()) + utf8(*array.lastObject()->description()), "ad");
+    EXPECT_EQ(text(array.objectAtIndexedSubscript(2)) + text(array.firstObject()) + text(array.lastObject()), "cad");
     EXPECT_EQ(array.indexOfObject(s("c")), 2U);
     EXPECT_EQ(array.indexOfObject(s("z")), kNotFound);
     EXPECT_EQ(array.indexOfObject(nullptr), kNotFound);

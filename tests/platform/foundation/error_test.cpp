@@ -26,8 +26,7 @@ TEST(Error, SaysWhatWentWrong) {
   const std::string start = "Error Domain=NSCocoaErrorDomain Code=4864 ";
   const struct {
     Strong<NSDictionary> userInfo;
-    std::string localized;
-    std::string description;
+    std::string localized, description;
     const char* why;
   } rows[] = {
       {nullptr, kDefault, start + '"' + kDefault + '"', "no details"},

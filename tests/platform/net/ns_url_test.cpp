@@ -26,11 +26,7 @@ TEST(NSURL, SaysItsTextWithAndWithoutItsBase) {
   const auto part = link("#f", page);
   const struct {
     Strong<NSURL> url;
-    const char* relative;
-    const char* absolute;
-    const char* base;
-    const char* description;
-    const char* why;
+    const char *relative, *absolute, *base, *description, *why;
   } rows[] = {
       {page, "https://h/a/b/c", "https://h/a/b/c", "none", "https://h/a/b/c", "no base"},
       {link("../d", page), "../d", "https://h/a/d", "https://h/a/b/c", "../d -- https://h/a/b/c", "a base"},

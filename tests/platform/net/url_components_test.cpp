@@ -55,8 +55,7 @@ TEST(UrlComponents, EncodesNewItems) {
   const struct {
     std::string name;
     std::optional<std::string> value;
-    std::string_view text;
-    std::string_view why;
+    std::string_view text, why;
   } rows[] = {
       {"a", "b", "a=b", "plain"},
       {"a", "", "a=", "an empty value"},

@@ -272,13 +272,15 @@ TEST(Destruction, OfAMillionLinksUsesBoundedStack) {
   struct Link : Object<Link, NSObject> {
     Strong<NSObject> next;
   };
-  Strong<Link> chain;
+  Strong<Link> chain = make<Link>();
+  const Weak<Link> last = chain;
   for (int i = 0; i < 1'000'000; ++i) {
     auto link = make<Link>();
     link->next = std::move(chain);
     chain = std::move(link);
   }
   std::thread([&chain] { chain = nullptr; }).join();
+  EXPECT_FALSE(last.lock());
 }
 
 TEST(Destruction, ReleasesAttachedValuesAfterTheDestructors) {

@@ -65,9 +65,7 @@ TEST(KeyValueCoding, ReadsAndSetsThroughTheMethodsOfAKey) {
   const struct {
     const char* key;
     Strong<NSObject> value;
-    const char* before;
-    const char* after;
-    const char* why;
+    const char *before, *after, *why;
   } rows[] = {
       {"listeners", makeNumber(12), "0", "12", "a property"},
       {"listeners", makeNumber(12.9), "12", "12", "a real is truncated into an integer property"},
@@ -97,8 +95,7 @@ TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
   const struct {
     Strong<NSString> key;
     Strong<NSObject> value;
-    std::string_view reading;
-    std::string_view setting;
+    std::string_view reading, setting;
     const char* why;
   } rows[] = {
       {s("nothing"), makeNumber(1), NSUndefinedKeyException, NSUndefinedKeyException, "no method"},

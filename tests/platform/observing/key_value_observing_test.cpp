@@ -121,8 +121,7 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
 TEST_F(Observed, BadRegistrationsRaiseAndLeaveNothing) {
   send<"setHost:">(station, host("Ada"));
   const struct {
-    Strong<NSObject> object;
-    Strong<NSObject> observer;
+    Strong<NSObject> object, observer;
     Strong<NSString> path;
     std::uint64_t options;
     std::string_view name;

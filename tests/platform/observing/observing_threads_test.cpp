@@ -94,6 +94,7 @@ TEST(ObservingThreads, ObjectsAreDestroyedWhileTheyChange) {
   const auto title = makeString("title");
   const auto watcher = make<Watcher>();
   std::atomic<NSObject*> slot = nullptr;
+  Weak<Station> last;
   const auto exchange = [&slot](NSObject* next) {
     return Strong<Station>::adopt(static_cast<Station*>(slot.exchange(next)));
   };
@@ -102,12 +103,14 @@ TEST(ObservingThreads, ObjectsAreDestroyedWhileTheyChange) {
       [&](int i) {
         auto station = make<Station>();
         station->addObserver(watcher, title, i % 2 ? 0 : kBoth, nullptr);
+        last = station;
         const Strong<Station> before = exchange(Strong<NSObject>(station).detach());
       },
       [&] {
         if (const Strong<Station> station = exchange(nullptr)) send<"setTitle:">(station, 1);
       });
   exchange(nullptr);
+  EXPECT_FALSE(last.lock());
 }
 
 TEST(ObservingThreads, ObjectsOnTheWayAreReplacedWhileTheyChange) {

@@ -17,8 +17,7 @@ Calendar in(std::string_view zone) { return {CalendarIdentifier::gregorian, Time
 TEST(Calendar, StartsADayAtItsFirstMoment) {
   const struct {
     const char* zone;
-    double noon;
-    double start;
+    double noon, start;
     const char* why;
   } rows[] = {
       {"America/New_York", 1710082800, 1710046800, "23 hours"},
@@ -97,10 +96,8 @@ TEST(Calendar, ClampsWhatNoCalendarReaches) {
 TEST(Calendar, CountsDaysByTheirNumbersAndMinutesByTheirSeconds) {
   const struct {
     const char* zone;
-    double from;
-    double to;
-    std::int64_t days;
-    std::int64_t minutes;
+    double from, to;
+    std::int64_t days, minutes;
     const char* why;
   } rows[] = {
       {"America/New_York", 1710046800, 1710129600, 1, 1380, "23 hours"},

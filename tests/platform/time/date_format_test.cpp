@@ -22,8 +22,7 @@ TEST(DateFormat, WritesThePatternInTheWordsOfTheLocale) {
   constexpr double kMarch = 1709649000;  // 2024-03-05 14:30:00 UTC
   constexpr double kJuly = 1720189800;   // 2024-07-05 14:30:00 UTC
   const struct {
-    const char* locale;
-    const char* zone;
+    const char *locale, *zone;
     double instant;
     const char* text;
   } rows[] = {
@@ -56,8 +55,7 @@ TEST(DateFormat, WritesThePatternInTheWordsOfTheLocale) {
 TEST(DateFormat, WritesDigitsAndLiterals) {
   const double moment = -3600 * 11 + 60 * 5 + 7.0567;  // 1969-12-31 13:05:07.0567
   const struct {
-    const char* pattern;
-    const char* text;
+    const char *pattern, *text;
   } rows[] = {
       {"y yy yyy yyyy yyyyy", "1969 69 1969 1969 01969"},
       {"M MM MMM MMMM MMMMM LLL", "12 12 Dec December D Dec"},

@@ -36,10 +36,7 @@ TEST(Locale, ReadsBothFormsOfAName) {
 
 TEST(Locale, IsTheFirstOfThreeVariables) {
   const struct {
-    const char* all;
-    const char* time;
-    const char* language;
-    const char* identifier;
+    const char *all, *time, *language, *identifier;
   } rows[] = {
       {"de_DE", "fr_FR", "it_IT", "de_DE"},   {"", "fr_FR", "it_IT", "fr_FR"},
       {nullptr, "fr_FR", "it_IT", "fr_FR"},   {nullptr, "", "it_IT", "it_IT"},

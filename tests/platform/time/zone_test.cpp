@@ -162,8 +162,7 @@ class SystemZone : public ::testing::Test {
 TEST_F(SystemZone, IsWhatTheLinkNames) {
   const struct {
     fs::path target;
-    const char* name;
-    const char* why;
+    const char *name, *why;
   } rows[] = {
       {kZones / "Europe/Paris", "Europe/Paris", "a link"},
       {kZones / "US/Pacific", "US/Pacific", "a link to a zone that is a link"},
