@@ -93,13 +93,18 @@ TEST(SetBlocks, KeepTheOrderOfOrderedSets) {
     SCOPED_TRACE(std::string(classOf(*receiver).name()));
     const Strong<NSOrderedSet> odd = send<"select:">(receiver, isOdd);
     EXPECT_EQ(classOf(*odd), classOf(*receiver));
-    EXPECT_EQ(text(odd->array()), "(5, 1)");
+    std::string order;
+    for (NSObject* number : each(odd)) order += text(number);
+    EXPECT_EQ(order, "51");
     EXPECT_EQ(text(send<"reject:">(receiver, isOdd)->array()), "(2, 4)");
     EXPECT_EQ(text(send<"compactMap:">(receiver, oddOrNull)), "(5, 1)");
     EXPECT_EQ(text(send<"map:">(receiver, sameForAll)), "(same, same, same, same)") << "results are not made unique";
   }
   EXPECT_EQ(MyOrderedSet::made, 2);
   EXPECT_EQ(text(send<"compactMap:">(make<CountDown>(), oddOrNull)), "(5, 3, 1)");
+  std::string down;
+  for (NSObject* number : each(make<CountDown>())) down += text(number);
+  EXPECT_EQ(down, "54321");
 }
 
 TEST(SetBlocks, OfEmptySetsCallNoBlock) {

@@ -95,19 +95,6 @@ TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
   EXPECT_FALSE(isSameMonthAndDay(nothing, nothing));
 }
 
-TEST(DateArithmetic, FollowsTheZoneFromCallToCall) {
-  const PinnedEnvironment environment("America/New_York");
-  const Date evening = at(1710037800);  // 9 March 2024, 21:30 in New York
-  EXPECT_EQ(dateByAddingDays(evening, 1) - evening, 23 * 3600);
-  EXPECT_EQ(numberOfCalendarDays(evening, evening + 4 * 3600), 1);
-  PinnedEnvironment::set("TZ", "Asia/Tokyo");
-  EXPECT_EQ(dateByAddingDays(evening, 1) - evening, 24 * 3600);
-  EXPECT_EQ(numberOfCalendarDays(evening, evening + 4 * 3600), 0);
-  PinnedEnvironment::set("TZ", "America/Sao_Paulo");
-  EXPECT_EQ(numberOfCalendarDays(at(1541300400), at(1541383200)), 1) << "from a day without a midnight";
-  EXPECT_EQ(numberOfCalendarDays(at(1541815200), at(1541300400)), -6);
-}
-
 TEST(DateArithmetic, CountsDaysAndMinutes) {
   const PinnedEnvironment environment("UTC");
   const struct {

@@ -182,6 +182,15 @@ TEST(Decoding, LetsExceptionsOfOtherTypesThrough) {
   EXPECT_THROW(static_cast<void>(tryDecode<std::vector<Thrown>>(memory)), std::bad_alloc);
 }
 
+TEST(Decoding, UnderstandsAFormatThatThrows) {
+  const Value good = Array{station()};
+  EXPECT_TRUE(tryDecode<std::vector<Station>>(good, {.throws = true}));
+  const Value bad = Array{Object{{"title", 1}}};
+  const auto outcome = tryDecode<std::vector<Song>>(bad, {.throws = true});
+  ASSERT_FALSE(outcome);
+  EXPECT_EQ(outcome.error().description(), "typeMismatch at [0].title: expected a string, found the number 1");
+}
+
 TEST(KeyedContainer, AnswersForMissingAndNullKeys) {
   const Value value = Object{{"null", null}, {"one", 1}, {"super", Object{{"x", 2}}}};
   Decoder decoder = decoderOf(value);

@@ -155,6 +155,10 @@ TEST(Array, RefusesWhatIsOutOfRangeOrNullBeforeItChangesAnything) {
       {NSInvalidArgumentException, [&] { list->addObject(nullptr); }},
       {NSInvalidArgumentException, [&] { list->insertObject(nullptr, 0); }},
       {NSInvalidArgumentException, [&] { list->replaceObjectAtIndex(0, nullptr); }},
+      {NSInvalidArgumentException,
+       [&] {
+         (void)makeArray(std::initializer_list<NSObject*>{list, nullptr});
+       }},
   };
   for (const auto& [name, call] : bad) EXPECT_EQ(nameOf(call), name);
   EXPECT_EQ(list->mutations(), changes);

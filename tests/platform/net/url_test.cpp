@@ -37,6 +37,7 @@ TEST(Url, TakesTheGrammarToTheLetter) {
       {"http://[::1", false, "an open bracket"},
       {"http://[1:2:3:4:5:6:7:8:9]/", false, "nine groups"},
       {"http://[::12345]/", false, "five digits in a group"},
+      {"http://[1::2::3]/", false, "two elisions"},
       {"http://[::1.2.3.256]/", false, "an octet above 255"},
       {"http://[::1.2.3.04]/", false, "a leading zero in an octet"},
       {"http://[::1%251]/", false, "a zone"},
