@@ -1,3 +1,5 @@
+// Archives made by hand to do harm: each is read in a process of its own, with a small stack, and its memory is measured.
+// Length: the forger and what it forges are of no use to another test.
 #include <HavrinFoundation/platform/coding/binary_property_list_writer.h>
 
 #include <malloc.h>
