@@ -2,10 +2,7 @@
 
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/data.h>
-#include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/ordered_set.h>
-#include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/time/ns_date.h>
@@ -22,15 +19,6 @@ using Kind = BinaryObject::Kind;
 constexpr std::uint64_t kSmallestRoom = std::uint64_t{16} << 20;
 constexpr std::uint64_t kRoomPerByte = 32;
 constexpr std::uint64_t kObjectSize = 64;  // about what an object takes, whatever it holds
-
-constexpr std::uint8_t kOthers = 255;
-
-// A name from outside, as errors quote it.
-std::string quoted(std::string_view name) {
-  constexpr std::size_t kLongest = 80;
-  const bool isLong = name.size() > kLongest;
-  return '"' + std::string(name.substr(0, kLongest)) + (isLong ? "...\"" : "\"");
-}
 
 }  // namespace
 
@@ -66,6 +54,12 @@ ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArch
       work_(archivedWork(archive_->size())) {}
 
 // Failures.
+
+std::string ArchiveReader::quoted(std::string_view name) {
+  constexpr std::size_t kLongest = 80;
+  const bool isLong = name.size() > kLongest;
+  return '"' + std::string(name.substr(0, kLongest)) + (isLong ? "...\"" : "\"");
+}
 
 void ArchiveReader::fail(std::string_view reason) {
   if (hasFailed()) return;
@@ -153,62 +147,7 @@ NSObject* ArchiveReader::object(std::string_view key) {
   return nullptr;
 }
 
-NSObject* ArchiveReader::objectOfClasses(std::string_view key, const AllowedClasses& allowed) {
-  if (!coder_.requiresSecureCoding()) return object(key);
-  struct Restore {
-    ArchiveReader& reader;
-    AllowedClasses before;
-    std::uint8_t number;
-    ~Restore() {
-      reader.allowed_ = before;
-      reader.allowedNumber_ = number;
-    }
-  } const restore{*this, std::exchange(allowed_, allowed), std::exchange(allowedNumber_, numberOf(allowed))};
-  return object(key);
-}
-
 // Objects.
-
-bool ArchiveReader::permits(const ClassObject* cls) {
-  if (!coder_.requiresSecureCoding()) return true;
-  if (!allowed_.permits(cls)) {
-    fail("an object of class " + quoted(cls->name()) + ", which is not among the classes asked for");
-  } else if (!cls->adopts(protocolOf<NSSecureCoding>())) {
-    fail("an object of class " + quoted(cls->name()) + ", which does not adopt NSSecureCoding");
-  }
-  return !hasFailed();
-}
-
-// The classes that may come, as a number: slots remember them. kOthers for what is no use to remember.
-std::uint8_t ArchiveReader::numberOf(const AllowedClasses& allowed) {
-  for (std::size_t i = 0; i < allowedBefore_.size(); ++i) {
-    const AllowedClasses& before = allowedBefore_[i];
-    if (before.cls != allowed.cls || before.layersOwn != allowed.layersOwn) continue;
-    if (before.classes ? before.classes->isEqual(allowed.classes) : !allowed.classes)
-      return static_cast<std::uint8_t>(i);
-  }
-  if (allowedBefore_.size() == kOthers) return kOthers;
-  AllowedClasses kept = allowed;
-  if (allowed.classes) kept.classes = allowedSets_.emplace_back(cast<NSSet>(allowed.classes->copy())).get();
-  allowedBefore_.push_back(kept);
-  return static_cast<std::uint8_t>(allowedBefore_.size() - 1);
-}
-
-// Holds the parts of a collection, which was made when other classes could come, to those of now.
-bool ArchiveReader::permitsParts(NSObject* object, std::size_t depth) {
-  const auto all = [this, depth](const NSFastEnumeration* parts) {
-    for (NSObject* const part : each(parts)) {
-      if (!chargeWork(1) || !permits(dispatchClass(part)->shown()) || !permitsParts(part, depth + 1)) return false;
-    }
-    return true;
-  };
-  if (depth > NSKeyedUnarchiver::kDeepestNesting) return isWithinBounds("objects nest too deep");
-  if (const NSArray* const array = cast<NSArray>(object)) return all(array);
-  if (const NSSet* const set = cast<NSSet>(object)) return all(set);
-  if (const NSOrderedSet* const set = cast<NSOrderedSet>(object)) return all(set);
-  const NSDictionary* const dictionary = cast<NSDictionary>(object);
-  return !dictionary || (all(dictionary->allKeys()) && all(dictionary->allValues()));
-}
 
 NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
   if (uid == 0 || hasFailed()) return nullptr;
@@ -229,10 +168,7 @@ NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
       return nullptr;
     case Slot::State::openToItself:
     case Slot::State::made:
-      if (!coder_.requiresSecureCoding() || !slot.object) break;
-      if (!permits(dispatchClass(slot.object)->shown())) return nullptr;
-      if (slot.extent.height == 0 || (slot.allowed == allowedNumber_ && slot.allowed != kOthers)) break;
-      if (!permitsParts(slot.object, 0)) return nullptr;
+      if (!permitsAgain(slot)) return nullptr;
       break;
   }
   if (frame_->isBounded && !isWithinBounds(frame_->extent.add(slot.extent))) return nullptr;

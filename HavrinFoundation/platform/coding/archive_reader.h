@@ -16,6 +16,8 @@
 
 namespace havrin::inline platform {
 
+class NSAttributedString;
+
 class ArchiveReader {
  public:
   ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArchive> archive);
@@ -34,7 +36,7 @@ class ArchiveReader {
   [[nodiscard]] NSObject* objectOfClasses(std::string_view key, const AllowedClasses& allowed);
   /// The same, of the layer's own classes and those that may come anyway.
   [[nodiscard]] NSObject* objectOfLayersOwn(std::string_view key) {
-    return objectOfClasses(key, {.cls = allowed_.cls, .classes = allowed_.classes, .layersOwn = true});
+    return objectOfClasses(key, allowedAndLayersOwn());
   }
   /// The object under `key` as a T. A failure when: it is none, or null.
   template <class T>
@@ -76,13 +78,18 @@ class ArchiveReader {
   void failWithValue(std::string_view key, std::string_view wanted);
 
  private:
+  /// A name from outside, as errors quote it.
+  [[nodiscard]] static std::string quoted(std::string_view name);
+
+  static constexpr std::uint8_t kOthers = 255;  // classes that it is no use to remember
+
   // What is known of an object. Of a record of a class, `extent.expansion` is its index in `classes_`.
   struct Slot {
     enum class State : std::uint8_t { unread, open, openToItself, made, classRecord };
     Strong<NSObject> object;
     ArchivedExtent extent;
     State state = State::unread;
-    std::uint8_t allowed = 0;  // which classes could come when it was made
+    std::uint8_t allowed = kOthers;  // which classes could come when it was made
   };
   // A class that a record names.
   struct ArchivedClassEntry {
@@ -111,8 +118,15 @@ class ArchiveReader {
   [[nodiscard]] const ArchivedClassEntry* classEntry(std::uint64_t uid);
   [[nodiscard]] std::optional<ArchivedClassEntry> resolve(const BinaryObject& record);
   [[nodiscard]] static std::optional<ArchivedClassEntry> entryForName(std::string_view name);
+  // Which classes may come: archive_permissions.cpp.
+  class Allowing;
+  [[nodiscard]] AllowedClasses allowedAndLayersOwn() const {
+    return {.cls = allowed_.cls, .classes = allowed_.classes, .layersOwn = true};
+  }
   [[nodiscard]] bool permits(const ClassObject* cls);
+  [[nodiscard]] bool permitsAgain(const Slot& slot);
   [[nodiscard]] bool permitsParts(NSObject* object, std::size_t depth);
+  [[nodiscard]] bool permitsAttributes(const NSAttributedString& text, std::size_t depth);
   [[nodiscard]] std::uint8_t numberOf(const AllowedClasses& allowed);
   [[nodiscard]] bool isWithinBounds(std::string_view tooMuch);
 
@@ -126,7 +140,7 @@ class ArchiveReader {
   std::size_t depth_ = 0;
   std::uint64_t nextClassKey_ = 0;
   AllowedClasses allowed_;
-  std::uint8_t allowedNumber_ = 0;
+  std::uint8_t allowedNumber_ = kOthers;
   std::vector<AllowedClasses> allowedBefore_;  // what may have come for some object; the sets stand in the other
   std::vector<Strong<NSSet>> allowedSets_;
   std::vector<Slot> slots_;

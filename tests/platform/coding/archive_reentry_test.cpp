@@ -2,6 +2,7 @@
 // time, and an archive that can still be told from a good one.
 #include <HavrinFoundation/platform/coding/keyed_archiver.h>
 #include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 
@@ -107,6 +108,21 @@ TEST_F(ArchiveReentry, WhatAnObjectBecomesIsOfTheClassesAskedFor) {
   const auto any = unarchiverOf(data);
   any->setRequiresSecureCoding(false);
   EXPECT_EQ(text(any->decodeObjectForKey("root")), "7");
+}
+
+TEST_F(ArchiveReentry, AttributesReadBeforeAreHeldToTheClassesOfNow) {
+  const auto archiver = make<NSKeyedArchiver>();
+  archiver->encodeObject(
+      make<NSAttributedString>(s("text"), makeDictionary({{s("NSLink"), makeNumber(1)}, {s("own"), make<Meddler>()}})),
+      "text");
+  const auto unarchiver = unarchiverOf(archiver->encodedData());
+  const auto both = makeSet({classOf<NSAttributedString>(), classOf<Meddler>()});
+  const Strong<NSObject> read = unarchiver->decodeObjectOfClasses(both, "text");
+  EXPECT_TRUE(read);
+  EXPECT_EQ(unarchiver->decodeObjectOfClasses(both, "text"), read);
+  EXPECT_FALSE(unarchiver->decodeObjectOfClass(classOf<NSAttributedString>(), "text"));
+  EXPECT_TRUE(text(unarchiver->error()).find("\"Meddler\", which is not among the classes") != std::string::npos);
+  unarchiver->finishDecoding();
 }
 
 TEST_F(ArchiveReentry, AClassThatMakesNoObjectsIsAFailure) {
