@@ -240,25 +240,29 @@ class Survey {
       holdsItself_ |= extent.isOpen && !isKind<Node>(object);
       return;
     }
+    const std::uint64_t times = isKind<NSAttributedString>(object) ? 2 : 1;  // runs count their attributes, too
     extent.isOpen = true;
+    extent.weight += textLength(*object);
     visitParts(*object, [&](NSObject* part) {
       visit(part, depth + 1);
       if (!part) return;
       const Extent& inner = known_[part];
       extent.height = std::max(extent.height, inner.height + 1);
       extent.parts = std::min(extent.parts + inner.parts, kTooMany);
+      extent.weight = std::min(extent.weight + times * inner.weight, kTooMany);
     });
     extent.isOpen = false;
-    if (isKind<Node>(object)) extent.parts = 1;
+    if (isKind<Node>(object)) extent.parts = extent.weight = 1;
     highest_ = std::max(highest_, extent.height);
     mostParts_ = std::max(mostParts_, extent.parts);
+    mostWeight_ = std::max(mostWeight_, extent.weight);
   }
 
   /// Whether there may be reason to refuse the graph, with the limits taken narrowly.
   [[nodiscard]] bool mayBeRefused() const {
     constexpr std::size_t kDeep = NSKeyedUnarchiver::kDeepestNesting - 4;
     return holdsItself_ || deepest_ > kDeep || highest_ > kDeep ||
-           mostParts_ > NSKeyedUnarchiver::kLargestExpansion / 2;
+           mostWeight_ > NSKeyedUnarchiver::kLargestExpansion / 4;
   }
   [[nodiscard]] bool mustBeRefused() const {
     return holdsItself_ || deepest_ > NSKeyedUnarchiver::kDeepestNesting + 2 || mostParts_ == kTooMany;
@@ -288,9 +292,18 @@ class Survey {
   }
 
  private:
+  static std::uint64_t textLength(const NSObject& object) {
+    if (const auto* string = cast<NSString>(&object)) return string->length();
+    if (const auto* data = cast<NSData>(&object)) return data->length();
+    if (const auto* link = cast<NSURL>(&object)) return 2 * link->absoluteString()->length();
+    const auto* text = cast<NSAttributedString>(&object);
+    return text ? 2 * text->length() : 0;
+  }
+
   static constexpr std::uint64_t kTooMany = 4 * NSKeyedUnarchiver::kLargestExpansion;
   struct Extent {
-    std::uint64_t parts = 1;
+    std::uint64_t parts = 1;   // at the least
+    std::uint64_t weight = 4;  // at the most
     std::size_t height = 0;
     bool isOpen = false;
   };
@@ -299,6 +312,7 @@ class Survey {
   std::size_t deepest_ = 0;
   std::size_t highest_ = 0;
   std::uint64_t mostParts_ = 0;
+  std::uint64_t mostWeight_ = 0;
 };
 
 // Two graphs side by side: the same classes and values, and parts of one shared where those of the other are.
