@@ -29,12 +29,12 @@ void visitObjects(std::span<const std::byte> bytes) {
     const auto requireReference = [&list](std::uint64_t number) {
       require(number < list->objectCount() || (list->offsetOf(number) == 0 && !list->object(number)));
     };
-    for (std::uint64_t at = 0; at < object->count(); ++at) {
-      if (object->kind() == BinaryObject::Kind::array) requireReference(object->element(at));
-      if (object->kind() == BinaryObject::Kind::dictionary) {
-        requireReference(object->key(at));
-        requireReference(object->value(at));
-      }
+    const bool isArray = object->kind() == BinaryObject::Kind::array;
+    const bool isDictionary = object->kind() == BinaryObject::Kind::dictionary;
+    for (std::uint64_t at = 0; (isArray || isDictionary) && at < object->count(); ++at) {
+      if (isArray) requireReference(object->element(at));
+      if (isDictionary) requireReference(object->key(at));
+      if (isDictionary) requireReference(object->value(at));
     }
   }
 }
