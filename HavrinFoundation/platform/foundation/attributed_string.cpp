@@ -120,7 +120,7 @@ void NSAttributedString::addRun(NSDictionary* attributes, std::uint64_t length) 
 }
 
 Strong<NSAttributedString> NSAttributedString::snapshot() const {
-  const auto result = make<NSAttributedString>();
+  auto result = make<NSAttributedString>();
   result->string_ = string_;
   result->runs_ = runs_;
   return result;
