@@ -58,6 +58,7 @@ requires requires { &F::operator(); }
 struct CallableParameters<F> : CallableParameters<decltype(&F::operator())> {};
 template <class R, class C, class... A>
 struct CallableParameters<R (C::*)(A...)> {
+  using Result = R;
   using List = ParameterList<A...>;
 };
 template <class R, class C, class... A>
@@ -68,6 +69,7 @@ template <class R, class C, class... A>
 struct CallableParameters<R (C::*)(A...) const noexcept> : CallableParameters<R (C::*)(A...)> {};
 template <class R, class... A>
 struct CallableParameters<R (*)(A...)> {
+  using Result = R;
   using List = ParameterList<A...>;
 };
 
@@ -115,12 +117,18 @@ R callFitted(F& callable, A&&... arguments) {
   }
 }
 
-template <class F, class... A>
+template <class R, class Given>
+concept GivesResult = std::is_void_v<R> || requires(Given (*call)()) {
+  static_cast<R>(call());
+};
+
+template <class R, class F, class... A>
 consteval bool fittable() {
   if constexpr (std::is_invocable_v<F&, A...>) {
-    return true;
+    return GivesResult<R, std::invoke_result_t<F&, A...>>;
   } else if constexpr (PlainCallable<F>) {
-    return AllFit<ParameterList<A...>, typename CallableParameters<std::decay_t<F>>::List>::value;
+    using Plain = CallableParameters<std::decay_t<F>>;
+    return AllFit<ParameterList<A...>, typename Plain::List>::value && GivesResult<R, typename Plain::Result>;
   } else {
     return false;
   }
@@ -161,7 +169,7 @@ inline constexpr bool blockCallable = false;
 template <class F, class R, class... A>
 inline constexpr bool blockCallable<F, R(A...)> =
     !detail::isBlock<std::remove_cvref_t<F>> && !std::is_same_v<std::remove_cvref_t<F>, std::nullptr_t> &&
-    detail::fittable<std::decay_t<F>, A...>();
+    detail::fittable<R, std::decay_t<F>, A...>();
 
 /// A shared, nullable closure.
 /// Cost: one allocation when made from a callable; a copy is one count.

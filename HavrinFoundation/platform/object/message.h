@@ -180,6 +180,9 @@ struct Receiver<Class> : Receiver<ClassOf<NSObject>> {};
 
 template <class>
 inline constexpr bool never = false;
+// What compilers print of it says what was declared and what was given.
+template <class Declared, class... Given>
+inline constexpr bool takes = false;
 
 template <Text S, class Declaration, class Static, bool CanBeNull, class... A>
 inline typename Declaration::template ResultFor<Static> dispatch(NSObject* receiver, A&&... arguments) {
@@ -225,7 +228,8 @@ inline decltype(auto) send(R&& receiver, A&&... arguments) {
                     "send: the receiver's class declares no such message: is the selector spelt right, and the header "
                     "that declares it included?");
     } else if constexpr (!Declaration::template accepts<A...>()) {
-      static_assert(detail::never<R>, "send: these arguments do not fit the message's declaration");
+      static_assert(detail::takes<typename Declaration::Type, A...>,
+                    "send: these arguments do not fit the message's declaration");
     } else {
       return detail::dispatch<S, Declaration, typename Receiver::Static, Receiver::canBeNull>(
           Receiver::pointer(receiver), std::forward<A>(arguments)...);

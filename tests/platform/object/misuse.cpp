@@ -8,6 +8,8 @@ using namespace havrin;
 
 template <>
 struct havrin::Message<NSObject, "greet:"> : Signature<Strong<NSString>(NSString*)> {};
+template <>
+struct havrin::Message<NSObject, "ask:"> : Signature<void(BlockView<Strong<NSString>(NSObject*)>)> {};
 
 struct Listener : Object<Listener, NSObject> {
   Strong<NSString> name_;
@@ -30,6 +32,7 @@ void use(Listener& listener) {
 #if HAVRIN_CASE == 0
   send<"greet:">(listener, makeString("x"));
   (void)row<NSObject, "greet:", greet>();
+  send<"ask:">(listener, [](Listener& asked) { return asked.name_; });
 #elif HAVRIN_CASE == 1
   send<"greeet:">(listener, makeString("x"));
 #elif HAVRIN_CASE == 2
@@ -45,5 +48,7 @@ void use(Listener& listener) {
   (void)make<Shouter>();
 #elif HAVRIN_CASE == 7
   const std::int64_t age = send<"name">(listener);
+#elif HAVRIN_CASE == 8
+  send<"ask:">(listener, [](Listener& asked) { return asked.age(); });
 #endif
 }
