@@ -19,6 +19,7 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/graphics/responder.h>
 #include <HavrinFoundation/platform/object/message.h>
+#include <HavrinFoundation/platform/observing/key_path.h>
 
 namespace havrin::inline platform {
 
