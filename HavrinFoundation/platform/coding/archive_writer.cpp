@@ -156,8 +156,7 @@ ArchiveWriter::Plan ArchiveWriter::makePlan(ClassObject* cls) const {
     if (plan.form) {
       plan.name = plan.form->name;
     } else {
-      plan.refusal =
-          "an object of class " + name + ", which archives do not know: NSKeyedUnarchiver::setClass names it";
+      plan.refusal = "an object of class " + name + ", which archives do not know: an ArchivedClass names it";
     }
   }
   if (!plan.refusal.empty()) return plan;

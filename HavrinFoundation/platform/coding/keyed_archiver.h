@@ -2,7 +2,7 @@
 //
 //   Strong<NSError> why;
 //   const auto data = NSKeyedArchiver::archivedDataWithRootObject(names, false, &why);
-//   if (!data) std::puts(utf8(*why->description()).c_str());      an object of class "Station", which archives do not know
+//   if (!data) std::puts(utf8(*why->description()).c_str());      an object of class Station, which archives do not ...
 //
 //   auto archiver = make<NSKeyedArchiver>();                      or value by value
 //   archiver->encodeObject(names, "names");

@@ -3,6 +3,7 @@
 //   Strong<NSError> why;
 //   auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(data, &why);
 //   if (!unarchiver) std::puts(utf8(*why->description()).c_str());           no keyed archive
+//   unarchiver->setRequiresSecureCoding(false);                              or ask for classes: ...OfClasses
 //   const auto names = unarchiver->decodeObject<NSArray>(NSKeyedArchiveRootObjectKey);
 //   if (unarchiver->error()) ...                                             object 7: no class "Favourite" is known
 //

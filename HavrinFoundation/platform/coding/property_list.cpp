@@ -4,6 +4,7 @@
 #include <HavrinFoundation/platform/coding/xml_property_list.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace havrin::inline platform {
 namespace {
@@ -20,9 +21,12 @@ PropertyList::PropertyList(Dictionary value) : value_(std::make_shared<const Dic
 
 // Out of line: ten alternatives make much code at every place where a value is moved.
 PropertyList::PropertyList(const PropertyList& other) = default;
-PropertyList::PropertyList(PropertyList&& other) noexcept = default;
+PropertyList::PropertyList(PropertyList&& other) noexcept : value_(std::exchange(other.value_, Value())) {}
 PropertyList& PropertyList::operator=(const PropertyList& other) = default;
-PropertyList& PropertyList::operator=(PropertyList&& other) noexcept = default;
+PropertyList& PropertyList::operator=(PropertyList&& other) noexcept {
+  value_ = std::exchange(other.value_, Value());
+  return *this;
+}
 PropertyList::~PropertyList() = default;
 
 PropertyList::Kind PropertyList::kind() const noexcept {

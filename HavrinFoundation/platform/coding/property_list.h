@@ -69,6 +69,7 @@ class HAVRIN_EXPORT PropertyList {
   explicit PropertyList(Array value) : value_(std::make_shared<const Array>(std::move(value))) {}
   explicit PropertyList(Dictionary value);
 
+  /// What was moved from is the boolean false.
   PropertyList(const PropertyList& other);
   PropertyList(PropertyList&& other) noexcept;
   PropertyList& operator=(const PropertyList& other);

@@ -132,6 +132,7 @@ class XmlReader {
     if (error_) return *error_;
     if (status != XML_STATUS_OK) {
       if (XML_GetErrorCode(parser_) == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+      if (XML_GetErrorCode(parser_) == XML_ERROR_NO_ELEMENTS) return errorHere(whatIsMissing(bytes));
       return errorHere(XML_ErrorString(XML_GetErrorCode(parser_)));
     }
     if (!root_) return errorHere("no value");
@@ -166,6 +167,12 @@ class XmlReader {
 
   [[nodiscard]] PropertyListError errorHere(std::string_view reason) const {
     return {reason, XML_GetCurrentLineNumber(parser_), PropertyListError::Unit::line};
+  }
+
+  // To the parser, data that ends too early has no elements, however many it began.
+  [[nodiscard]] std::string_view whatIsMissing(std::span<const std::byte> bytes) const noexcept {
+    if (bytes.empty()) return "the data is empty";
+    return isInsideList_ || scalar_ || !open_.empty() ? "an element that is not closed" : "no element found";
   }
 
   void fail(std::string_view reason) {

@@ -136,7 +136,10 @@ TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
   const struct {
     std::string_view whole, error;
   } wholes[] = {
-      {"", "line 1: no element found"},
+      {"", "line 1: the data is empty"},
+      {"<?xml version=\"1.0\"?>", "line 1: no element found"},
+      {"<plist>\n<dict>\n<key>a</key>\n", "line 4: an element that is not closed"},
+      {"<string>a", "line 1: an element that is not closed"},
       {"{ a = b; }", "line 1: not well-formed (invalid token)"},
       {"bplist00", "byte 8: the data ends before its trailer"},
       {"<!DOCTYPE plist [\n<!ENTITY a 'aaaa'>]><plist><string>&a;</string></plist>", "line 2: an entity is declared"},
@@ -166,6 +169,10 @@ TEST(PropertyList, SharesWhatIsSharedAndWritesItOnce) {
   const auto small = readPropertyList(binaryPropertyList(samples::array(inner, inner)));
   ASSERT_TRUE(small);
   EXPECT_EQ((*small->array())[0].array(), (*small->array())[1].array());
+  List left = inner;
+  const List taken = std::move(left);
+  EXPECT_EQ(taken.array(), inner.array());
+  EXPECT_EQ(binaryPropertyList(left), binaryPropertyList(List(false)));  // NOLINT(bugprone-use-after-move)
   // 65536 times a thousand bytes are more than a thousand bytes may stand for.
   EXPECT_EQ(readPropertyList(bytes).error().reason, "shared parts that stand for too much");
 }
