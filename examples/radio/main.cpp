@@ -7,11 +7,11 @@
 #include <cmath>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include <HavrinFoundation/links/utm_parameters.h>
@@ -177,7 +177,8 @@ int main(int count, char** words) {
   }
   int status = run(std::get<Options>(read));
   if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
-    std::fprintf(stderr, "radio: cannot write to standard output: %s\n", std::strerror(errno));
+    const std::string why = std::generic_category().message(errno);
+    std::fprintf(stderr, "radio: cannot write to standard output: %s\n", why.c_str());
     status = 1;
   }
   if (const int signal = Terminal::endedBy()) {

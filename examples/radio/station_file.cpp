@@ -3,8 +3,8 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
-#include <cstring>
 #include <fstream>
+#include <system_error>
 
 #include <HavrinFoundation/platform/coding/json_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
@@ -19,7 +19,7 @@ LoadedStations loadStations(const std::string& path) {
   LoadedStations loaded;
   std::ifstream file(path, std::ios::binary);
   if (!file) {
-    loaded.problem = path + ": " + std::strerror(errno);
+    loaded.problem = path + ": " + std::generic_category().message(errno);
     return loaded;
   }
   // Not by iterators: those throw where a folder opens as a file does and cannot be read.
@@ -30,7 +30,7 @@ LoadedStations loadStations(const std::string& path) {
     text.append(part.data(), static_cast<std::size_t>(file.gcount()));
   } while (file);
   if (file.bad()) {
-    loaded.problem = path + ": " + std::strerror(errno);
+    loaded.problem = path + ": " + std::generic_category().message(errno);
     return loaded;
   }
   try {
