@@ -1,7 +1,6 @@
 #include <HavrinFoundation/platform/coding/binary_property_list_writer.h>
 
 #include <HavrinFoundation/platform/coding/property_list.h>
-#include <HavrinFoundation/platform/foundation/random.h>
 #include <HavrinFoundation/platform/foundation/unicode.h>
 
 #include <algorithm>
@@ -106,12 +105,11 @@ class TreeWriter {
 // Eight bytes at a time, both halves of a product with a secret folded into one.
 std::size_t BinaryPropertyListWriter::SecretHash::operator()(std::string_view bytes) const {
   __extension__ using Wide = unsigned __int128;
-  static const std::uint64_t kSecret = hashSecret();
-  std::uint64_t hash = kSecret ^ bytes.size();
+  std::uint64_t hash = secret ^ bytes.size();
   for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), sizeof hash))) {
     std::uint64_t next = 0;
     std::memcpy(&next, bytes.data(), std::min(bytes.size(), sizeof next));
-    const Wide product = Wide{hash ^ next} * kSecret;
+    const Wide product = Wide{hash ^ next} * secret;
     hash = static_cast<std::uint64_t>(product >> 64) ^ static_cast<std::uint64_t>(product);
   }
   return hash;

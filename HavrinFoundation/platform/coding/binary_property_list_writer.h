@@ -10,6 +10,7 @@
 // proportion to its size.
 #pragma once
 
+#include <HavrinFoundation/platform/foundation/random.h>
 #include <HavrinFoundation/platform/time/date.h>
 
 #include <cstddef>
@@ -65,6 +66,8 @@ class BinaryPropertyListWriter {
 
   // What stands in a tree may come from outside: nobody can choose which scalars meet.
   struct SecretHash {
+    std::uint64_t secret;
+    SecretHash() : secret(hashSecret()) {}
     [[nodiscard]] std::size_t operator()(std::string_view bytes) const;
   };
 
