@@ -42,7 +42,7 @@ class NSData;
 /// The key of the outermost object of an archive that holds one.
 inline constexpr std::string_view NSKeyedArchiveRootObjectKey = "root";
 
-/// Threads: one at a time; any thread.
+/// Threads: one at a time; any thread with 2 MiB of stack, which reading what nests deepest takes.
 class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder> {
  public:
   /// Objects nest at most so deep in what is read and in what NSKeyedArchiver writes.
