@@ -174,7 +174,7 @@ TEST(Dictionary, IsFoundAmongManyOfItsSizeWithoutComparingThemAll) {
     const auto members = make<NSMutableSet>();
     for (std::uint64_t number = 0; number < 500; ++number) members->addObject(wrapped(make<Compared>(number)));
     EXPECT_LT(compared, 500);
-    EXPECT_TRUE(members->containsObject(wrapped(make<Compared>(77))));
+    EXPECT_TRUE(members->containsObject(wrapped(make<Compared>(std::uint64_t{77}))));
   }
 }
 
