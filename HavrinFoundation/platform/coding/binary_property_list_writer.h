@@ -15,11 +15,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace havrin::inline platform {
@@ -42,7 +40,7 @@ class BinaryPropertyListWriter {
   Number text(std::u16string_view units);
 
   /// How many bytes a scalar takes in the list; 0 for an array or a dictionary.
-  [[nodiscard]] std::uint64_t sizeOf(Number scalar) const { return objects_[scalar].bytes.size(); }
+  [[nodiscard]] std::uint64_t sizeOf(Number scalar) const { return objects_[scalar].byteCount; }
 
   /// An array or a dictionary to be: a number for it, before its parts are known. It may be set again.
   Number container();
@@ -57,29 +55,36 @@ class BinaryPropertyListWriter {
   [[nodiscard]] std::vector<std::byte> finish(Number top) const;
 
  private:
+  // A scalar's bytes stand in `bytes_`, what a container refers to in `parts_`.
   struct Object {
-    std::string_view bytes;     // of a scalar, where it is held
-    std::string header;         // a container's own bytes
-    std::size_t firstPart = 0;  // in parts_
+    std::size_t firstByte = 0;
+    std::size_t byteCount = 0;
+    std::size_t firstPart = 0;
     std::size_t partCount = 0;
+    unsigned kind = 0;  // of a container, as its marker says
+  };
+  // A scalar in the index: most that differ are told apart without a look at their bytes.
+  struct Place {
+    std::uint32_t hash = 0;
+    std::uint32_t number = 0;  // plus one; 0 where there is none
   };
 
-  // What stands in a tree may come from outside: nobody can choose which scalars meet.
-  struct SecretHash {
-    std::uint64_t secret;
-    SecretHash() : secret(hashSecret()) {}
-    [[nodiscard]] std::size_t operator()(std::string_view bytes) const;
-  };
-
-  Number scalar(std::string bytes);
-  void setParts(Number container, unsigned kind, std::size_t count, std::span<const Number> first,
-                std::span<const Number> second);
+  [[nodiscard]] std::string_view bytesOf(const Object& scalar) const {
+    return std::string_view(bytes_).substr(scalar.firstByte, scalar.byteCount);
+  }
+  [[nodiscard]] std::uint32_t hashOf(std::string_view bytes) const;
+  [[nodiscard]] Place& place(std::string_view bytes, std::uint32_t hash);
+  void makeRoom();
+  Number endScalar(std::size_t firstByte);
+  void setParts(Number container, unsigned kind, std::span<const Number> first, std::span<const Number> second);
 
   std::vector<Object> objects_;
-  std::vector<Number> parts_;  // the references of all containers
-  // The numbers by the bytes, which stay where they are.
-  std::unordered_map<std::string, Number, SecretHash> scalars_;
-  std::deque<std::string> largeScalars_;
+  std::string bytes_;
+  std::vector<Number> parts_;
+  std::vector<Place> index_;  // by the hash; a power of two, at most half full
+  std::size_t indexed_ = 0;
+  // What stands in a tree may come from outside: nobody can choose which scalars meet.
+  std::uint64_t secret_ = hashSecret();
 };
 
 }  // namespace havrin::inline platform

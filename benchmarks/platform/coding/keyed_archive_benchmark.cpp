@@ -103,6 +103,7 @@ class Tree {
   Tree& operator=(const Tree&) = delete;
   ~Tree() { plist_free(root_); }
 
+  [[nodiscard]] plist_t whole() const { return root_; }
   [[nodiscard]] plist_t objects() const { return objects_; }
   [[nodiscard]] plist_t root() const { return plist_dict_get_item(plist_dict_get_item(root_, "$top"), "root"); }
 
@@ -178,6 +179,17 @@ void parses(benchmark::State& state) {
   }
 }
 
+void writesTree(benchmark::State& state) {
+  const Tree tree;
+  for (auto _ : state) {
+    char* bytes = nullptr;
+    std::uint32_t length = 0;
+    plist_to_bin(tree.whole(), &bytes, &length);
+    check(length > kInstances);
+    plist_to_bin_free(bytes);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -189,6 +201,7 @@ int main(int argc, char** argv) {
   benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_by_index", readsByIndex);
   benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_parse_alone", parses);
   benchmark::RegisterBenchmark("keyed_archive/write/10000/ours", writesOurs);
+  benchmark::RegisterBenchmark("keyed_archive/write/10000/libplist_tree_alone", writesTree);
   benchmark::RunSpecifiedBenchmarks();
   return 0;
 }
