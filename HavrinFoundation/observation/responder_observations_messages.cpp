@@ -17,6 +17,7 @@ void observeKeyPaths(UIResponder& self, NSObject* model, NSArray* keyPaths, std:
   const Strong<UIResponder> hold(&self);
   const Strong<NSObject> holdModel(model);
   const Strong<NSArray> holdKeyPaths(keyPaths);
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the caller may let go of it meanwhile
   const Action holdAction(action);
   send<"observeModel:forKeyPaths:options:action:">(self, model, keyPaths, options, action);
 }
