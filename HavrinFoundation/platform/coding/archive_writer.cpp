@@ -96,11 +96,8 @@ std::uint64_t ArchiveWriter::uidOf(const NSObject* object) {
     write(uid, *object);
   }
   const Written& written = written_[uid];
-  if (written.isOpen) {
-    // An object of the application may hold itself; it meets itself when it is read.
-    if (planFor(dispatchClass(object)->shown()).form) fail("a collection holds itself");
-    return uid;
-  }
+  // An object of the application may hold itself; it meets itself when it is read, as one part.
+  if (written.isOpen && planFor(dispatchClass(object)->shown()).form) fail("a collection holds itself");
   const std::string_view tooMuch = frame_.isBounded ? frame_.extent.add(written.extent) : std::string_view();
   if (!tooMuch.empty()) fail(tooMuch);
   return uid;
