@@ -1,6 +1,5 @@
 // Filtering and transforming arrays of counted objects. Every side reads one field of each element, which is as likely to
-// pass as not, and the time ends when the result has been destroyed. A second thread is parked, since the standard
-// library's counts leave their atomics out where there is none.
+// pass as not, and the time ends when the result has been destroyed.
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 
 #include <benchmark/benchmark.h>
@@ -22,11 +21,11 @@
 
 #include <HavrinFoundation/platform/foundation/number.h>
 
+#include "benchmarks/second_thread.h"
+
 namespace {
 
 using namespace havrin;
-
-std::mutex parked;
 
 class Item : public Object<Item, NSObject> {
  public:
@@ -182,11 +181,6 @@ void registerAll() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  parked.lock();
-  std::thread waiting([] { const std::lock_guard guard(parked); });
-  benchmark::Initialize(&argc, argv);
   registerAll();
-  benchmark::RunSpecifiedBenchmarks();
-  parked.unlock();
-  waiting.join();
+  return runBesideSecondThread(argc, argv);
 }

@@ -3,7 +3,6 @@
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/unfair_lock.h>
 
-#include <absl/synchronization/mutex.h>
 #include <benchmark/benchmark.h>
 #include <pthread.h>
 #include <QMutex>
@@ -14,6 +13,8 @@
 #include <cstdlib>
 #include <mutex>
 #include <thread>
+
+#include "benchmarks/locks.h"
 
 namespace {
 
@@ -28,12 +29,6 @@ const bool hasSecondThread = [] {
   return true;
 }();
 
-struct Word {
-  os_unfair_lock word;
-  void lock() { os_unfair_lock_lock(&word); }
-  void unlock() { os_unfair_lock_unlock(&word); }
-};
-
 // The shortest lock on the language's own waiting: no owner, no recursion check.
 struct AtomicWait {
   std::atomic<std::uint32_t> state{0};
@@ -45,12 +40,6 @@ struct AtomicWait {
   void unlock() {
     if (state.exchange(0, std::memory_order_release) == 2) state.notify_one();
   }
-};
-
-struct AbseilMutex {
-  absl::Mutex mutex;
-  void lock() { mutex.Lock(); }
-  void unlock() { mutex.Unlock(); }
 };
 
 struct SpinLock {
@@ -66,15 +55,6 @@ struct AdaptiveMutex {
   void unlock() { pthread_mutex_unlock(&mutex); }
 };
 
-template <class Lock>
-void pair(benchmark::State& state) {
-  static Lock lock;
-  for (auto _ : state) {
-    lock.lock();
-    benchmark::ClobberMemory();
-    lock.unlock();
-  }
-}
 BENCHMARK(pair<Word>)->Name("lock/pair/word/ours");
 BENCHMARK(pair<UnfairLock>)->Name("lock/pair/object/ours");
 BENCHMARK(pair<QMutex>)->Name("lock/pair/word/qmutex");

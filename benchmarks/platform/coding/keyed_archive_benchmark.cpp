@@ -15,6 +15,8 @@
 #include <thread>
 #include <vector>
 
+#include "benchmarks/second_thread.h"
+
 namespace {
 
 using namespace havrin;
@@ -193,15 +195,11 @@ void writesTree(benchmark::State& state) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A second thread, as programs have: shared pointers count without locked instructions in programs of one.
-  std::thread([] { std::this_thread::sleep_for(std::chrono::hours(24)); }).detach();
-  benchmark::Initialize(&argc, argv);
   benchmark::RegisterBenchmark("keyed_archive/read/10000/ours", readsOurs);
   benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_indexed", readsIndexed);
   benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_by_index", readsByIndex);
   benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_parse_alone", parses);
   benchmark::RegisterBenchmark("keyed_archive/write/10000/ours", writesOurs);
   benchmark::RegisterBenchmark("keyed_archive/write/10000/libplist_tree_alone", writesTree);
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
+  return runBesideSecondThread(argc, argv);
 }

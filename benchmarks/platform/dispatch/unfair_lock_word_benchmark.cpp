@@ -3,7 +3,6 @@
 #include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
 #include <HavrinFoundation/platform/object/members.h>
 
-#include <absl/synchronization/mutex.h>
 #include <benchmark/benchmark.h>
 #include <sys/single_threaded.h>
 #include <QMutex>
@@ -12,31 +11,12 @@
 #include <memory>
 #include <mutex>
 
+#include "benchmarks/locks.h"
+
 namespace {
 
 using namespace havrin;
 
-struct Word {
-  os_unfair_lock word;
-  void lock() { os_unfair_lock_lock(&word); }
-  void unlock() { os_unfair_lock_unlock(&word); }
-};
-
-struct AbseilMutex {
-  absl::Mutex mutex;
-  void lock() { mutex.Lock(); }
-  void unlock() { mutex.Unlock(); }
-};
-
-template <class Lock>
-void pair(benchmark::State& state) {
-  static Lock lock;
-  for (auto _ : state) {
-    lock.lock();
-    benchmark::ClobberMemory();
-    lock.unlock();
-  }
-}
 BENCHMARK(pair<Word>)->Name("one_thread/lock/pair/ours");
 BENCHMARK(pair<QMutex>)->Name("one_thread/lock/pair/qmutex");
 BENCHMARK(pair<std::mutex>)->Name("one_thread/lock/pair/std_mutex");

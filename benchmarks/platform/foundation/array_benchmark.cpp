@@ -1,5 +1,4 @@
-// Copying, adding to and reading arrays of counted objects. A second thread is parked, since the standard library's
-// counts leave their atomics out where there is none.
+// Copying, adding to and reading arrays of counted objects.
 #include <HavrinFoundation/platform/foundation/array.h>
 
 #include <benchmark/benchmark.h>
@@ -13,14 +12,14 @@
 #include <thread>
 #include <vector>
 
+#include "benchmarks/second_thread.h"
+
 namespace {
 
 using namespace havrin;
 
 constexpr std::int64_t kSize = 1000;
 constexpr std::int64_t kSteps = 10'000;
-std::mutex parked;
-
 class Item : public Object<Item, NSObject> {
  public:
   explicit Item(std::int64_t value) : value_(value) {}
@@ -150,11 +149,4 @@ BENCHMARK(readVector)->Name("array/read/1000/vector");
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  parked.lock();
-  std::thread waiting([] { const std::lock_guard guard(parked); });
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  parked.unlock();
-  waiting.join();
-}
+int main(int argc, char** argv) { return runBesideSecondThread(argc, argv); }

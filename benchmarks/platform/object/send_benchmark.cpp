@@ -18,6 +18,8 @@
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/members.h>
 
+#include "benchmarks/second_thread.h"
+
 namespace {
 
 using namespace havrin;
@@ -259,14 +261,8 @@ void registerAll() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A second thread: in a process of one, shared_ptr leaves its locked instructions out.
-  std::thread([] {
-    for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
-  }).detach();
   registerAll();
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
+  return runBesideSecondThread(argc, argv);
 }
 
 #include "send_benchmark.moc"

@@ -21,6 +21,8 @@
 #include <HavrinFoundation/platform/observing/key_value_coding.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
+#include "benchmarks/second_thread.h"
+
 namespace {
 
 using namespace havrin;
@@ -318,14 +320,8 @@ void registerAll() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A second thread: in a process of one, shared_ptr leaves its locked instructions out.
-  std::thread([] {
-    for (;;) std::this_thread::sleep_for(std::chrono::hours(1));
-  }).detach();
   registerAll();
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
+  return runBesideSecondThread(argc, argv);
 }
 
 #include "observing_benchmark.moc"
