@@ -131,12 +131,6 @@ std::optional<BinaryObject> ArchiveReader::value(std::string_view key, Kind kind
   return std::nullopt;
 }
 
-std::optional<std::uint64_t> ArchiveReader::uidAt(std::uint64_t number) {
-  const auto uid = archive_->list().uid(number);
-  if (!uid) fail("a value is no reference to an object");
-  return uid;
-}
-
 NSObject* ArchiveReader::object(std::string_view key) {
   if (hasFailed()) return nullptr;
   const auto number = archive_->find(frame_->values, key, frame_->next);

@@ -108,8 +108,6 @@ class ArchiveReader {
   };
   class Nested;
 
-  [[nodiscard]] std::optional<std::uint64_t> uidAt(std::uint64_t number);
-
   [[nodiscard]] NSObject* objectWithUid(std::uint64_t uid);
   [[nodiscard]] bool makeObject(std::uint64_t uid);
   [[nodiscard]] Strong<NSObject> makePlain(const BinaryObject& object);

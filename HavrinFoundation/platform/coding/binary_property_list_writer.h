@@ -39,9 +39,6 @@ class BinaryPropertyListWriter {
   /// UTF-16 units as they stand, lone surrogates too.
   Number text(std::u16string_view units);
 
-  /// How many bytes a scalar takes in the list; 0 for an array or a dictionary.
-  [[nodiscard]] std::uint64_t sizeOf(Number scalar) const { return objects_[scalar].byteCount; }
-
   /// An array or a dictionary to be: a number for it, before its parts are known. It may be set again.
   Number container();
   void setArray(Number container, std::span<const Number> elements);
