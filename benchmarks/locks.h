@@ -1,7 +1,7 @@
 // Locks as the benchmarks of locks share them.
 #pragma once
 
-#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <absl/synchronization/mutex.h>
 #include <benchmark/benchmark.h>
 

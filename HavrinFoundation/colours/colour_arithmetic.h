@@ -10,7 +10,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/graphics/ui_color.h>
+#include <HavrinFoundation/platform/interface/ui_color.h>
 
 namespace havrin {
 

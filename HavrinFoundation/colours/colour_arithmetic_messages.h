@@ -2,7 +2,7 @@
 #pragma once
 
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/graphics/ui_color.h>
+#include <HavrinFoundation/platform/interface/ui_color.h>
 
 namespace havrin::inline platform {
 

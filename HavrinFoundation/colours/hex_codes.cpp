@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include <HavrinFoundation/platform/foundation/random.h>
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/base/random.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/character_sets.h>
 
 namespace havrin {

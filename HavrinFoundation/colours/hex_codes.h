@@ -19,7 +19,7 @@
 #include <string_view>
 
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/graphics/ui_color.h>
+#include <HavrinFoundation/platform/interface/ui_color.h>
 
 namespace havrin {
 

@@ -3,7 +3,7 @@
 
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/graphics/ui_color.h>
+#include <HavrinFoundation/platform/interface/ui_color.h>
 
 namespace havrin::inline platform {
 

@@ -12,7 +12,7 @@
 
 #include <HavrinFoundation/dates/date_arithmetic.h>
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/time/ns_date.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
 
 #include <concepts>
 #include <cstdint>

@@ -6,7 +6,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/time/ns_date_formatter.h>
+#include <HavrinFoundation/platform/foundation/ns_date_formatter.h>
 
 #include <concepts>
 

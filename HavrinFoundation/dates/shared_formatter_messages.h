@@ -2,7 +2,7 @@
 #pragma once
 
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/time/ns_date_formatter.h>
+#include <HavrinFoundation/platform/foundation/ns_date_formatter.h>
 
 namespace havrin {
 

@@ -3,7 +3,7 @@
 //   zero<UUID>().uuidString()      "00000000-0000-0000-0000-000000000000"
 #pragma once
 
-#include <HavrinFoundation/platform/time/uuid.h>
+#include <HavrinFoundation/platform/base/uuid.h>
 
 #include <concepts>
 

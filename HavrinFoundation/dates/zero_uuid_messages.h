@@ -6,7 +6,7 @@
 
 #include <HavrinFoundation/dates/zero_uuid.h>
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/time/ns_uuid.h>
+#include <HavrinFoundation/platform/foundation/ns_uuid.h>
 
 #include <concepts>
 

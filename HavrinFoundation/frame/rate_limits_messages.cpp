@@ -1,6 +1,6 @@
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
 #include <HavrinFoundation/platform/dispatch/thread.h>
 #include <HavrinFoundation/platform/foundation/number.h>

@@ -4,8 +4,8 @@
 //   IS_EXECUTING_TEST=no ./app       false; so when it is absent, empty or 0
 #pragma once
 
+#include <HavrinFoundation/platform/application/process_info.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/process_info.h>
 
 namespace havrin {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/foundation/process_info.h>
+#include <HavrinFoundation/platform/application/process_info.h>
 
 namespace havrin::inline platform {
 

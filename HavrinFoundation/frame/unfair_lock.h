@@ -8,7 +8,7 @@
 // A thread that takes a lock it already holds, or frees one it does not hold, ends the process with one line.
 #pragma once
 
-#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 
 #include <concepts>
 #include <memory>

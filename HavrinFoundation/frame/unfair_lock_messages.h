@@ -9,7 +9,7 @@
 #pragma once
 
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 namespace havrin::message {

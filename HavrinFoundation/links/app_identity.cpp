@@ -1,7 +1,7 @@
 #include <HavrinFoundation/links/app_identity.h>
 
 #include <HavrinFoundation/links/app_identity_messages.h>
-#include <HavrinFoundation/platform/foundation/process_info.h>
+#include <HavrinFoundation/platform/application/process_info.h>
 
 #include <charconv>
 #include <string_view>

@@ -11,8 +11,8 @@
 // composed answers send `appVersionString` and `appBuildNumberString` to the bundle, so that a subclass's are taken.
 #pragma once
 
+#include <HavrinFoundation/platform/application/bundle.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/bundle.h>
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/foundation/bundle.h>
+#include <HavrinFoundation/platform/application/bundle.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 
 #include <cstdint>

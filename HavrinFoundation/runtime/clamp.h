@@ -7,7 +7,7 @@
 // There is no message form.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/range.h>
+#include <HavrinFoundation/platform/base/range.h>
 
 #include <concepts>
 #include <iterator>

@@ -7,7 +7,7 @@
 // They nest. Left out: bundles other than the main one, which NSBundle makes of any folder.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/bundle.h>
+#include <HavrinFoundation/platform/application/bundle.h>
 
 #include <string_view>
 

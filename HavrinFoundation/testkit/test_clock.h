@@ -14,7 +14,7 @@
 // Left out: more than one clock at a time; the system's own timers, which know nothing of it.
 #pragma once
 
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 
 #include <algorithm>

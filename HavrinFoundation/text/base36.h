@@ -6,8 +6,8 @@
 //   base36ValueAsBase10("1_0")       empty
 #pragma once
 
+#include <HavrinFoundation/platform/base/signed_integer.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/signed_integer.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -11,7 +11,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/character_set.h>
+#include <HavrinFoundation/platform/unicode/character_set.h>
 
 #include <concepts>
 #include <functional>

@@ -7,9 +7,9 @@
 //   friendlyNumber(5'000'000'000) "5000m"
 #pragma once
 
+#include <HavrinFoundation/platform/base/signed_integer.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/class_names.h>
-#include <HavrinFoundation/platform/foundation/signed_integer.h>
 
 #include <concepts>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include <HavrinFoundation/text/hex.h>
 
-#include <HavrinFoundation/platform/foundation/wide_instructions.h>
+#include <HavrinFoundation/platform/base/wide_instructions.h>
 
 #include <array>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include <HavrinFoundation/text/sha256.h>
 
 #include <HavrinFoundation/platform/crypto/sha256.h>
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/hex.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include <HavrinFoundation/text/string_helpers.h>
 
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <algorithm>
 #include <cstring>

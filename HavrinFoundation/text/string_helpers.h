@@ -6,11 +6,11 @@
 //   repeating<NSString>("ab", 3, ", ")                           "ab, ab, ab"
 #pragma once
 
+#include <HavrinFoundation/platform/base/range.h>
+#include <HavrinFoundation/platform/base/signed_integer.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/character_set.h>
 #include <HavrinFoundation/platform/foundation/class_names.h>
-#include <HavrinFoundation/platform/foundation/range.h>
-#include <HavrinFoundation/platform/foundation/signed_integer.h>
+#include <HavrinFoundation/platform/unicode/character_set.h>
 
 #include <concepts>
 #include <cstddef>

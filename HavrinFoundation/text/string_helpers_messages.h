@@ -9,8 +9,8 @@
 #include <cstdint>
 
 #include <HavrinFoundation/image.h>
+#include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
-#include <HavrinFoundation/platform/foundation/range.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 
 namespace havrin {

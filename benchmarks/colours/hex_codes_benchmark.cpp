@@ -12,7 +12,7 @@
 #include <memory>
 #include <string>
 
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 namespace {
 

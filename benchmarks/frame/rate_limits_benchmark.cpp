@@ -1,7 +1,7 @@
 // Debouncing and throttling, one call, with one key and with a thousand in turn. Every side reads the clock at each
 // call, as its users do. "engine" is what stands under the message.
 #include <HavrinFoundation/frame/rate_limits_messages.h>
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/platform/object/members.h>
 

@@ -3,7 +3,7 @@
 #include <HavrinFoundation/text/character_sets.h>
 #include <HavrinFoundation/text/string_helpers.h>
 
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <absl/strings/ascii.h>
 #include <benchmark/benchmark.h>

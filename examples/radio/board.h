@@ -10,7 +10,7 @@
 
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/graphics/responder.h>
+#include <HavrinFoundation/platform/interface/responder.h>
 
 #include "saved_state.h"
 #include "screen.h"

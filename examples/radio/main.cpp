@@ -15,11 +15,11 @@
 #include <vector>
 
 #include <HavrinFoundation/links/utm_parameters.h>
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/application/process_info.h>
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/host_loop.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
-#include <HavrinFoundation/platform/foundation/process_info.h>
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include "board.h"
 #include "options.h"

@@ -5,16 +5,16 @@
 #include <utility>
 
 #include <HavrinFoundation/colours/hex_codes.h>
+#include <HavrinFoundation/platform/application/process_info.h>
 #include <HavrinFoundation/platform/coding/coder.h>
 #include <HavrinFoundation/platform/coding/keyed_archiver.h>
 #include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/error.h>
-#include <HavrinFoundation/platform/foundation/process_info.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-#include <HavrinFoundation/platform/net/ns_url.h>
-#include <HavrinFoundation/platform/time/ns_date.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
 

@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <cwchar>
 
-#include <HavrinFoundation/platform/foundation/process_info.h>
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/application/process_info.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 namespace radio {
 

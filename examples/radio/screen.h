@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include <HavrinFoundation/platform/graphics/ui_color.h>
+#include <HavrinFoundation/platform/interface/ui_color.h>
 
 namespace radio {
 

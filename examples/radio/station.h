@@ -6,7 +6,7 @@
 
 #include <HavrinFoundation/platform/coding/decoding.h>
 #include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/graphics/ui_color.h>
+#include <HavrinFoundation/platform/interface/ui_color.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 namespace radio {

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 using namespace havrin;
 

@@ -1,6 +1,6 @@
 // A link and six texts: what is appended is what is read, and the rest of the link keeps its text.
 #include <HavrinFoundation/links/utm_parameters.h>
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // Hexadecimal text: reads back to the bytes, whichever body wrote it.
-#include <HavrinFoundation/platform/foundation/wide_instructions.h>
+#include <HavrinFoundation/platform/base/wide_instructions.h>
 #include <HavrinFoundation/text/hex.h>
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include <set>
 
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
-#include <HavrinFoundation/platform/foundation/random.h>
+#include <HavrinFoundation/platform/base/random.h>
 
 #include "../objects.h"
 

@@ -4,7 +4,7 @@
 #include <set>
 
 #include <HavrinFoundation/colours/hex_codes_messages.h>
-#include <HavrinFoundation/platform/foundation/random.h>
+#include <HavrinFoundation/platform/base/random.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include "../testing.h"

@@ -1,4 +1,4 @@
-#include <HavrinFoundation/platform/foundation/wide_instructions.h>
+#include <HavrinFoundation/platform/base/wide_instructions.h>
 #include <HavrinFoundation/text/hex.h>
 #include <HavrinFoundation/text/hex_messages.h>
 

@@ -1,7 +1,7 @@
 #include <HavrinFoundation/text/sha256.h>
 #include <HavrinFoundation/text/sha256_messages.h>
 
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 #include <sys/mman.h>
 #include <unistd.h>
 

@@ -1,7 +1,7 @@
 #include <HavrinFoundation/text/string_helpers.h>
 #include <HavrinFoundation/text/string_helpers_messages.h>
 
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include "../objects.h"
 

@@ -1,6 +1,7 @@
 """layers: who may include whom. The tables below are the house rules; a new arrow is a new line here, with its reason.
 
-The rooms include the layer and not one another, the layer includes no room, and its own folders stand in an order.
+The rooms include the layer and not one another, the layer includes no room, and its own folders are in one order, in
+which every arrow points down.
 A typed header never includes a message header, and brings in no object runtime unless its typed form is about objects.
 Third-party headers stand in the layer's .cpp files alone.
 """
@@ -11,24 +12,15 @@ from checks.source_tree import LIBRARY
 PLATFORM = LIBRARY + "platform/"
 ROOMS = ("frame", "observation", "collections", "runtime", "text", "dates", "colours", "links")
 
-# The layer's folders and what each may include besides itself.
-PLATFORM_FOLDERS = {
-    "crypto": set(),
-    "log": {"object"},
-    "object": {"dispatch"},
-    "dispatch": {"object"},
-    "foundation": {"object", "dispatch"},
-    "observing": {"object", "foundation", "dispatch"},
-    "time": {"object", "foundation", "dispatch"},
-    "net": {"object", "foundation"},
-    "graphics": {"object", "foundation"},
-    "coding": {"object", "foundation", "time", "net"},
-}
+# The layer's folders, from the lowest: a folder includes itself and those before it. The first row is the floor of plain
+# values, the second that of objects.
+VALUES = ("base", "unicode", "crypto", "graphics", "time", "net")
+OBJECTS = ("object", "foundation", "observing", "dispatch", "coding", "application", "log", "interface")
+ORDER = {folder: height for height, folder in enumerate(VALUES + OBJECTS)}
 
-# What a folder's .cpp files may include besides: the arrow back stands in no header.
+# What a folder's .cpp files may include besides: the arrow back is in no header.
 PLATFORM_SOURCES = {
     "object": {"foundation"},  # an object describes itself by a string
-    "foundation": {"coding"},  # a bundle reads its Info.plist
 }
 
 # Facilities that build on another room's facility, or on another of their own room.
@@ -69,7 +61,7 @@ ROOT_FILES = {"HavrinFoundation.h", "image.h", "image.cpp"}
 
 # Third-party headers, and the folders of the layer whose .cpp files use them.
 THIRD_PARTY = {
-    "unicode/": {"foundation", "time"},
+    "unicode/": {"unicode", "time"},
     "cctz/": {"time"},
     "openssl/": {"crypto"},
     "simdjson.h": {"coding"},
@@ -106,11 +98,12 @@ def platform_include(name, included):
     other = included.removeprefix(PLATFORM).split("/")[0]
     if folder is None or other in (folder, "export.h") or "/" not in included.removeprefix(PLATFORM):
         return None
-    allowed = PLATFORM_FOLDERS.get(folder, set())
-    if name.endswith(".cpp"):
-        allowed = allowed | PLATFORM_SOURCES.get(folder, set())
-    if other not in allowed:
-        return f"platform/{folder} does not include platform/{other}"
+    if name.endswith(".cpp") and other in PLATFORM_SOURCES.get(folder, set()):
+        return None
+    if folder not in ORDER or other not in ORDER:
+        return f"platform/{folder if folder not in ORDER else other} has no place in the order of tools/checks/layers.py"
+    if ORDER[other] > ORDER[folder]:
+        return f"platform/{folder} is below platform/{other}"
     return None
 
 

@@ -2,10 +2,10 @@
 
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
-#include <HavrinFoundation/platform/time/ns_date.h>
 
 #include <algorithm>
 #include <utility>

@@ -1,6 +1,6 @@
 #include <HavrinFoundation/platform/coding/binary_property_list.h>
 
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <bit>
 #include <cstring>

@@ -1,7 +1,7 @@
 #include <HavrinFoundation/platform/coding/binary_property_list_writer.h>
 
 #include <HavrinFoundation/platform/coding/property_list.h>
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <algorithm>
 #include <bit>

@@ -10,7 +10,7 @@
 // proportion to its size.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/random.h>
+#include <HavrinFoundation/platform/base/random.h>
 #include <HavrinFoundation/platform/time/date.h>
 
 #include <cstddef>

@@ -10,10 +10,10 @@
 //   };
 #pragma once
 
+#include <HavrinFoundation/platform/base/text.h>
 #include <HavrinFoundation/platform/coding/decoder.h>
 #include <HavrinFoundation/platform/coding/keyed_decoding_container.h>
 #include <HavrinFoundation/platform/coding/unkeyed_decoding_container.h>
-#include <HavrinFoundation/platform/object/text.h>
 
 #include <algorithm>
 #include <concepts>

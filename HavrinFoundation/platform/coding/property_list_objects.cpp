@@ -3,9 +3,9 @@
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/time/ns_date.h>
 
 #include <unordered_map>
 

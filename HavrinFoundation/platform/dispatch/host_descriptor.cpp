@@ -1,6 +1,6 @@
 #include <HavrinFoundation/platform/dispatch/host_descriptor.h>
 
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/base/clock.h>
 
 #include <sys/epoll.h>
 #include <sys/eventfd.h>

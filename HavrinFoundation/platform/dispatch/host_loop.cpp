@@ -1,7 +1,7 @@
 #include <HavrinFoundation/platform/dispatch/host_loop.h>
 
+#include <HavrinFoundation/platform/base/misuse.h>
 #include <HavrinFoundation/platform/dispatch/host_descriptor.h>
-#include <HavrinFoundation/platform/dispatch/misuse.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 

@@ -1,7 +1,7 @@
 #include <HavrinFoundation/platform/dispatch/once.h>
 
-#include <HavrinFoundation/platform/dispatch/futex.h>
-#include <HavrinFoundation/platform/dispatch/misuse.h>
+#include <HavrinFoundation/platform/base/futex.h>
+#include <HavrinFoundation/platform/base/misuse.h>
 
 #include <unistd.h>
 

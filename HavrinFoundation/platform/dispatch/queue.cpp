@@ -1,10 +1,10 @@
 #include <HavrinFoundation/platform/dispatch/queue.h>
 
+#include <HavrinFoundation/platform/base/futex.h>
+#include <HavrinFoundation/platform/base/misuse.h>
 #include <HavrinFoundation/platform/dispatch/created_queue_state.h>
 #include <HavrinFoundation/platform/dispatch/execution_frame.h>
-#include <HavrinFoundation/platform/dispatch/futex.h>
 #include <HavrinFoundation/platform/dispatch/main_queue_state.h>
-#include <HavrinFoundation/platform/dispatch/misuse.h>
 #include <HavrinFoundation/platform/dispatch/worker_pool.h>
 #include <HavrinFoundation/platform/object/exception.h>
 

@@ -1,6 +1,6 @@
 #include <HavrinFoundation/platform/dispatch/queue_state.h>
 
-#include <HavrinFoundation/platform/dispatch/misuse.h>
+#include <HavrinFoundation/platform/base/misuse.h>
 
 #include <exception>
 #include <string>

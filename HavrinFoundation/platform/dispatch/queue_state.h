@@ -1,8 +1,8 @@
 // What stands behind a reference to a queue. Internal to the layer.
 #pragma once
 
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
-#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
 
 #include <atomic>
 #include <string>

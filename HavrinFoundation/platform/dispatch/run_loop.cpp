@@ -1,7 +1,7 @@
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 
-#include <HavrinFoundation/platform/dispatch/clock.h>
-#include <HavrinFoundation/platform/dispatch/futex.h>
+#include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/base/futex.h>
 #include <HavrinFoundation/platform/dispatch/host_descriptor.h>
 #include <HavrinFoundation/platform/dispatch/main_queue_state.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_mode.h>

@@ -1,7 +1,7 @@
 #include <HavrinFoundation/platform/dispatch/worker_pool.h>
 
+#include <HavrinFoundation/platform/base/futex.h>
 #include <HavrinFoundation/platform/dispatch/execution_frame.h>
-#include <HavrinFoundation/platform/dispatch/futex.h>
 
 #include <fcntl.h>
 #include <pthread.h>

@@ -14,10 +14,10 @@
 #include <span>
 #include <vector>
 
+#include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/range.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 

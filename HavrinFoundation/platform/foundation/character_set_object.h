@@ -14,8 +14,8 @@
 #include <utility>
 
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/character_set.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/unicode/character_set.h>
 
 namespace havrin::inline platform {
 

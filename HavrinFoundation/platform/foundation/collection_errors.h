@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/range.h>
 #include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {

@@ -14,8 +14,8 @@
 #include <span>
 #include <vector>
 
+#include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/range.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 namespace havrin::inline platform {

@@ -23,7 +23,7 @@
 #include <utility>
 #include <vector>
 
-#include <HavrinFoundation/platform/foundation/random.h>
+#include <HavrinFoundation/platform/base/random.h>
 #include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {

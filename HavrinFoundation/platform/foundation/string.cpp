@@ -7,8 +7,8 @@
 
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
-#include <HavrinFoundation/platform/foundation/unicode.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 namespace havrin::inline platform {
 

@@ -20,9 +20,9 @@
 #include <string>
 #include <string_view>
 
+#include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
-#include <HavrinFoundation/platform/foundation/range.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 namespace havrin::inline platform {

@@ -1,6 +1,6 @@
 #include <HavrinFoundation/platform/net/percent_encoding.h>
 
-#include <HavrinFoundation/platform/foundation/unicode.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <array>
 #include <cstddef>

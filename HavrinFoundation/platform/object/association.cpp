@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/object/runtime_internal.h>
 
 namespace havrin::inline platform {

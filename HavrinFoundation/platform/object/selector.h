@@ -13,8 +13,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include <HavrinFoundation/platform/base/text.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/object/text.h>
 
 namespace havrin::inline platform {
 

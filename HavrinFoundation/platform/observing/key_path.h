@@ -8,9 +8,9 @@
 // lead to an object whose class is declared.
 #pragma once
 
+#include <HavrinFoundation/platform/base/text.h>
 #include <HavrinFoundation/platform/foundation/lazy_string.h>
 #include <HavrinFoundation/platform/object/message.h>
-#include <HavrinFoundation/platform/object/text.h>
 
 namespace havrin::inline platform {
 

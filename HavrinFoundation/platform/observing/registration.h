@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include <HavrinFoundation/platform/dispatch/unfair_lock_word.h>
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/observing/key_facts.h>

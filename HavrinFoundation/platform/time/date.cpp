@@ -1,6 +1,6 @@
 #include <HavrinFoundation/platform/time/date.h>
 
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/base/clock.h>
 
 namespace havrin::inline platform {
 

@@ -45,7 +45,7 @@ class Date {
   template <class Duration>
   explicit constexpr Date(std::chrono::sys_time<Duration> point) : seconds_(secondsOf(point.time_since_epoch())) {}
 
-  /// The current instant of the wall clock, which a test may own (see dispatch/clock.h).
+  /// The current instant of the wall clock, which a test may own (see base/clock.h).
   [[nodiscard]] HAVRIN_EXPORT static Date now();
 
   /// Seconds since 2001-01-01 00:00:00 UTC, exactly as held.

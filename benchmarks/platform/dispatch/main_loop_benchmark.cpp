@@ -2,7 +2,7 @@
 // to be run. "post/share" is what the poster spends; "post/run" posts from another thread until all has been run;
 // "post/asleep" wakes another thread, which posts to the loop that sleeps meanwhile. The times of the first two are those of the
 // whole batch, of 1000 posts and of 20000 by each producer.
-#include <HavrinFoundation/platform/dispatch/clock.h>
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 

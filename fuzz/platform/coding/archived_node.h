@@ -7,13 +7,13 @@
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
+#include <HavrinFoundation/platform/foundation/ns_uuid.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/net/ns_url.h>
-#include <HavrinFoundation/platform/time/ns_date.h>
-#include <HavrinFoundation/platform/time/ns_uuid.h>
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // A query and the text of a new item: items that were read are written back as they stood, read again they are the
 // same, and a new item reads as what it was made of.
-#include <HavrinFoundation/platform/foundation/unicode.h>
 #include <HavrinFoundation/platform/net/url_components.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <cstddef>
 #include <cstdint>

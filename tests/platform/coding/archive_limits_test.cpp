@@ -4,9 +4,9 @@
 #include <HavrinFoundation/platform/coding/property_list.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-#include <HavrinFoundation/platform/net/ns_url.h>
 
 #include "../../objects.h"
 

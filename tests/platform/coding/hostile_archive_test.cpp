@@ -6,7 +6,7 @@
 #include <fstream>
 
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
-#include <HavrinFoundation/platform/net/ns_url.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
 #include "hostile_archives.h"
 
 #if defined(__SANITIZE_ADDRESS__)

@@ -5,9 +5,9 @@
 #include <iterator>
 
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
-#include <HavrinFoundation/platform/net/ns_url.h>
-#include <HavrinFoundation/platform/time/ns_date.h>
-#include <HavrinFoundation/platform/time/ns_uuid.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
+#include <HavrinFoundation/platform/foundation/ns_uuid.h>
 #include "archive_samples.h"
 
 namespace havrin {

@@ -1,7 +1,7 @@
 #include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
 
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
-#include <HavrinFoundation/platform/net/ns_url.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
 
 #include "archive_samples.h"
 

@@ -1,0 +1,99 @@
+#include <HavrinFoundation/platform/application/bundle.h>
+
+#include <HavrinFoundation/platform/base/file_bytes.h>
+#include <HavrinFoundation/platform/coding/property_list.h>
+#include <HavrinFoundation/platform/coding/property_list_objects.h>
+
+#include <filesystem>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <unordered_map>
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+constexpr std::size_t kLargestInformation = std::size_t{16} << 20;
+
+// The folder's one path, links followed.
+std::optional<std::string> folderAt(std::string_view path) {
+  std::error_code failed;
+  const std::filesystem::path folder = std::filesystem::canonical(path, failed);
+  if (failed || !std::filesystem::is_directory(folder, failed)) return std::nullopt;
+  return folder.string();
+}
+
+std::string programFolder() {
+  std::error_code failed;
+  return std::filesystem::read_symlink("/proc/self/exe", failed).parent_path().string();
+}
+
+// The bundles of the process. Never destroyed.
+struct Bundles {
+  std::mutex mutex;
+  std::unordered_map<std::string, Strong<NSBundle>> byFolder;
+  Strong<NSBundle> installedMain;  // null: the program's own
+};
+
+Bundles& bundles() {
+  static Bundles* const all = new Bundles;
+  return *all;
+}
+
+Strong<NSBundle> installedMainBundle() {
+  const std::lock_guard lock(bundles().mutex);
+  return bundles().installedMain;
+}
+
+Strong<NSBundle> bundleOfFolder(const std::string& folder) {
+  const std::lock_guard lock(bundles().mutex);
+  Strong<NSBundle>& bundle = bundles().byFolder[folder];
+  if (!bundle) bundle = make<NSBundle>(folder);
+  return bundle;
+}
+
+}  // namespace
+
+// Read at the first question, once.
+struct NSBundle::Information {
+  std::once_flag once;
+  std::optional<PropertyList> list;
+};
+
+NSBundle::NSBundle() : NSBundle("") {}
+NSBundle::NSBundle(std::string_view path) : path_(path), information_(std::make_unique<Information>()) {}
+NSBundle::~NSBundle() = default;
+
+Strong<NSBundle> NSBundle::mainBundle() {
+  if (auto installed = installedMainBundle()) return installed;
+  static NSBundle* const own = bundleOfFolder(programFolder()).detach();
+  return own;
+}
+
+Strong<NSBundle> NSBundle::bundleWithPath(std::string_view path) {
+  const auto folder = folderAt(path);
+  if (!folder) return nullptr;
+  if (auto main = installedMainBundle(); main && folderAt(main->path_) == folder) return main;
+  return bundleOfFolder(*folder);
+}
+
+Strong<NSString> NSBundle::bundlePath() const { return makeString(path_); }
+
+Strong<NSObject> NSBundle::objectForInfoDictionaryKey(const NSString* key) const {
+  if (!key || path_.empty()) return nullptr;
+  std::call_once(information_->once, [this] {
+    const auto bytes = fileBytes(path_ + "/Info.plist", kLargestInformation);
+    if (!bytes) return;
+    if (auto list = readPropertyList(*bytes)) information_->list = *std::move(list);
+  });
+  const PropertyList* value = information_->list ? information_->list->valueForKey(utf8(*key)) : nullptr;
+  return value ? objectOf(*value) : nullptr;
+}
+
+Strong<NSBundle> installMainBundle(NSBundle* bundle) {
+  const std::lock_guard lock(bundles().mutex);
+  return std::exchange(bundles().installedMain, Strong<NSBundle>(bundle));
+}
+
+}  // namespace havrin::inline platform

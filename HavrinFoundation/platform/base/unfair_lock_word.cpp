@@ -1,0 +1,88 @@
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
+
+#include <HavrinFoundation/platform/base/futex.h>
+#include <HavrinFoundation/platform/base/misuse.h>
+
+namespace havrin::inline platform::unfair_lock_word {
+
+constinit thread_local std::uint32_t thisThread [[gnu::tls_model("initial-exec")]] = 0;
+
+namespace {
+
+// The word is the owner's number; this bit says that somebody sleeps, or may sleep, on it.
+constexpr std::uint32_t kWaiters = 0x8000'0000;
+
+// Pauses before each look at a lock that is held. Each look takes the word's cache line from the thread that works under
+// the lock, so they grow rare; together they take as long as a sleep and a wake-up would, some 15 us at most.
+constexpr int kPauses[] = {8, 24, 72, 216};
+
+constinit std::atomic<std::uint32_t> lastNumber{0};
+
+std::uint32_t numberOfThisThread() {
+  while (thisThread == 0) thisThread = (lastNumber.fetch_add(1, std::memory_order_relaxed) + 1) & ~kWaiters;
+  return thisThread;
+}
+
+void pause() {
+#if defined(__x86_64__)
+  __builtin_ia32_pause();
+#else
+  asm volatile("" ::: "memory");
+#endif
+}
+
+// Gives up early when another thread sleeps already: to spin beside a sleeper only takes the lock from it.
+bool takeWhileSpinning(std::atomic_ref<std::uint32_t> word, std::uint32_t self) {
+  for (const int pauses : kPauses) {
+    for (int i = 0; i < pauses; ++i) pause();
+    std::uint32_t seen = word.load(std::memory_order_relaxed);
+    if (seen == 0) {
+      if (word.compare_exchange_strong(seen, self, std::memory_order_acquire, std::memory_order_relaxed)) return true;
+    }
+    if ((seen & kWaiters) != 0) return false;
+  }
+  return false;
+}
+
+}  // namespace
+
+void lockSlowly(os_unfair_lock* lock) {
+  const std::uint32_t self = numberOfThisThread();
+  std::atomic_ref word(lock->_os_unfair_lock_opaque);
+  if ((word.load(std::memory_order_relaxed) & ~kWaiters) == self) {
+    abortOnMisuse("os_unfair_lock", "locked again by the thread that holds it");
+  }
+  if (takeWhileSpinning(word, self)) return;
+
+  // Once this thread has slept, others may sleep beside it and the waker has cleared their bit: it takes the lock with
+  // the bit set, so that its unlock wakes the next one.
+  std::uint32_t mark = self;
+  for (;;) {
+    std::uint32_t seen = word.load(std::memory_order_relaxed);
+    if (seen == 0) {
+      if (word.compare_exchange_weak(seen, mark, std::memory_order_acquire, std::memory_order_relaxed)) return;
+      continue;
+    }
+    if ((seen & kWaiters) == 0 &&
+        !word.compare_exchange_weak(seen, seen | kWaiters, std::memory_order_relaxed, std::memory_order_relaxed)) {
+      continue;
+    }
+    futex::wait(lock->_os_unfair_lock_opaque, seen | kWaiters);
+    mark = self | kWaiters;
+  }
+}
+
+bool tryLockSlowly(os_unfair_lock* lock) { return take(lock, numberOfThisThread()); }
+
+void unlockSlowly(os_unfair_lock* lock) {
+  std::atomic_ref word(lock->_os_unfair_lock_opaque);
+  const std::uint32_t seen = word.load(std::memory_order_relaxed);
+  if (seen == 0) abortOnMisuse("os_unfair_lock", "unlocked while free");
+  if ((seen & ~kWaiters) != thisThread) {
+    abortOnMisuse("os_unfair_lock", "unlocked by a thread that does not hold it");
+  }
+  word.store(0, std::memory_order_release);
+  futex::wake(lock->_os_unfair_lock_opaque, 1);
+}
+
+}  // namespace havrin::inline platform::unfair_lock_word

@@ -1,0 +1,51 @@
+#include <HavrinFoundation/platform/base/uuid.h>
+
+namespace havrin::inline platform {
+namespace {
+
+constexpr std::size_t kTextLength = 36;
+
+constexpr bool isDash(std::size_t position) {
+  return position == 8 || position == 13 || position == 18 || position == 23;
+}
+
+/// The value of a hexadecimal digit, -1 for any other character.
+constexpr int digitValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  return -1;
+}
+
+}  // namespace
+
+std::optional<UUID> UUID::fromString(std::string_view text) {
+  if (text.size() != kTextLength) return std::nullopt;
+  Bytes bytes{};
+  std::size_t digits = 0;
+  for (std::size_t i = 0; i < kTextLength; ++i) {
+    if (isDash(i)) {
+      if (text[i] != '-') return std::nullopt;
+      continue;
+    }
+    const int value = digitValue(text[i]);
+    if (value < 0) return std::nullopt;
+    bytes[digits / 2] = static_cast<std::uint8_t>(bytes[digits / 2] << 4 | value);
+    ++digits;
+  }
+  return UUID(bytes);
+}
+
+std::string UUID::uuidString() const {
+  std::string text(kTextLength, '-');
+  std::size_t digits = 0;
+  for (std::size_t i = 0; i < kTextLength; ++i) {
+    if (isDash(i)) continue;
+    const int value = digits % 2 == 0 ? bytes_[digits / 2] >> 4 : bytes_[digits / 2] & 0xF;
+    text[i] = "0123456789ABCDEF"[value];
+    ++digits;
+  }
+  return text;
+}
+
+}  // namespace havrin::inline platform

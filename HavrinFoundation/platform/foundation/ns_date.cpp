@@ -1,0 +1,43 @@
+#include <HavrinFoundation/platform/foundation/ns_date.h>
+
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/time/date_format.h>
+
+namespace havrin::inline platform {
+
+Strong<NSDate> NSDate::initWithTimeIntervalSinceReferenceDate(double seconds) {
+  date_ = Date::fromTimeIntervalSinceReferenceDate(seconds);
+  return Strong<NSDate>(this);
+}
+
+Strong<NSDate> NSDate::initWithTimeIntervalSince1970(double seconds) {
+  return initWithTimeIntervalSinceReferenceDate(
+      Date::fromTimeIntervalSince1970(seconds).timeIntervalSinceReferenceDate());
+}
+
+NSComparisonResult NSDate::compare(const NSDate* other) const {
+  if (other == nullptr) throwNullArgument(*this, "compare:", "other date");
+  const Date mine = value();
+  const Date theirs = other->value();
+  if (mine < theirs) return NSComparisonResult::NSOrderedAscending;
+  return mine > theirs ? NSComparisonResult::NSOrderedDescending : NSComparisonResult::NSOrderedSame;
+}
+
+bool NSDate::isEqual(const NSObject* other) const {
+  if (this == other) return true;
+  const NSDate* date = cast<NSDate>(other);
+  return date != nullptr && value() == date->value();
+}
+
+std::uint64_t NSDate::hash() const { return std::hash<Date>()(value()); }
+
+Strong<NSString> NSDate::description() const {
+  static const DateFormat* const kFormat = new DateFormat("yyyy-MM-dd HH:mm:ss '+0000'", Locale::posix(),
+                                                          Calendar(CalendarIdentifier::gregorian, TimeZone::gmt()));
+  return makeString(kFormat->string(value()));
+}
+
+Strong<NSObject> NSDate::copy() const { return Strong<NSObject>(const_cast<NSDate*>(this)); }
+
+}  // namespace havrin::inline platform

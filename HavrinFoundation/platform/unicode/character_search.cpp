@@ -1,0 +1,274 @@
+// The search of CharacterSet: runs of ASCII text go through a loop over many bytes at a time, everything else through
+// the set's pages.
+#include <HavrinFoundation/platform/base/wide_instructions.h>
+#include <HavrinFoundation/platform/unicode/character_set.h>
+#include <HavrinFoundation/platform/unicode/character_set_storage.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace havrin::inline platform {
+
+namespace {
+
+using detail::CharacterSetStorage;
+
+// What is searched for: the scalars whose bit in the storage differs from that of `flip`, which is all zeros or all ones.
+struct Wanted {
+  const CharacterSetStorage& storage;
+  std::uint64_t flip;
+
+  /// Whether the scalar of the first plane that a word and the low bits of `bit` name is wanted, in the lowest bit.
+  std::uint64_t hit(std::size_t word, unsigned bit) const noexcept {
+    return (storage.basic()[word] ^ flip) >> (bit & 63);
+  }
+  bool has(char32_t scalar) const noexcept { return storage.bit(scalar) != (flip != 0); }
+};
+
+// Answers a position before which every unit is below U+0080 and not wanted. At it stands another one, or the end of the
+// text, or, for the wide bodies, the beginning of a block in which one stands.
+template <class Unit>
+std::size_t skipAsciiPlain(const Unit* text, std::size_t size, const Wanted& wanted) noexcept {
+  std::size_t i = 0;
+  while (i < size && text[i] < 0x80 && (wanted.hit(text[i] >> 6, text[i]) & 1) == 0) ++i;
+  return i;
+}
+
+#if defined(__x86_64__)
+
+// The row of a byte is found by its low half, the byte's bit in that row by its high half: two shuffles for any set. A
+// byte above 7F has its top bit set, for which the shuffle answers no row at all.
+struct WideRows {
+  __m256i rows, bits, lowHalves;
+};
+
+[[gnu::target("avx2")]] inline __m128i load16(const void* from) noexcept {
+  return _mm_loadu_si128(static_cast<const __m128i*>(from));
+}
+
+[[gnu::target("avx2")]] inline __m256i load(const void* from) noexcept {
+  return _mm256_loadu_si256(static_cast<const __m256i*>(from));
+}
+
+[[gnu::target("avx2")]] inline WideRows widen(const Wanted& wanted) noexcept {
+  const __m128i rows = load16(wanted.storage.asciiRows().data());
+  const __m128i flip = _mm_set1_epi64x(static_cast<long long>(wanted.flip));
+  return {_mm256_broadcastsi128_si256(_mm_xor_si128(rows, flip)),
+          _mm256_broadcastsi128_si256(_mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, -128, 0, 0, 0, 0, 0, 0, 0, 0)),
+          _mm256_set1_epi8(0x0F)};
+}
+
+// Bytes that are not 0 where a wanted one stands.
+[[gnu::target("avx2")]] inline __m256i wantedAmong(__m256i bytes, const WideRows& wide) noexcept {
+  const __m256i highHalves = _mm256_and_si256(_mm256_srli_epi16(bytes, 4), wide.lowHalves);
+  return _mm256_and_si256(_mm256_shuffle_epi8(wide.rows, bytes), _mm256_shuffle_epi8(wide.bits, highHalves));
+}
+
+// A bit for each byte that is wanted or above 7F.
+[[gnu::target("avx2")]] inline std::uint32_t stopsAmong(__m256i bytes, const WideRows& wide) noexcept {
+  const __m256i others = _mm256_cmpeq_epi8(wantedAmong(bytes, wide), _mm256_setzero_si256());
+  return ~static_cast<std::uint32_t>(_mm256_movemask_epi8(others)) |
+         static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes));
+}
+
+std::size_t lowestBit(std::uint32_t bits) noexcept { return static_cast<std::size_t>(std::countr_zero(bits)); }
+
+[[gnu::target("avx2")]] std::size_t skipAsciiWide(const unsigned char* text, std::size_t size,
+                                                  const Wanted& wanted) noexcept {
+  if (size < 16) return skipAsciiPlain(text, size, wanted);
+  const WideRows wide = widen(wanted);
+  if (size <= 32) {  // both ends at once, which may overlap
+    const __m256i ends = _mm256_inserti128_si256(_mm256_castsi128_si256(load16(text)), load16(text + size - 16), 1);
+    const std::uint32_t stops = stopsAmong(ends, wide);
+    if (stops == 0) return size;
+    return (stops & 0xFFFF) != 0 ? lowestBit(stops) : size - 32 + lowestBit(stops);
+  }
+  std::size_t i = 0;
+  for (; i + 128 <= size; i += 128) {
+    const __m256i a = load(text + i), b = load(text + i + 32), c = load(text + i + 64), d = load(text + i + 96);
+    const __m256i found = _mm256_or_si256(_mm256_or_si256(wantedAmong(a, wide), wantedAmong(b, wide)),
+                                          _mm256_or_si256(wantedAmong(c, wide), wantedAmong(d, wide)));
+    const __m256i bytes = _mm256_or_si256(_mm256_or_si256(a, b), _mm256_or_si256(c, d));
+    if (_mm256_testz_si256(found, found) == 0 || _mm256_movemask_epi8(bytes) != 0) break;
+  }
+  for (; i + 32 <= size; i += 32) {
+    if (const std::uint32_t stops = stopsAmong(load(text + i), wide); stops != 0) return i + lowestBit(stops);
+  }
+  if (i < size) {  // the last 32 bytes once more: those before i are known not to stop
+    if (const std::uint32_t stops = stopsAmong(load(text + size - 32), wide); stops != 0) {
+      return size - 32 + lowestBit(stops);
+    }
+  }
+  return size;
+}
+
+[[gnu::target("avx2")]] std::size_t skipAsciiWide(const char16_t* text, std::size_t size,
+                                                  const Wanted& wanted) noexcept {
+  const WideRows wide = widen(wanted);
+  const __m256i beyondAscii = _mm256_set1_epi16(static_cast<short>(0xFF80));
+  std::size_t i = 0;
+  for (; i + 32 <= size; i += 32) {
+    const __m256i low = load(text + i), high = load(text + i + 16);
+    if (_mm256_testz_si256(_mm256_or_si256(low, high), beyondAscii) == 0) return i;
+    // Packing works within the halves of the registers; the permutation restores the order of the text.
+    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0b11'01'10'00);
+    if (const std::uint32_t stops = stopsAmong(bytes, wide); stops != 0) return i + lowestBit(stops);
+  }
+  return i;
+}
+
+#endif
+
+template <class Unit>
+std::size_t skipAscii(const Unit* text, std::size_t size, const Wanted& wanted) noexcept {
+#if defined(__x86_64__)
+  if (detail::hasWideInstructions()) return skipAsciiWide(text, size, wanted);
+#endif
+  return skipAsciiPlain(text, size, wanted);
+}
+
+// Whether the text goes on in ASCII long enough for skipAscii to be worth its call.
+bool beginsAsciiRun(const unsigned char* text, std::size_t size) noexcept {
+  std::uint64_t word;
+  if (size < sizeof word) return false;
+  std::memcpy(&word, text, sizeof word);
+  return (word & 0x8080'8080'8080'8080) == 0;
+}
+
+// How many units of UTF-16 are looked up at once.
+constexpr std::size_t kBlock = 16;
+
+bool hasSurrogate(const char16_t* block) noexcept {
+  constexpr std::uint64_t kOnes = 0x0001'0001'0001'0001;
+  std::uint64_t found = 0;
+  for (std::size_t i = 0; i < kBlock; i += 4) {
+    std::uint64_t units;
+    std::memcpy(&units, block + i, sizeof units);
+    const std::uint64_t distance = (units & (kOnes * 0xF800)) ^ (kOnes * 0xD800);  // 0 for a surrogate
+    found |= (distance - kOnes) & ~distance;
+  }
+  return (found & (kOnes * 0x8000)) != 0;
+}
+
+// Whether one of the units, none of which is a surrogate, is wanted: no branch between them.
+bool anyWanted(const char16_t* block, const Wanted& wanted) noexcept {
+  std::uint64_t hits = 0;
+  for (std::size_t i = 0; i < kBlock; ++i) hits |= wanted.hit(block[i] >> 6, block[i]);
+  return (hits & 1) != 0;
+}
+
+// The four bytes at `text`, the first one lowest.
+std::uint32_t fourBytes(const unsigned char* text) noexcept {
+  return text[0] | std::uint32_t{text[1]} << 8 | std::uint32_t{text[2]} << 16 | std::uint32_t{text[3]} << 24;
+}
+
+// Whether these begin with a well-formed sequence of two, and whether with one of three: what two bytes or one could have
+// written is none, nor is a surrogate.
+bool areTwo(std::uint32_t bytes) noexcept { return (bytes & 0xC0E0) == 0x80C0 && (bytes & 0x1E) != 0; }
+bool areThree(std::uint32_t bytes) noexcept {
+  return (bytes & 0xC0C0F0) == 0x8080E0 && (bytes & 0x200F) != 0 && (bytes & 0x200F) != 0x200D;
+}
+
+// The search from `i` on, where the ASCII loop stopped.
+std::size_t searchFrom(std::size_t i, std::string_view text, const Wanted& wanted) noexcept {
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(text.data());
+  const std::size_t size = text.size();
+  while (i + 4 <= size) {
+    // The bytes before the last one of a sequence name the word, the last one the bit. Text stays within one length of
+    // sequence for whole words: a loop of its own for each is what the processor predicts best.
+    std::uint32_t next = fourBytes(bytes + i);
+    if ((next & 0x80) == 0) {
+      if ((wanted.hit((next & 0x7F) >> 6, next) & 1) != 0) return i;
+      i += 1;
+      if (beginsAsciiRun(bytes + i, size - i)) i += skipAscii(bytes + i, size - i, wanted);
+    } else if (areTwo(next)) {
+      do {
+        if ((wanted.hit(next & 0x1F, next >> 8) & 1) != 0) return i;
+        i += 2;
+        if (i + 4 > size) break;
+        next = fourBytes(bytes + i);
+      } while (areTwo(next));
+    } else if (areThree(next)) {
+      do {
+        if ((wanted.hit((next & 0xF) << 6 | (next >> 8 & 0x3F), next >> 16) & 1) != 0) return i;
+        i += 3;
+        if (i + 4 > size) break;
+        next = fourBytes(bytes + i);
+      } while (areThree(next));
+    } else {
+      const Scalar scalar = scalarAt(text, i);
+      if (wanted.has(scalar.value)) return i;
+      i += scalar.length;
+    }
+  }
+  while (i < size) {
+    const Scalar scalar = scalarAt(text, i);
+    if (wanted.has(scalar.value)) return i;
+    i += scalar.length;
+  }
+  return size;
+}
+
+std::size_t searchFrom(std::size_t i, std::u16string_view text, const Wanted& wanted) noexcept {
+  while (i < text.size()) {
+    if (text[i] < 0x80) {
+      i += skipAscii(text.data() + i, text.size() - i, wanted);
+      if (i == text.size()) break;
+    }
+    if (i + kBlock <= text.size() && !hasSurrogate(text.data() + i) && !anyWanted(text.data() + i, wanted)) {
+      i += kBlock;
+      continue;
+    }
+    for (const std::size_t end = std::min(text.size(), i + kBlock); i < end;) {
+      const Scalar scalar = scalarAt(text, i);
+      if (wanted.has(scalar.value)) return i;
+      i += scalar.length;
+    }
+  }
+  return text.size();
+}
+
+}  // namespace
+
+std::size_t CharacterSet::search(std::string_view text, bool forMember) const noexcept {
+  const bool flip = inverted_ == forMember;
+  if (storage_ == nullptr) return flip ? 0 : text.size();
+  const Wanted wanted{*storage_, flip ? ~0ull : 0};
+  const std::size_t i = skipAscii(reinterpret_cast<const unsigned char*>(text.data()), text.size(), wanted);
+  return i == text.size() ? i : searchFrom(i, text, wanted);
+}
+
+std::size_t CharacterSet::search(std::u16string_view text, bool forMember) const noexcept {
+  const bool flip = inverted_ == forMember;
+  if (storage_ == nullptr) return flip ? 0 : text.size();
+  return searchFrom(0, text, {*storage_, flip ? ~0ull : 0});
+}
+
+namespace {
+
+template <class Text>
+std::optional<Range<std::size_t>> rangeOfMember(Text text, const CharacterSet& set) noexcept {
+  const std::size_t position = set.firstMemberIn(text);
+  if (position == text.size()) return std::nullopt;
+  return Range{position, position + scalarAt(text, position).length};
+}
+
+}  // namespace
+
+std::optional<Range<std::size_t>> rangeOfCharacter(std::string_view text, const CharacterSet& set) noexcept {
+  return rangeOfMember(text, set);
+}
+
+std::optional<Range<std::size_t>> rangeOfCharacter(std::u16string_view text, const CharacterSet& set) noexcept {
+  return rangeOfMember(text, set);
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,98 @@
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <future>
+#include <latch>
+
+#include "../../testing.h"
+
+namespace {
+
+using namespace havrin;
+
+TEST(UnfairLockWord, IsZeroExactlyWhileFreeAndTriedWithoutWaiting) {
+  os_unfair_lock lock{};
+  EXPECT_EQ(os_unfair_lock_copy(lock)._os_unfair_lock_opaque, 0u);
+  ASSERT_TRUE(os_unfair_lock_trylock(&lock));
+  EXPECT_NE(os_unfair_lock_copy(lock)._os_unfair_lock_opaque, 0u);
+  EXPECT_FALSE(os_unfair_lock_trylock(&lock)) << "also its holder is told no, without an abort";
+  EXPECT_FALSE(std::async(std::launch::async, [&] { return os_unfair_lock_trylock(&lock); }).get());
+  os_unfair_lock_unlock(&lock);
+  EXPECT_EQ(os_unfair_lock_copy(lock)._os_unfair_lock_opaque, 0u);
+}
+
+TEST(UnfairLockWord, LetsOneThreadInAtATime) {
+  os_unfair_lock lock{};
+  int total = 0;
+  onThreads(8, [&] {
+    for (int round = 0; round < 100'000; ++round) {
+      UnfairLockGuard guard(lock);
+      ++total;
+    }
+  });
+  EXPECT_EQ(total, 800'000);
+  EXPECT_EQ(os_unfair_lock_copy(lock)._os_unfair_lock_opaque, 0u) << "no waiter's mark is left behind";
+}
+
+TEST(UnfairLockWord, WakesEverySleeper) {
+  // Everybody sleeps behind one holder; each that gets the lock must wake the next.
+  os_unfair_lock lock{};
+  int through = 0;
+  std::latch held(1);
+  onThreads(7, [&](std::size_t thread) {
+    if (thread != 0) {
+      held.wait();
+      UnfairLockGuard guard(lock);
+      ++through;
+      return;
+    }
+    os_unfair_lock_lock(&lock);
+    held.count_down();
+    while ((os_unfair_lock_copy(lock)._os_unfair_lock_opaque & 0x8000'0000) == 0) std::this_thread::yield();
+    os_unfair_lock_unlock(&lock);
+  });
+  EXPECT_EQ(through, 6);
+}
+
+TEST(UnfairLockWord, IsStillHeldByTheThreadThatForked) {
+  os_unfair_lock lock{};
+  os_unfair_lock_lock(&lock);
+  const pid_t child = fork();
+  if (child == 0) {
+    os_unfair_lock_unlock(&lock);
+    const bool taken = os_unfair_lock_trylock(&lock);
+    _exit(taken ? 0 : 1);
+  }
+  os_unfair_lock_unlock(&lock);
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+}
+
+void lockTwice() {
+  os_unfair_lock lock{};
+  os_unfair_lock_lock(&lock);
+  os_unfair_lock_lock(&lock);
+}
+
+void unlockForAnother() {
+  os_unfair_lock lock{};
+  std::thread([&] { os_unfair_lock_lock(&lock); }).join();
+  os_unfair_lock_unlock(&lock);
+}
+
+void unlockFree() {
+  os_unfair_lock lock{};
+  os_unfair_lock_unlock(&lock);
+}
+
+TEST(UnfairLockWordDeathTest, StopsTheProcessWithOneLineWhenMisused) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_DEATH(lockTwice(), "os_unfair_lock: locked again by the thread that holds it\n");
+  EXPECT_DEATH(unlockForAnother(), "os_unfair_lock: unlocked by a thread that does not hold it\n");
+  EXPECT_DEATH(unlockFree(), "os_unfair_lock: unlocked while free\n");
+}
+
+}  // namespace

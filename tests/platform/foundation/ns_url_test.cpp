@@ -1,0 +1,77 @@
+#include <HavrinFoundation/platform/foundation/ns_url.h>
+
+#include <HavrinFoundation/platform/foundation/string.h>
+
+#include "../../testing.h"
+
+namespace {
+
+using namespace havrin;
+
+Strong<NSURL> link(std::string_view text, const NSURL* base = nullptr) {
+  return alloc<NSURL>()->initWithStringRelativeToURL(makeString(text), base);
+}
+
+// Keeps its link elsewhere.
+class Shortcut : public Object<Shortcut, NSURL> {
+ public:
+  const URL& value() const override { return target_; }
+
+ private:
+  URL target_ = *URL::fromString("../d", *URL::fromString("https://h/a/b/c"));
+};
+
+TEST(NSURL, SaysItsTextWithAndWithoutItsBase) {
+  const auto page = link("https://h/a/b/c");
+  const auto part = link("#f", page);
+  const struct {
+    Strong<NSURL> url;
+    const char *relative, *absolute, *base, *description, *why;
+  } rows[] = {
+      {page, "https://h/a/b/c", "https://h/a/b/c", "none", "https://h/a/b/c", "no base"},
+      {link("../d", page), "../d", "https://h/a/d", "https://h/a/b/c", "../d -- https://h/a/b/c", "a base"},
+      {link("x", part), "x", "https://h/a/b/x", "https://h/a/b/c#f", "x -- https://h/a/b/c#f", "a base with a base"},
+      {link("", page), "", "https://h/a/b/c", "https://h/a/b/c", " -- https://h/a/b/c", "the base itself"},
+      {link("mailto:a@b.c", page), "mailto:a@b.c", "mailto:a@b.c", "none", "mailto:a@b.c", "a scheme of its own"},
+      {make<Shortcut>(), "../d", "https://h/a/d", "https://h/a/b/c", "../d -- https://h/a/b/c", "a subclass"},
+      {link("e", make<Shortcut>()), "e", "https://h/a/e", "https://h/a/d", "e -- https://h/a/d", "seen from one"},
+      {make<NSURL>(), "", "", "none", "", "not initialised"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    ASSERT_TRUE(row.url);
+    EXPECT_EQ(utf8(*row.url->relativeString()), row.relative);
+    EXPECT_EQ(utf8(*row.url->absoluteString()), row.absolute);
+    EXPECT_EQ(utf8(*row.url->absoluteURL()->description()), row.absolute);
+    EXPECT_EQ(utf8(*row.url->description()), row.description);
+    const auto base = row.url->baseURL();
+    EXPECT_EQ(base ? utf8(*base->absoluteString()) : "none", row.base);
+    EXPECT_EQ(row.url->copy(), row.url);
+  }
+}
+
+TEST(NSURL, IsNullForTextThatIsNoLink) {
+  const auto page = link("https://h/a");
+  EXPECT_FALSE(NSURL::URLWithString(nullptr));
+  EXPECT_FALSE(alloc<NSURL>()->initWithStringRelativeToURL(nullptr, page));
+  EXPECT_FALSE(NSURL::URLWithString(makeString("")));
+  EXPECT_FALSE(NSURL::URLWithString(makeString("my file")));
+  EXPECT_FALSE(link("my file", page));
+  EXPECT_FALSE(NSURL::URLWithString(makeString(u"https://h/\xD83D"))) << "half a surrogate pair";
+}
+
+TEST(NSURL, IsEqualByTextAndBase) {
+  const auto page = link("https://h/a/b/c");
+  const auto url = link("../d", page);
+  const Strong<NSURL> equal[] = {link("../d", link("c", link("https://h/a/b/"))), make<Shortcut>(),
+                                 make<NSURL>(url->value())};
+  for (const auto& other : equal) {
+    EXPECT_TRUE(url->isEqual(other) && other->isEqual(url));
+    EXPECT_EQ(url->hash(), other->hash());
+  }
+  const Strong<NSObject> different[] = {url->absoluteURL(), link("../d"), link("../d", link("https://h/a/b/C")), page,
+                                        makeString("../d"), nullptr};
+  for (const auto& other : different) EXPECT_FALSE(url->isEqual(other));
+}
+
+}  // namespace

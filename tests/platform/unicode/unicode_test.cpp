@@ -1,0 +1,217 @@
+#include <HavrinFoundation/platform/unicode/unicode.h>
+
+#include <unicode/brkiter.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/ustring.h>
+
+#include "../../testing.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+using havrin::Scalar;
+
+// ICU's own conversions are the oracle for the rule of ill-formed text.
+std::u16string utf16ByIcu(std::string_view text) {
+  const auto string = icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int>(text.size())));
+  return {string.getBuffer(), static_cast<std::size_t>(string.length())};
+}
+
+std::string utf8ByIcu(std::u16string_view text) {
+  std::string result;
+  return icu::UnicodeString(false, text.data(), static_cast<int>(text.size())).toUTF8String(result);
+}
+
+bool isWellFormedByIcu(std::string_view text) {
+  UErrorCode error = U_ZERO_ERROR;
+  int length = 0;
+  u_strFromUTF8(nullptr, 0, &length, text.data(), static_cast<int>(text.size()), &error);
+  return error != U_INVALID_CHAR_FOUND;
+}
+
+std::vector<std::size_t> characterLengthsByIcu(std::string_view text) {
+  UErrorCode error = U_ZERO_ERROR;
+  std::unique_ptr<icu::BreakIterator> breaks(
+      icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), error));
+  UText source = UTEXT_INITIALIZER;
+  utext_openUTF8(&source, text.data(), static_cast<std::int64_t>(text.size()), &error);
+  breaks->setText(&source, error);
+  std::vector<std::size_t> lengths;
+  for (int before = breaks->first(), at = breaks->next(); at != icu::BreakIterator::DONE; at = breaks->next()) {
+    lengths.push_back(static_cast<std::size_t>(at - before));
+    before = at;
+  }
+  utext_close(&source);
+  EXPECT_TRUE(U_SUCCESS(error));
+  return lengths;
+}
+
+// A unit at a time, which is how every other operation must see the text.
+std::vector<Scalar> scalarsOf(auto text) {
+  std::vector<Scalar> scalars;
+  for (std::size_t i = 0; i < text.size(); i += scalars.back().length) scalars.push_back(havrin::scalarAt(text, i));
+  return scalars;
+}
+
+void expectAgreesWithIcu(std::string_view text) {
+  const std::u16string expected = utf16ByIcu(text);
+  EXPECT_EQ(havrin::utf16(text), expected);
+  EXPECT_EQ(havrin::utf16Length(text), expected.size());
+  EXPECT_EQ(havrin::isWellFormed(text), isWellFormedByIcu(text));
+  EXPECT_EQ(havrin::repaired(text), utf8ByIcu(expected));
+  std::u16string appended;
+  bool wellFormed = true;
+  for (const Scalar& scalar : scalarsOf(text)) {
+    havrin::appendScalar(appended, scalar.value);
+    wellFormed = wellFormed && scalar.wellFormed;
+  }
+  EXPECT_EQ(appended, expected);
+  EXPECT_EQ(wellFormed, havrin::isWellFormed(text));
+}
+
+void expectAgreesWithIcu(std::u16string_view text) {
+  const std::string expected = utf8ByIcu(text);
+  EXPECT_EQ(havrin::utf8(text), expected);
+  EXPECT_EQ(havrin::utf8Length(text), expected.size());
+  EXPECT_EQ(havrin::isWellFormed(text), havrin::utf16(expected) == text && text.find(u'\uFFFD') == text.npos);
+}
+
+void expectSameCharactersAsIcu(std::string_view text) {
+  const auto lengths = characterLengthsByIcu(text);
+  EXPECT_EQ(havrin::characterCount(text), lengths.size());
+  EXPECT_EQ(havrin::firstCharacterLength(text), lengths.empty() ? 0 : lengths.front());
+}
+
+TEST(Unicode, EachMaximalIllFormedPartCountsAsOneReplacement) {
+  const struct {
+    std::string_view text;
+    std::u16string_view expected;
+    const char* why;
+  } rows[] = {
+      {"", u"", "nothing"},
+      {"a\0b"sv, u"a\0b"sv, "U+0000 is a scalar like any other"},
+      {"\xEF\xBF\xBF\xF4\x8F\xBF\xBF", u"\uFFFF\U0010FFFF", "the last of each length"},
+      {"\xF0\x9F\x91", u"\uFFFD", "a sequence cut short is one part"},
+      {"\x80\xBF", u"\uFFFD\uFFFD", "stray continuation bytes"},
+      {"\xC0\x80", u"\uFFFD\uFFFD", "an overlong U+0000: no sequence begins so"},
+      {"\xED\xA0\xBD\xED\xB1\x8D", u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD", "a surrogate pair written as UTF-8"},
+      {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD", "above U+10FFFF"},
+      {"\xE2\x82\xE2\x82\xAC", u"\uFFFD\u20AC", "a part ends where the next sequence begins"},
+      {"\xEF\xBF\xBD", u"\uFFFD", "U+FFFD itself is well-formed"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(havrin::utf16(row.text), row.expected);
+    expectAgreesWithIcu(row.text);
+  }
+}
+
+TEST(Unicode, EachLoneSurrogateCountsAsOneReplacement) {
+  EXPECT_EQ(havrin::utf8(u"\xD83D"), "\uFFFD");
+  EXPECT_EQ(havrin::utf8(u"\xDC4D\xD83D\n"), "\uFFFD\uFFFD\n");
+  std::string appended;
+  for (const char32_t scalar : {char32_t{0xD800}, char32_t{0xDFFF}, char32_t{0x110000}})
+    havrin::appendScalar(appended, scalar);
+  EXPECT_EQ(appended, "\uFFFD\uFFFD\uFFFD");
+}
+
+TEST(Unicode, EveryScalarGoesThereAndBack) {
+  for (char32_t scalar = 0; scalar <= 0x10FFFF; ++scalar) {
+    if (scalar == 0xD800) scalar = 0xE000;
+    std::string narrow;
+    std::u16string wide;
+    havrin::appendScalar(narrow, scalar);
+    havrin::appendScalar(wide, scalar);
+    ASSERT_EQ(havrin::scalarAt(std::string_view(narrow), 0), (Scalar{scalar, narrow.size(), true}));
+    ASSERT_EQ(havrin::scalarAt(std::u16string_view(wide), 0), (Scalar{scalar, wide.size(), true}));
+    ASSERT_EQ(havrin::utf8(wide), narrow);
+  }
+}
+
+TEST(Unicode, AsciiPrefixesEndAtTheFirstOtherUnit) {
+  for (std::size_t size = 0; size < 80; ++size) {
+    std::string narrow(size, 'a');
+    std::u16string wide(size, u'a');
+    EXPECT_TRUE(havrin::isAscii(narrow) && havrin::isAscii(wide));
+    for (std::size_t at = 0; at < size; ++at) {
+      narrow[at] = '\x80';
+      wide[at] = at % 2 == 0 ? u'\u0080' : u'\u6100';
+      EXPECT_EQ(havrin::asciiPrefixLength(narrow), at);
+      EXPECT_EQ(havrin::asciiPrefixLength(wide), at);
+      narrow[at] = '\x7F';
+      wide[at] = u'\x7F';
+    }
+  }
+}
+
+TEST(Unicode, RandomBytesAndUnitsReadAsIcuReadsThem) {
+  auto generator = seededGenerator();
+  // Mostly bytes and units from around the edges of the table of well-formed sequences.
+  constexpr unsigned char kBytes[] = {'a',  'b',  0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC1,
+                                      0xC2, 0xDF, 0xE0, 0xE1, 0xED, 0xEE, 0xF0, 0xF1, 0xF4, 0xF5};
+  constexpr char16_t kUnits[] = {'a', 0x7F, 0x80, 0x7FF, 0x800, 0xD7FF, 0xD800, 0xDBFF, 0xDC00, 0xDFFF, 0xE000, 0xFFFF};
+  for (int round = 0; round < 20000; ++round) {
+    std::string narrow(generator() % 24, '\0');
+    for (char& c : narrow) c = static_cast<char>(kBytes[generator() % std::size(kBytes)]);
+    expectAgreesWithIcu(std::string_view(narrow));
+    std::u16string wide(generator() % 24, u'\0');
+    for (char16_t& c : wide) c = kUnits[generator() % std::size(kUnits)];
+    expectAgreesWithIcu(std::u16string_view(wide));
+    if (HasFailure()) FAIL() << "round " << round;
+  }
+}
+
+TEST(Unicode, CharactersAreWhatAReaderCounts) {
+  const struct {
+    std::string_view text;
+    std::size_t count;
+    const char* why;
+  } rows[] = {
+      {"", 0, "nothing"},
+      {"a\r\nb", 3, "CR LF is one character"},
+      {"12345678\r\n", 9, "CR LF across a word's edge"},
+      {"\x41\xCC\x81", 1, "a letter and its combining mark"},
+      {"👨‍👩‍👧‍👦", 1, "a family of four with joiners"},
+      {"🇫🇷🇩🇪", 2, "two flags"},
+      {"\xF0\x9F\x91", 1, "an ill-formed part"},
+      {"\xF0\x9F\x91\xCC\x81", 1, "takes a mark, as U+FFFD does"},
+      {"\r\xCC\x81", 2, "a mark does not join a return"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    EXPECT_EQ(havrin::characterCount(row.text), row.count);
+    expectSameCharactersAsIcu(row.text);
+  }
+}
+
+TEST(Unicode, CharactersBreakWhereIcuBreaksThem) {
+  // One scalar of each kind that the rules tell apart, then all sequences of four of them.
+  constexpr char32_t kKinds[] = {'a',    '\r',   '\n',   0x200B, 0x0301, 0x200D,  0x0903,  0x0600,  0x1100,
+                                 0x1161, 0x11A8, 0xAC00, 0xAC01, 0x00A9, 0x1F469, 0x1F3FD, 0x1F1E6, 0xFFFD};
+  constexpr std::size_t kCount = std::size(kKinds);
+  for (std::size_t i = 0; i < kCount * kCount * kCount * kCount; ++i) {
+    std::string text;
+    for (std::size_t rest = i, place = 0; place < 4; ++place, rest /= kCount)
+      havrin::appendScalar(text, kKinds[rest % kCount]);
+    expectSameCharactersAsIcu(text);
+    if (HasFailure()) FAIL() << "sequence " << i;
+  }
+  // Longer chains, and every scalar after a letter and before a mark.
+  auto generator = seededGenerator();
+  for (int round = 0; round < 5000; ++round) {
+    std::string text;
+    for (int place = 0; place < 12; ++place) havrin::appendScalar(text, kKinds[generator() % kCount]);
+    expectSameCharactersAsIcu(text);
+  }
+  std::string everything;
+  for (char32_t scalar = 0; scalar < 0x110000; ++scalar) {
+    if (u_charType(static_cast<int>(scalar)) == U_UNASSIGNED) continue;
+    havrin::appendScalar(everything, 'a');
+    havrin::appendScalar(everything, scalar);
+    havrin::appendScalar(everything, 0x0301);
+  }
+  expectSameCharactersAsIcu(everything);
+}
+
+}  // namespace
