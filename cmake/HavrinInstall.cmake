@@ -1,9 +1,9 @@
-# What `cmake --install` copies: both libraries in both forms, their headers, and what lets another project find them
+# What `cmake --install` copies: both libraries, shared and static, their headers, and what lets another project find them
 # with find_package(HavrinFoundation) or pkg-config. Everything is relative to the prefix, so the tree can be moved.
 include(CMakePackageConfigHelpers)
 
 set(havrin_config_dir ${CMAKE_INSTALL_LIBDIR}/cmake/HavrinFoundation)
-set(havrin_installed HavrinPlatform HavrinFoundation HavrinPlatformStatic HavrinFoundationStatic)
+set(havrin_installed HavrinTyped HavrinFoundation HavrinTypedStatic HavrinFoundationStatic)
 if(TARGET HavrinTestKit)
   list(APPEND havrin_installed HavrinTestKit)
 endif()
@@ -21,12 +21,18 @@ install(FILES
   DESTINATION ${havrin_config_dir})
 
 # pkg-config: the prefix is found from where the file lies.
-get_property(havrin_linker_names GLOBAL PROPERTY HAVRIN_LINKER_NAMES)
-list(REMOVE_DUPLICATES havrin_linker_names)
-list(TRANSFORM havrin_linker_names PREPEND -l)
-list(JOIN havrin_linker_names " " havrin_private_libraries)
 file(RELATIVE_PATH havrin_prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" havrin_prefix_from_pc ${havrin_prefix_from_pc})
-configure_file(
-  ${PROJECT_SOURCE_DIR}/cmake/HavrinFoundation.pc.in ${PROJECT_BINARY_DIR}/HavrinFoundation.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/HavrinFoundation.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# havrin_pkg_config(<library> AS <name> REQUIRES ...): the file of one library.
+function(havrin_pkg_config library)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "AS;DESCRIPTION;REQUIRES" "")
+  get_property(linker_names GLOBAL PROPERTY HAVRIN_LINKER_NAMES_${ARG_AS})
+  list(REMOVE_DUPLICATES linker_names)
+  list(TRANSFORM linker_names PREPEND -l)
+  list(JOIN linker_names " " private_libraries)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/library.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+havrin_pkg_config(HavrinTyped AS Typed DESCRIPTION "The typed forms of HavrinFoundation, without objects")
+havrin_pkg_config(HavrinFoundation AS HavrinFoundation DESCRIPTION "${PROJECT_DESCRIPTION}" REQUIRES HavrinTyped)

@@ -69,7 +69,7 @@ function(havrin_sources name)
     # Whoever links the installed static library finds the third-party ones where the linker does.
     target_link_libraries(${library}Static PRIVATE
       $<BUILD_INTERFACE:${third_party}> $<INSTALL_INTERFACE:${linker_name}>)
-    set_property(GLOBAL APPEND PROPERTY HAVRIN_LINKER_NAMES ${linker_name})
+    set_property(GLOBAL APPEND PROPERTY HAVRIN_LINKER_NAMES_${name} ${linker_name})
   endforeach()
 endfunction()
 
@@ -91,13 +91,17 @@ function(havrin_linker_name result target)
   endif()
 endfunction()
 
-# havrin_test(<name> SOURCES ... LIBRARIES ... THREADS): one test program, linked statically so that it reaches internal
-# functions. THREADS: it is also run under the thread sanitizer.
+# havrin_test(<name> SOURCES ... LIBRARIES ... TYPED THREADS): one test program, linked statically so that it reaches
+# internal functions. TYPED: links the library Typed alone. THREADS: it is also run under the thread sanitizer.
 function(havrin_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "THREADS" "" "SOURCES;LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "TYPED;THREADS" "" "SOURCES;LIBRARIES")
   add_executable(${name} ${ARG_SOURCES})
+  set(library HavrinFoundationStatic)
+  if(ARG_TYPED)
+    set(library TypedStatic)
+  endif()
   target_link_libraries(${name} PRIVATE
-    havrin_build_flags HavrinFoundation::HavrinFoundationStatic ${ARG_LIBRARIES} GTest::gtest GTest::gtest_main)
+    havrin_build_flags HavrinFoundation::${library} ${ARG_LIBRARIES} GTest::gtest GTest::gtest_main)
   set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)

@@ -54,6 +54,8 @@ PLANTED = [
      "a typed header does not know its messages"),
     (layers, {"HavrinFoundation/text/hex.h": HEADER + "#include <HavrinFoundation/platform/object/object.h>\n"},
      "brings in the object runtime"),
+    (layers, {"HavrinFoundation/platform/time/date.h": HEADER + "#include <HavrinFoundation/platform/object/object.h>\n"},
+     "platform/time is below platform/object"),
     (layers, {"HavrinFoundation/platform/object/object.h": HEADER + "#include <HavrinFoundation/text/hex.h>\n"},
      "the layer knows nothing of the rooms"),
     (layers, {"HavrinFoundation/links/link.h": HEADER + "#include <HavrinFoundation/text/hex.h>\n"},

@@ -57,7 +57,7 @@ ABOUT_OBJECTS = {
 }
 
 # What stands at the root of the library: the table of contents, which knows every room.
-ROOT_FILES = {"HavrinFoundation.h", "image.h", "image.cpp"}
+ROOT_FILES = {"HavrinFoundation.h", "Typed.h", "image.h", "image.cpp"}
 
 # Third-party headers, and the folders of the layer whose .cpp files use them.
 THIRD_PARTY = {

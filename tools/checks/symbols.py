@@ -9,7 +9,7 @@ import subprocess
 
 from checks import build
 
-LIBRARIES = ("HavrinPlatform", "HavrinFoundation")
+LIBRARIES = ("HavrinTyped", "HavrinFoundation")
 # Inline functions and templates appear or not as the compiler sees fit; they belong to whoever includes the header.
 WEAK = set("VvWwu")
 # Every shared library has it: the compiler's own start-up file registers nothing there.

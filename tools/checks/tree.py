@@ -45,7 +45,7 @@ def facilities(tree):
 def check_names(tree):
     for name in tree.under(*CXX_FOLDERS):
         stem = pathlib.PurePosixPath(name).stem
-        if name.removeprefix(LIBRARY) != "HavrinFoundation.h" and not NAME.match(stem):
+        if name.removeprefix(LIBRARY) not in ("HavrinFoundation.h", "Typed.h") and not NAME.match(stem):
             yield f"{name}: file names are lower_snake"
         if BAD_NAMES.search(stem):
             yield f"{name}: a file is named after what it offers"
@@ -67,9 +67,11 @@ def check_lists(tree):
 
 def check_umbrella(tree):
     umbrella = LIBRARY + "HavrinFoundation.h"
+    typed = LIBRARY + "Typed.h"
+    brought = {path for name in (umbrella, typed) if name in tree.known for path in tree.includes(name)}
     for name in tree.under(*(f"{LIBRARY}{room}/" for room in ROOMS), suffixes=(".h",)):
-        if listed(tree, name) and name not in tree.includes(umbrella):
-            yield f"{umbrella}: does not include {name}"
+        if listed(tree, name) and name not in brought:
+            yield f"{umbrella}: does not include {name}, and neither does Typed.h"
 
 
 def check_tests(tree):

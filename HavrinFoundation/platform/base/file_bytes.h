@@ -1,6 +1,8 @@
 // Small files, read whole. Internal.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -11,6 +13,7 @@ namespace havrin::inline platform {
 /// What stands in the file at `path`.
 /// Empty when: there is no such file, it is no regular file (a pipe would never end), it cannot be read, or it holds more
 /// than `largest` bytes.
-[[nodiscard]] std::optional<std::vector<std::byte>> fileBytes(const std::string& path, std::size_t largest);
+[[nodiscard]] HAVRIN_EXPORT std::optional<std::vector<std::byte>> fileBytes(const std::string& path,
+                                                                            std::size_t largest);
 
 }  // namespace havrin::inline platform

@@ -1,6 +1,8 @@
 // Sleeping on a 32-bit word until somebody changes it. Internal to the layer.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <atomic>
 #include <cstdint>
 #include <limits>
@@ -11,10 +13,10 @@ inline constexpr double kForever = std::numeric_limits<double>::infinity();
 
 /// Sleeps while `word` holds `expected`, at most `seconds`; may return early for no reason. The caller looks again.
 /// Result: false when the time was up.
-bool wait(std::uint32_t& word, std::uint32_t expected, double seconds = kForever);
+HAVRIN_EXPORT bool wait(std::uint32_t& word, std::uint32_t expected, double seconds = kForever);
 
 /// Wakes at most `threads` of those that sleep on `word`, which may already be gone.
-void wake(std::uint32_t& word, int threads);
+HAVRIN_EXPORT void wake(std::uint32_t& word, int threads);
 
 inline bool wait(std::atomic<std::uint32_t>& word, std::uint32_t expected, double seconds = kForever) {
   return wait(reinterpret_cast<std::uint32_t&>(word), expected, seconds);

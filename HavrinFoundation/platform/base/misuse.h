@@ -1,11 +1,13 @@
 // How the layer stops a program that breaks a rule which no caller could handle: one line, then abort.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <string_view>
 
 namespace havrin::inline platform {
 
 /// Writes "<what>: <why>" as one line to the standard error and aborts. Allocates nothing and takes no lock.
-[[noreturn]] void abortOnMisuse(std::string_view what, std::string_view why);
+[[noreturn]] HAVRIN_EXPORT void abortOnMisuse(std::string_view what, std::string_view why);
 
 }  // namespace havrin::inline platform

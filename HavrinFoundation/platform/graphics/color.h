@@ -65,7 +65,7 @@ class HAVRIN_EXPORT CGColor {
   [[nodiscard]] double alpha() const { return components().empty() ? 1.0 : components().back(); }
 
   /// Equal spaces and equal components.
-  friend bool operator==(const CGColor& a, const CGColor& b);
+  friend HAVRIN_EXPORT bool operator==(const CGColor& a, const CGColor& b);
 
  private:
   std::optional<CGColorSpace> space_;

@@ -1,0 +1,16 @@
+// Every typed form on standard types and the library's own value types: what the library HavrinFoundation::Typed has.
+// No class, no message and no run loop comes with it; HavrinFoundation.h has those too.
+#pragma once
+
+#include <HavrinFoundation/dates/date_arithmetic.h>
+#include <HavrinFoundation/dates/zero_uuid.h>
+#include <HavrinFoundation/frame/locked.h>
+#include <HavrinFoundation/frame/unfair_lock.h>
+#include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/runtime/clamp.h>
+#include <HavrinFoundation/text/base36.h>
+#include <HavrinFoundation/text/character_sets.h>
+#include <HavrinFoundation/text/friendly_number.h>
+#include <HavrinFoundation/text/hex.h>
+#include <HavrinFoundation/text/sha256.h>
+#include <HavrinFoundation/text/string_helpers.h>
