@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include <HavrinFoundation/platform/base/hex_digits.h>
 #include <HavrinFoundation/platform/base/random.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/character_sets.h>
@@ -23,14 +24,14 @@ bool beginsWithPrefix(std::string_view code) noexcept {
   return firstCharacterLength(code.substr(1)) == 1;
 }
 
-// What each byte of a code means: a digit's value, or kNoDigit. Laid out once from the hexadecimal set.
-constexpr std::uint8_t kNoDigit = 0xFF;
+// What each byte of a code means: a digit's value, or kNotADigit. Laid out once from the hexadecimal set.
+constexpr std::uint8_t kNotADigit = 0xFF;
 using DigitTable = std::array<std::uint8_t, 256>;
 
 DigitTable digitTable() {
   const CharacterSet& digits = library_detail::hexadecimalSet();
   DigitTable table;
-  table.fill(kNoDigit);
+  table.fill(kNotADigit);
   for (std::uint8_t unit = 0; unit < 0x80; ++unit) {  // no byte of another character is a digit
     if (!digits.contains(unit)) continue;
     table[unit] = static_cast<std::uint8_t>(unit <= '9' ? unit - '0' : (unit | 0x20) - 'a' + 10);
@@ -63,8 +64,8 @@ class Writer {
  public:
   void append(std::int64_t channel) {
     if (channel >= 0 && channel <= 255) {
-      *end_++ = kDigits[channel >> 4];
-      *end_++ = kDigits[channel & 15];
+      *end_++ = kUpperHexDigits[channel >> 4];
+      *end_++ = kUpperHexDigits[channel & 15];
     } else {
       end_ += std::snprintf(end_, 9, "%02X", static_cast<unsigned>(channel));
     }
@@ -72,7 +73,6 @@ class Writer {
   [[nodiscard]] std::string text() const { return std::string(text_, static_cast<std::size_t>(end_ - text_)); }
 
  private:
-  static constexpr char kDigits[] = "0123456789ABCDEF";
   char text_[1 + 4 * 8 + 1] = {'#'};
   char* end_ = text_ + 1;
 };
@@ -88,7 +88,7 @@ std::optional<hex_codes::HexCode> hex_codes::sanitizedHexCode(std::string_view c
   for (const char unit : code) {
     // Every unit is written where the next digit belongs, and stays there if it is one: no branch to mispredict.
     result.digits[std::min(result.count, result.digits.size() - 1)] = unit;
-    result.count += values[static_cast<unsigned char>(unit)] != kNoDigit;
+    result.count += values[static_cast<unsigned char>(unit)] != kNotADigit;
   }
   if (result.count != 6 && result.count != 8) return std::nullopt;
   return result;

@@ -1,5 +1,7 @@
 #include <HavrinFoundation/platform/base/uuid.h>
 
+#include <HavrinFoundation/platform/base/hex_digits.h>
+
 namespace havrin::inline platform {
 namespace {
 
@@ -7,14 +9,6 @@ constexpr std::size_t kTextLength = 36;
 
 constexpr bool isDash(std::size_t position) {
   return position == 8 || position == 13 || position == 18 || position == 23;
-}
-
-/// The value of a hexadecimal digit, -1 for any other character.
-constexpr int digitValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
 }
 
 }  // namespace
@@ -28,8 +22,8 @@ std::optional<UUID> UUID::fromString(std::string_view text) {
       if (text[i] != '-') return std::nullopt;
       continue;
     }
-    const int value = digitValue(text[i]);
-    if (value < 0) return std::nullopt;
+    const int value = hexValue(text[i]);
+    if (value == kNoDigit) return std::nullopt;
     bytes[digits / 2] = static_cast<std::uint8_t>(bytes[digits / 2] << 4 | value);
     ++digits;
   }
@@ -41,8 +35,7 @@ std::string UUID::uuidString() const {
   std::size_t digits = 0;
   for (std::size_t i = 0; i < kTextLength; ++i) {
     if (isDash(i)) continue;
-    const int value = digits % 2 == 0 ? bytes_[digits / 2] >> 4 : bytes_[digits / 2] & 0xF;
-    text[i] = "0123456789ABCDEF"[value];
+    text[i] = kUpperHexDigits[digits % 2 == 0 ? bytes_[digits / 2] >> 4 : bytes_[digits / 2] & 0xF];
     ++digits;
   }
   return text;

@@ -1,48 +1,50 @@
-// Whether the processor has the wide instructions (AVX2) that a few loops over bytes have a second body for. For
-// sources only: no public header includes it.
+// Loops over bytes that use the processor's wide instructions (AVX2) where it has them. Internal to the library.
 //
-//   if (hasWideInstructions()) return encodeWide(bytes);
-//   return encodePlain(bytes);
+//   if (size >= kWideHexBytes && hasWideInstructions()) return writeHexDigitsWide(bytes, size, out);
+//   ... the plain loop
 //
-// The wide bodies stand beside the plain ones, carry the target attribute themselves, and give the same answers; the
-// library is built for any processor of its kind.
+// The library is built for any processor of its kind: each loop here has a plain one beside its caller, with the same
+// answers, and may be called only where hasWideInstructions() is true.
 #pragma once
 
-#include <atomic>
+#include <HavrinFoundation/platform/export.h>
 
-#if defined(__x86_64__)
-#include <cpuid.h>
-#endif
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 
 namespace havrin::inline platform::detail {
 
 enum class WideInstructions : signed char { unknown, absent, present };
 
-/// What was found at first use. A test writes `absent` to run the plain bodies.
-inline constinit std::atomic<WideInstructions> wideInstructions{WideInstructions::unknown};
-
-#if defined(__x86_64__)
-/// Asks the processor for AVX2, and the system whether it keeps the wide registers across a switch of threads.
-inline bool processorHasWideInstructions() noexcept {
-  unsigned a = 0, b = 0, c = 0, d = 0;
-  constexpr unsigned kSystemSavesRegisters = 1u << 27, kAvx2 = 1u << 5, kSseAndAvxState = 0b110;
-  if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & kSystemSavesRegisters) == 0) return false;
-  unsigned low, high;
-  asm("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
-  if ((low & kSseAndAvxState) != kSseAndAvxState) return false;
-  return __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & kAvx2) != 0;
-}
-#else
-inline bool processorHasWideInstructions() noexcept { return false; }
-#endif
+/// What was found at first use. A test writes `absent` to run the plain loops.
+HAVRIN_EXPORT extern constinit std::atomic<WideInstructions> wideInstructions;
+HAVRIN_EXPORT bool findWideInstructions() noexcept;
 
 [[nodiscard]] inline bool hasWideInstructions() noexcept {
   const WideInstructions found = wideInstructions.load(std::memory_order_relaxed);
   if (found != WideInstructions::unknown) [[likely]]
     return found == WideInstructions::present;
-  const bool present = processorHasWideInstructions();
-  wideInstructions.store(present ? WideInstructions::present : WideInstructions::absent, std::memory_order_relaxed);
-  return present;
+  return findWideInstructions();
 }
+
+/// The fewest bytes that writeHexDigitsWide takes.
+inline constexpr std::size_t kWideHexBytes = 16;
+/// Writes two lower-case hexadecimal digits for each byte.
+void writeHexDigitsWide(const std::byte* bytes, std::size_t size, char* out) noexcept;
+
+/// A set of bytes below 80 (hexadecimal): bit h of row l is byte 16 h + l.
+using AsciiRows = std::array<std::uint8_t, 16>;
+
+/// The fewest bytes that skipAsciiWide takes.
+inline constexpr std::size_t kWideAsciiBytes = 16;
+/// The position of the first byte that is above 7F, or in the set (where `others`: not in it); `size` where there is none.
+[[nodiscard]] std::size_t skipAsciiWide(const unsigned char* text, std::size_t size, const AsciiRows& set,
+                                        bool others) noexcept;
+/// The same for UTF-16, but the result may be earlier: the beginning of the 32 units with such a one, or of the last
+/// fewer than 32.
+[[nodiscard]] std::size_t skipAsciiWide(const char16_t* text, std::size_t size, const AsciiRows& set,
+                                        bool others) noexcept;
 
 }  // namespace havrin::inline platform::detail

@@ -1,5 +1,7 @@
 #include <HavrinFoundation/platform/foundation/data.h>
 
+#include <HavrinFoundation/platform/base/hex_digits.h>
+
 #include <algorithm>
 #include <string>
 
@@ -24,14 +26,12 @@ std::uint64_t NSData::hash() const {
 
 Strong<NSString> NSData::description() const {
   constexpr std::size_t kShown = 24;
-  constexpr std::string_view kDigits = "0123456789abcdef";
   const auto all = bytes();
-  std::string text = "{length = " + std::to_string(all.size()) + ", bytes = 0x";
-  for (const std::byte byte : all.first(std::min(kShown, all.size()))) {
-    text += kDigits[std::to_integer<std::size_t>(byte) >> 4];
-    text += kDigits[std::to_integer<std::size_t>(byte) & 0xF];
-  }
-  text += all.size() > kShown ? "...}" : "}";
+  char digits[2 * kShown];
+  const std::size_t shown = std::min(kShown, all.size());
+  writeHexDigits(all.data(), shown, digits);
+  const std::string text = "{length = " + std::to_string(all.size()) + ", bytes = 0x" + std::string(digits, 2 * shown) +
+                           (all.size() > kShown ? "...}" : "}");
   return makeString(text);
 }
 

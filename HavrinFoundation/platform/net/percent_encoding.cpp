@@ -1,5 +1,6 @@
 #include <HavrinFoundation/platform/net/percent_encoding.h>
 
+#include <HavrinFoundation/platform/base/hex_digits.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <array>
@@ -53,9 +54,8 @@ void appendQueryEncoded(std::string& result, std::string_view text) {
     while (run < text.size() && kStandsAsItIs[static_cast<unsigned char>(text[run])]) ++run;
     result += text.substr(0, run);
     if (run == text.size()) return;
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
     const auto byte = static_cast<unsigned char>(text[run]);
-    const char escape[] = {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    const char escape[] = {'%', kUpperHexDigits[byte >> 4], kUpperHexDigits[byte & 15]};
     result.append(escape, 3);
     text.remove_prefix(run + 1);
   }

@@ -10,15 +10,6 @@
 
 namespace havrin::inline platform {
 
-/// What the hexadecimal digit `c`, in either case, stands for.
-inline constexpr int kNoDigit = -1;
-[[nodiscard]] constexpr int hexValue(char c) noexcept {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return kNoDigit;
-}
-
 /// `text` with its escapes read as UTF-8; ill-formed parts read as U+FFFD. "+" stays, and so does "%" without two
 /// hexadecimal digits behind it.
 [[nodiscard]] std::string percentDecoded(std::string_view text);

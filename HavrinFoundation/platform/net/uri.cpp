@@ -1,5 +1,6 @@
 #include <HavrinFoundation/platform/net/uri.h>
 
+#include <HavrinFoundation/platform/base/hex_digits.h>
 #include <HavrinFoundation/platform/net/percent_encoding.h>
 
 #include <algorithm>

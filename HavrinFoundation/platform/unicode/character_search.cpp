@@ -1,6 +1,5 @@
 // The search of CharacterSet: runs of ASCII text go through a loop over many bytes at a time, everything else through
 // the set's pages.
-#include <HavrinFoundation/platform/base/wide_instructions.h>
 #include <HavrinFoundation/platform/unicode/character_set.h>
 #include <HavrinFoundation/platform/unicode/character_set_storage.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
@@ -10,10 +9,6 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
 
 namespace havrin::inline platform {
 
@@ -34,7 +29,7 @@ struct Wanted {
 };
 
 // Answers a position before which every unit is below U+0080 and not wanted. At it stands another one, or the end of the
-// text, or, for the wide bodies, the beginning of a block in which one stands.
+// text, or, with wide instructions, the beginning of a block in which one stands.
 template <class Unit>
 std::size_t skipAsciiPlain(const Unit* text, std::size_t size, const Wanted& wanted) noexcept {
   std::size_t i = 0;
@@ -42,96 +37,11 @@ std::size_t skipAsciiPlain(const Unit* text, std::size_t size, const Wanted& wan
   return i;
 }
 
-#if defined(__x86_64__)
-
-// The row of a byte is found by its low half, the byte's bit in that row by its high half: two shuffles for any set. A
-// byte above 7F has its top bit set, for which the shuffle answers no row at all.
-struct WideRows {
-  __m256i rows, bits, lowHalves;
-};
-
-[[gnu::target("avx2")]] inline __m128i load16(const void* from) noexcept {
-  return _mm_loadu_si128(static_cast<const __m128i*>(from));
-}
-
-[[gnu::target("avx2")]] inline __m256i load(const void* from) noexcept {
-  return _mm256_loadu_si256(static_cast<const __m256i*>(from));
-}
-
-[[gnu::target("avx2")]] inline WideRows widen(const Wanted& wanted) noexcept {
-  const __m128i rows = load16(wanted.storage.asciiRows().data());
-  const __m128i flip = _mm_set1_epi64x(static_cast<long long>(wanted.flip));
-  return {_mm256_broadcastsi128_si256(_mm_xor_si128(rows, flip)),
-          _mm256_broadcastsi128_si256(_mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, -128, 0, 0, 0, 0, 0, 0, 0, 0)),
-          _mm256_set1_epi8(0x0F)};
-}
-
-// Bytes that are not 0 where a wanted one stands.
-[[gnu::target("avx2")]] inline __m256i wantedAmong(__m256i bytes, const WideRows& wide) noexcept {
-  const __m256i highHalves = _mm256_and_si256(_mm256_srli_epi16(bytes, 4), wide.lowHalves);
-  return _mm256_and_si256(_mm256_shuffle_epi8(wide.rows, bytes), _mm256_shuffle_epi8(wide.bits, highHalves));
-}
-
-// A bit for each byte that is wanted or above 7F.
-[[gnu::target("avx2")]] inline std::uint32_t stopsAmong(__m256i bytes, const WideRows& wide) noexcept {
-  const __m256i others = _mm256_cmpeq_epi8(wantedAmong(bytes, wide), _mm256_setzero_si256());
-  return ~static_cast<std::uint32_t>(_mm256_movemask_epi8(others)) |
-         static_cast<std::uint32_t>(_mm256_movemask_epi8(bytes));
-}
-
-std::size_t lowestBit(std::uint32_t bits) noexcept { return static_cast<std::size_t>(std::countr_zero(bits)); }
-
-[[gnu::target("avx2")]] std::size_t skipAsciiWide(const unsigned char* text, std::size_t size,
-                                                  const Wanted& wanted) noexcept {
-  if (size < 16) return skipAsciiPlain(text, size, wanted);
-  const WideRows wide = widen(wanted);
-  if (size <= 32) {  // both ends at once, which may overlap
-    const __m256i ends = _mm256_inserti128_si256(_mm256_castsi128_si256(load16(text)), load16(text + size - 16), 1);
-    const std::uint32_t stops = stopsAmong(ends, wide);
-    if (stops == 0) return size;
-    return (stops & 0xFFFF) != 0 ? lowestBit(stops) : size - 32 + lowestBit(stops);
-  }
-  std::size_t i = 0;
-  for (; i + 128 <= size; i += 128) {
-    const __m256i a = load(text + i), b = load(text + i + 32), c = load(text + i + 64), d = load(text + i + 96);
-    const __m256i found = _mm256_or_si256(_mm256_or_si256(wantedAmong(a, wide), wantedAmong(b, wide)),
-                                          _mm256_or_si256(wantedAmong(c, wide), wantedAmong(d, wide)));
-    const __m256i bytes = _mm256_or_si256(_mm256_or_si256(a, b), _mm256_or_si256(c, d));
-    if (_mm256_testz_si256(found, found) == 0 || _mm256_movemask_epi8(bytes) != 0) break;
-  }
-  for (; i + 32 <= size; i += 32) {
-    if (const std::uint32_t stops = stopsAmong(load(text + i), wide); stops != 0) return i + lowestBit(stops);
-  }
-  if (i < size) {  // the last 32 bytes once more: those before i are known not to stop
-    if (const std::uint32_t stops = stopsAmong(load(text + size - 32), wide); stops != 0) {
-      return size - 32 + lowestBit(stops);
-    }
-  }
-  return size;
-}
-
-[[gnu::target("avx2")]] std::size_t skipAsciiWide(const char16_t* text, std::size_t size,
-                                                  const Wanted& wanted) noexcept {
-  const WideRows wide = widen(wanted);
-  const __m256i beyondAscii = _mm256_set1_epi16(static_cast<short>(0xFF80));
-  std::size_t i = 0;
-  for (; i + 32 <= size; i += 32) {
-    const __m256i low = load(text + i), high = load(text + i + 16);
-    if (_mm256_testz_si256(_mm256_or_si256(low, high), beyondAscii) == 0) return i;
-    // Packing works within the halves of the registers; the permutation restores the order of the text.
-    const __m256i bytes = _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0b11'01'10'00);
-    if (const std::uint32_t stops = stopsAmong(bytes, wide); stops != 0) return i + lowestBit(stops);
-  }
-  return i;
-}
-
-#endif
-
 template <class Unit>
 std::size_t skipAscii(const Unit* text, std::size_t size, const Wanted& wanted) noexcept {
-#if defined(__x86_64__)
-  if (detail::hasWideInstructions()) return skipAsciiWide(text, size, wanted);
-#endif
+  if (size >= detail::kWideAsciiBytes && detail::hasWideInstructions()) {
+    return detail::skipAsciiWide(text, size, wanted.storage.asciiRows(), wanted.flip != 0);
+  }
   return skipAsciiPlain(text, size, wanted);
 }
 

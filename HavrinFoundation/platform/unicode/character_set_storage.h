@@ -4,6 +4,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/base/range.h>
+#include <HavrinFoundation/platform/base/wide_instructions.h>
 
 #include <array>
 #include <atomic>
@@ -11,9 +12,6 @@
 #include <memory>
 
 namespace havrin::inline platform::detail {
-
-/// Bit h of row l is set when U+00hl is a member: l is the low half of the byte, h, at most 7, the high half.
-using AsciiRows = std::array<std::uint8_t, 16>;
 
 class CharacterSetStorage {
  public:
