@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -65,8 +66,9 @@ Strong<NSArray> map(NSArray& self, ElementTransform transform) {
   return mapped.finish();
 }
 
-// The asynchronous map. A completion that is called inside its own transform would nest the rest of the chain in it, so
-// the next step is left with a loop below, which sends it when the transform has returned.
+// The asynchronous map. Going on inside the completion or the `result` that asks for it would nest the rest of the chain
+// in it. So a completion that is called inside its own transform leaves the next step with a loop below, which sends it
+// when the transform has returned, and a chain that begins inside a `result` uses the loop that runs the `result`.
 
 struct Step {
   Strong<NSArray> array;
@@ -80,14 +82,22 @@ class Loop;
 
 // A transform that runs on this thread, and the loop that takes the steps its completion asks for.
 struct Running {
-  std::uint64_t number;  // of the step: no other step of the process has it
+  std::uint64_t number;  // of the step, unique in the process
   Loop& loop;
   Running* outer;
 };
 
+// The loop that a step joins instead of starting its own, so that an override between the two costs no stack.
+struct Joinable {
+  Loop* loop = nullptr;
+  const NSArray* array = nullptr;  // to which the loop has sent a step; null while the loop runs a `result`
+
+  [[nodiscard]] Loop* loopFor(const NSArray& receiver) const { return !array || array == &receiver ? loop : nullptr; }
+};
+
 struct Chains {
   Running* running = nullptr;  // innermost first
-  Loop* sending = nullptr;     // the loop whose message is on its way to the step
+  Joinable joinable;
 };
 constinit thread_local Chains chains;
 constinit std::atomic<std::uint64_t> steps{0};
@@ -111,17 +121,28 @@ class Scoped {
 class Loop {
  public:
   void add(Step step) { steps_.push_back(std::move(step)); }
-  void run();
-  // Runs the transform of a step, whose completion may leave further steps here.
-  void transform(Step step);
-  // True for the message that this loop has sent: an override may have changed all but the blocks.
-  [[nodiscard]] bool isSending(const AsyncTransform& transform, const AsyncResult& result) const {
-    return sent_.transform == transform && sent_.result == result;
+  // Takes a step: runs its transform, whose completion may leave further steps here, or its result.
+  void take(const Step& step);
+  // Takes a step, then sends what it left.
+  void start(const Step& step) {
+    attempt([&] { take(step); });
+    run();
   }
+  // Sends until no step is left. Throws: the first exception of all that came out of the steps.
+  void run();
 
  private:
+  template <class Body>
+  void attempt(Body body) {
+    try {
+      body();
+    } catch (...) {
+      if (!failure_) failure_ = std::current_exception();
+    }
+  }
+
   std::vector<Step> steps_;  // the last is next
-  Step sent_;
+  std::exception_ptr failure_;
 };
 
 void complete(const Step& step, std::uint64_t number, NSObject* value) {
@@ -141,28 +162,36 @@ void complete(const Step& step, std::uint64_t number, NSObject* value) {
   loop.run();
 }
 
+void Loop::take(const Step& step) {
+  const Scoped<Joinable> closed(chains.joinable, {});  // a chain inside a transform ends before its message returns
+  if (step.index >= step.array->count()) {
+    chains.joinable = {this, nullptr};
+    step.result(step.partial);
+    return;
+  }
+  const Strong<NSObject> element = step.array->objectAtIndexedSubscript(step.index);
+  Running running{steps.fetch_add(1, std::memory_order_relaxed), *this, chains.running};
+  const Scoped entered(chains.running, &running);
+  const AsyncCompletion completion = [step, number = running.number](NSObject* value) {
+    complete(step, number, value);
+  };
+  step.transform(element, completion);
+}
+
 void Loop::run() {
   std::size_t waiting = 0;
   while (!steps_.empty()) {
     std::reverse(steps_.begin() + static_cast<std::ptrdiff_t>(waiting), steps_.end());
-    sent_ = std::move(steps_.back());
+    const Step step = std::move(steps_.back());
     steps_.pop_back();
     waiting = steps_.size();
-    const Scoped sending(chains.sending, this);
-    send<"asyncMapAux:block:currentResult:result:">(sent_.array, sent_.index, sent_.transform, sent_.partial,
-                                                    sent_.result);
+    const Scoped<Joinable> open(chains.joinable, {this, step.array});
+    attempt([&] {
+      send<"asyncMapAux:block:currentResult:result:">(step.array, step.index, step.transform, step.partial,
+                                                      step.result);
+    });
   }
-}
-
-void Loop::transform(Step step) {
-  const Strong<NSObject> element = step.array->objectAtIndexedSubscript(step.index);
-  const AsyncTransform transform = step.transform;
-  Running running{steps.fetch_add(1, std::memory_order_relaxed), *this, chains.running};
-  const Scoped entered(chains.running, &running);
-  const AsyncCompletion completion = [step = std::move(step), number = running.number](NSObject* value) {
-    complete(step, number, value);
-  };
-  transform(element, completion);
+  if (failure_) std::rethrow_exception(failure_);
 }
 
 void asyncMap(NSArray& self, const AsyncTransform& transform, const AsyncResult& result) {
@@ -177,16 +206,12 @@ void asyncMapAux(NSArray& self, std::uint64_t index, const AsyncTransform& trans
   requireBlock(self, kSelector, transform);
   requireBlock(self, kSelector, result);
   if (!partial) throwNullArgument(self, kSelector, "partial result");
-  Step step{&self, index, transform, partial, result};
-  Loop* const sender = chains.sending && chains.sending->isSending(transform, result) ? chains.sending : nullptr;
-  const Scoped arrived(chains.sending, static_cast<Loop*>(nullptr));
-  if (index >= self.count()) {
-    step.result(partial);
-    return;
+  const Step step{&self, index, transform, partial, result};
+  if (Loop* const sender = chains.joinable.loopFor(self)) {
+    sender->take(step);
+  } else {
+    Loop().start(step);
   }
-  Loop own;
-  (sender ? *sender : own).transform(std::move(step));
-  own.run();
 }
 
 Strong<NSArray> compactMap(NSArray& self, ElementTransform transform) {

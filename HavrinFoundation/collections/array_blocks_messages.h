@@ -52,13 +52,17 @@ struct platform::Message<NSArray, "map:"> : Signature<Strong<NSArray>(ElementTra
 ///
 /// The next element's transform runs inside the completion of the one before, on that thread; `result` runs inside the
 /// last one. For an empty receiver it runs before the message returns. A completion that is called while its own
-/// transform still runs on the same thread is noted, and acted upon when the transform returns: chains that complete at
-/// once use constant stack, and a transform must not wait for the result.
+/// transform still runs on the same thread is noted, and acted upon when the transform returns. A chain that begins
+/// inside a `result` transforms its first element at once and goes on when that `result` has returned, if the element
+/// completes at once. So chains that complete at once use constant stack, also where each begins the next, and neither
+/// a transform nor a `result` may wait for what it began. A chain that begins inside a transform and completes at once
+/// ends before its message returns.
 /// Every step has its own array of values so far. A completion called again starts a second continuation from there,
 /// which transforms the later elements anew and ends in a call of `result` of its own; one that is never called ends the
 /// chain silently.
 /// The receiver is read anew at each step, and may change between them.
-/// Throws: what a block throws, to whoever called into the chain on that thread; completions noted by then are dropped.
+/// Throws: what a block throws, to the caller that entered the chain on that thread, after all noted completions have
+/// been acted upon; the first exception where there are several.
 /// Cost: linear in the number of elements, the copying of the values included. Threads: any.
 template <>
 struct platform::Message<NSArray, "asyncMap:result:"> : Signature<void(const AsyncTransform&, const AsyncResult&)> {};

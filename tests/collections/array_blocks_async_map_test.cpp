@@ -66,6 +66,31 @@ class Sieve : public Object<Sieve, NSArray> {
   int steps_ = 0;
 };
 
+// Takes part in each step, and passes it on to the inherited method with blocks of its own.
+class Meter : public Object<Meter, NSArray> {
+ public:
+  explicit Meter(std::uint64_t number) : number_(number) {}
+  std::uint64_t count() const override { return number_; }
+  Strong<NSObject> objectAtIndex(std::uint64_t index) const override { return makeNumber(index); }
+  void begin(AsyncTransform transform, const AsyncResult& result) {
+    transform_ = std::move(transform);
+    send<"asyncMap:result:">(*this, transform_, result);
+  }
+  void step(std::uint64_t index, const AsyncTransform&, NSArray* partial, const AsyncResult& result) {
+    constexpr auto& kStep = selector<"asyncMapAux:block:currentResult:result:">;
+    using Types = void(std::uint64_t, const AsyncTransform&, NSArray*, const AsyncResult&);
+    const Implementation inherited = classObject<NSArray>()->resolve(kStep, typeid(Types), this);
+    const AsyncTransform own = [this](NSObject* element, const AsyncCompletion& done) { transform_(element, done); };
+    reinterpret_cast<void (*)(NSObject*, std::uint64_t, const AsyncTransform&, NSArray*, const AsyncResult&)>(
+        inherited)(this, index, own, partial, result);
+  }
+  using Members = List<Method<"asyncMapAux:block:currentResult:result:", &Meter::step>>;
+
+ private:
+  std::uint64_t number_;
+  AsyncTransform transform_;
+};
+
 }  // namespace
 
 TEST(AsyncMap, GivesTheSameArrayWheneverAndWhereverItCompletes) {
@@ -144,6 +169,38 @@ TEST(AsyncMap, UsesConstantStackAndCopiesALinearNumberOfSlots) {
     EXPECT_TRUE(values->lastObject()->isEqual(makeNumber(size - 1)));
     EXPECT_LT(std::exchange(stack, {}).bytes(), 4096U);
     EXPECT_LE(arraySlotsCopied() - copied, (transform == noted ? 2 : 6) * size);
+  }
+}
+
+TEST(AsyncMap, UsesConstantStackThroughOverridesAndResultsThatBeginTheNextChain) {
+  constexpr std::uint64_t kSize = 100'000;
+  StackUse stack;
+  const AsyncTransform noted = [&stack](NSObject* element, const AsyncCompletion& done) {
+    stack.note();
+    done(element);
+  };
+  std::uint64_t results = 0;
+  const AsyncResult next = [&](NSArray* values) {
+    stack.note();
+    if (++results < kSize) send<"asyncMap:result:">(values, noted, next);
+  };
+  const AsyncResult count = [&results](NSArray* values) { results = values->count(); };
+  const struct {
+    const char* why;
+    std::function<void()> run;
+    std::uint64_t results;
+  } rows[] = {
+      {"a new transform at each step", [&] { make<Meter>(kSize)->begin(noted, count); }, kSize},
+      {"a new result at each step", [&] { send<"asyncMap:result:">(make<Sieve>(make<Numbers>(300U)), noted, count); },
+       200},
+      {"each result begins the next chain", [&] { send<"asyncMap:result:">(letters("ab"), noted, next); }, kSize},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    results = 0;
+    row.run();
+    EXPECT_EQ(results, row.results);
+    EXPECT_LT(std::exchange(stack, {}).bytes(), 4096U);
   }
 }
 
@@ -251,20 +308,35 @@ TEST(AsyncMap, RefusesNullBeforeAnythingRuns) {
   EXPECT_EQ(got, "(a)");
 }
 
-TEST(AsyncMap, LetsExceptionsOutAndStartsAfresh) {
+TEST(AsyncMap, GoesOnAfterNotedCompletionsBeforeTheFirstExceptionComesOut) {
   const auto numbers = make<Numbers>(5U);
-  std::string got;
-  int transforms = 0;
-  const auto failing = [&](NSNumber& number, const AsyncCompletion& done) {
-    ++transforms;
-    done(&number);
-    if (number.integerValue() == 2) throw std::runtime_error("no cover");
-  };
-  const auto result = [&](NSArray* values) { got += text(values); };
-  EXPECT_THROW(send<"asyncMap:result:">(numbers, failing, result), std::runtime_error);
-  EXPECT_EQ(transforms, 3);
-  send<"asyncMap:result:">(numbers, atOnce, result);
-  EXPECT_EQ(got, "(0, 1, 2, 3, 4)");
+  for (const bool later : {false, true}) {
+    std::string got;
+    AsyncCompletion first;
+    const auto failing = [&](NSNumber& number, const AsyncCompletion& done) {
+      if (later && !first) {
+        first = done;
+        return;
+      }
+      done(&number);
+      if (number.integerValue() % 2 == 0) throw std::runtime_error(text(&number));
+    };
+    const auto result = [&](NSArray* values) {
+      got += text(values);
+      throw std::logic_error("after the others");
+    };
+    try {
+      send<"asyncMap:result:">(numbers, failing, result);
+      ASSERT_TRUE(first);
+      first(numbers->objectAtIndex(0));
+      FAIL() << "nothing was thrown";
+    } catch (const std::runtime_error& error) {
+      EXPECT_STREQ(error.what(), later ? "2" : "0");
+    }
+    EXPECT_EQ(got, "(0, 1, 2, 3, 4)");
+    send<"asyncMap:result:">(numbers, atOnce, [&](NSArray* values) { got = text(values); });
+    EXPECT_EQ(got, "(0, 1, 2, 3, 4)") << "a later chain is as any other";
+  }
 }
 
 TEST(AsyncMap, ContinuesOnTheThreadThatCompletesEvenWhileTheTransformRuns) {
