@@ -25,8 +25,6 @@
 
 namespace havrin {
 
-class KeyValueObservation;
-
 /// Options of an observation, added up; other bits have no effect.
 inline constexpr std::uint64_t KeyValueObservationOptionSkipInitial = 2;    // no call of the action at creation
 inline constexpr std::uint64_t KeyValueObservationOptionSkipUnchanged = 4;  // none for a value equal to the old one
@@ -37,27 +35,6 @@ extern HAVRIN_EXPORT void* kKeyValueObservationContext __asm__("kKeyValueObserva
 /// The key under which the change that an action receives holds the key path that changed: "keyPath".
 extern HAVRIN_EXPORT NSString* const kKeyValueObservationKeyPath __asm__("kKeyValueObservationKeyPath");
 
-/// What is called: with the observer, the observed object and the change.
-using KeyValueObservationAction = Block<void(NSObject* observer, NSObject* object, NSDictionary* change)>;
-
-}  // namespace havrin
-
-namespace havrin::inline platform {
-
-/// Sets the five properties through their setters, in this order, registers for each key path with old and new values,
-/// and, unless the options skip it, calls the action once on this thread: with the observer as given, null or not, and a
-/// change that holds the kind 1 alone.
-/// Result: the receiver. Nil: a null object or null key paths register nothing.
-/// Throws: NSException (InvalidArgument) for a null action, before anything is registered; what `addObserver` throws for
-/// the object or a key path, with nothing left registered; what the action throws.
-template <>
-struct Message<KeyValueObservation, "initWithObserver:object:keyPaths:options:action:">
-    : Signature<Strong<Self>(NSObject*, NSObject*, NSArray*, std::uint64_t, const KeyValueObservationAction&)> {};
-
-}  // namespace havrin::inline platform
-
-namespace havrin {
-
 /// Keeps the observed object alive, and the observer not: once that is gone, changes are dropped. Deliveries that are
 /// queued keep observation, observer and object alive until the action has run, and call the action of that moment.
 /// `object` and `keyPaths` are not to be set after creation: what they hold at the end is what is unregistered.
@@ -65,7 +42,8 @@ namespace havrin {
 /// in their order.
 class HAVRIN_EXPORT KeyValueObservation : public Object<KeyValueObservation, NSObject> {
  public:
-  using Action = KeyValueObservationAction;
+  /// Called with the observer, the observed object and the change.
+  using Action = Block<void(NSObject* observer, NSObject* object, NSDictionary* change)>;
 
   /// Observes nothing, until it is initialised.
   KeyValueObservation() noexcept = default;
@@ -114,5 +92,15 @@ class HAVRIN_EXPORT KeyValueObservation : public Object<KeyValueObservation, NSO
       Method<"setKeyPaths:", &KeyValueObservation::copyKeyPaths>, Property<"options", &KeyValueObservation::options_>,
       Method<"action", &KeyValueObservation::action>, Method<"setAction:", &KeyValueObservation::copyAction>>;
 };
+
+/// Sets the five properties through their setters, in this order, registers for each key path with old and new values,
+/// and, unless the options skip it, calls the action once on this thread: with the observer as given, null or not, and a
+/// change that holds the kind 1 alone.
+/// Result: the receiver. Nil: a null object or null key paths register nothing.
+/// Throws: NSException (InvalidArgument) for a null action, before anything is registered; what `addObserver` throws for
+/// the object or a key path, with nothing left registered; what the action throws.
+template <>
+struct platform::Message<KeyValueObservation, "initWithObserver:object:keyPaths:options:action:">
+    : Signature<Strong<Self>(NSObject*, NSObject*, NSArray*, std::uint64_t, const KeyValueObservation::Action&)> {};
 
 }  // namespace havrin

@@ -10,7 +10,7 @@ namespace havrin {
 
 namespace {
 
-using Action = KeyValueObservationAction;
+using Action = KeyValueObservation::Action;
 
 void observeKeyPaths(UIResponder& self, NSObject* model, NSArray* keyPaths, std::uint64_t options,
                      const Action& action) {

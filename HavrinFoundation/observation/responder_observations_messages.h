@@ -26,23 +26,23 @@ namespace havrin::inline platform {
 /// Observes one key path with options 0. Nil: NSException (InvalidArgument) for a null key path; nothing is registered.
 template <>
 struct Message<UIResponder, "observeModel:forKeyPath:action:">
-    : Signature<void(NSObject*, NSString*, const KeyValueObservationAction&)> {};
+    : Signature<void(NSObject*, NSString*, const KeyValueObservation::Action&)> {};
 
 /// Observes several key paths with options 0: one first call, and one for each change of either.
 template <>
 struct Message<UIResponder, "observeModel:forKeyPaths:action:">
-    : Signature<void(NSObject*, NSArray*, const KeyValueObservationAction&)> {};
+    : Signature<void(NSObject*, NSArray*, const KeyValueObservation::Action&)> {};
 
 /// Observes one key path. Nil: as the first.
 template <>
 struct Message<UIResponder, "observeModel:forKeyPath:options:action:">
-    : Signature<void(NSObject*, NSString*, std::uint64_t, const KeyValueObservationAction&)> {};
+    : Signature<void(NSObject*, NSString*, std::uint64_t, const KeyValueObservation::Action&)> {};
 
 /// Makes an observation of the model with the receiver as its observer, and appends it to a new copy of the receiver's
 /// list. During the first call of the action the list does not hold it yet. Throws: as KeyValueObservation's creation.
 template <>
 struct Message<UIResponder, "observeModel:forKeyPaths:options:action:">
-    : Signature<void(NSObject*, NSArray*, std::uint64_t, const KeyValueObservationAction&)> {};
+    : Signature<void(NSObject*, NSArray*, std::uint64_t, const KeyValueObservation::Action&)> {};
 
 /// The observations; null until the first. Stored as an associated value under this selector.
 template <>

@@ -29,7 +29,7 @@ struct Observation : testing::Test {
   std::vector<std::string> told;
   std::function<void()> during;
 
-  KeyValueObservationAction action() {
+  KeyValueObservation::Action action() {
     return [this](NSObject* who, Station* what, NSDictionary* change) {
       EXPECT_TRUE(isMainThread());
       EXPECT_TRUE(!who || who == observer.get());
@@ -281,7 +281,7 @@ TEST_F(Observation, BadInputRaisesAndLeavesNothingRegistered) {
   const auto title = s("title");
   const struct {
     Strong<NSArray> keyPaths;
-    KeyValueObservationAction action;
+    KeyValueObservation::Action action;
     std::string_view name;
     const char* why;
   } rows[] = {

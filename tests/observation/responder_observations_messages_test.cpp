@@ -21,7 +21,7 @@ class Board : public Object<Board, UIResponder> {
 class Nosy : public Object<Nosy, Board> {
  public:
   std::vector<std::string> log;
-  void observe(NSObject*, NSArray* keyPaths, std::uint64_t options, const KeyValueObservationAction&) {
+  void observe(NSObject*, NSArray* keyPaths, std::uint64_t options, const KeyValueObservation::Action&) {
     log.push_back(shown(keyPaths) + " " + std::to_string(options));
   }
   using Members = List<Method<"observeModel:forKeyPaths:options:action:", &Nosy::observe>>;
@@ -45,7 +45,7 @@ struct Registry : testing::Test {
   Strong<Station> station = make<Station>();
   Strong<Board> board = make<Board>();
 
-  KeyValueObservationAction redraw() {
+  KeyValueObservation::Action redraw() {
     return [](Board& drawn, Station&, NSDictionary*) { ++drawn.redraws; };
   }
 };
@@ -150,7 +150,7 @@ TEST_F(Registry, AQueuedDeliveryOutlivesTheList) {
 TEST_F(Registry, BadInputRaisesAndAddsNoToken) {
   const struct {
     const char* keyPath;
-    KeyValueObservationAction action;
+    KeyValueObservation::Action action;
     std::string_view name;
     const char* why;
   } rows[] = {
