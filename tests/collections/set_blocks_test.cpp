@@ -37,6 +37,11 @@ class MyOrderedSet : public Object<MyOrderedSet, NSOrderedSet> {
     ++made;
     return NSOrderedSet::orderedSetWithArray(self, array);
   }
+  static inline int shown = 0;
+  Strong<NSArray> array() const override {
+    ++shown;
+    return NSOrderedSet::array();
+  }
   using ClassMembers = List<ClassMethod<"orderedSetWithArray:", &MyOrderedSet::orderedSetWithArray>>;
 };
 
@@ -88,7 +93,7 @@ TEST(SetBlocks, KeepTheOrderOfOrderedSets) {
   const Strong<NSMutableOrderedSet> changing =
       send<"orderedSetWithArray:">(classOf<NSMutableOrderedSet>(), set->array());
   const Strong<MyOrderedSet> mine = send<"orderedSetWithArray:">(classOf<MyOrderedSet>(), set->array());
-  MyOrderedSet::made = 0;
+  MyOrderedSet::made = MyOrderedSet::shown = 0;
   for (const Strong<NSOrderedSet>& receiver : {set, Strong<NSOrderedSet>(changing), Strong<NSOrderedSet>(mine)}) {
     SCOPED_TRACE(std::string(classOf(*receiver).name()));
     const Strong<NSOrderedSet> odd = send<"select:">(receiver, isOdd);
@@ -101,6 +106,7 @@ TEST(SetBlocks, KeepTheOrderOfOrderedSets) {
     EXPECT_EQ(text(send<"map:">(receiver, sameForAll)), "(same, same, same, same)") << "results are not made unique";
   }
   EXPECT_EQ(MyOrderedSet::made, 2);
+  EXPECT_EQ(MyOrderedSet::shown, 5) << "one for each of four messages, and the call above";
   EXPECT_EQ(text(send<"compactMap:">(make<CountDown>(), oddOrNull)), "(5, 3, 1)");
   std::string down;
   for (NSObject* number : each(make<CountDown>())) down += text(number);

@@ -54,7 +54,7 @@ class HAVRIN_EXPORT NSOrderedSet : public Object<NSOrderedSet, NSObject>, public
   [[nodiscard]] virtual std::uint64_t indexOfObject(const NSObject* object) const;
   [[nodiscard]] bool containsObject(const NSObject* object) const { return indexOfObject(object) != kNotFound; }
   /// The elements in order, as an immutable array that shows the ordered set as it is whenever it is read.
-  [[nodiscard]] Strong<NSArray> array() const;
+  [[nodiscard]] virtual Strong<NSArray> array() const;
 
   /// True for an ordered set, mutable or not, with equal elements in the same order.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
