@@ -207,7 +207,7 @@ class HAVRIN_EXPORT ArrayBuilder {
   [[nodiscard]] Strong<NSArray> finish();
 
  private:
-  // The slots of the array to be, behind its memory. Not called `slots`, which is a macro to programs that use Qt.
+  // The slots of the array under construction. Not called `slots`, which some programs define as a macro.
   [[nodiscard]] Strong<NSObject>* room() const {
     return reinterpret_cast<Strong<NSObject>*>(static_cast<NSArray*>(memory_) + 1);
   }

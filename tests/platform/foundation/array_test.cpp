@@ -278,7 +278,7 @@ TEST(FastEnumeration, GoesThroughEveryKindOfArrayInOrder) {
   EXPECT_EQ(held, "ab") << "a temporary array is held for the loop";
 }
 
-TEST(FastEnumeration, OfAChangedCollectionThrowsAtTheNextStep) {
+TEST(FastEnumeration, ThrowsAfterTheCollectionHasChanged) {
   const auto list = letters("ab");
   int steps = 0;
   EXPECT_EQ(nameOf([&] {
