@@ -7,7 +7,7 @@ namespace havrin {
 
 namespace {
 
-Strong<NSArray> immutableCopy(const NSArray& array) { return blockArgument<NSArray>(array.copy()); }
+Strong<NSArray> immutableCopy(const NSArray& array) { return checkedCast<NSArray>(array.copy()); }
 
 Strong<NSObject> randomObject(NSArray& self) {
   const std::uint64_t count = self.count();
@@ -17,7 +17,7 @@ Strong<NSObject> randomObject(NSArray& self) {
 
 Strong<NSArray> arrayByRemovingObjectsFromIndex(NSArray& self, std::int64_t index) {
   const Strong<NSObject> copy = self.mutableCopy();
-  auto& rest = blockReference<NSMutableArray>(copy);
+  auto& rest = checkedReference<NSMutableArray>(copy);
   (void)send<"removeObjectsFromIndex:">(rest, index);
   return immutableCopy(rest);
 }

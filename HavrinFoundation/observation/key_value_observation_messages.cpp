@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <HavrinFoundation/frame/main_queue.h>
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
@@ -25,8 +26,8 @@ Strong<NSDictionary> changeAt(NSString* keyPath, const NSDictionary* change) {
     return own->adding(kKeyValueObservationKeyPath, keyPath);
   }
   const Strong<NSObject> copy = change->mutableCopy();
-  blockReference<NSMutableDictionary>(copy).set(kKeyValueObservationKeyPath, keyPath);
-  return Strong<NSDictionary>(blockArgument<NSDictionary>(copy->copy()));
+  checkedReference<NSMutableDictionary>(copy).set(kKeyValueObservationKeyPath, keyPath);
+  return Strong<NSDictionary>(checkedCast<NSDictionary>(copy->copy()));
 }
 
 // True for a change whose old and new value are one object, or equal; both may be absent.
@@ -56,7 +57,7 @@ Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObje
   if (object) {
     constexpr std::uint64_t kBoth = NSKeyValueObservingOptionNew | NSKeyValueObservingOptionOld;
     for (NSObject* path : each(keyPaths)) {
-      object->addObserver(this, blockArgument<NSString>(path), kBoth, kKeyValueObservationContext);
+      object->addObserver(this, checkedCast<NSString>(path), kBoth, kKeyValueObservationContext);
     }
   }
   if (!(options & KeyValueObservationOptionSkipInitial)) {
@@ -81,13 +82,11 @@ KeyValueObservation::~KeyValueObservation() {
 }
 
 void KeyValueObservation::copyKeyPaths(NSArray* keyPaths) {
-  keyPaths_ = keyPaths ? Strong<NSArray>(blockArgument<NSArray>(keyPaths->copy())) : nullptr;
+  keyPaths_ = keyPaths ? Strong<NSArray>(checkedCast<NSArray>(keyPaths->copy())) : nullptr;
 }
 
 void KeyValueObservation::copyAction(const Action& action) {
-  if (!action) {
-    throw NSException(NSInvalidArgumentException, "-[KeyValueObservation setAction:]: the action is null");
-  }
+  if (!action) throwNullArgument(*this, "setAction:", "action");
   action_ = action;
 }
 

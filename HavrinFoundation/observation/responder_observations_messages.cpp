@@ -1,10 +1,8 @@
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 
-#include <string>
-
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/platform/object/category.h>
-#include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin {
 
@@ -24,11 +22,7 @@ void observeKeyPaths(UIResponder& self, NSObject* model, NSArray* keyPaths, std:
 
 void observeKeyPath(UIResponder& self, NSObject* model, NSString* keyPath, std::uint64_t options,
                     const Action& action) {
-  if (!keyPath) {
-    throw NSException(
-        NSInvalidArgumentException,
-        "-[" + std::string(classOf(self).name()) + " observeModel:forKeyPath:options:action:]: the key path is null");
-  }
+  if (!keyPath) throwNullArgument(self, "observeModel:forKeyPath:options:action:", "key path");
   observeKeyPaths(self, model, makeArray({keyPath}), options, action);
 }
 
@@ -46,7 +40,7 @@ void observeModel(UIResponder& self, NSObject* model, NSArray* keyPaths, std::ui
       alloc<KeyValueObservation>(), &self, model, keyPaths, options, action);
   const Strong<NSArray> standing = send<"keyValueObservations">(self);
   const Strong<NSObject> copy = standing ? standing->mutableCopy() : make<NSMutableArray>();
-  auto& longer = blockReference<NSMutableArray>(copy);
+  auto& longer = checkedReference<NSMutableArray>(copy);
   longer.addObject(token);
   send<"setKeyValueObservations:">(self, &longer);
 }

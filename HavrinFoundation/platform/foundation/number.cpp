@@ -42,7 +42,7 @@ Whole wholeOf(const NSNumber& number) {
   return {true, value < 0, value < 0 ? 0 - bits : bits};
 }
 
-NSNumber& numberArgument(NSObject* object) { return blockReference<NSNumber>(object); }
+NSNumber& numberArgument(NSObject* object) { return checkedReference<NSNumber>(object); }
 
 }  // namespace
 

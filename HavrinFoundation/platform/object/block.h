@@ -37,13 +37,13 @@ class BlockView;
 /// Throws NSException (InvalidArgument): a borrowed callable that cannot be copied was to be kept.
 [[noreturn]] HAVRIN_EXPORT void throwUncopiableBlock();
 
-/// `object` as the class that a callable's parameter names; throws NSException (InvalidArgument) when it is of another
-/// class. Defined in class.h, which whoever uses such parameters has included with the class itself.
+/// `object` as a D, as `cast`, but an object of another class throws NSException (InvalidArgument); null stays null.
+/// Defined in class.h, which every header of a class includes.
 template <class D>
-D* blockArgument(NSObject* object);
-/// As above for a parameter taken by reference: null throws as well.
+D* checkedCast(NSObject* object);
+/// As above, as a reference: null throws as well.
 template <class D>
-D& blockReference(NSObject* object);
+D& checkedReference(NSObject* object);
 
 namespace detail {
 
@@ -80,9 +80,9 @@ decltype(auto) fitArgument(Given&& argument) {
   if constexpr (std::is_convertible_v<Given&&, Wanted>) {
     return std::forward<Given>(argument);
   } else if constexpr (std::is_pointer_v<Wanted>) {
-    return blockArgument<std::remove_cv_t<std::remove_pointer_t<Wanted>>>(argument);
+    return checkedCast<std::remove_cv_t<std::remove_pointer_t<Wanted>>>(argument);
   } else {
-    return blockReference<std::remove_cvref_t<Wanted>>(argument);
+    return checkedReference<std::remove_cvref_t<Wanted>>(argument);
   }
 }
 

@@ -48,12 +48,12 @@ struct Boxing<T> {
 template <std::derived_from<NSObject> T>
 struct Boxing<T*> {
   static Strong<NSObject> box(T* value) { return value; }
-  static T* unbox(NSObject* object) { return blockArgument<T>(object); }
+  static T* unbox(NSObject* object) { return checkedCast<T>(object); }
 };
 template <std::derived_from<NSObject> T>
 struct Boxing<Strong<T>> {
   static Strong<NSObject> box(Strong<T> value) { return value; }
-  static Strong<T> unbox(NSObject* object) { return blockArgument<T>(object); }
+  static Strong<T> unbox(NSObject* object) { return checkedCast<T>(object); }
 };
 
 template <class T>

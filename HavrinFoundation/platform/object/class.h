@@ -208,12 +208,12 @@ template <class T>
 [[noreturn]] HAVRIN_EXPORT void throwWrongClass(const NSObject* object, std::string_view wanted);
 
 template <class D>
-D* blockArgument(NSObject* object) {
+D* checkedCast(NSObject* object) {
   if (object && !isKind<D>(object)) throwWrongClass(object, typeName<D>());
   return static_cast<D*>(object);
 }
 template <class D>
-D& blockReference(NSObject* object) {
+D& checkedReference(NSObject* object) {
   if (!isKind<D>(object)) throwWrongClass(object, typeName<D>());
   return *static_cast<D*>(object);
 }

@@ -25,7 +25,7 @@ bool automatically(ClassOf<NSObject> self, NSString* key) {
 }
 
 Strong<NSSet> affecting(ClassOf<NSObject> self, NSString* key) {
-  return blockArgument<NSSet>(askForKey(self, "keyPathsForValuesAffecting", *key));
+  return checkedCast<NSSet>(askForKey(self, "keyPathsForValuesAffecting", *key));
 }
 
 constexpr MethodRow kClassRows[] = {
@@ -52,7 +52,7 @@ KeyFacts ask(const ClassObject& shown, NSString& key) {
   facts.isAutomatic = send<"automaticallyNotifiesObserversForKey:">(cls, &key);
   if (const Strong<NSSet> paths = send<"keyPathsForValuesAffectingValueForKey:">(cls, &key); paths && paths->count()) {
     auto all = std::make_shared<KeyFacts::Paths>();
-    for (NSObject* path : each(paths)) all->push_back(keysOfPath(blockReference<NSString>(path)));
+    for (NSObject* path : each(paths)) all->push_back(keysOfPath(checkedReference<NSString>(path)));
     facts.affecting = std::move(all);
   }
   return facts;

@@ -38,7 +38,7 @@ class KeyValueMutableArray final : public Object<KeyValueMutableArray, NSMutable
   Strong<NSArray> present() const {
     const Strong<NSObject> value = owner_->valueForKey(key_);
     if (!value) return makeArray({});
-    return blockArgument<NSArray>(value);
+    return checkedCast<NSArray>(value);
   }
 
   // Through the owner's own method for the step where it has one, else by setting a changed copy. The copy is changed
