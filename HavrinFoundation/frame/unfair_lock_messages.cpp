@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
 
 namespace havrin::message {
 
@@ -12,7 +12,7 @@ Strong<UnfairLock> UnfairLock::init() {
 }
 
 void UnfairLock::withLock(BlockView<void()> block) {
-  if (!block) throw NSException(NSInvalidArgumentException, "-[UnfairLock withLock:]: the block is null");
+  if (!block) throwNullArgument(*this, "withLock:", "block");
   const Strong<UnfairLock> hold(this);
   const UnfairLockGuard guard(lock_);
   const Block<void()> held = block.share();  // let go of before the guard

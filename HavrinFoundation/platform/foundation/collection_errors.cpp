@@ -2,32 +2,26 @@
 
 #include <string>
 
-#include <HavrinFoundation/platform/object/class.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin::inline platform {
 
-namespace {
-
-std::string method(const NSObject& receiver, std::string_view selector) {
-  return "-[" + std::string(classOf(receiver).name()) + " " + std::string(selector) + "]: ";
-}
-
-}  // namespace
-
 void throwIndexBeyond(const NSObject& receiver, std::string_view selector, std::uint64_t index, std::uint64_t count) {
-  throw NSException(NSRangeException, method(receiver, selector) + "index " + std::to_string(index) + " beyond count " +
-                                          std::to_string(count));
+  throw NSException(
+      NSRangeException,
+      methodReason(receiver, selector, "index " + std::to_string(index) + " beyond count " + std::to_string(count)));
 }
 
 void throwRangeBeyond(const NSObject& receiver, std::string_view selector, NSRange range, std::uint64_t count) {
-  throw NSException(NSRangeException, method(receiver, selector) + "range {" + std::to_string(range.location) + ", " +
-                                          std::to_string(range.length) + "} beyond count " + std::to_string(count));
+  throw NSException(NSRangeException,
+                    methodReason(receiver, selector,
+                                 "range {" + std::to_string(range.location) + ", " + std::to_string(range.length) +
+                                     "} beyond count " + std::to_string(count)));
 }
 
 void throwNullArgument(const NSObject& receiver, std::string_view selector, std::string_view argument) {
   throw NSException(NSInvalidArgumentException,
-                    method(receiver, selector) + "the " + std::string(argument) + " is null");
+                    methodReason(receiver, selector, "the " + std::string(argument) + " is null"));
 }
 
 }  // namespace havrin::inline platform

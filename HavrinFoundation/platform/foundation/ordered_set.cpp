@@ -114,7 +114,7 @@ Strong<NSObject> NSOrderedSet::copy() const { return Strong<NSObject>(const_cast
 Strong<NSObject> NSOrderedSet::mutableCopy() const { return make<NSMutableOrderedSet>()->initWithArray(array()); }
 
 void NSMutableOrderedSet::insertObject(NSObject* object, std::uint64_t index) {
-  if (!object) throwNullArgument(*this, "insertObject:atIndex:", "the object");
+  if (!object) throwNullArgument(*this, "insertObject:atIndex:", "object");
   if (index > NSOrderedSet::count()) throwIndexBeyond(*this, "insertObject:atIndex:", index, NSOrderedSet::count());
   insert(object, index);
 }

@@ -109,7 +109,7 @@ Strong<NSObject> NSSet::copy() const { return Strong<NSObject>(const_cast<NSSet*
 Strong<NSObject> NSSet::mutableCopy() const { return make<NSMutableSet>()->initWithSet(this); }
 
 void NSMutableSet::addObject(NSObject* object) {
-  if (!object) throwNullArgument(*this, "addObject:", "the object");
+  if (!object) throwNullArgument(*this, "addObject:", "object");
   if (elements_.insert({object})) ++mutations_;
 }
 

@@ -153,8 +153,9 @@ bool NSString::isPlain() const {
 
 char16_t NSString::characterAtIndex(std::uint64_t index) const {
   if (index >= length_) {
-    throw NSException(NSRangeException, "-[" + std::string(classOf(*this).name()) + " characterAtIndex:]: index " +
-                                            std::to_string(index) + " beyond length " + std::to_string(length_));
+    throw NSException(NSRangeException,
+                      methodReason(*this, "characterAtIndex:",
+                                   "index " + std::to_string(index) + " beyond length " + std::to_string(length_)));
   }
   return wide_ ? wide()[index] : static_cast<unsigned char>(narrow()[index]);
 }
@@ -258,14 +259,12 @@ void NSMutableString::append(std::u16string_view units) {
 }
 
 void NSMutableString::appendString(NSString* string) {
-  if (!string) {
-    throw NSException(NSInvalidArgumentException, "-[NSMutableString appendString:]: the string is null");
-  }
+  if (!string) throwNullArgument(*this, "appendString:", "string");
   append(platform::utf16(*string));
 }
 
 void NSMutableString::setString(NSString* string) {
-  if (!string) throw NSException(NSInvalidArgumentException, "-[NSMutableString setString:]: the string is null");
+  if (!string) throwNullArgument(*this, "setString:", "string");
   const std::u16string units = platform::utf16(*string);  // which may be this string's own
   narrow_.clear();
   units16_.clear();

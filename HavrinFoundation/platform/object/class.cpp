@@ -144,9 +144,8 @@ void throwUnrecognized(const ClassObject& cls, std::string_view selector, const 
   char address[32];
   std::snprintf(address, sizeof address, "%p", static_cast<const void*>(receiver));
   const std::string kind = cls.isMetaclass() ? "class " : "instance ";
-  throw NSException(NSInvalidArgumentException, std::string(cls.isMetaclass() ? "+[" : "-[") + std::string(cls.name()) +
-                                                    " " + std::string(selector) + "]: unrecognized selector sent to " +
-                                                    kind + address);
+  throw NSException(NSInvalidArgumentException,
+                    methodReason(*receiver, selector, "unrecognized selector sent to " + kind + address));
 }
 
 Implementation ClassObject::resolve(const SelectorConstant& constant, const std::type_info& signature,
@@ -162,8 +161,9 @@ Implementation ClassObject::resolve(const SelectorConstant& constant, const std:
     }
     if (row) {
       throw NSException(NSInvalidArgumentException,
-                        "-[" + std::string(name_) + " " + constant.name +
-                            "]: the method that answers has other argument or result types than the declared message");
+                        methodReason(*receiver, constant.name,
+                                     "the method that answers has other argument or result types than the declared "
+                                     "message"));
     }
   }
   throwUnrecognized(*this, constant.name, receiver);

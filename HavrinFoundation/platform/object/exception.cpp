@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <HavrinFoundation/platform/object/block.h>
+#include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 
@@ -8,6 +9,12 @@ NSException::NSException(std::string_view name, std::string_view reason)
     : name_(name), reason_(reason), text_(name_ + ": " + reason_) {}
 
 NSException::~NSException() = default;
+
+std::string methodReason(const NSObject& receiver, std::string_view selector, std::string_view problem) {
+  const ClassObject& cls = *dispatchClass(&receiver)->shown();
+  std::string reason = cls.isMetaclass() ? "+[" : "-[";
+  return reason.append(cls.name()).append(" ").append(selector).append("]: ").append(problem);
+}
 
 void throwNullBlock() { throw NSException(NSInvalidArgumentException, "a null block was called"); }
 

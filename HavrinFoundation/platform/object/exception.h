@@ -19,6 +19,13 @@ inline constexpr std::string_view NSGenericException = "NSGenericException";
 inline constexpr std::string_view NSInternalInconsistencyException = "NSInternalInconsistencyException";
 inline constexpr std::string_view NSUndefinedKeyException = "NSUnknownKeyException";
 
+class NSObject;
+
+/// A reason that names the method which refuses: "-[NSArray objectAtIndex:]: index 9 beyond count 3". The class is the
+/// receiver's, as the program sees it; a class as the receiver gives "+[".
+[[nodiscard]] HAVRIN_EXPORT std::string methodReason(const NSObject& receiver, std::string_view selector,
+                                                     std::string_view problem);
+
 class HAVRIN_EXPORT NSException final : public std::exception {
  public:
   NSException(std::string_view name, std::string_view reason);

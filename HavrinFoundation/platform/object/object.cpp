@@ -112,13 +112,11 @@ Strong<NSString> NSObject::description() const {
 Strong<NSString> NSObject::debugDescription() const { return description(); }
 
 Strong<NSObject> NSObject::copy() const {
-  throw NSException(NSInvalidArgumentException,
-                    "-[" + std::string(classOf(*this).name()) + " copy]: the class has no copies");
+  throw NSException(NSInvalidArgumentException, methodReason(*this, "copy", "the class has no copies"));
 }
 
 Strong<NSObject> NSObject::mutableCopy() const {
-  throw NSException(NSInvalidArgumentException,
-                    "-[" + std::string(classOf(*this).name()) + " mutableCopy]: the class has no mutable copies");
+  throw NSException(NSInvalidArgumentException, methodReason(*this, "mutableCopy", "the class has no mutable copies"));
 }
 
 bool NSObject::isKindOfClass(Class cls) const { return cls && dispatchClass(this)->inheritsFrom(cls.object()); }
@@ -136,8 +134,9 @@ Strong<NSObject> NSObject::performSelector(Selector selector, NSObject* argument
   const SignatureInfo& signature = *row->signature;
   if (!signature.call || signature.argumentCount > 1) {
     throw NSException(NSInvalidArgumentException,
-                      "-[" + std::string(cls->name()) + " " + std::string(selector.name()) +
-                          "]: performed by selector, which is for messages of no argument or one object or number");
+                      methodReason(*this, selector.name(),
+                                   "performed by selector, which is for messages of no argument or one object or "
+                                   "number"));
   }
   const Strong<NSObject> holdSelf(this);
   const Strong<NSObject> holdArgument(argument);
