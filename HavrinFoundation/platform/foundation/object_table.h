@@ -8,14 +8,12 @@
 //   table.erase(*key)                     optional<Entry>: what was there, for the caller to let go of
 //   table.forEach([](Entry& e) { return true; });     false ends it
 //
-// Where a hash stands in the index is the process's secret: whoever chooses the keys cannot make them crowd together. Of
-// keys with the same hash, each is compared with the others.
+// The index is hash_index.h's: chosen keys do not collide in it, but keys of one hash are compared with each other.
 // `hash` and `isEqual` are the keys' own code; they must not change the table. Removed entries are handed out rather
 // than destroyed, so that what their release sets off finds the table whole.
 // Threads: one at a time, or readers alone.
 #pragma once
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -23,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-#include <HavrinFoundation/platform/base/random.h>
+#include <HavrinFoundation/platform/foundation/hash_index.h>
 #include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {
@@ -46,7 +44,7 @@ class ObjectTable {
     const std::uint64_t hash = entry.key->hash();
     if (locate(*entry.key, hash) != kNone) return false;
     makeRoom();
-    if (!index_.empty()) index_[freeIndex(hash)] = static_cast<std::uint32_t>(slots_.size() + 1);
+    if (!index_.isEmpty()) index_.add(hash, slots_.size());
     slots_.push_back({hash, std::move(entry)});
     ++live_;
     return true;
@@ -56,11 +54,7 @@ class ObjectTable {
     const std::size_t position = locate(key);
     if (position == kNone) return std::nullopt;
     Slot& slot = slots_[position];
-    if (!index_.empty()) {
-      std::size_t i = home(slot.hash);
-      while (index_[i] != position + 1) i = (i + 1) & mask();
-      index_[i] = kErased;
-    }
+    if (!index_.isEmpty()) index_.erase(slot.hash, position);
     --live_;
     return std::exchange(slot.entry, Entry{});
   }
@@ -103,19 +97,11 @@ class ObjectTable {
     Entry entry;  // key null: removed
   };
   static constexpr std::size_t kUnindexed = 8;
-  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-  static constexpr std::uint32_t kErased = 0xFFFF'FFFF;
-
-  [[nodiscard]] std::size_t mask() const { return index_.size() - 1; }
-
-  // The upper bits of a product with a secret odd number: two hashes meet as rarely as if it were by chance.
-  [[nodiscard]] std::size_t home(std::uint64_t hash) const {
-    return static_cast<std::size_t>(hash * multiplier_ >> (64 - std::countr_zero(index_.size())));
-  }
+  static constexpr std::size_t kNone = HashIndex::kNone;
 
   [[nodiscard]] std::size_t locate(const NSObject& key) const {
     if (live_ == 0) return kNone;
-    if (index_.empty()) {
+    if (index_.isEmpty()) {
       for (std::size_t i = 0; i < slots_.size(); ++i) {
         if (slots_[i].entry.key.get() == &key) return i;
       }
@@ -124,49 +110,33 @@ class ObjectTable {
   }
 
   [[nodiscard]] std::size_t locate(const NSObject& key, std::uint64_t hash) const {
-    const auto matches = [&](const Slot& slot) {
+    const auto matches = [&](std::size_t position) {
+      const Slot& slot = slots_[position];
       return slot.hash == hash && slot.entry.key && (slot.entry.key.get() == &key || slot.entry.key->isEqual(&key));
     };
-    if (index_.empty()) {
-      for (std::size_t i = 0; i < slots_.size(); ++i) {
-        if (matches(slots_[i])) return i;
-      }
-      return kNone;
-    }
-    for (std::size_t i = home(hash); index_[i] != 0; i = (i + 1) & mask()) {
-      if (index_[i] != kErased && matches(slots_[index_[i] - 1])) return index_[i] - 1;
+    if (!index_.isEmpty()) return index_.find(hash, matches);
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
+      if (matches(i)) return i;
     }
     return kNone;
   }
 
-  [[nodiscard]] std::size_t freeIndex(std::uint64_t hash) const {
-    std::size_t i = home(hash);
-    while (index_[i] != 0) i = (i + 1) & mask();
-    return i;
-  }
-
-  // Every slot, removed or not, has its place in the index: three quarters of it may be taken.
+  // Every slot, removed or not, has its place in the index.
   void makeRoom() {
     const std::size_t next = slots_.size() + 1;
-    if (index_.empty() ? next > kUnindexed : next * 4 > index_.size() * 3) rebuild(live_ + 1);
+    if (index_.isEmpty() ? next > kUnindexed : !index_.hasRoomFor(next)) rebuild(live_ + 1);
   }
 
   void rebuild(std::size_t count) {
     std::erase_if(slots_, [](const Slot& slot) { return !slot.entry.key; });
     index_.clear();
     if (count <= kUnindexed) return;
-    std::size_t size = 16;
-    while (count * 2 > size) size *= 2;
-    index_.resize(size);
-    multiplier_ = hashSecret();
-    for (std::size_t i = 0; i < slots_.size(); ++i) {
-      index_[freeIndex(slots_[i].hash)] = static_cast<std::uint32_t>(i + 1);
-    }
+    index_.reset(count);
+    for (std::size_t i = 0; i < slots_.size(); ++i) index_.add(slots_[i].hash, i);
   }
 
   std::vector<Slot> slots_;
-  std::vector<std::uint32_t> index_;  // positions in slots_ plus one, by hash; a power of two, or empty
-  std::uint64_t multiplier_ = 0;      // once there is an index
+  HashIndex index_;  // positions in slots_; empty while few are searched without
   std::size_t live_ = 0;
 };
 
