@@ -117,19 +117,6 @@ TEST(ArrayBlocks, FilterTransformFoldAndSearchInOrder) {
   }
 }
 
-TEST(ArrayBlocks, TakeNullAccumulatorsAndMessagesToNull) {
-  std::string given;
-  const auto last =
-      send<"reduce:withBlock:">(letters("abcd"), s("start"), [&](NSObject* accumulator, NSString* letter) {
-        given += text(accumulator) + ",";
-        return text(letter) == "b" ? nullptr : Strong<NSObject>(letter);
-      });
-  EXPECT_EQ(given, "start,a,nil,c,");
-  EXPECT_EQ(text(last), "d");
-  EXPECT_EQ(text(send<"reduce:withBlock:">(makeArray({}), s("start"), join)), "start");
-  EXPECT_FALSE(send<"select:">(Strong<NSArray>(), isVowel));
-}
-
 TEST(ArrayBlocks, AskTheReceiverByItsOwnMethods) {
   const auto always = [](NSObject*) { return true; };
   const auto same = [](NSObject* object) { return Strong<NSObject>(object); };

@@ -1,5 +1,3 @@
-#include <set>
-
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
 #include <HavrinFoundation/platform/base/random.h>
 
@@ -155,21 +153,6 @@ TEST(CollectionHelpers, ShuffleByOneDrawAndOneExchangeForEachElementButTheLast) 
     EXPECT_EQ(list->log(), row.log) << "also where an element stays";
     EXPECT_EQ(text(list), row.after);
   }
-}
-
-TEST(CollectionHelpers, ShuffleToEveryOrderEquallyOften) {
-  std::set<std::string> orders;
-  for (std::uint32_t draw = 0; draw < 24; ++draw) {
-    Draws draws({draw / 6, draw / 2 % 3, draw % 2});
-    const auto list = letters("abcd");
-    send<"shuffle">(list);
-    orders.insert(text(list));
-  }
-  EXPECT_EQ(orders.size(), 24U) << "4 x 3 x 2 draws make 24 orders";
-  const auto alphabet = letters("abcdefghijklmnopqrstuvwxyz");
-  const auto list = letters("abcdefghijklmnopqrstuvwxyz");
-  send<"shuffle">(list);
-  EXPECT_EQ(send<"hav_removeObjectsInArray:">(alphabet, list)->count(), 26U) << "with the system's numbers";
 }
 
 TEST(CollectionHelpers, InsertWhatIsNotThereYet) {
