@@ -1,4 +1,5 @@
-// The whole library in one include.
+// The eight rooms in one include, and of the layer what their users need beside them: objects and exceptions, queues and
+// the run loop, decoders and archives.
 #pragma once
 
 #include <HavrinFoundation/Typed.h>
@@ -24,6 +25,19 @@
 #include <HavrinFoundation/links/app_identity_messages.h>
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/observation/responder_observations_messages.h>
+#include <HavrinFoundation/platform/application/process_info.h>
+#include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/coding/decoding.h>
+#include <HavrinFoundation/platform/coding/json_decoder.h>
+#include <HavrinFoundation/platform/coding/keyed_archiver.h>
+#include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/coding/property_list_decoder.h>
+#include <HavrinFoundation/platform/dispatch/queue.h>
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>

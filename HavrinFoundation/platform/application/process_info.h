@@ -11,12 +11,11 @@
 #include <string_view>
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 namespace havrin::inline platform {
-
-class NSDictionary;
-class NSString;
 
 class HAVRIN_EXPORT NSProcessInfo : public Object<NSProcessInfo, NSObject> {
  public:

@@ -16,6 +16,7 @@
 // inside a loop that has them), observers, stopping a loop from outside (let the condition around runMode end).
 #pragma once
 
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/dispatch/work.h>
 #include <HavrinFoundation/platform/export.h>

@@ -11,14 +11,13 @@
 
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/time/date.h>
 
 #include <cstdint>
 
 namespace havrin::inline platform {
-
-class NSString;
 
 /// How the receiver stands to the argument.
 enum class NSComparisonResult : std::int64_t { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };

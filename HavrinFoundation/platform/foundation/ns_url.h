@@ -12,6 +12,7 @@
 
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/net/url.h>
 #include <HavrinFoundation/platform/object/members.h>
 
@@ -19,8 +20,6 @@
 #include <utility>
 
 namespace havrin::inline platform {
-
-class NSString;
 
 class HAVRIN_EXPORT NSURL : public Object<NSURL, NSObject> {
  public:

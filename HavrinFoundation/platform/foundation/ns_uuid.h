@@ -10,13 +10,12 @@
 #include <HavrinFoundation/platform/base/uuid.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 #include <cstdint>
 
 namespace havrin::inline platform {
-
-class NSString;
 
 class HAVRIN_EXPORT NSUUID : public Object<NSUUID, NSObject> {
  public:
