@@ -9,6 +9,7 @@
 #include <HavrinFoundation/platform/time/zone_rules.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace havrin::inline platform {
 namespace {
@@ -85,12 +86,16 @@ std::int64_t Calendar::days(Date from, Date to) const {
 
 std::int64_t Calendar::minutes(Date from, Date to) const {
   if (isNotANumber(from) || isNotANumber(to)) return 0;
-  // Whole seconds and fractions apart, for the difference of two doubles may round up to a whole minute.
+  // Whole seconds and fractions apart: the difference of two doubles may be rounded up to a whole minute. The fractions
+  // are multiples of different powers of two on the two sides of 2^k seconds, so that their difference is exact to a
+  // microsecond only.
   const Instant first = instantOf(from);
   const Instant second = instantOf(to);
-  std::int64_t seconds = second.seconds - first.seconds;
-  if (seconds > 0 && second.fraction < first.fraction) --seconds;
-  if (seconds < 0 && second.fraction > first.fraction) ++seconds;
+  constexpr std::int64_t kMicroseconds = 1'000'000;
+  const std::int64_t micros = std::llround((second.fraction - first.fraction) * kMicroseconds);
+  std::int64_t seconds = second.seconds - first.seconds + micros / kMicroseconds;
+  if (seconds > 0 && micros % kMicroseconds < 0) --seconds;
+  if (seconds < 0 && micros % kMicroseconds > 0) ++seconds;
   return seconds / 60;
 }
 
