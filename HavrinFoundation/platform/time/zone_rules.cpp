@@ -32,8 +32,81 @@ std::uint32_t bigEndian(const unsigned char* bytes) {
          static_cast<std::uint32_t>(bytes[2]) << 8 | bytes[3];
 }
 
+/// Reads a footer from its first character on: the name of a time, an offset, and rules of the year.
+class FooterReader {
+ public:
+  explicit FooterReader(std::string_view text) : text_(text) {}
+
+  /// Whether the whole text is a footer: nothing, "CET-1", or "CET-1CEST,M3.5.0,M10.5.0/3". Source: RFC 9636, section 3.3.1.
+  [[nodiscard]] bool isFooter(bool& hasRules) {
+    hasRules = false;
+    if (text_.empty()) return true;
+    if (!name() || !time(24)) return false;
+    if (text_.empty()) return true;
+    hasRules = true;
+    return name() && (text_.starts_with(',') || time(24)) && rule() && rule() && text_.empty();
+  }
+
+ private:
+  bool take(char expected) {
+    if (!text_.starts_with(expected)) return false;
+    text_.remove_prefix(1);
+    return true;
+  }
+  static bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+  static bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+  bool name() {
+    const bool quoted = take('<');
+    std::size_t length = 0;
+    while (length < text_.size() &&
+           (isLetter(text_[length]) ||
+            (quoted && (isDigit(text_[length]) || text_[length] == '+' || text_[length] == '-'))))
+      ++length;
+    text_.remove_prefix(length);
+    return length >= 3 && (!quoted || take('>'));
+  }
+
+  bool number(int least, int most) {
+    int value = 0;
+    std::size_t digits = 0;
+    for (; digits < text_.size() && digits < 4 && isDigit(text_[digits]); ++digits)
+      value = 10 * value + text_[digits] - '0';
+    text_.remove_prefix(digits);
+    return digits != 0 && value >= least && value <= most;
+  }
+
+  bool time(int mostHours) {
+    if (!take('-')) take('+');
+    return number(0, mostHours) && (!take(':') || (number(0, 59) && (!take(':') || number(0, 59))));
+  }
+
+  bool rule() {
+    if (!take(',')) return false;
+    const bool day = take('M')   ? number(1, 12) && take('.') && number(1, 5) && take('.') && number(0, 6)
+                     : take('J') ? number(1, 365)
+                                 : number(0, 365);
+    return day && (!take('/') || time(167));
+  }
+
+  std::string_view text_;
+};
+
+/// Whether what follows the second block of data is a footer. With rules of the year, at least two `transitions` must
+/// stand before it. The reader behind us writes to the standard error stream otherwise.
+bool endsInFooter(int file, off_t position, off_t transitions) {
+  char bytes[256];
+  const ssize_t size = pread(file, bytes, sizeof bytes, position);
+  if (size < 2 || bytes[0] != '\n') return false;
+  std::string_view text(bytes + 1, static_cast<std::size_t>(size) - 1);
+  const std::size_t end = text.find('\n');
+  if (end == std::string_view::npos) return false;
+  bool hasRules = false;
+  return FooterReader(text.substr(0, end)).isFooter(hasRules) && (!hasRules || transitions >= 2);
+}
+
 /// Whether the file starts as a zone file does and holds as much as its first header counts: the reader behind us takes
-/// the counts on trust and would reserve whatever they say. Source: RFC 9636, section 3.1.
+/// the counts on trust and would reserve whatever they say, and reports a malformed footer on the standard error stream. Source: RFC 9636, section 3.1.
 bool looksLikeZoneFile(const std::string& path) {
   constexpr off_t kHeaderSize = 44;
   constexpr off_t kMaxFileSize = 1 << 18;
@@ -54,7 +127,8 @@ bool looksLikeZoneFile(const std::string& path) {
     const off_t indicators = count(0) + count(1);
     position += kHeaderSize + indicators + count(2) * (width + 4) + count(3) * (width + 1) + count(4) * 6 + count(5);
     plausible = position <= status.st_size;
-    if (header[4] == '\0') break;  // the first version has no second header
+    if (header[4] == '\0') break;  // the first version has neither a second header nor a footer
+    if (plausible && width == 8) plausible = endsInFooter(file, position, count(3));
   }
   close(file);
   return plausible;

@@ -234,6 +234,11 @@ TEST_F(SystemZone, RefusesFilesThatAreNoZoneFiles) {
   far[4] = '\0';
   far.replace(20, 24, std::string(19, '\0') + "\x01" + std::string(3, '\0') + "\x04");
   far += std::string("\x7f\xff\xff\xff\0\0FAR\0", 10);  // one type, 68 years from Greenwich
+  const auto withFooter = [&](std::string_view footer) {
+    return paris.substr(0, paris.rfind('\n', paris.size() - 2) + 1) + std::string(footer) + '\n';
+  };
+  std::ifstream utcStream(kZones / "UTC", std::ios::binary);
+  const std::string utc{std::istreambuf_iterator<char>(utcStream), {}};
   const struct {
     std::string bytes;
     const char* why;
@@ -244,12 +249,20 @@ TEST_F(SystemZone, RefusesFilesThatAreNoZoneFiles) {
       {huge, "a count beyond the file"},
       {far, "an offset of more than a day"},
       {paris.substr(0, 44) + std::string(1 << 20, '\0'), "far too large"},
+      {withFooter("CET-1CEST,M3.5.0,M10.9.0/3"), "a ninth week of the month"},
+      {withFooter("CET-1CEST"), "two names and no rules"},
+      {withFooter("CE-1"), "a name of two letters"},
+      {withFooter("CET-1CEST,M3.5.0,M10.5.0/3 "), "a blank behind the rules"},
+      {paris.substr(0, paris.size() - 1), "a footer without an end"},
+      {utc.substr(0, utc.size() - 5) + "CET-1CEST,M3.5.0,M10.5.0/3\n", "rules after no transition"},
   };
+  ::testing::internal::CaptureStderr();
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     write(row.bytes);
     EXPECT_EQ(TimeZone::current(), TimeZone::gmt());
   }
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << "nothing is written but by the program itself";
   fs::remove(link());
   ASSERT_EQ(mkfifo(link().c_str(), 0600), 0);
   resetSystemTimeZone();
