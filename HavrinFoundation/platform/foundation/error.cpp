@@ -41,8 +41,7 @@ NSError::NSError(NSString* domain, std::int64_t code, NSDictionary* userInfo) : 
 
 Strong<NSString> NSError::localizedDescription() const {
   if (auto text = textUnder(NSLocalizedDescriptionKey, *this)) return text;
-  return makeString("The operation couldn\u2019t be completed. (" + utf8(*domain()) + " error " +
-                    std::to_string(code()) + ".)");
+  return makeString("Error " + std::to_string(code()) + " of " + utf8(*domain()) + ".");
 }
 
 bool NSError::isEqual(const NSObject* other) const {

@@ -2,7 +2,7 @@
 //
 //   const auto error = make<NSError>(NSCocoaErrorDomain, 4864, makeDictionary({{NSDebugDescriptionErrorKey, why}}));
 //   error->code()                          4864
-//   error->localizedDescription()          "The operation couldn’t be completed. (NSCocoaErrorDomain error 4864.)"
+//   error->localizedDescription()          "Error 4864 of NSCocoaErrorDomain."
 //   error->description()                   "Error Domain=NSCocoaErrorDomain Code=4864 "why" UserInfo={...}"
 //
 // A function that may fail takes a place for the error, `Strong<NSError>*`, and writes it only when it fails; null is no

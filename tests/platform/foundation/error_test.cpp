@@ -6,7 +6,7 @@ namespace {
 
 using namespace havrin;
 
-constexpr const char* kDefault = "The operation couldn\u2019t be completed. (NSCocoaErrorDomain error 4864.)";
+constexpr const char* kDefault = "Error 4864 of NSCocoaErrorDomain.";
 
 // Has its details from elsewhere.
 class LateError : public Object<LateError, NSError> {
@@ -43,9 +43,7 @@ TEST(Error, SaysWhatWentWrong) {
       {makeDictionary({{NSLocalizedDescriptionKey, number}}), kDefault,
        start + '"' + kDefault + "\" UserInfo={NSLocalizedDescription=3}", "no text"},
       {makeDictionary({{NSUnderlyingErrorKey, inner}}), kDefault,
-       start + '"' + kDefault +
-           "\" UserInfo={NSUnderlyingError={Error Domain=d Code=-1 \"The operation couldn\u2019t be completed. "
-           "(d error -1.)\"}}",
+       start + '"' + kDefault + "\" UserInfo={NSUnderlyingError={Error Domain=d Code=-1 \"Error -1 of d.\"}}",
        "an error behind it"},
   };
   for (const auto& row : rows) {
