@@ -7,6 +7,7 @@
 namespace havrin {
 namespace {
 
+// Dates are read in one order: the receiver, then the arguments from left to right. A subclass's reader may run any code.
 const NSDate& required(const NSObject& receiver, std::string_view selector, const NSDate* date) {
   if (date == nullptr) throwNullArgument(receiver, selector, "date");
   return *date;
@@ -47,7 +48,9 @@ std::int64_t milliseconds(NSDate& self) { return millisecondsSince1970(self); }
 bool isToday(NSDate& self) { return isSameMonthAndDayAsToday(self); }
 
 bool isSameDay(NSDate& self, NSDate* other) {
-  return isSameMonthAndDay(self, required(self, "hav_isSameMonthAndDayAsDate:", other).value());
+  const NSDate& argument = required(self, "hav_isSameMonthAndDayAsDate:", other);
+  const Date date = self.value();
+  return isSameMonthAndDay(date, argument.value());
 }
 
 bool isAfterDate(NSDate& self, NSDate* other) { return isLater(self, required(self, "hav_isAfterDate:", other)); }
@@ -57,14 +60,16 @@ bool isBeforeDate(NSDate& self, NSDate* other) { return isEarlier(self, required
 Strong<NSDate> addDays(NSDate& self, std::int64_t days) { return make<NSDate>(dateByAddingDays(self, days)); }
 
 std::int64_t daysTo(NSDate& self, NSDate* to) {
-  return numberOfCalendarDays(self, required(self, "hav_numberOfCalendarDaysToDate:", to).value());
+  const NSDate& argument = required(self, "hav_numberOfCalendarDaysToDate:", to);
+  const Date from = self.value();
+  return numberOfCalendarDays(from, argument.value());
 }
 
 std::int64_t minutesBetween(ClassOf<NSDate> self, NSDate* first, NSDate* second) {
   constexpr std::string_view kSelector = "hav_numberOfCalendarMinutesBetweenDate:andDate:";
   const NSObject& receiver = *static_cast<NSObject*>(self);
-  return numberOfCalendarMinutes<NSDate>(required(receiver, kSelector, first).value(),
-                                         required(receiver, kSelector, second).value());
+  const Date from = required(receiver, kSelector, first).value();
+  return numberOfCalendarMinutes<NSDate>(from, required(receiver, kSelector, second).value());
 }
 
 constexpr MethodRow kRows[] = {row<NSDate, "initWithMillisecondsSince1970:", initWithMilliseconds>(),

@@ -12,11 +12,16 @@
 
 namespace havrin {
 
-/// The one identifier object whose 128 bits are all zero: made at the first call, alive until the process ends.
-template <std::same_as<NSUUID> C>
-[[nodiscard]] Strong<C> zero();
+/// The one identifier object whose 128 bits are all zero: made at the first call, alive until the
+/// process ends. A subclass C gives the same object.
+template <std::derived_from<NSUUID> C>
+[[nodiscard]] Strong<NSUUID> zero();
 template <>
 [[nodiscard]] HAVRIN_EXPORT Strong<NSUUID> zero<NSUUID>();
+template <std::derived_from<NSUUID> C>
+Strong<NSUUID> zero() {
+  return zero<NSUUID>();
+}
 
 /// As `zero<NSUUID>()`, also when sent to a subclass.
 template <>

@@ -146,6 +146,39 @@ class Late : public Object<Late, NSDate> {
   }
 };
 
+/// Its init gives a plain date in its place.
+class Replaced : public Object<Replaced, NSDate> {
+ public:
+  Strong<NSDate> initWithTimeIntervalSince1970(double seconds) override {
+    return make<NSDate>(Date::fromTimeIntervalSince1970(seconds));
+  }
+};
+
+/// Writes down when it is read.
+class Noted : public Object<Noted, NSDate> {
+ public:
+  Noted(char name, std::string& readers) : name_(name), readers_(&readers) {}
+  double timeIntervalSinceReferenceDate() const override {
+    *readers_ += name_;
+    return 0;
+  }
+
+ private:
+  char name_;
+  std::string* readers_;
+};
+
+TEST(DateArithmetic, ReadsTheReceiverThenTheArgumentsInTheirOrder) {
+  std::string readers;
+  const Strong<Noted> a = make<Noted>('a', readers);
+  const Strong<Noted> b = make<Noted>('b', readers);
+  (void)send<"hav_isSameMonthAndDayAsDate:">(a, b);
+  (void)send<"hav_numberOfCalendarDaysToDate:">(a, b);
+  (void)send<"hav_isAfterDate:">(a, b);
+  (void)send<"hav_numberOfCalendarMinutesBetweenDate:andDate:">(classOf<NSDate>(), a, b);
+  EXPECT_EQ(readers, "abababab");
+}
+
 TEST(DateArithmetic, LeavesTheOrderToTheReceiver) {
   const Strong<NSDate> later = fromMillisecondsSince1970<Reversed>(5000);
   EXPECT_TRUE(isBefore(*later, at(0)) && !isAfter(*later, at(0)));
@@ -158,6 +191,7 @@ TEST(DateArithmetic, MakesDatesOfTheReceivingClass) {
   EXPECT_EQ(typed->timeIntervalSince1970(), 2.5);
   const Strong<Late> sent = send<"initWithMillisecondsSince1970:">(alloc<Late>(), 1500);
   EXPECT_EQ(sent->initialised, 1);
+  EXPECT_FALSE(fromMillisecondsSince1970<Replaced>(1500)) << "an override gave another class";
   EXPECT_TRUE(sent->isEqual(typed));
   EXPECT_TRUE(sent->isMemberOfClass(classOf<Late>()));
   EXPECT_TRUE(send<"hav_dateByAddingDays:">(sent, 1)->isMemberOfClass(classOf<NSDate>()));

@@ -25,6 +25,8 @@ TEST(ZeroUuid, IsAllZeros) {
   const Strong<NSUUID> bridged = make<NSUUID>(zero<UUID>());
   EXPECT_TRUE(bridged->isEqual(zero<NSUUID>()));
   EXPECT_NE(bridged, zero<NSUUID>()) << "another object";
+  class Named : public Object<Named, NSUUID> {};
+  EXPECT_EQ(zero<Named>(), zero<NSUUID>()) << "as the message sent to a subclass";
 }
 
 }  // namespace
