@@ -79,7 +79,7 @@ class Writer {
 
 }  // namespace
 
-std::optional<hex_codes::HexCode> hex_codes::sanitizedHexCode(std::string_view code) noexcept {
+std::optional<library_detail::HexCode> library_detail::sanitizedHexCode(std::string_view code) noexcept {
   const std::size_t characters = characterCount(code);
   if (characters < kFewestCharacters || characters > kMostCharacters) return std::nullopt;
   if (beginsWithPrefix(code)) code.remove_prefix(2);
@@ -94,8 +94,8 @@ std::optional<hex_codes::HexCode> hex_codes::sanitizedHexCode(std::string_view c
   return result;
 }
 
-std::optional<RGBA> hex_codes::readHexCode(std::string_view code) noexcept {
-  const auto clean = hex_codes::sanitizedHexCode(code);
+std::optional<RGBA> library_detail::readHexCode(std::string_view code) noexcept {
+  const auto clean = library_detail::sanitizedHexCode(code);
   if (!clean) return std::nullopt;
   const DigitTable& values = digitValues();
   const auto value = [&](std::size_t index) { return values[static_cast<unsigned char>(clean->digits[index])]; };

@@ -23,9 +23,9 @@
 
 namespace havrin {
 
-namespace hex_codes {
+namespace library_detail {
 
-/// Six or eight hexadecimal digits, their case kept.
+// Six or eight hexadecimal digits, their case kept.
 struct HexCode {
   std::array<char, 9> digits;  // one more than a code has, for what comes after the last digit
   std::size_t count;
@@ -33,13 +33,13 @@ struct HexCode {
   [[nodiscard]] std::string_view view() const { return {digits.data(), count}; }
 };
 
-/// The digits that a loosely written code leaves, as `fromHexString` says.
-[[nodiscard]] std::optional<HexCode> sanitizedHexCode(std::string_view code) noexcept;
+// The digits that a loosely written code leaves, as `fromHexString` describes.
+[[nodiscard]] HAVRIN_EXPORT std::optional<HexCode> sanitizedHexCode(std::string_view code) noexcept;
 
-/// The components that a loosely written code stands for.
+// The components that a loosely written code stands for.
 [[nodiscard]] HAVRIN_EXPORT std::optional<RGBA> readHexCode(std::string_view code) noexcept;
 
-}  // namespace hex_codes
+}  // namespace library_detail
 
 /// The code of a colour: "#" and six upper-case digits, or eight when alpha is below 1. Each component times 255,
 /// truncated: 0.5 gives 7F. Components are the colour's own: nothing is converted into another colour space.
@@ -51,19 +51,25 @@ struct HexCode {
 /// The colour that a code stands for, an instance of C. Accepted are 6 to 11 characters that leave 6 or 8 hexadecimal
 /// digits once "0x" at the very start and every other character are dropped.
 /// Empty when (null): there is no code; it has fewer than 6 or more than 11 characters before anything is dropped, or
-/// leaves another number of digits.
+/// leaves another number of digits; an override of `initWithRed` answers null or a colour of another class.
 /// Choice: "0x" is a prefix by characters: followed by a combining mark it is none.
 template <std::derived_from<UIColor> C>
 [[nodiscard]] Strong<C> fromHexString(std::optional<std::string_view> code) {
-  const auto components = code ? hex_codes::readHexCode(*code) : std::nullopt;
+  const auto components = code ? library_detail::readHexCode(*code) : std::nullopt;
   if (!components) return nullptr;
   const Strong<C> allocated = alloc<C>();
   return cast<C>(static_cast<NSObject*>(
       allocated->initWithRed(components->red, components->green, components->blue, components->alpha)));
 }
 
+// A null pointer is not a text: std::nullopt is the absent code.
+template <std::derived_from<UIColor> C, std::same_as<std::nullptr_t> N>
+Strong<C> fromHexString(N code) = delete;
+
 /// As `fromHexString<UIColor>`.
 [[nodiscard]] HAVRIN_EXPORT Strong<UIColor> colorWithHexString(std::optional<std::string_view> code);
+template <std::same_as<std::nullptr_t> N>
+Strong<UIColor> colorWithHexString(N code) = delete;
 
 /// An opaque colour, each of its three bytes equally likely, from the system's secure source.
 [[nodiscard]] HAVRIN_EXPORT Strong<UIColor> randomColor();

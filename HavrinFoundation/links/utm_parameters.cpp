@@ -13,7 +13,7 @@ namespace {
 
 struct Parameter {
   std::string_view key;
-  std::optional<std::string> UTMParameters::*field;
+  library_detail::OptionalText UTMParameters::*field;
 };
 
 constexpr std::array<Parameter, 6> kParameters{{{"utm_campaign", &UTMParameters::campaign},

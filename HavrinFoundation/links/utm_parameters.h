@@ -13,19 +13,35 @@
 #include <HavrinFoundation/platform/net/url.h>
 
 #include <concepts>
+#include <cstddef>
 #include <optional>
 #include <string>
 
 namespace havrin {
 
-/// What a link tells of the campaign it belongs to. A field that holds the empty text is present.
+namespace library_detail {
+// An optional text that a null pointer does not make: std::nullopt is the absent one.
+struct OptionalText : std::optional<std::string> {
+  using std::optional<std::string>::optional;
+  using std::optional<std::string>::operator=;
+  OptionalText() = default;
+  OptionalText(std::nullptr_t) = delete;
+  OptionalText& operator=(std::nullptr_t) = delete;
+  [[nodiscard]] const std::optional<std::string>& optional() const { return *this; }
+
+  friend bool operator==(const OptionalText& a, const OptionalText& b) { return a.optional() == b.optional(); }
+  friend bool operator==(const OptionalText& a, const std::optional<std::string>& b) { return a.optional() == b; }
+};
+}  // namespace library_detail
+
+/// What a link says about the campaign it belongs to. A field that holds the empty text is present.
 struct UTMParameters {
-  std::optional<std::string> campaign = std::nullopt;
-  std::optional<std::string> content = std::nullopt;
-  std::optional<std::string> medium = std::nullopt;
-  std::optional<std::string> name = std::nullopt;
-  std::optional<std::string> source = std::nullopt;
-  std::optional<std::string> term = std::nullopt;
+  library_detail::OptionalText campaign = std::nullopt;
+  library_detail::OptionalText content = std::nullopt;
+  library_detail::OptionalText medium = std::nullopt;
+  library_detail::OptionalText name = std::nullopt;
+  library_detail::OptionalText source = std::nullopt;
+  library_detail::OptionalText term = std::nullopt;
 };
 
 /// The parameters in the query of `url`, taken from its own text: a base is not looked at.

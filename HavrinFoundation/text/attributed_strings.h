@@ -6,6 +6,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
@@ -39,5 +40,10 @@ template <std::derived_from<NSAttributedString> C>
   const Strong<NSObject> made = library_detail::initialised(*alloc<C>(), string, attributes);
   return cast<C>(made);
 }
+// A null pointer is not a text: std::nullopt is the absent one.
+template <std::derived_from<NSAttributedString> C, std::same_as<std::nullptr_t> N>
+Strong<C> fromOptionalString(N string) = delete;
+template <std::derived_from<NSAttributedString> C, std::same_as<std::nullptr_t> N>
+Strong<C> fromOptionalString(N string, NSDictionary* attributes) = delete;
 
 }  // namespace havrin

@@ -5,10 +5,11 @@
 
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
+#include <HavrinFoundation/platform/foundation/value.h>
 
 namespace havrin::inline platform {
 
-/// As `entireRange(const NSAttributedString&)`; {0, 0} for null.
+/// As `entireRange(const NSAttributedString&)`; {0, 0} for null. By key, an NSValue.
 template <>
 struct Message<NSAttributedString, "entireRange"> : Signature<NSRange()> {};
 /// Calls the receiver's `initWithString` with the string, or with the empty one for null.

@@ -19,8 +19,11 @@ namespace havrin {
 
 /// `integer` in radix 36, upper case, with the fewest digits and, below zero, a "-".
 [[nodiscard]] HAVRIN_EXPORT std::string base36Value(std::int64_t integer);
-template <OtherThanSignedInteger T>
-std::string base36Value(T integer) = delete;
+template <OtherThanInt64 T>
+std::string base36Value(T) {
+  static_assert(kFitsInt64<T>, "base36Value takes an integer that fits std::int64_t; convert the argument explicitly");
+  return {};
+}
 
 /// The integer that `text` writes in radix 36: an optional "+" or "-", then digits in either case, leading zeros
 /// allowed, and nothing else. Empty when: text is empty or a lone sign; any other character occurs, a blank included;

@@ -14,21 +14,21 @@
 
 namespace havrin {
 
-/// The `CharacterSet` member of the same name, as an object.
-template <std::same_as<NSCharacterSet> C>
-[[nodiscard]] Strong<C> hexadecimal() {
+/// The `CharacterSet` member of the same name, as an object: a plain NSCharacterSet, also for a subclass C.
+template <std::derived_from<NSCharacterSet> C>
+[[nodiscard]] Strong<NSCharacterSet> hexadecimal() {
   return makeCharacterSet(hexadecimal<CharacterSet>());
 }
-template <std::same_as<NSCharacterSet> C>
-[[nodiscard]] Strong<C> asciiAlphabet() {
+template <std::derived_from<NSCharacterSet> C>
+[[nodiscard]] Strong<NSCharacterSet> asciiAlphabet() {
   return makeCharacterSet(asciiAlphabet<CharacterSet>());
 }
-template <std::same_as<NSCharacterSet> C>
-[[nodiscard]] Strong<C> urlSchemeAllowed() {
+template <std::derived_from<NSCharacterSet> C>
+[[nodiscard]] Strong<NSCharacterSet> urlSchemeAllowed() {
   return makeCharacterSet(urlSchemeAllowed<CharacterSet>());
 }
-template <std::same_as<NSCharacterSet> C>
-[[nodiscard]] Strong<C> validSubhavrinName() {
+template <std::derived_from<NSCharacterSet> C>
+[[nodiscard]] Strong<NSCharacterSet> validSubhavrinName() {
   return makeCharacterSet(validSubhavrinName<CharacterSet>());
 }
 

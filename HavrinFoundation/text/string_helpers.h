@@ -48,15 +48,21 @@ HAVRIN_EXPORT std::string repeatedText(std::string_view text, std::int64_t times
 /// `text` as often as `times` says, with `joinedBy` between neighbours; an absent separator counts as the empty one.
 /// Result: the empty text for no repetition, and for fewer than none.
 /// Throws: std::length_error where no string could hold the result.
-template <std::same_as<NSString> C>
+template <std::derived_from<NSString> C>
 [[nodiscard]] std::string repeating(std::string_view text, std::int64_t times,
                                     std::optional<std::string_view> joinedBy) {
   return library_detail::repeatedText(text, times, joinedBy.value_or(std::string_view()));
 }
-template <std::same_as<NSString> C, OtherThanSignedInteger T>
-std::string repeating(std::string_view text, T times, std::optional<std::string_view> joinedBy) = delete;
+template <std::derived_from<NSString> C, OtherThanInt64 T>
+std::string repeating(std::string_view, T, std::optional<std::string_view>) {
+  static_assert(kFitsInt64<T>, "repeating takes an integer that fits std::int64_t; convert the argument explicitly");
+  return {};
+}
 
-template <std::same_as<NSString> C>
+template <std::derived_from<NSString> C>
 std::string repeating(std::nullptr_t, std::int64_t times, std::optional<std::string_view> joinedBy) = delete;
+// A null pointer is not a text: std::nullopt is the absent separator.
+template <std::derived_from<NSString> C, std::same_as<std::nullptr_t> N>
+std::string repeating(std::string_view text, std::int64_t times, N joinedBy) = delete;
 
 }  // namespace havrin

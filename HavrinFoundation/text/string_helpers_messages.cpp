@@ -1,10 +1,11 @@
 #include <HavrinFoundation/text/string_helpers_messages.h>
 
-#include <optional>
+#include <new>
+#include <stdexcept>
 #include <string>
-#include <string_view>
 
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/text/string_helpers.h>
 
 namespace havrin {
@@ -39,8 +40,21 @@ bool containsOnlyCharactersInSet(NSString& self, NSCharacterSet* set) {
 
 Strong<NSString> stringByRepeatingString(ClassOf<NSString>, NSString* string, std::int64_t times, NSString* joinedBy) {
   const std::string text = string ? utf8(*string) : std::string();
-  if (!joinedBy) return makeString(repeating<NSString>(text, times, std::nullopt));
-  return makeString(repeating<NSString>(text, times, utf8(*joinedBy)));
+  const std::string separator = joinedBy ? utf8(*joinedBy) : std::string();
+  const auto throwTooLong = [&] {
+    throw NSException(
+        NSInvalidArgumentException,
+        "+[NSString stringByRepeatingString:times:joinedBy:]: expected a result that fits in memory, got " +
+            std::to_string(times) + " copies of " + std::to_string(text.size() + separator.size()) + " bytes");
+  };
+  try {
+    return makeString(repeating<NSString>(text, times, separator));
+  } catch (const std::length_error&) {
+    throwTooLong();
+  } catch (const std::bad_alloc&) {
+    throwTooLong();
+  }
+  return nullptr;
 }
 
 constexpr MethodRow kRows[] = {row<NSString, "entireRange", entireRangeMessage>(),

@@ -9,9 +9,9 @@
 #include <cstdint>
 
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
 #include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/foundation/value.h>
 
 namespace havrin {
 
@@ -27,7 +27,7 @@ namespace havrin {
 
 inline namespace platform {
 
-/// As `entireRange(const NSString&)`; {0, 0} for null.
+/// As `entireRange(const NSString&)`; {0, 0} for null. By key, an NSValue.
 template <>
 struct Message<NSString, "entireRange"> : Signature<NSRange()> {};
 /// As `containsAnyCharacters`; false for null. Throws: NSException (InvalidArgument) for a null set.
@@ -36,7 +36,8 @@ struct Message<NSString, "containsAnyCharactersInSet:"> : Signature<bool(NSChara
 /// As `containsOnlyCharacters`; false for null. Throws: NSException (InvalidArgument) for a null set.
 template <>
 struct Message<NSString, "containsOnlyCharactersInSet:"> : Signature<bool(NSCharacterSet*)> {};
-/// As `repeating<NSString>`, never null: a null string counts as the empty one, a null separator is none.
+/// As `repeating<NSString>`, never null: a null string counts as the empty one, a null separator is none. Throws:
+/// NSException (InvalidArgument) where the result does not fit in memory.
 template <>
 struct ClassMessage<NSString, "stringByRepeatingString:times:joinedBy:">
     : Signature<Strong<NSString>(NSString* string, std::int64_t times, NSString* joinedBy)> {};

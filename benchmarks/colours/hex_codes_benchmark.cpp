@@ -25,10 +25,10 @@ void require(bool right) {
 }
 
 void readOurs(benchmark::State& state) {
-  require(hex_codes::readHexCode(kCode)->red == 0x12 / 255.0);
+  require(library_detail::readHexCode(kCode)->red == 0x12 / 255.0);
   for (auto _ : state) {
     benchmark::DoNotOptimize(kCode);
-    benchmark::DoNotOptimize(hex_codes::readHexCode(kCode));
+    benchmark::DoNotOptimize(library_detail::readHexCode(kCode));
   }
 }
 void readObject(benchmark::State& state) {

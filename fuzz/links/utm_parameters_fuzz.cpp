@@ -17,9 +17,9 @@ void require(bool law) {
   if (!law) std::abort();
 }
 
-constexpr std::optional<std::string> UTMParameters::*kFields[] = {&UTMParameters::campaign, &UTMParameters::content,
-                                                                  &UTMParameters::medium,   &UTMParameters::name,
-                                                                  &UTMParameters::source,   &UTMParameters::term};
+constexpr decltype(UTMParameters::source) UTMParameters::*kFields[] = {
+    &UTMParameters::campaign, &UTMParameters::content, &UTMParameters::medium,
+    &UTMParameters::name,     &UTMParameters::source,  &UTMParameters::term};
 
 }  // namespace
 

@@ -161,12 +161,6 @@ TEST(Base36, WhatIsWrittenReadsBack) {
 }
 
 template <class T>
-concept Writable = requires(T integer) {
-  base36Value(integer);
-};
-static_assert(Writable<int> && Writable<signed char> && Writable<long>);
-static_assert(!Writable<double> && !Writable<std::uint64_t> && !Writable<bool> && !Writable<char>);
-template <class T>
 concept Readable = requires(T text) {
   base36ValueAsBase10(text);
 };

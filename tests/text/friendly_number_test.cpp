@@ -79,11 +79,10 @@ TEST(FriendlyNumber, WritesWhatPrintfWrites) {
   }
 }
 
-template <class T>
-concept Writable = requires(T number) {
-  friendlyNumber(number);
-};
-static_assert(Writable<int> && Writable<short> && Writable<long long>);
-static_assert(!Writable<double> && !Writable<unsigned> && !Writable<bool> && !Writable<char>);
+TEST(FriendlyNumber, TakesEveryIntegerThatFits) {
+  EXPECT_EQ(friendlyNumber(4'294'967'295U), "4295m");
+  EXPECT_EQ(friendlyNumber<NSString>(4'294'967'295U), "4295m");
+  EXPECT_EQ(friendlyNumber<NSString>(static_cast<short>(-1500)), "-1.5k");
+}
 
 }  // namespace

@@ -109,6 +109,10 @@ TEST(StringHelpers, AnOverrideOfContainsAnyDecidesContainsOnly) {
 TEST(StringHelpers, MessagesToNullAndWithNullArguments) {
   const Strong<NSString> none, text = makeString("abc");
   EXPECT_EQ(send<"entireRange">(none), NSRange());
+  const Strong<NSObject> byKey = makeString("\U0001F44Da")->valueForKey(makeString("entireRange"));
+  EXPECT_TRUE(byKey->isEqual(NSValue::valueWithRange({0, 3})));
+  EXPECT_FALSE(byKey->isEqual(NSValue::valueWithRange({1, 3})));
+  EXPECT_EQ(utf8(*byKey->description()), "NSRange: {0, 3}");
   EXPECT_FALSE(send<"containsAnyCharactersInSet:">(none, makeCharacterSet(CharacterSet())));
   EXPECT_FALSE(send<"containsOnlyCharactersInSet:">(none, makeCharacterSet(CharacterSet())));
   EXPECT_THROW(send<"containsAnyCharactersInSet:">(text, nullptr), NSException);
@@ -147,6 +151,9 @@ TEST(StringHelpers, RepetitionJoinsNeighboursOnly) {
     ASSERT_EQ(repeating<NSString>("abc", times, "-+"), expected);
   }
   EXPECT_THROW((void)repeating<NSString>("ab", std::numeric_limits<std::int64_t>::max(), {}), std::length_error);
+  EXPECT_THROW((void)send<"stringByRepeatingString:times:joinedBy:">(classOf<NSString>(), makeString("ab"),
+                                                                     std::numeric_limits<std::int64_t>::max(), nullptr),
+               NSException);
 }
 
 }  // namespace

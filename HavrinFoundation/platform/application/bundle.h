@@ -14,6 +14,7 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,6 +29,7 @@ class HAVRIN_EXPORT NSBundle : public Object<NSBundle, NSObject> {
   NSBundle();
   /// A bundle of its own for the folder at `path`, which is not looked at yet; see bundleWithPath.
   explicit NSBundle(std::string_view path);
+  explicit NSBundle(std::nullptr_t) = delete;  // not a path
   ~NSBundle() override;
 
   /// The bundle of the folder that the program stands in. Always the same object, but for installMainBundle.
@@ -36,6 +38,7 @@ class HAVRIN_EXPORT NSBundle : public Object<NSBundle, NSObject> {
   /// The bundle of the folder at `path`: one object for each folder, the main bundle for its own. It is kept for good.
   /// Null when: there is no folder.
   [[nodiscard]] static Strong<NSBundle> bundleWithPath(std::string_view path);
+  static Strong<NSBundle> bundleWithPath(std::nullptr_t) = delete;  // not a path
 
   [[nodiscard]] virtual Strong<NSString> bundlePath() const;
 

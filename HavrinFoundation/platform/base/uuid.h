@@ -32,6 +32,7 @@ class UUID {
   /// "-", nothing else.
   /// Empty when: text is anything else, braces, prefixes and blanks included.
   [[nodiscard]] HAVRIN_EXPORT static std::optional<UUID> fromString(std::string_view text);
+  static std::optional<UUID> fromString(std::nullptr_t) = delete;  // not a text
 
   /// The text form: 36 characters, digits in upper case.
   [[nodiscard]] HAVRIN_EXPORT std::string uuidString() const;

@@ -36,6 +36,7 @@ class HAVRIN_EXPORT CharacterSet {
   constexpr CharacterSet() noexcept = default;
   /// The scalars of a text, or of a range.
   explicit CharacterSet(std::string_view charactersIn);
+  explicit CharacterSet(std::nullptr_t) = delete;  // not a text
   explicit CharacterSet(ClosedRange<char32_t> charactersIn);
 
   CharacterSet(const CharacterSet& other) noexcept;
