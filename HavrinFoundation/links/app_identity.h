@@ -1,7 +1,8 @@
 // The application's version, build number and user agent, as its main bundle tells them. As messages:
 // app_identity_messages.h.
 //
-//   with "2024.10.0" and "612345" in the main bundle's Info.plist:
+// With "2024.10.0" and "612345" in the main bundle's Info.plist:
+//
 //   appVersionString(*NSBundle::mainBundle())             "2024.10.0"
 //   appBuildNumber(*NSBundle::mainBundle())               612345
 //   appAndBuildVersionString(*NSBundle::mainBundle())     "2024.10.0.612345"

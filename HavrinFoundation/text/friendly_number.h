@@ -1,10 +1,10 @@
 // Whole numbers in their compact form, for people. As a message: friendly_number_messages.h.
 //
-//   friendlyNumber(999)           "999"
-//   friendlyNumber(1'500)         "1.5k"
-//   friendlyNumber(-2'300'000)    "-2.3m"
-//   friendlyNumber(99'950)        "100.0k"
-//   friendlyNumber(5'000'000'000) "5000m"
+//   friendlyNumber(999)            "999"
+//   friendlyNumber(1'500)          "1.5k"
+//   friendlyNumber(-2'300'000)     "-2.3m"
+//   friendlyNumber(99'950)         "100.0k"
+//   friendlyNumber(5'000'000'000)  "5000m"
 #pragma once
 
 #include <HavrinFoundation/platform/base/signed_integer.h>

@@ -1,7 +1,7 @@
 // Bytes as hexadecimal text. As a message: hex_messages.h.
 //
-//   hexString(bytes of 00 01 AB FF)    "0001abff"
-//   hexString(no bytes)                ""
+//   hexString(bytes)                   "0001abff" for the bytes 00 01 AB FF
+//   hexString({})                      ""
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>

@@ -1,7 +1,7 @@
 // The SHA-256 digest of a text, in dash-separated groups. The exported plain function for strings: sha256_messages.h.
 //
 //   groupedSHA256("abc")    "ba7816bf-8f01cfea-414140de-5dae2223-b00361a3-96177a9c-b410ff61-f20015ad"
-//   groupedSHA256("a\0b"sv) the digest of "a"
+//   groupedSHA256("a\0b"sv)  the digest of "a"
 //   groupedSHA256("\xFF")   empty
 #pragma once
 

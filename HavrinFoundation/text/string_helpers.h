@@ -1,9 +1,9 @@
 // Whole ranges of a text, tests of its characters, repetition. As messages: string_helpers_messages.h.
 //
-//   nsrange("👍")                                                {0, 2}
-//   containsAnyCharacters("abc1", CharacterSet::decimalDigits()) true
-//   containsOnlyCharacters("abc1", CharacterSet::letters())      false
-//   repeating<NSString>("ab", 3, ", ")                           "ab, ab, ab"
+//   nsrange("👍")                                                  {0, 2}
+//   containsAnyCharacters("abc1", CharacterSet::decimalDigits())  true
+//   containsOnlyCharacters("abc1", CharacterSet::letters())       false
+//   repeating<NSString>("ab", 3, ", ")                            "ab, ab, ab"
 #pragma once
 
 #include <HavrinFoundation/platform/base/range.h>

@@ -2,7 +2,7 @@
 //
 //   entireRange(*makeString("👍"))                                                  {0, 2}
 //   containsOnlyCharacters(*makeString("abc1"), CharacterSet::letters())            false
-//   send<"containsAnyCharactersInSet:">(text, makeCharacterSet(CharacterSet("!?"))) true where one of them occurs
+//   send<"containsAnyCharactersInSet:">(text, makeCharacterSet(CharacterSet("!?")))  true where one of them occurs
 //   send<"stringByRepeatingString:times:joinedBy:">(classOf<NSString>(), makeString("ab"), 3, nullptr)  "ababab"
 #pragma once
 

@@ -1,7 +1,7 @@
 // Random numbers, and the one place where a test puts its own in their stead.
 //
-//   arc4random_uniform(6)        0 to 5, each equally likely
-//   secureRandomBits()           64 bits from the system's secure source
+//   havrin::arc4random_uniform(6)        0 to 5, each equally likely
+//   secureRandomBits()                   64 bits from the system's secure source
 //
 // Left out: seeded generators, distributions, random bytes in bulk.
 #pragma once

@@ -2,7 +2,7 @@
 //
 //   utf16("a\xF0\x9F\x91\x8D")                 u"a👍", 3 units
 //   utf8(u"\xD83D")                            "\uFFFD", the repaired form of a lone surrogate
-//   isWellFormed(std::string_view("\xC0\x80")) false
+//   isWellFormed(std::string_view("\xC0\x80"))  false
 //   characterCount("e\u0301\r\n")              2
 //
 // One rule for ill-formed text, in every facility that reads text: each maximal ill-formed part of UTF-8, and each lone
