@@ -1,0 +1,31 @@
+"""include-cost: what a file pays for an include: processor time of a syntax check against that of <string> alone.
+
+Prints the five heaviest of the umbrella header and the rooms' headers. Times vary from run to run, so that only a header
+far above the others is a problem.
+"""
+import os
+import subprocess
+
+from checks.layers import ROOMS
+from checks.source_tree import LIBRARY
+
+MOST = 12.0  # the umbrella header takes about 7
+
+
+def seconds(root, include):
+    """The processor time of g++ for a file that only includes this."""
+    before = os.times()
+    subprocess.run(["g++", "-std=c++20", "-fsyntax-only", "-I", root, "-x", "c++", "-"], check=True, text=True,
+                   input=f"#include <{include}>\n")
+    after = os.times()
+    return after.children_user + after.children_system - before.children_user - before.children_system
+
+
+def check(tree):
+    headers = [LIBRARY + "HavrinFoundation.h", *tree.under(*(f"{LIBRARY}{room}/" for room in ROOMS), suffixes=(".h",))]
+    unit = min(seconds(tree.root, "string") for _ in range(3))
+    ratios = sorted(((seconds(tree.root, header) / unit, header) for header in headers), reverse=True)
+    for ratio, header in ratios[:5]:
+        print(f"  {ratio:4.1f} of <string>  {header}")
+    return [f"{header}: costs {ratio:.1f} times what <string> does; at most {MOST:g} is allowed"
+            for ratio, header in ratios if ratio > MOST]
