@@ -85,6 +85,7 @@ constinit const Image kHavrinFoundation{
     .strings = kStrings,
     .categories = kCategories,
     .initialisers = kInitialisers,
+    .isLibrary = true,
 };
 
 namespace {

@@ -37,8 +37,6 @@ void forEach(const NSArray& array, Body body) {
 
 Strong<NSArray> select(NSArray& self, ElementPredicate predicate) {
   requireBlock(self, "select:", predicate);
-  const Strong<NSArray> hold(&self);
-  const auto held = predicate.share();
   if (self.isPlain()) {
     ArrayBuilder passing(self.count());
     forEach(self, [&](NSObject* element) { passing.addWhere(predicate(element), element); });
@@ -50,14 +48,11 @@ Strong<NSArray> select(NSArray& self, ElementPredicate predicate) {
 
 Strong<NSArray> reject(NSArray& self, ElementPredicate predicate) {
   requireBlock(self, "reject:", predicate);
-  const auto held = predicate.share();
   return send<"select:">(self, [&](NSObject* element) { return !predicate(element); });
 }
 
 Strong<NSArray> map(NSArray& self, ElementTransform transform) {
   requireBlock(self, "map:", transform);
-  const Strong<NSArray> hold(&self);
-  const auto held = transform.share();
   ArrayBuilder mapped(self.count());
   forEach(self, [&](NSObject* element) {
     Strong<NSObject> value = transform(element);
@@ -216,8 +211,6 @@ void asyncMapAux(NSArray& self, std::uint64_t index, const AsyncTransform& trans
 
 Strong<NSArray> compactMap(NSArray& self, ElementTransform transform) {
   requireBlock(self, "compactMap:", transform);
-  const Strong<NSArray> hold(&self);
-  const auto held = transform.share();
   ArrayBuilder mapped(self.count());
   forEach(self, [&](NSObject* element) {
     if (Strong<NSObject> value = transform(element)) mapped.add(std::move(value));
@@ -227,8 +220,6 @@ Strong<NSArray> compactMap(NSArray& self, ElementTransform transform) {
 
 Strong<NSObject> reduce(NSArray& self, NSObject* initial, ElementReducer reducer) {
   requireBlock(self, "reduce:withBlock:", reducer);
-  const Strong<NSArray> hold(&self);
-  const auto held = reducer.share();
   Strong<NSObject> accumulator(initial);
   forEach(self, [&](NSObject* element) { accumulator = reducer(accumulator, element); });
   return accumulator;
@@ -236,8 +227,6 @@ Strong<NSObject> reduce(NSArray& self, NSObject* initial, ElementReducer reducer
 
 Strong<NSObject> firstWhere(NSArray& self, ElementPredicate predicate) {
   requireBlock(self, "firstWhere:", predicate);
-  const Strong<NSArray> hold(&self);
-  const auto held = predicate.share();
   const std::uint64_t index =
       self.indexOfObjectPassingTest([&](NSObject* element, std::uint64_t, bool&) { return predicate(element); });
   return index == kNotFound ? nullptr : self.objectAtIndex(index);

@@ -34,7 +34,6 @@ void safeAddObject(Collection& self, NSObject* object) {
 }
 
 void shuffle(NSMutableArray& self) {
-  const Strong<NSObject> hold(&self);
   const std::uint64_t count = self.count();
   for (std::uint64_t i = 0; i + 1 < count; ++i) {
     self.exchangeObjectAtIndex(i, i + arc4random_uniform(static_cast<std::uint32_t>(count - i)));
@@ -43,8 +42,6 @@ void shuffle(NSMutableArray& self) {
 
 std::uint64_t uniqueInsertObject(NSMutableArray& self, NSObject* object, std::uint64_t preferred) {
   if (!object) throwNullArgument(self, "uniqueInsertObject:atPreferredIdx:", "object");
-  const Strong<NSObject> hold(&self);
-  const Strong<NSObject> holdObject(object);
   if (const std::uint64_t found = self.indexOfObject(object); found != kNotFound) return found;
   const std::uint64_t count = self.count();
   const std::uint64_t index = preferred < count ? preferred : count;
@@ -53,8 +50,6 @@ std::uint64_t uniqueInsertObject(NSMutableArray& self, NSObject* object, std::ui
 }
 
 Strong<NSIndexSet> removeObjectsInArray(NSMutableArray& self, NSArray* array) {
-  const Strong<NSObject> hold(&self);
-  const Strong<NSObject> holdArray(array);
   Strong<NSIndexSet> indexes = self.indexesOfObjectsPassingTest(
       [&](NSObject* object, std::uint64_t, bool&) { return array && array->containsObject(object); });
   self.removeObjectsAtIndexes(indexes);
@@ -62,7 +57,6 @@ Strong<NSIndexSet> removeObjectsInArray(NSMutableArray& self, NSArray* array) {
 }
 
 Strong<NSArray> removeObjectsFromIndex(NSMutableArray& self, std::int64_t index) {
-  const Strong<NSObject> hold(&self);
   const auto count = static_cast<std::int64_t>(self.count());
   if (count <= index) return makeArray({});
   if (index <= 0) {

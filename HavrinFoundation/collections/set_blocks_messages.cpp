@@ -7,8 +7,6 @@ namespace havrin {
 namespace {
 
 Strong<NSSet> filtered(NSSet& self, ElementPredicate predicate, bool wanted) {
-  const Strong<NSSet> hold(&self);
-  const auto held = predicate.share();
   const Strong<NSSet> passing =
       self.objectsPassingTest([&](NSObject* element, bool&) { return predicate(element) == wanted; });
   return send<"setWithSet:">(classOf(self), passing);
@@ -24,33 +22,25 @@ Strong<NSSet> rejectInSet(NSSet& self, ElementPredicate predicate) {
   return filtered(self, predicate, false);
 }
 
-Strong<NSArray> mapSet(NSSet& self, ElementTransform transform) {
-  const Strong<NSSet> hold(&self);
-  return send<"map:">(self.allObjects(), transform);
-}
+Strong<NSArray> mapSet(NSSet& self, ElementTransform transform) { return send<"map:">(self.allObjects(), transform); }
 
 Strong<NSArray> compactMapSet(NSSet& self, ElementTransform transform) {
-  const Strong<NSSet> hold(&self);
   return send<"compactMap:">(self.allObjects(), transform);
 }
 
 Strong<NSOrderedSet> selectInOrderedSet(NSOrderedSet& self, ElementPredicate predicate) {
-  const Strong<NSOrderedSet> hold(&self);
   return send<"orderedSetWithArray:">(classOf(self), send<"select:">(self.array(), predicate));
 }
 
 Strong<NSOrderedSet> rejectInOrderedSet(NSOrderedSet& self, ElementPredicate predicate) {
-  const Strong<NSOrderedSet> hold(&self);
   return send<"orderedSetWithArray:">(classOf(self), send<"reject:">(self.array(), predicate));
 }
 
 Strong<NSArray> mapOrderedSet(NSOrderedSet& self, ElementTransform transform) {
-  const Strong<NSOrderedSet> hold(&self);
   return send<"map:">(self.array(), transform);
 }
 
 Strong<NSArray> compactMapOrderedSet(NSOrderedSet& self, ElementTransform transform) {
-  const Strong<NSOrderedSet> hold(&self);
   return send<"compactMap:">(self.array(), transform);
 }
 

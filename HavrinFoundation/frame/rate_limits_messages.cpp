@@ -24,7 +24,6 @@ Strong<NSMutableDictionary> timestampsOf(NSObject& self) {
 
 void throttle(NSObject& self, Selector message, double intervalSeconds) {
   if (!self.respondsToSelector(message)) return;
-  const Strong<NSObject> held(&self);
   const Strong<NSMutableDictionary> timestamps = timestampsOf(self);
   NSString* const name = message.nameString();
 

@@ -44,11 +44,6 @@ std::string textOf(const NSObject* object) { return object ? utf8(*object->descr
 
 Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObject* object, NSArray* keyPaths,
                                                       std::uint64_t options, const Action& action) {
-  const Strong<NSObject> holdObserver(observer);
-  const Strong<NSObject> holdObject(object);
-  const Strong<NSArray> holdKeyPaths(keyPaths);
-  const Action holdAction(action);
-  Strong<KeyValueObservation> self(this);
   send<"setObserver:">(*this, observer);
   send<"setObject:">(*this, object);
   send<"setKeyPaths:">(*this, keyPaths);
@@ -61,9 +56,9 @@ Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObje
     }
   }
   if (!(options & KeyValueObservationOptionSkipInitial)) {
-    holdAction(observer, object, make<NSKeyValueChangeDictionary>(NSKeyValueChangeDictionary::Values{}));
+    action(observer, object, make<NSKeyValueChangeDictionary>(NSKeyValueChangeDictionary::Values{}));
   }
-  return self;
+  return Strong<KeyValueObservation>(this);
 }
 
 KeyValueObservation::~KeyValueObservation() {

@@ -84,13 +84,15 @@ class HAVRIN_EXPORT KeyValueObservation : public Object<KeyValueObservation, NSO
   Action action_;
 
  public:
-  using Members = List<
-      Method<"initWithObserver:object:keyPaths:options:action:", &KeyValueObservation::init>,
-      Method<"observeValueForKeyPath:ofObject:change:context:", &KeyValueObservation::observe>,
-      Method<"debugDescription", &KeyValueObservation::describe>, Property<"observer", &KeyValueObservation::observer_>,
-      Property<"object", &KeyValueObservation::object_>, Method<"keyPaths", &KeyValueObservation::keyPaths>,
-      Method<"setKeyPaths:", &KeyValueObservation::copyKeyPaths>, Property<"options", &KeyValueObservation::options_>,
-      Method<"action", &KeyValueObservation::action>, Method<"setAction:", &KeyValueObservation::copyAction>>;
+  using Members =
+      List<HeldMethod<"initWithObserver:object:keyPaths:options:action:", &KeyValueObservation::init>,
+           HeldMethod<"observeValueForKeyPath:ofObject:change:context:", &KeyValueObservation::observe>,
+           HeldMethod<"debugDescription", &KeyValueObservation::describe>,
+           Property<"observer", &KeyValueObservation::observer_>, Property<"object", &KeyValueObservation::object_>,
+           Method<"keyPaths", &KeyValueObservation::keyPaths>,
+           HeldMethod<"setKeyPaths:", &KeyValueObservation::copyKeyPaths>,
+           Property<"options", &KeyValueObservation::options_>, Method<"action", &KeyValueObservation::action>,
+           Method<"setAction:", &KeyValueObservation::copyAction>>;
 };
 
 /// Sets the five properties through their setters, in this order, registers for each key path with old and new values,

@@ -12,11 +12,6 @@ using Action = KeyValueObservation::Action;
 
 void observeKeyPaths(UIResponder& self, NSObject* model, NSArray* keyPaths, std::uint64_t options,
                      const Action& action) {
-  const Strong<UIResponder> hold(&self);
-  const Strong<NSObject> holdModel(model);
-  const Strong<NSArray> holdKeyPaths(keyPaths);
-  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the caller may let go of it meanwhile
-  const Action holdAction(action);
   send<"observeModel:forKeyPaths:options:action:">(self, model, keyPaths, options, action);
 }
 
@@ -35,7 +30,6 @@ void observeModelForKeyPaths(UIResponder& self, NSObject* model, NSArray* keyPat
 }
 
 void observeModel(UIResponder& self, NSObject* model, NSArray* keyPaths, std::uint64_t options, const Action& action) {
-  const Strong<UIResponder> hold(&self);
   const Strong<KeyValueObservation> token = send<"initWithObserver:object:keyPaths:options:action:">(
       alloc<KeyValueObservation>(), &self, model, keyPaths, options, action);
   const Strong<NSArray> standing = send<"keyValueObservations">(self);

@@ -5,17 +5,14 @@ namespace havrin {
 namespace {
 
 Strong<NSObject> ifInstance(ClassOf<NSObject> self, NSObject* object) {
-  const Strong<NSObject> hold(object);
-  return object && object->isKindOfClass(self) ? hold : nullptr;
+  return Strong<NSObject>(object && object->isKindOfClass(self) ? object : nullptr);
 }
 
 Strong<NSObject> ifConformance(NSObject& self, const AnyProtocol& protocol) {
-  const Strong<NSObject> hold(&self);
-  return self.conformsToProtocol(protocol) ? hold : nullptr;
+  return Strong<NSObject>(self.conformsToProtocol(protocol) ? &self : nullptr);
 }
 
 bool isAnyKindOfClass(NSObject& self, NSFastEnumeration* classes) {
-  const Strong<NSObject> hold(&self);
   if (!classes) return false;
   for (NSObject* element : each(*classes)) {
     const Class cls = Class::from(element);

@@ -5,7 +5,8 @@
 //   send<"isAnyKindOfClass:">(object, makeArray({classOf<NSString>(), classOf<NSNumber>()}))
 //
 // Answered by every object and every class. What comes back is the object that went in, not copied.
-// `isKindOfClass` and `conformsToProtocol` are asked, so that an override of them decides.
+// `isKindOfClass` and `conformsToProtocol` are asked, so that an override of them decides. An object that claims a class
+// without being of it comes back as that class: only messages may be sent to it.
 #pragma once
 
 #include <HavrinFoundation/image.h>

@@ -28,13 +28,11 @@ NSRange entireRangeMessage(NSString& self) { return entireRange(self); }
 
 bool containsAnyCharactersInSet(NSString& self, NSCharacterSet* set) {
   if (!set) throwNullArgument(self, "containsAnyCharactersInSet:", "set");
-  const Strong<NSString> hold(&self);
   return containsAnyCharacters(self, set->characterSet());
 }
 
 bool containsOnlyCharactersInSet(NSString& self, NSCharacterSet* set) {
   if (!set) throwNullArgument(self, "containsOnlyCharactersInSet:", "set");
-  const Strong<NSString> hold(&self);
   return containsOnlyCharacters(self, set->characterSet());
 }
 

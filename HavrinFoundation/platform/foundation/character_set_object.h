@@ -21,6 +21,8 @@ namespace havrin::inline platform {
 
 class HAVRIN_EXPORT NSCharacterSet : public Object<NSCharacterSet, NSObject> {
  public:
+  using Leaf = NSCharacterSet;
+
   /// The empty set.
   NSCharacterSet() noexcept = default;
   explicit NSCharacterSet(CharacterSet set) noexcept : set_(std::move(set)) {}

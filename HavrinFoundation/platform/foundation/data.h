@@ -26,6 +26,8 @@ namespace havrin::inline platform {
 
 class HAVRIN_EXPORT NSData : public Object<NSData, NSObject> {
  public:
+  using Leaf = NSData;
+
   /// No bytes.
   NSData() noexcept = default;
   /// A copy of these.
@@ -55,6 +57,8 @@ class HAVRIN_EXPORT NSData : public Object<NSData, NSObject> {
 /// Bytes that change. Threads: one at a time.
 class HAVRIN_EXPORT NSMutableData : public Object<NSMutableData, NSData> {
  public:
+  using Leaf = NSMutableData;
+
   NSMutableData() noexcept = default;
   explicit NSMutableData(std::span<const std::byte> bytes) : Object(bytes) {}
 

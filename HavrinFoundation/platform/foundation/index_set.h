@@ -25,6 +25,8 @@ class NSString;
 /// Immutable. Cost: a search takes the logarithm of the number of ranges.
 class HAVRIN_EXPORT NSIndexSet : public Object<NSIndexSet, NSObject> {
  public:
+  using Leaf = NSIndexSet;
+
   /// The empty set.
   NSIndexSet() = default;
   /// All indexes of all ranges, which may overlap and stand in any order.

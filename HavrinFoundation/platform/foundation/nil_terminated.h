@@ -9,8 +9,9 @@
 #include <concepts>
 #include <cstddef>
 #include <span>
+#include <vector>
 
-#include <HavrinFoundation/platform/object/object.h>
+#include <HavrinFoundation/platform/object/call_hold.h>
 
 namespace havrin::inline platform {
 
@@ -57,5 +58,25 @@ requires(std::convertible_to<const A&, NSObject*>&&...)
     [[nodiscard]] NilTerminatedValues<A...> nilTerminated(const A&... objects) {
   return {{static_cast<NSObject*>(objects)...}};
 }
+
+namespace detail {
+
+template <class C>
+struct Held<NilTerminated<C>> {
+  std::vector<Strong<NSObject>> objects;
+
+  Held(const NilTerminated<C>& argument, bool hold) {
+    if (!hold) return;
+    for (NSObject* object : argument) objects.emplace_back(object);
+  }
+  static bool mayRunProgram(const NilTerminated<C>& argument) {
+    for (const NSObject* object : argument) {
+      if (detail::mayRunProgram(object)) return true;
+    }
+    return false;
+  }
+};
+
+}  // namespace detail
 
 }  // namespace havrin::inline platform

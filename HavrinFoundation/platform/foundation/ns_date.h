@@ -24,6 +24,8 @@ enum class NSComparisonResult : std::int64_t { NSOrderedAscending = -1, NSOrdere
 
 class HAVRIN_EXPORT NSDate : public Object<NSDate, NSObject> {
  public:
+  using Leaf = NSDate;
+
   /// The current instant.
   NSDate() noexcept : date_(Date::now()) {}
   explicit NSDate(Date date) noexcept : date_(date) {}

@@ -23,6 +23,8 @@ namespace havrin::inline platform {
 
 class HAVRIN_EXPORT NSURL : public Object<NSURL, NSObject> {
  public:
+  using Leaf = NSURL;
+
   /// A link of no text, for an init message.
   NSURL();
   explicit NSURL(URL url) noexcept : url_(std::move(url)) {}

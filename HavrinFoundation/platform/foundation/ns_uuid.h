@@ -19,6 +19,8 @@ namespace havrin::inline platform {
 
 class HAVRIN_EXPORT NSUUID : public Object<NSUUID, NSObject> {
  public:
+  using Leaf = NSUUID;
+
   /// All bits zero, for an init message.
   NSUUID() noexcept = default;
   explicit NSUUID(const UUID& uuid) noexcept : uuid_(uuid) {}

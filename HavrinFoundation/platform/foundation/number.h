@@ -19,6 +19,8 @@ namespace havrin::inline platform {
 
 class HAVRIN_EXPORT NSNumber : public Object<NSNumber, NSObject> {
  public:
+  using Leaf = NSNumber;
+
   enum class Kind : std::uint8_t { boolean, integer, unsignedInteger, real };
 
   /// Zero.
@@ -69,6 +71,8 @@ template <std::integral T>
 
 class HAVRIN_EXPORT NSNull : public Object<NSNull, NSObject> {
  public:
+  using Leaf = NSNull;
+
   /// The one null object of the process.
   [[nodiscard]] static NSNull* null();
   [[nodiscard]] Strong<NSString> description() const override;

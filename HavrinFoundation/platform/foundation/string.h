@@ -32,6 +32,8 @@ class NSCharacterSet;
 
 class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
  public:
+  using Leaf = NSString;
+
   using NSObject::operator new;
   using NSObject::operator delete;
 
@@ -129,6 +131,8 @@ class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
 /// Text that grows. Threads: one at a time.
 class HAVRIN_EXPORT NSMutableString : public Object<NSMutableString, NSString> {
  public:
+  using Leaf = NSMutableString;
+
   NSMutableString() noexcept = default;
   explicit NSMutableString(std::string_view text);
   explicit NSMutableString(std::u16string_view units);

@@ -18,6 +18,8 @@ namespace havrin::inline platform {
 
 class HAVRIN_EXPORT NSValue : public Object<NSValue, NSObject> {
  public:
+  using Leaf = NSValue;
+
   explicit NSValue(NSRange range) noexcept : range_(range) {}
 
   [[nodiscard]] static Strong<NSValue> valueWithRange(NSRange range) { return make<NSValue>(range); }
@@ -38,7 +40,7 @@ class HAVRIN_EXPORT NSValue : public Object<NSValue, NSObject> {
 template <>
 struct Boxing<NSRange> {
   static Strong<NSObject> box(NSRange range) { return NSValue::valueWithRange(range); }
-  static NSRange unbox(NSObject* object) { return blockReference<NSValue>(object).rangeValue(); }
+  static NSRange unbox(NSObject* object) { return checkedReference<NSValue>(object).rangeValue(); }
 };
 
 }  // namespace havrin::inline platform

@@ -28,6 +28,8 @@ struct RGBA {
 
 class HAVRIN_EXPORT UIColor : public Object<UIColor, NSObject> {
  public:
+  using Leaf = UIColor;
+
   /// Opaque black, for an init message.
   UIColor();
   UIColor(double white, double alpha);

@@ -8,7 +8,16 @@
 //
 // The rows are constant data; nothing runs until the image's `Loader` attaches them, which is the one thing an image
 // runs at load. Functions take the receiver by reference (class methods: its `ClassOf`) and then what the message
-// declares.
+// declares. The receiver and the arguments are kept alive for the call (call_hold.h).
+//
+// Where two categories add the same selector to one class, the one attached last answers; within a program that is the
+// order in which its libraries are loaded, and within an image the order of its list. An image that has attached its
+// categories stays loaded until the process ends, also when its library is closed.
+//
+// A category in a static library is dropped by the linker unless something refers to it. Its messages header does:
+//
+//   extern const Image kPlayerImage;                                 // defined beside its Loader
+//   namespace { [[gnu::used]] const Image* const kPlayerImageIsNeeded = &kPlayerImage; }
 #pragma once
 
 #include <span>
@@ -18,6 +27,7 @@
 
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/boxing.h>
+#include <HavrinFoundation/platform/object/call_hold.h>
 #include <HavrinFoundation/platform/object/message.h>
 #include <HavrinFoundation/platform/object/observed.h>
 
@@ -40,6 +50,9 @@ struct Image {
   std::span<ConstantString* const> strings;
   std::span<const Category* const> categories;
   std::span<void (*const)()> initialisers;
+  /// Whether its methods run no code of the program of their own, as the library's do: its categories leave leaf classes
+  /// leaves.
+  bool isLibrary = false;
 };
 
 /// Attaches an image when it is constructed: one per image, at namespace scope.
@@ -95,7 +108,8 @@ template <class C, auto Function, class R, class... A>
 struct CategoryTrampoline<C, Function, R(A...)> {
   static constexpr bool fits = std::is_invocable_r_v<R, decltype(Function), C&, A...>;
   static R call(NSObject* self, A... arguments) {
-    return Function(static_cast<C&>(*self), std::forward<A>(arguments)...);
+    return callHeld<A...>([&]() -> R { return Function(static_cast<C&>(*self), std::forward<A>(arguments)...); }, self,
+                          arguments...);
   }
 };
 template <class C, auto Function, class F>
@@ -104,7 +118,9 @@ template <class C, auto Function, class R, class... A>
 struct ClassTrampoline<C, Function, R(A...)> {
   static constexpr bool fits = std::is_invocable_r_v<R, decltype(Function), ClassOf<C>, A...>;
   static R call(NSObject* self, A... arguments) {
-    return Function(ClassOf<C>(static_cast<ClassObject*>(self)), std::forward<A>(arguments)...);
+    return callHeld<A...>(
+        [&]() -> R { return Function(ClassOf<C>(static_cast<ClassObject*>(self)), std::forward<A>(arguments)...); },
+        nullptr, arguments...);  // a class outlives every call
   }
 };
 

@@ -1,5 +1,7 @@
 #include <HavrinFoundation/platform/object/class.h>
 
+#include <dlfcn.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
@@ -89,6 +91,7 @@ ClassObject* ClassObject::build(const ClassDescription& description) {
     headerOf(meta).cls.store(meta, std::memory_order_relaxed);
   }
   meta->instance_ = cls;
+  cls->isLeaf_.store(description.isLeaf, std::memory_order_relaxed);
   cls->create_ = description.create;
   cls->protocols_ = description.protocols;
   Runtime::insert(*cls, description.rows);
@@ -108,10 +111,12 @@ ClassObject* ClassObject::notifyingClass() {
   return made;
 }
 
-void ClassObject::addRows(std::span<const MethodRow> rows) {
+void ClassObject::addRows(std::span<const MethodRow> rows, bool ofProgram) {
+  if (rows.empty()) return;
   Runtime& runtime = Runtime::shared();
   const std::unique_lock guard(runtime.lock);
   Runtime::insert(*this, rows);
+  if (ofProgram) isLeaf_.store(false, std::memory_order_relaxed);
   for (const MethodRow& row : rows) {
     const std::uint32_t number = Selector(*row.selector).number();
     for (ClassObject* cls : runtime.all) {
@@ -140,12 +145,14 @@ const MethodRow* ClassObject::row(Selector selector) const {
   return row;
 }
 
-void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver) {
+void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver,
+                       std::string_view advice) {
   char address[32];
   std::snprintf(address, sizeof address, "%p", static_cast<const void*>(receiver));
   const std::string kind = cls.isMetaclass() ? "class " : "instance ";
-  throw NSException(NSInvalidArgumentException,
-                    methodReason(*receiver, selector, "unrecognized selector sent to " + kind + address));
+  throw NSException(NSInvalidArgumentException, std::string(cls.isMetaclass() ? "+[" : "-[") + std::string(cls.name()) +
+                                                    " " + std::string(selector) + "]: unrecognized selector sent to " +
+                                                    kind + address + std::string(advice));
 }
 
 Implementation ClassObject::resolve(const SelectorConstant& constant, const std::type_info& signature,
@@ -166,7 +173,10 @@ Implementation ClassObject::resolve(const SelectorConstant& constant, const std:
                                      "message"));
     }
   }
-  throwUnrecognized(*this, constant.name, receiver);
+  // The sender's headers declare the message, so what is missing is the code that attaches it.
+  throwUnrecognized(*this, constant.name, receiver,
+                    "; the message is declared, but the image whose category has it is not loaded: is its library "
+                    "linked, and kept by the linker? (platform/object/category.h)");
 }
 
 bool ClassObject::inheritsDeep(const ClassObject* other) const {
@@ -223,13 +233,24 @@ void throwWrongClass(const NSObject* object, std::string_view wanted) {
   throw NSException(NSInvalidArgumentException, given + " came where a " + std::string(wanted) + " is asked for");
 }
 
+namespace {
+
+// Rows are referred to until the process ends: the library that has them stays, whoever closes it.
+void pin(const Image& image) {
+  Dl_info found{};
+  if (dladdr(&image, &found) != 0 && found.dli_fname) dlopen(found.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
+}  // namespace
+
 Loader::Loader(const Image& image) {
+  pin(image);
   bindConstantStrings(image.strings);
   // Classes are built before any row is added: building takes the runtime's lock itself.
   for (const Category* category : image.categories) {
     ClassObject* cls = category->cls();
-    cls->addRows(category->rows);
-    dispatchClass(cls)->addRows(category->classRows);
+    cls->addRows(category->rows, !image.isLibrary);
+    dispatchClass(cls)->addRows(category->classRows, !image.isLibrary);
   }
   for (void (*initialiser)() : image.initialisers) initialiser();
 }

@@ -44,6 +44,7 @@ struct ClassDescription {
   const std::type_info* type;
   std::string_view name;
   ClassObject* superclass;
+  bool isLeaf;                   // its methods run no code of the program
   Strong<NSObject> (*create)();  // null for classes that cannot be allocated without arguments
   std::span<const MethodRow> rows;
   std::span<const MethodRow> classRows;
@@ -62,6 +63,9 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   [[nodiscard]] ClassObject* shown() const { return shown_; }
   [[nodiscard]] bool isNotifying() const { return shown_ != this; }
   [[nodiscard]] bool isMetaclass() const { return instance_ != nullptr; }
+  /// Whether methods of instances run no code of the program: no override, no block, no observer. False once a category of
+  /// the program has been attached.
+  [[nodiscard]] bool isLeaf() const { return isLeaf_.load(std::memory_order_relaxed); }
   [[nodiscard]] bool inheritsFrom(const ClassObject* other) const {
     if (other->depth_ < kAncestors) [[likely]]
       return ancestors_[other->depth_] == other;
@@ -84,8 +88,9 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   /// The implementation a row has for receivers of this class.
   [[nodiscard]] Implementation implementation(const MethodRow& row) const { return row.implementation(isNotifying()); }
 
-  /// Adds or replaces methods; sends that have been resolved before see them at their next call.
-  void addRows(std::span<const MethodRow> rows);
+  /// Adds or replaces methods; sends that have been resolved before see them at their next call. `ofProgram`: they may run
+  /// code of the program, so the class is a leaf no longer.
+  void addRows(std::span<const MethodRow> rows, bool ofProgram);
   /// The subclass of this class whose setters notify; made at first use.
   [[nodiscard]] ClassObject* notifyingClass();
 
@@ -114,6 +119,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   ClassObject* superclass_;
   ClassObject* shown_;
   ClassObject* instance_ = nullptr;  // of a metaclass: its one instance
+  std::atomic<bool> isLeaf_{false};
   std::uint32_t depth_;
   std::array<const ClassObject*, kAncestors> ancestors_{};
   Strong<NSObject> (*create_)() = nullptr;

@@ -84,6 +84,16 @@ struct MemberTrampoline<C, Member, R(A...)> {
     return (static_cast<C*>(self)->*Member)(std::forward<A>(arguments)...);
   }
 };
+// As MemberTrampoline, and receiver and arguments are kept alive for the call.
+template <class C, auto Member, class F>
+struct HeldMemberTrampoline;
+template <class C, auto Member, class R, class... A>
+struct HeldMemberTrampoline<C, Member, R(A...)> : MemberTrampoline<C, Member, R(A...)> {
+  static R call(NSObject* self, A... arguments) {
+    return callHeld<A...>([&]() -> R { return (static_cast<C*>(self)->*Member)(std::forward<A>(arguments)...); }, self,
+                          arguments...);
+  }
+};
 template <class C, auto Field, class T>
 struct GetterTrampoline {
   static constexpr bool fits = true;
@@ -111,6 +121,17 @@ struct Method {
   static constexpr std::array<MethodRow, 1> rows() {
     using Declared = detail::MessageOf<C, S>;
     return {detail::rowOf<S, Declared, detail::MemberTrampoline<C, Member, typename Declared::Type>>()};
+  }
+};
+
+/// A method that calls blocks or sends messages while it works with its receiver or arguments: as `Method`, and both are
+/// kept alive for the call, whatever the code it runs drops. Cost: two atomic counts for each object.
+template <Text S, auto Member>
+struct HeldMethod : Method<S, Member> {
+  template <class C>
+  static constexpr std::array<MethodRow, 1> rows() {
+    using Declared = detail::MessageOf<C, S>;
+    return {detail::rowOf<S, Declared, detail::HeldMemberTrampoline<C, Member, typename Declared::Type>>()};
   }
 };
 
@@ -190,6 +211,16 @@ std::span<const AnyProtocol* const> protocolList(List<P...>) {
   return ParentProtocols<P...>::list();
 }
 
+// A class says of itself, and of none of its subclasses, that its methods run no code of the program: `using Leaf = Me;`.
+template <class T>
+constexpr bool isLeaf() {
+  if constexpr (requires { typename T::Leaf; }) {
+    return std::is_same_v<typename T::Leaf, T>;
+  } else {
+    return false;
+  }
+}
+
 template <class T>
 constexpr auto creator() -> Strong<NSObject> (*)() {
   if constexpr (std::is_default_constructible_v<T> && !std::is_abstract_v<T>) {
@@ -207,6 +238,7 @@ ClassDescription describeClass(ClassObject* superclass) {
   return {.type = &typeid(T),
           .name = typeName<T>(),
           .superclass = superclass,
+          .isLeaf = detail::isLeaf<T>(),
           .create = detail::creator<T>(),
           .rows = detail::RowsOf<T, typename T::Members>::rows,
           .classRows = detail::RowsOf<T, typename T::ClassMembers>::rows,

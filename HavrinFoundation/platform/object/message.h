@@ -7,6 +7,7 @@
 //   send<"zero">(classOf<NSUUID>())            Strong<NSUUID>
 //   send<"slect:">(stations, isOnAir)          does not compile: "... declares no such message ..."
 //   send<"select:">(nullArray, isOnAir)        null: a message to null gives the zero value of its result
+//   sendSuper<"select:">(*this, isOnAir)       in an override: the method that it overrides
 //
 // A receiver is an object by reference, pointer or `Strong`, or a class. Objects go in as pointers, borrowed, and may
 // be null; objects come out as `Strong`. `Self` in a signature stands for the receiver's static class.
@@ -93,6 +94,14 @@ struct FoundMessage<Owner, R(A...)> {
   }
 };
 
+// A message whose `Self` is not narrowed below the class that declares it: one of instances that a class object receives,
+// and one that an override sends to its superclass.
+template <class Found>
+struct NotNarrowed : Found {
+  template <class>
+  using ResultFor = typename Found::Result;
+};
+
 template <class List, Text S>
 struct MemberSignature {
   using Type = void;
@@ -124,7 +133,12 @@ constexpr auto findMessage() {
 template <class C, Text S>
 constexpr auto findClassMessage() {
   if constexpr (std::is_void_v<C>) {
-    return findMessage<NSObject, S>();  // a class object is an object
+    using OfObjects = decltype(findMessage<NSObject, S>());  // a class object is an object
+    if constexpr (std::is_same_v<OfObjects, NotFound>) {
+      return NotFound{};
+    } else {
+      return NotNarrowed<OfObjects>{};
+    }
   } else if constexpr (requires { sizeof(ClassMessage<C, S>); }) {
     return FoundMessage<C, typename ClassMessage<C, S>::Type>{};
   } else {
@@ -184,13 +198,11 @@ inline constexpr bool never = false;
 template <class Declared, class... Given>
 inline constexpr bool takes = false;
 
-template <Text S, class Declaration, class Static, bool CanBeNull, class... A>
-inline typename Declaration::template ResultFor<Static> dispatch(NSObject* receiver, A&&... arguments) {
+// Calls the method that `cls` has for S.
+template <Text S, class Declaration, class Static, class... A>
+inline typename Declaration::template ResultFor<Static> dispatchIn(ClassObject* cls, NSObject* receiver,
+                                                                   A&&... arguments) {
   using Result = typename Declaration::template ResultFor<Static>;
-  if constexpr (CanBeNull) {
-    if (!receiver) return Result();
-  }
-  ClassObject* const cls = dispatchClass(receiver);
   Implementation implementation = cls->cached(selector<S>.number.load(std::memory_order_relaxed));
   if (!implementation) [[unlikely]] {
     implementation = cls->resolve(selector<S>, typeid(typename Declaration::Type), receiver);
@@ -198,13 +210,40 @@ inline typename Declaration::template ResultFor<Static> dispatch(NSObject* recei
   if constexpr (std::is_same_v<Result, typename Declaration::Result>) {
     return Declaration::call(implementation, receiver, std::forward<A>(arguments)...);
   } else {
-    // `Self` narrowed to the receiver's static class: an override that answers another class is told so.
+    // `Self` is narrowed to the receiver's static class. The object's own word decides, as everywhere: one that claims a
+    // class without being of it is handed out as that class all the same.
     using Narrow = typename Result::Object;
     typename Declaration::Result wide = Declaration::call(implementation, receiver, std::forward<A>(arguments)...);
-    if (wide && !isKind<Narrow>(wide)) throwWrongClass(wide, typeName<Narrow>());
-    return Result::adopt(static_cast<Narrow*>(wide.detach()));
+    if (wide && !isKind<Narrow>(wide) && !wide->isKindOfClass(classOf<Narrow>())) {
+      throwWrongClass(wide, typeName<Narrow>());
+    }
+    return Result::adopt(reinterpret_cast<Narrow*>(wide.detach()));
   }
 }
+
+template <Text S, class Declaration, class Static, bool CanBeNull, class... A>
+inline typename Declaration::template ResultFor<Static> dispatch(NSObject* receiver, A&&... arguments) {
+  if constexpr (CanBeNull) {
+    if (!receiver) return typename Declaration::template ResultFor<Static>();
+  }
+  return dispatchIn<S, Declaration, Static>(dispatchClass(receiver), receiver, std::forward<A>(arguments)...);
+}
+
+// Where a message to the superclass of the receiver's static class begins: the superclass, or its metaclass.
+template <class T>
+struct SuperReceiver : Receiver<T> {
+  using Superclass = typename T::Superclass;
+  template <Text S>
+  using DeclarationAbove = MessageOf<Superclass, S>;
+  static ClassObject* start() { return classObject<Superclass>(); }
+};
+template <class C>
+struct SuperReceiver<ClassOf<C>> : Receiver<ClassOf<C>> {
+  using Superclass = typename C::Superclass;
+  template <Text S>
+  using DeclarationAbove = ClassMessageOf<Superclass, S>;
+  static ClassObject* start() { return dispatchClass(classObject<Superclass>()); }
+};
 
 }  // namespace detail
 
@@ -234,6 +273,25 @@ inline decltype(auto) send(R&& receiver, A&&... arguments) {
       return detail::dispatch<S, Declaration, typename Receiver::Static, Receiver::canBeNull>(
           Receiver::pointer(receiver), std::forward<A>(arguments)...);
     }
+  }
+}
+
+/// Sends the message S as the superclass of the receiver's static class answers it: how an override goes on to the method
+/// that it overrides. The receiver is `*this`, or the ClassOf that a class method takes.
+///
+///   Strong<NSArray> select(ElementPredicate p) { return sendSuper<"select:">(*this, p); }
+template <Text S, class R, class... A>
+inline decltype(auto) sendSuper(R& receiver, A&&... arguments) {
+  using Receiver = detail::SuperReceiver<std::remove_cv_t<R>>;
+  using Declaration = typename Receiver::template DeclarationAbove<S>;
+  if constexpr (std::is_same_v<Declaration, detail::NotFound>) {
+    static_assert(detail::never<R>, "sendSuper: the superclass declares no such message: is the selector spelt right?");
+  } else if constexpr (!Declaration::template accepts<A...>()) {
+    static_assert(detail::takes<typename Declaration::Type, A...>,
+                  "sendSuper: these arguments do not fit the message's declaration");
+  } else {
+    return detail::dispatchIn<S, detail::NotNarrowed<Declaration>, void>(Receiver::start(), Receiver::pointer(receiver),
+                                                                         std::forward<A>(arguments)...);
   }
 }
 

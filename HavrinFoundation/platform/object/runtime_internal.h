@@ -7,8 +7,9 @@
 
 namespace havrin::inline platform {
 
-/// Throws NSException (InvalidArgument): no method answers.
-[[noreturn]] void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver);
+/// Throws NSException (InvalidArgument): no method answers. `advice` ends the text.
+[[noreturn]] void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver,
+                                    std::string_view advice = {});
 
 /// Releases what is attached to an object whose destructors have run.
 void releaseAssociations(NSObject* object) noexcept;

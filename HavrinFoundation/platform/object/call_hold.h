@@ -1,0 +1,69 @@
+// What keeps the receiver and the arguments of a message alive for the call. For the rows of members.h and category.h.
+//
+// A method may run code of the program: an override, a block, an observer, a destructor. Such code may drop the last
+// reference to the receiver or to an argument. So a row holds them all, unless every object among them is of a leaf
+// class, whose methods run no code of the program, and there is no block.
+//
+// Cost: a load and a test for each object; two atomic counts for each object where they are held.
+#pragma once
+
+#include <concepts>
+#include <type_traits>
+#include <utility>
+
+#include <HavrinFoundation/platform/object/block.h>
+#include <HavrinFoundation/platform/object/class.h>
+
+namespace havrin::inline platform {
+namespace detail {
+
+[[nodiscard]] inline bool mayRunProgram(const NSObject* object) noexcept {
+  return object && !dispatchClass(object)->isLeaf();
+}
+
+/// An argument that has nothing to keep alive. Specialised for those that have.
+template <class Argument>
+struct Held {
+  Held(const Argument&, bool) noexcept {}
+  static bool mayRunProgram(const Argument&) noexcept { return false; }
+};
+
+template <std::derived_from<NSObject> T>
+struct Held<T*> {
+  Strong<NSObject> object;
+
+  Held(T* argument, bool hold) noexcept : object(hold ? const_cast<std::remove_cv_t<T>*>(argument) : nullptr) {}
+  static bool mayRunProgram(T* argument) noexcept { return detail::mayRunProgram(argument); }
+};
+
+template <class F>
+struct Held<Block<F>> {
+  Block<F> block;
+
+  Held(const Block<F>& argument, bool) noexcept : block(argument) {}
+  static bool mayRunProgram(const Block<F>&) noexcept { return true; }
+};
+
+template <class F>
+struct Held<BlockView<F>> {
+  Block<F> block;
+
+  Held(const BlockView<F>& argument, bool) noexcept : block(argument.share()) {}
+  static bool mayRunProgram(const BlockView<F>&) noexcept { return true; }
+};
+
+template <class Body, class... H>
+decltype(auto) whileHolding(Body&& body, const H&...) {
+  return body();
+}
+
+/// Calls `body` while the receiver and the arguments are held.
+template <class... A, class Body>
+decltype(auto) callHeld(Body&& body, NSObject* receiver, const std::remove_cvref_t<A>&... arguments) {
+  const bool hold = mayRunProgram(receiver) || (Held<std::remove_cvref_t<A>>::mayRunProgram(arguments) || ...);
+  return whileHolding(std::forward<Body>(body), Held<NSObject*>(receiver, hold),
+                      Held<std::remove_cvref_t<A>>(arguments, hold)...);
+}
+
+}  // namespace detail
+}  // namespace havrin::inline platform
