@@ -32,11 +32,11 @@ extern const Category kColourCodes;
 extern const Category kColourArithmetic;
 extern const Category kAppIdentity;
 
-extern ConstantString kKeyPathText;
+extern const ConstantString kKeyPathText;
 
 namespace {
 
-ConstantString* const kStrings[] = {
+const ConstantString* const kStrings[] = {
     &kKeyPathText,  // kKeyValueObservationKeyPath
 };
 

@@ -13,8 +13,8 @@ namespace havrin {
 
 void* kKeyValueObservationContext = &kKeyValueObservationContext;
 
-extern constinit ConstantString kKeyPathText;
-constinit ConstantString kKeyPathText("keyPath");
+extern const ConstantString kKeyPathText;
+constexpr ConstantString kKeyPathText("keyPath");
 constinit NSString* const kKeyValueObservationKeyPath = kKeyPathText;
 
 namespace {

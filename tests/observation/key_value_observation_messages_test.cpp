@@ -1,5 +1,8 @@
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 
+#include <cstdio>
+#include <cstdlib>
+
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/foundation/index_set.h>
 #include <HavrinFoundation/testkit/test_clock.h>
@@ -20,6 +23,19 @@ std::string line(const NSDictionary* change) {
 
 constexpr std::uint64_t kSkipInitial = KeyValueObservationOptionSkipInitial;
 constexpr std::uint64_t kSkipUnchanged = KeyValueObservationOptionSkipUnchanged;
+
+// Destroyed after everything else: constant strings, the library's and a program's own, are there until the end.
+constexpr ConstantString kOwn("own");
+const ConstantString* const kStrings[] = {&kOwn};
+const Loader kLoader{Image{"test", nullptr, kStrings, {}, {}}};
+struct LastLook {
+  ~LastLook() {
+    if (utf8(*kKeyValueObservationKeyPath) == "keyPath" && kOwn->isEqual(makeString("own"))) return;
+    std::fputs("a constant string is gone at exit\n", stderr);
+    std::_Exit(1);
+  }
+};
+[[gnu::init_priority(101)]] const LastLook kLastLook;
 
 struct Observation : testing::Test {
   TestClock clock;

@@ -289,9 +289,9 @@ void NSMutableString::refresh() noexcept {
   }
 }
 
-void bindConstantStrings(std::span<ConstantString* const> strings) {
+void bindConstantStrings(std::span<const ConstantString* const> strings) {
   ClassObject* cls = classObject<NSString>();
-  for (ConstantString* string : strings) {
+  for (const ConstantString* string : strings) {
     headerOf(static_cast<NSString*>(*string)).cls.store(cls, std::memory_order_relaxed);
   }
 }

@@ -154,25 +154,32 @@ class HAVRIN_EXPORT NSMutableString : public Object<NSMutableString, NSString> {
   bool isWide_ = false;
 };
 
-/// A string that the program spells, laid down at build time and never destroyed. ASCII only.
-///   constinit ConstantString kPathStorage("keyPath");
+/// A string literal as an object, in the program's data and never destroyed: destructors of static objects may use it.
+/// ASCII only. Must be constexpr, since compilers register a destructor for other variables; the conversion of a
+/// non-const one does not compile.
+///   constexpr ConstantString kPathStorage("keyPath");
 ///   constinit NSString* const kPath = kPathStorage;
 /// An image lists its constant strings (see `Image`), so that they have their class before anything runs.
+  constexpr ~ConstantString() {}  // string_ is a member of a union, so that it is not destroyed
 class ConstantString {
  public:
   template <std::size_t N>
-  constexpr explicit ConstantString(const char (&text)[N])
+  consteval explicit ConstantString(const char (&text)[N])
       : header_(nullptr, ObjectHeader::kImmortal), string_(NSString::Placed{}, text, N - 1) {}
 
-  constexpr operator NSString*() { return &string_; }
-  constexpr NSString* operator->() { return &string_; }
+  constexpr operator NSString*() const& { return &string_; }
+  constexpr NSString* operator->() const& { return &string_; }
+  operator NSString*() & = delete;
+  NSString* operator->() & = delete;
 
  private:
-  ObjectHeader header_;
-  NSString string_;
+  mutable ObjectHeader header_;
+  union {
+    mutable NSString string_;
+  };
 };
 
 /// Gives constant strings their class. Called for an image's own by its Loader.
-HAVRIN_EXPORT void bindConstantStrings(std::span<ConstantString* const> strings);
+HAVRIN_EXPORT void bindConstantStrings(std::span<const ConstantString* const> strings);
 
 }  // namespace havrin::inline platform

@@ -47,7 +47,7 @@ class ConstantString;
 struct Image {
   std::string_view name;
   const unsigned char* identification;  // text that tools search a file for, or null
-  std::span<ConstantString* const> strings;
+  std::span<const ConstantString* const> strings;
   std::span<const Category* const> categories;
   std::span<void (*const)()> initialisers;
   /// Whether its methods run no code of the program of their own, as the library's do: its categories leave leaf classes

@@ -80,8 +80,8 @@ constexpr MethodRow kStationRows[] = {row<Station, "test_same", same>()};
 constinit const Category kLabels{classObject<NSObject>, "Labels", kRows, kClassRows};
 constinit const Category kSame{classObject<Station>, "Same", kStationRows, {}};
 constinit const Category kLouder{classObject<NSObject>, "Louder", kLouderRows, {}};
-constinit ConstantString kConstant("constant");
-ConstantString* const kStrings[] = {&kConstant};
+constexpr ConstantString kConstant("constant");
+const ConstantString* const kStrings[] = {&kConstant};
 const Category* const kCategories[] = {&kLabels, &kSame};
 const Loader kLoader{Image{"test", nullptr, kStrings, kCategories, {}}};
 
