@@ -244,19 +244,19 @@ std::uint64_t NSArray::countByEnumeratingWithState(NSFastEnumerationState& state
 
 ArrayBuilder::ArrayBuilder(std::uint64_t expected) : capacity_(expected) {
   if (expected > std::numeric_limits<std::int64_t>::max() / sizeof(Strong<NSObject>)) throw std::bad_alloc();
-  if (expected != 0) memory_ = NSArray::operator new(sizeof(NSArray) + expected * sizeof(Strong<NSObject>));
+  if (expected != 0) memory_ = NSArray::allocateUnborn(sizeof(NSArray) + expected * sizeof(Strong<NSObject>));
 }
 
 ArrayBuilder::~ArrayBuilder() {
   if (!memory_) return;
   std::destroy_n(room(), count_);
-  NSArray::operator delete(memory_);
+  NSArray::freeUnborn(memory_);
 }
 
 void ArrayBuilder::grow() {
   const std::uint64_t capacity = capacity_ < 4 ? 8 : capacity_ * 2;
   const std::size_t size = sizeof(NSArray) + capacity * sizeof(Strong<NSObject>);
-  memory_ = memory_ ? NSArray::resizeUnborn(memory_, size) : NSArray::operator new(size);
+  memory_ = memory_ ? NSArray::resizeUnborn(memory_, size) : NSArray::allocateUnborn(size);
   capacity_ = capacity;
 }
 

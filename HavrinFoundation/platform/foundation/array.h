@@ -45,8 +45,6 @@ class NSString;
 /// Cost: reading is constant time; `arrayByAddingObject` is too, amortised over a chain (array_buffer.h). Threads: any.
 class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnumeration {
  public:
-  using NSObject::operator new;
-  using NSObject::operator delete;
   using Test = BlockView<bool(NSObject* object, std::uint64_t index, bool& stop)>;
 
   /// The empty array.

@@ -115,6 +115,12 @@ NSString::NSString(Behind, std::basic_string_view<Unit> units) noexcept
   std::memcpy(static_cast<void*>(this + 1), units.data(), units.size() * sizeof(Unit));
 }
 
+template <class Unit>
+Strong<NSString> NSString::withUnitsBehind(std::basic_string_view<Unit> units) {
+  void* memory = allocateUnborn(sizeof(NSString) + units.size() * sizeof(Unit));
+  return Strong<NSString>::adopt(::new (memory) NSString(Behind{}, units));
+}
+
 void NSString::own(std::string_view narrow) {
   if (narrow.empty()) return;
   void* memory = std::malloc(narrow.size());
@@ -196,18 +202,14 @@ Strong<NSObject> NSString::mutableCopy() const {
 }
 
 Strong<NSString> makeString(std::string_view text) {
-  if (isAscii(text)) {
-    return Strong<NSString>::adopt(new (NSString::Behind{text.size()}) NSString(NSString::Behind{}, text));
-  }
+  if (isAscii(text)) return NSString::withUnitsBehind(text);
   const std::u16string units = utf16(text);
-  return Strong<NSString>::adopt(new (NSString::Behind{units.size() * sizeof(char16_t)})
-                                     NSString(NSString::Behind{}, std::u16string_view(units)));
+  return NSString::withUnitsBehind(std::u16string_view(units));
 }
 
 Strong<NSString> makeString(std::u16string_view units) {
   if (isAscii(units)) return makeString(std::string_view(narrowed(units)));
-  return Strong<NSString>::adopt(new (NSString::Behind{units.size() * sizeof(char16_t)})
-                                     NSString(NSString::Behind{}, units));
+  return NSString::withUnitsBehind(units);
 }
 
 std::string utf8(const NSString& string) {

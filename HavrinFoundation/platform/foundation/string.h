@@ -34,9 +34,6 @@ class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
  public:
   using Leaf = NSString;
 
-  using NSObject::operator new;
-  using NSObject::operator delete;
-
   /// The empty string.
   NSString() noexcept = default;
   /// From UTF-8 and from UTF-16; lone surrogates stay in the latter.
@@ -90,14 +87,12 @@ class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
   void borrow(std::u16string_view wide) noexcept;
 
  private:
-  struct Behind {
-    std::size_t bytes;
-  };
-  // Short form of makeString: the units stand behind the object, in one allocation with it.
-  static void* operator new(std::size_t size, Behind behind) { return NSObject::operator new(size + behind.bytes); }
-  static void operator delete(void* memory, Behind) { NSObject::operator delete(memory); }
+  // For makeString: the units follow the object, in one allocation with it.
+  struct Behind {};
   template <class Unit>
   NSString(Behind, std::basic_string_view<Unit> units) noexcept;
+  template <class Unit>
+  static Strong<NSString> withUnitsBehind(std::basic_string_view<Unit> units);
 
   template <class Unit>
   [[nodiscard]] std::basic_string_view<Unit> view() const {
@@ -160,12 +155,12 @@ class HAVRIN_EXPORT NSMutableString : public Object<NSMutableString, NSString> {
 ///   constexpr ConstantString kPathStorage("keyPath");
 ///   constinit NSString* const kPath = kPathStorage;
 /// An image lists its constant strings (see `Image`), so that they have their class before anything runs.
-  constexpr ~ConstantString() {}  // string_ is a member of a union, so that it is not destroyed
 class ConstantString {
  public:
   template <std::size_t N>
   consteval explicit ConstantString(const char (&text)[N])
       : header_(nullptr, ObjectHeader::kImmortal), string_(NSString::Placed{}, text, N - 1) {}
+  constexpr ~ConstantString() {}  // string_ is a member of a union, so that it is not destroyed
 
   constexpr operator NSString*() const& { return &string_; }
   constexpr NSString* operator->() const& { return &string_; }

@@ -274,17 +274,14 @@ class HAVRIN_EXPORT Object : public Super {
   }
 
  protected:
+  Object() requires(std::is_same_v<Super, NSObject>) : Super(NSObject::Named{typeName<Me>()}) { become<Me>(); }
   template <class... A>
-  explicit Object(A&&... arguments) : Super(std::forward<A>(arguments)...) {
-    if constexpr (std::is_same_v<Super, NSObject>) {
-      become<Me>();
-    } else {
-      // An object that a base class's constructor has made observed stays so.
-      const bool observed = dispatchClass(this)->isNotifying();
-      become<Me>();
-      if (observed) [[unlikely]]
-        headerOf(this).cls.store(classObject<Me>()->notifyingClass(), std::memory_order_relaxed);
-    }
+  requires(!std::is_same_v<Super, NSObject>) explicit Object(A&&... arguments) : Super(std::forward<A>(arguments)...) {
+    // An object that a base class's constructor has made observed stays so.
+    const bool observed = dispatchClass(this)->isNotifying();
+    become<Me>();
+    if (observed) [[unlikely]]
+      headerOf(this).cls.store(classObject<Me>()->notifyingClass(), std::memory_order_relaxed);
   }
   constexpr explicit Object(NSObject::Placed placed) noexcept : Super(placed) {}
 

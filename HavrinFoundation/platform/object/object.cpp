@@ -70,7 +70,7 @@ void destroyObject(NSObject* object) noexcept {
 
 void freeObject(NSObject* object) noexcept { std::free(&headerOf(object)); }
 
-void* NSObject::operator new(std::size_t size) {
+void* NSObject::allocateUnborn(std::size_t size) {
   void* memory = std::malloc(sizeof(ObjectHeader) + size);
   if (!memory) throw std::bad_alloc();
   return new (memory) ObjectHeader(unborn()) + 1;
@@ -86,10 +86,14 @@ void NSObject::freeUnborn(void* memory) noexcept {
   if (memory) std::free(static_cast<ObjectHeader*>(memory) - 1);
 }
 
-NSObject::NSObject() {
+NSObject::NSObject(Named made) {
   ObjectHeader& header = headerOf(this);
   if (header.cls.load(std::memory_order_relaxed) != unborn()) [[unlikely]] {
-    std::fputs("havrin: an object was constructed outside make<T>(), or NSObject is not its first base\n", stderr);
+    const int length = static_cast<int>(made.name.size());
+    std::fprintf(stderr,
+                 "havrin: an object of class %.*s or a subclass was not made by make<T>(), or NSObject is not its "
+                 "first base\n",
+                 length, made.name.data());
     std::abort();
   }
   header.cls.store(classObject<NSObject>(), std::memory_order_relaxed);

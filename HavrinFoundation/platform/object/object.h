@@ -5,13 +5,15 @@
 //   a->respondsToSelector(selector<"select:">)      false
 //   a->description()                                "<NSObject: 0x55d0c0ffee00>"
 //
-// Objects live on the heap and are made by `make<T>(...)` (or `alloc<T>()` before an init message): an object on the
-// stack, or one whose NSObject is not its first base, ends the process with one line when it is constructed.
+// Objects live on the heap and are made by `make<T>(...)` (or `alloc<T>()` before an init message). `new T` does not
+// compile; an object on the stack, or one whose NSObject is not its first base, ends the process with one line that names
+// the class.
 // Left out: manual retain and release, zones, forwarding of unknown messages, method swizzling.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -38,7 +40,7 @@ class HAVRIN_EXPORT NSObject {
   using ClassMembers = List<>;
   using Protocols = List<>;
 
-  NSObject();
+  NSObject() : NSObject(Named{"NSObject"}) {}
   NSObject(const NSObject&) = delete;
   NSObject& operator=(const NSObject&) = delete;
   constexpr virtual ~NSObject() {
@@ -46,7 +48,7 @@ class HAVRIN_EXPORT NSObject {
     if (!std::is_constant_evaluated()) releaseAttached();
   }
 
-  static void* operator new(std::size_t size);
+  // Public for the destructors of subclasses; release ends an object.
   static constexpr void operator delete(void* memory) {
     if (!std::is_constant_evaluated()) freeUnborn(memory);
   }
@@ -111,11 +113,23 @@ class HAVRIN_EXPORT NSObject {
   struct Placed {};
   constexpr explicit NSObject(Placed) noexcept {}
 
-  /// Gives memory from `operator new`, in which no object has been constructed yet, another size; its bytes move along.
+  // The first class below NSObject, for the text when an object is constructed elsewhere than in memory for objects.
+  struct Named {
+    std::string_view name;
+  };
+  explicit NSObject(Named made);
+
+  // Memory for one object, in which none has been constructed yet: for classes that keep more in the same allocation.
+  [[nodiscard]] static void* allocateUnborn(std::size_t size);
+  /// The bytes move along.
   [[nodiscard]] static void* resizeUnborn(void* memory, std::size_t size);
+  static void freeUnborn(void* memory) noexcept;
 
  private:
-  static void freeUnborn(void* memory) noexcept;
+  template <class T, class... A>
+  friend Strong<T> make(A&&... arguments);
+  // For `make` alone: the count of a new object is 1, which a `Strong` constructed from a pointer would not release.
+  static void* operator new(std::size_t size) { return allocateUnborn(size); }
   void releaseAttached() noexcept;
 };
 

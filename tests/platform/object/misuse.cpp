@@ -47,7 +47,7 @@ void use(Listener& listener) {
 #elif HAVRIN_CASE == 6
   (void)make<Shouter>();
 #elif HAVRIN_CASE == 7
-  const std::int64_t age = send<"name">(listener);
+  const Strong<Listener> made = new Listener;
 #elif HAVRIN_CASE == 8
   send<"ask:">(listener, [](Listener& asked) { return asked.age(); });
 #endif

@@ -381,5 +381,5 @@ TEST(ObjectsDeathTest, LiveOnTheHeapOnly) {
         std::memset(memory, 0, sizeof memory);
         ::new (memory + 64) Station;
       },
-      "outside make<T>");
+      "of class Station or a subclass was not made by make<T>");
 }
