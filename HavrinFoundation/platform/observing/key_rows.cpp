@@ -1,5 +1,7 @@
 #include <HavrinFoundation/platform/observing/key_rows.h>
 
+#include <array>
+#include <span>
 #include <utility>
 
 #include <HavrinFoundation/platform/object/boxing.h>
@@ -16,19 +18,33 @@ ClassKeyCache<KeyRows>& cache() {
   return *kCache;
 }
 
-KeyRows findRows(const ClassObject& cls, std::string_view key) {
-  using Name = std::pair<std::string_view, std::string_view>;
+// The methods that may answer a key, the preferred one first.
+std::array<std::string, 4> getterNames(std::string_view key) {
+  const std::string name(key);
   const std::string capital = capitalised(key);
+  return {"get" + capital, name, "is" + capital, "_" + name};
+}
+std::array<std::string, 2> setterNames(std::string_view key) { return {setterName(key), "_" + setterName(key)}; }
+
+KeyRows findRows(const ClassObject& cls, std::string_view key) {
   KeyRows rows;
-  for (const auto& [prefix, stem] : {Name{"get", capital}, Name{"", key}, Name{"is", capital}, Name{"_", key}}) {
-    rows.getter = callableRow(cls, std::string(prefix).append(stem), 0);
+  for (const std::string& name : getterNames(key)) {
+    rows.getter = callableRow(cls, name, 0);
     if (rows.getter) break;
   }
-  for (const char* prefix : {"set", "_set"}) {
-    rows.setter = callableRow(cls, prefix + capital + ":", 1);
+  for (const std::string& name : setterNames(key)) {
+    rows.setter = callableRow(cls, name, 1);
     if (rows.setter) break;
   }
   return rows;
+}
+
+const MethodRow* unboxableRow(const ClassObject& cls, std::span<const std::string> names, std::size_t arguments) {
+  for (const std::string& name : names) {
+    const MethodRow* row = cls.row(Selector::known(name));
+    if (row && !row->signature->call && row->signature->argumentCount == arguments) return row;
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -53,6 +69,10 @@ KeyRows rowsForKey(const ClassObject& shown, std::string_view key) {
   const KeyRows rows = findRows(shown, key);
   if (rows.getter || rows.setter) cache().keep(shown, key, changes, rows);
   return rows;
+}
+
+KeyRows unboxableRowsForKey(const ClassObject& shown, std::string_view key) {
+  return {unboxableRow(shown, getterNames(key), 0), unboxableRow(shown, setterNames(key), 1)};
 }
 
 Strong<NSString> plainString(NSString& text) {

@@ -22,6 +22,9 @@ struct KeyRows {
 /// Cost: a hash look-up. Threads: any.
 [[nodiscard]] KeyRows rowsForKey(const ClassObject& shown, std::string_view key);
 
+/// The rows that would answer `key` if their types could be boxed: for the text of an exception.
+[[nodiscard]] KeyRows unboxableRowsForKey(const ClassObject& shown, std::string_view key);
+
 /// The row of this name that key-value coding can call with `arguments` objects; null when there is none.
 [[nodiscard]] const MethodRow* callableRow(const ClassObject& cls, std::string_view name, std::size_t arguments);
 

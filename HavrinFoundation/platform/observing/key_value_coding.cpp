@@ -1,5 +1,9 @@
 #include <HavrinFoundation/platform/observing/key_value_coding.h>
 
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,10 +26,23 @@ KeyRows rowsOf(const NSObject* self, const NSString& key) {
   return withText(key, [shown](std::string_view text) { return rowsForKey(*shown, text); });
 }
 
-[[noreturn]] void throwUndefined(const NSObject& self, const NSString* key, const char* selector) {
-  throw NSException(NSUndefinedKeyException, "-[" + std::string(classOf(self).name()) + " " + selector +
-                                                 "]: the class has no method for the key " +
-                                                 (key ? "\"" + utf8(*key) + "\"" : "(null)"));
+std::string nameOfType(const std::type_info& type) {
+  const std::unique_ptr<char, void (*)(void*)> name(abi::__cxa_demangle(type.name(), nullptr, nullptr, nullptr),
+                                                    std::free);
+  return name ? name.get() : type.name();
+}
+
+[[noreturn]] void throwUndefined(const NSObject& self, const NSString* key, const char* selector,
+                                 const MethodRow* KeyRows::*method) {
+  const Class cls = classOf(self);
+  const MethodRow* unboxable = key ? unboxableRowsForKey(*cls.object(), utf8(*key)).*method : nullptr;
+  throw NSException(NSUndefinedKeyException,
+                    "-[" + std::string(cls.name()) + " " + selector + "]: " +
+                        (unboxable ? "the method \"" + std::string(unboxable->selector->name) +
+                                         "\" has a type that cannot be boxed, " +
+                                         nameOfType(*unboxable->signature->type) + ", for the key "
+                                   : "the class has no method for the key ") +
+                        (key ? "\"" + utf8(*key) + "\"" : "(null)"));
 }
 
 bool isOneKey(const NSString& path) {
@@ -73,11 +90,11 @@ void NSObject::setValueForKeyPath(NSObject* value, NSString* path) {
 }
 
 Strong<NSObject> NSObject::valueForUndefinedKey(NSString* key) const {
-  throwUndefined(*this, key, "valueForUndefinedKey:");
+  throwUndefined(*this, key, "valueForUndefinedKey:", &KeyRows::getter);
 }
 
 void NSObject::setValueForUndefinedKey(NSObject*, NSString* key) {
-  throwUndefined(*this, key, "setValue:forUndefinedKey:");
+  throwUndefined(*this, key, "setValue:forUndefinedKey:", &KeyRows::setter);
 }
 
 void NSObject::setNilValueForKey(NSString* key) {

@@ -15,8 +15,11 @@ class Host : public Object<Host, NSObject> {
   using Members = List<Property<"name", &Host::name_>>;
 };
 
+struct Unboxable {};
+
 class Station : public Object<Station, NSObject> {
   Strong<Host> host_;
+  Unboxable lock_;
   std::int64_t listeners_ = 0;
   bool onAir_ = true;
 
@@ -31,11 +34,12 @@ class Station : public Object<Station, NSObject> {
   void setOnAir(bool value) { onAir_ = value; }
   std::int64_t both(std::int64_t a, std::int64_t b) { return a + b; }
 
-  using Members = List<Property<"host", &Station::host_>, Property<"listeners", &Station::listeners_>,
-                       Method<"rating", &Station::plainRating>, Method<"getRating", &Station::getRating>,
-                       Method<"_setRating:", &Station::takeRating>, Method<"_secret", &Station::secret>,
-                       Method<"announce", &Station::announce>, Method<"isOnAir", &Station::isOnAir>,
-                       Method<"setOnAir:", &Station::setOnAir>, Method<"both:with:", &Station::both>>;
+  using Members = List<Property<"host", &Station::host_>, Property<"lock", &Station::lock_>,
+                       Property<"listeners", &Station::listeners_>, Method<"rating", &Station::plainRating>,
+                       Method<"getRating", &Station::getRating>, Method<"_setRating:", &Station::takeRating>,
+                       Method<"_secret", &Station::secret>, Method<"announce", &Station::announce>,
+                       Method<"isOnAir", &Station::isOnAir>, Method<"setOnAir:", &Station::setOnAir>,
+                       Method<"both:with:", &Station::both>>;
 };
 
 class Relay : public Object<Relay, Station> {
@@ -113,6 +117,12 @@ TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
     EXPECT_EQ(nameOf([&] { station->setValueForKey(row.value, row.key); }), row.setting);
   }
   EXPECT_EQ(nameOf([] { (void)make<NSObject>()->valueForKey(makeString("a.b")); }), NSUndefinedKeyException);
+  try {
+    (void)station->valueForKey(s("lock"));
+    ADD_FAILURE();
+  } catch (const NSException& exception) {
+    EXPECT_NE(exception.reason().find("Unboxable ()"), std::string::npos) << exception.reason();
+  }
 }
 
 TEST(KeyValueCoding, AsksAClassThatWantsToAnswerForUndefinedKeysAndNull) {
