@@ -64,9 +64,11 @@ Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObje
 KeyValueObservation::~KeyValueObservation() {
   if (!object_) return;
   try {
-    for (NSObject* path : each(keyPaths_)) {
+    for (NSObject* element : each(keyPaths_)) {
+      NSString* const path = cast<NSString>(element);
+      if (!path) continue;  // creation failed at this element
       try {
-        object_->removeObserver(this, cast<NSString>(path), kKeyValueObservationContext);
+        object_->removeObserver(this, path, kKeyValueObservationContext);
       } catch (const NSException&) {
         // Never made, since creation failed on the way, or made for another object or other paths.
       }

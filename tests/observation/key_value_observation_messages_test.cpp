@@ -30,12 +30,24 @@ const ConstantString* const kStrings[] = {&kOwn};
 const Loader kLoader{Image{"test", nullptr, kStrings, {}, {}}};
 struct LastLook {
   ~LastLook() {
-    if (utf8(*kKeyValueObservationKeyPath) == "keyPath" && kOwn->isEqual(makeString("own"))) return;
+    const Strong<NSString> kept[] = {makeString("keyPath"), makeString("own")};
+    if (kKeyValueObservationKeyPath->isEqual(kept[0]) && kOwn->isEqual(kept[1])) return;
     std::fputs("a constant string is gone at exit\n", stderr);
     std::_Exit(1);
   }
 };
 [[gnu::init_priority(101)]] const LastLook kLastLook;
+
+// Counts the null key paths that it is asked to remove.
+class Strict : public Object<Strict, Station> {
+ public:
+  std::int64_t nulls = 0;
+  using Station::removeObserver;
+  void removeObserver(NSObject* observer, NSString* keyPath, void* context) override {
+    nulls += keyPath ? 0 : 1;
+    Station::removeObserver(observer, keyPath, context);
+  }
+};
 
 struct Observation : testing::Test {
   TestClock clock;
@@ -294,6 +306,8 @@ TEST_F(Observation, CopiesKeyPathsAndReadsTheActionByMessage) {
 }
 
 TEST_F(Observation, BadInputRaisesAndLeavesNothingRegistered) {
+  const auto strict = make<Strict>();
+  station = strict;
   const auto title = s("title");
   const struct {
     Strong<NSArray> keyPaths;
@@ -317,6 +331,7 @@ TEST_F(Observation, BadInputRaisesAndLeavesNothingRegistered) {
     EXPECT_TRUE(station->isUnobserved());
     EXPECT_EQ(take(), "");
   }
+  EXPECT_EQ(strict->nulls, 0);
   token = observe(static_cast<NSArray*>(nullptr), 0);
   EXPECT_EQ(take(), "- 1 ->-") << "no paths are none";
   EXPECT_EQ(nameOf([&] { token->setAction(nullptr); }), NSInvalidArgumentException);

@@ -61,14 +61,15 @@ void finish(NSObject& object, const NSString& key) {
 }
 
 void end(const NSObject& object, const NSObject* observer, NSString* keyPath, std::optional<void*> context) {
-  requireKey(object, keyPath, "removeObserver:forKeyPath:");
+  const std::string selector = context ? "removeObserver:forKeyPath:context:" : "removeObserver:forKeyPath:";
+  requireKey(object, keyPath, selector);
   const Strong<NSString> path = plainString(*keyPath);
   const Strong<Registration> registration =
       endRegistration(object, *keysOfPath(*path).front(), observer, *path, context);
   if (!registration) {
-    throw NSException(NSRangeException, "-[" + std::string(classOf(object).name()) +
-                                            " removeObserver:forKeyPath:]: the observer is not registered for \"" +
-                                            utf8(*path) + "\"" + (context ? " with this context" : ""));
+    throw NSException(NSRangeException, "-[" + std::string(classOf(object).name()) + " " + selector +
+                                            "]: the observer is not registered for \"" + utf8(*path) + "\"" +
+                                            (context ? " with this context" : ""));
   }
   if (!registration->isSimple) registration->letGo();
 }

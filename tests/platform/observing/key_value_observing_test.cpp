@@ -115,7 +115,13 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   unwatch("title");
   unwatch("title");
   EXPECT_EQ(nameOf([&] { unwatch("title"); }), NSRangeException);
-  EXPECT_EQ(nameOf([&] { station->removeObserver(watcher, nullptr); }), NSInvalidArgumentException);
+  try {
+    station->removeObserver(watcher, nullptr, &mine);
+    ADD_FAILURE() << "the null path";
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.name(), NSInvalidArgumentException);
+    EXPECT_NE(exception.reason().find(" removeObserver:forKeyPath:context:]"), std::string::npos) << exception.reason();
+  }
 }
 
 TEST_F(Observed, BadRegistrationsRaiseAndLeaveNothing) {
