@@ -247,24 +247,22 @@ void encodeURL(const NSObject& object, ArchiveWriter& writer) {
   writer.addObject("NS.relative", url.relativeString());
 }
 
-// Links come back as they were, also those whose text is no URI reference.
+// Links come back as they were, with or without a base, also those whose text is not a URI reference.
 Strong<NSObject> decodeURL(ArchiveReader& reader) {
   NSObject* const base = reader.objectOfClasses("NS.base", {.cls = classOf<NSURL>()});
   const NSString* const text = reader.object<NSString>("NS.relative");
   if (!text) return nullptr;
   const NSURL* const baseURL = cast<NSURL>(base);
+  if (base && !baseURL) {
+    reader.failWithValue("NS.base", "NSURL");
+    return nullptr;
+  }
   // Each link has its text, and that of its base in its absolute form, for itself.
   const std::uint64_t size = text->length() + (baseURL ? baseURL->absoluteString()->length() : 0);
   if (!reader.charge(3 * size) || !reader.chargeWork(size)) return nullptr;
   const std::string relative = utf8(*text);
-  if (!base) {
-    if (auto url = URL::fromString(relative)) return make<NSURL>(*std::move(url));
-    return make<NSURL>(URL::fromUncheckedText(relative));
-  }
-  auto url = baseURL ? URL::fromString(relative, baseURL->value()) : std::nullopt;
-  if (url) return make<NSURL>(*std::move(url));
-  reader.fail("a link that cannot be seen from its base");
-  return nullptr;
+  if (baseURL) return make<NSURL>(URL::fromUncheckedText(relative, baseURL->value()));
+  return make<NSURL>(URL::fromUncheckedText(relative));
 }
 
 template <class C>

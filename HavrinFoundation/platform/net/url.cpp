@@ -14,18 +14,22 @@ std::optional<URL> URL::fromString(std::string_view text) {
 std::optional<URL> URL::fromString(std::string_view text, const URL& base) {
   if (!isUriReference(text)) return std::nullopt;
   if (splitUri(text).scheme) return URL(std::string(text), true);
-  return URL(std::string(text), true,
-             base.hasBase() ? std::make_shared<const URL>(base.absoluteURL()) : std::make_shared<const URL>(base));
+  return URL(std::string(text), true, std::make_shared<const URL>(base.absoluteURL()));
 }
 
 URL URL::fromUncheckedText(std::string_view text) {
   return URL(std::string(text), !text.empty() && isUriReference(text));
 }
 
+URL URL::fromUncheckedText(std::string_view text, const URL& base) {
+  if (auto url = fromString(text, base)) return *std::move(url);
+  return URL(std::string(text), false, std::make_shared<const URL>(base.absoluteURL()));
+}
+
 std::optional<URL> URL::baseURL() const { return hasBase() ? std::optional<URL>(*base_) : std::nullopt; }
 
 std::string URL::absoluteString() const {
-  if (!hasBase() || !base_->decomposable_) return text_;
+  if (!hasBase() || !decomposable_ || !base_->decomposable_) return text_;
   const UriParts base = splitUri(base_->text_);
   return base.scheme ? resolvedUri(base, splitUri(text_)) : text_;
 }

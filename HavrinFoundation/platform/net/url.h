@@ -44,6 +44,8 @@ class HAVRIN_EXPORT URL {
   /// A link of any text whatever, as it may come from a reader that checks less. Where `text` is no URI reference the
   /// link cannot be decomposed.
   [[nodiscard]] static URL fromUncheckedText(std::string_view text);
+  /// The same with a base, which is kept as by `fromString`. A text that is not a URI reference is never resolved.
+  [[nodiscard]] static URL fromUncheckedText(std::string_view text, const URL& base);
 
   /// The text as it was given.
   [[nodiscard]] const std::string& relativeString() const noexcept { return text_; }
@@ -52,7 +54,8 @@ class HAVRIN_EXPORT URL {
   /// Empty when: there is none.
   [[nodiscard]] std::optional<URL> baseURL() const;
 
-  /// The text resolved against the base; the text as it was given where there is no base, or none with a scheme.
+  /// The text resolved against the base; the text as it was given where there is no base, or none with a scheme, or the
+  /// link has no parts.
   /// Source: RFC 3986, 5.2.
   [[nodiscard]] std::string absoluteString() const;
 

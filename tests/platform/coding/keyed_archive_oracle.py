@@ -128,6 +128,8 @@ GRAPHS = {
     "identifier": Thing("NSUUID").key("NS.uuidbytes", A_UUID),
     "link": link("https://havrin.example/a?b=%20#c"),
     "relative_link": link("../d?e", link("https://havrin.example/a/b/c")),
+    "unchecked_link": link("no link at all"),
+    "unchecked_relative_link": link("no link at all", link("https://havrin.example/a/d?e")),
     "attributed": own("NSAttributedString", NSString=plain("on air"), NSAttributes=sized(9)),
     "attributed_runs": runs("x" * 300, [sized(9), sized(10), dictionary()], 1, 0, 200, 1, 99, 2),
     "mutable_attributed": own("NSMutableAttributedString", NSString=plain("a"), NSAttributes=dictionary()),
@@ -147,7 +149,6 @@ READ_ONLY = {
     "ordered_set_of_objects": row("NSOrderedSet", plain("b"), plain("a"), plain("b")),
     "attributed_again": runs("abcde", [BLUE, RED, BLUE], 1, 0, 1, 1, 1, 2, 2, 0),
     "attributed_bare": own("NSAttributedString", NSString=plain("bare")),
-    "unchecked_link": link("no link at all"),
     "hinted": Thing("Nobody", hints=["Noone", "NSMutableArray", "NSArray"]).key("NS.objects", [plain("a")]),
     "unknown": row("NSArray", plain("a"), own("Nobody", name=plain("x"))),
 }

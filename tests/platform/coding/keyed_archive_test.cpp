@@ -133,6 +133,8 @@ std::vector<Sample> samplesBothWays() {
       {"identifier", make<NSUUID>(UUID(id))},
       {"link", NSURL::URLWithString(makeString("https://havrin.example/a?b=%20#c"))},
       {"relative_link", make<NSURL>(*page)},
+      {"unchecked_link", make<NSURL>(URL::fromUncheckedText("no link at all"))},
+      {"unchecked_relative_link", make<NSURL>(URL::fromUncheckedText("no link at all", *page))},
       {"attributed", make<NSAttributedString>(makeString("on air"), sized(9))},
       {"attributed_runs",
        attributed(std::string(300, 'x'), {{sized(9), 1}, {sized(10), 200}, {makeDictionary({}), 99}})},
@@ -151,7 +153,6 @@ std::vector<Sample> samplesReadOnly() {
       {"ordered_set_of_objects", makeOrderedSet({makeString("b"), makeString("a")})},
       {"attributed_again", attributed("abcde", {{sized(9), 1}, {sized(12), 1}, {sized(9), 3}})},
       {"attributed_bare", make<NSAttributedString>(makeString("bare"))},
-      {"unchecked_link", make<NSURL>(URL::fromUncheckedText("no link at all"))},
       {"hinted", once->mutableCopy()},
   };
 }
