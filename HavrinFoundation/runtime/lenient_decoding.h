@@ -23,10 +23,12 @@
 
 namespace havrin {
 
-/// Decodes from any value, null included, and reads nothing of it: the step past an element that did not decode.
+namespace library_detail {
+// Decodes from any value, null included, and reads nothing of it: the step past an element that did not decode.
 struct EmptyDecodable {
   static Decoded<EmptyDecodable> fromDecoder(Decoder&) { return EmptyDecodable(); }
 };
+}  // namespace library_detail
 
 /// An element that was skipped: its position, the path of the value that failed, and why it failed.
 struct SkippedElement {
@@ -84,7 +86,7 @@ Decoded<std::vector<T>> tryDecodeSkippingInvalidElements(UnkeyedDecodingContaine
       const DecodingError reason = element.error();
       report(SkippedElement{container.currentIndex(), reason.path(), reason});
     }
-    if (auto step = container.template tryDecode<EmptyDecodable>(); !step) {
+    if (auto step = container.template tryDecode<library_detail::EmptyDecodable>(); !step) {
       elements.fail(std::move(step.failure()));
       break;
     }

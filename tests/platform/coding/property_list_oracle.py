@@ -26,8 +26,8 @@ VALUES = {
         "CFBundleIdentifier": "com.havrin.radio",
         "CFBundleShortVersionString": "2024.10.0",
         "CFBundleVersion": "612345",
-        "UIDeviceFamily": [1, 2],
-        "LSRequiresIPhoneOS": True,
+        "StudioFloors": [1, 2],
+        "IsOnAir": True,
     },
 }
 # XML has no element for them: they are dictionaries there.

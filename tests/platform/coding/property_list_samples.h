@@ -62,8 +62,8 @@ inline std::vector<std::pair<std::string, List>> all() {
       {"info", dictionary({{"CFBundleIdentifier", List("com.havrin.radio")},
                            {"CFBundleShortVersionString", List("2024.10.0")},
                            {"CFBundleVersion", List("612345")},
-                           {"UIDeviceFamily", array(1, 2)},
-                           {"LSRequiresIPhoneOS", List(true)}})},
+                           {"StudioFloors", array(1, 2)},
+                           {"IsOnAir", List(true)}})},
       {"uids", array(List::UID{0}, List::UID{255}, List::UID{256}, List::UID{65536}, List::UID{4294967296})},
   };
 }
