@@ -15,6 +15,28 @@ struct ByKey {
   bool operator()(const Entry& first, const Entry& second) const noexcept { return first.key < second.key; }
 };
 
+// Releasing a tree nests up to this many containers; what lies deeper is put on a list, which the frame at this depth
+// releases.
+constexpr std::size_t kNestedReleases = 32;
+constinit thread_local std::size_t releaseDepth = 0;
+constinit thread_local std::vector<std::shared_ptr<const void>>* deferredReleases = nullptr;
+
+void release(std::shared_ptr<const void> container) noexcept {
+  if (releaseDepth == kNestedReleases) return deferredReleases->push_back(std::move(container));
+  if (++releaseDepth < kNestedReleases) {
+    container.reset();
+  } else {
+    std::vector<std::shared_ptr<const void>> deferred{std::move(container)};
+    deferredReleases = &deferred;
+    while (!deferred.empty()) {
+      container = std::move(deferred.back());
+      deferred.pop_back();
+      container.reset();
+    }
+  }
+  --releaseDepth;
+}
+
 }  // namespace
 
 PropertyList::PropertyList(Dictionary value) : value_(std::make_shared<const Dictionary>(std::move(value))) {}
@@ -22,12 +44,14 @@ PropertyList::PropertyList(Dictionary value) : value_(std::make_shared<const Dic
 // Out of line: ten alternatives make much code at every place where a value is moved.
 PropertyList::PropertyList(const PropertyList& other) = default;
 PropertyList::PropertyList(PropertyList&& other) noexcept : value_(std::exchange(other.value_, Value())) {}
-PropertyList& PropertyList::operator=(const PropertyList& other) = default;
-PropertyList& PropertyList::operator=(PropertyList&& other) noexcept {
-  value_ = std::exchange(other.value_, Value());
+PropertyList& PropertyList::operator=(PropertyList other) noexcept {
+  value_.swap(other.value_);
   return *this;
 }
-PropertyList::~PropertyList() = default;
+PropertyList::~PropertyList() {
+  if (auto* const elements = std::get_if<Shared<Array>>(&value_)) release(std::move(*elements));
+  if (auto* const entries = std::get_if<Shared<Dictionary>>(&value_)) release(std::move(*entries));
+}
 
 PropertyList::Kind PropertyList::kind() const noexcept {
   if (std::holds_alternative<std::uint64_t>(value_)) return Kind::integer;
@@ -46,18 +70,29 @@ const PropertyList* PropertyList::valueForKey(std::string_view key) const noexce
   return entries ? entries->find(key) : nullptr;
 }
 
-bool PropertyList::isEqual(const PropertyList& other) const noexcept {
-  if (value_.index() != other.value_.index()) return false;
-  return std::visit(
-      [&other]<class T>(const T& value) {
-        const T& same = *std::get_if<T>(&other.value_);
-        if constexpr (requires { value.get(); }) {
-          return value == same || *value == *same;
-        } else {
-          return value == same;
-        }
-      },
-      value_);
+bool PropertyList::isEqual(const PropertyList& other) const {
+  std::vector<std::pair<const PropertyList*, const PropertyList*>> pairs{{this, &other}};
+  while (!pairs.empty()) {
+    const auto [mine, theirs] = pairs.back();
+    pairs.pop_back();
+    if (mine->value_ == theirs->value_) continue;  // containers only where they are shared
+    if (mine->value_.index() != theirs->value_.index()) return false;
+    if (const auto* const text = mine->text(); text && *text == *theirs->text()) continue;
+    if (const auto* const bytes = mine->data(); bytes && *bytes == *theirs->data()) continue;
+    if (const auto* const elements = mine->array(); elements && elements->size() == theirs->array()->size()) {
+      for (std::size_t i = 0; i < elements->size(); ++i) pairs.emplace_back(&(*elements)[i], &(*theirs->array())[i]);
+      continue;
+    }
+    const auto* const entries = mine->dictionary();
+    if (!entries || entries->entries().size() != theirs->dictionary()->entries().size()) return false;
+    for (std::size_t i = 0; i < entries->entries().size(); ++i) {
+      const auto& [key, value] = entries->entries()[i];
+      const auto& their = theirs->dictionary()->entries()[i];
+      if (key != their.key) return false;
+      pairs.emplace_back(&value, &their.value);
+    }
+  }
+  return true;
 }
 
 PropertyList::Dictionary::Dictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {

@@ -34,7 +34,7 @@
 namespace havrin::inline platform {
 
 /// One value and all that it holds. Copies share what they hold; nothing is changed in place.
-/// Cost: releasing and comparing use stack in proportion to the depth, which is bounded in what was read.
+/// Cost: releasing and comparing use constant stack, however deep the value is.
 /// Threads: a tree may be read from several threads at a time.
 class HAVRIN_EXPORT PropertyList {
  public:
@@ -72,8 +72,7 @@ class HAVRIN_EXPORT PropertyList {
   /// What was moved from is the boolean false.
   PropertyList(const PropertyList& other);
   PropertyList(PropertyList&& other) noexcept;
-  PropertyList& operator=(const PropertyList& other);
-  PropertyList& operator=(PropertyList&& other) noexcept;
+  PropertyList& operator=(PropertyList other) noexcept;
   ~PropertyList();
 
   [[nodiscard]] Kind kind() const noexcept;
@@ -96,7 +95,7 @@ class HAVRIN_EXPORT PropertyList {
   [[nodiscard]] const PropertyList* valueForKey(std::string_view key) const noexcept;
 
   /// Kind by kind and part by part; 1, 1.0 and true differ.
-  [[nodiscard]] friend bool operator==(const PropertyList& first, const PropertyList& second) noexcept {
+  [[nodiscard]] friend bool operator==(const PropertyList& first, const PropertyList& second) {
     return first.isEqual(second);
   }
 
@@ -123,7 +122,7 @@ class HAVRIN_EXPORT PropertyList {
     return value ? value->get() : nullptr;
   }
 
-  [[nodiscard]] bool isEqual(const PropertyList& other) const noexcept;
+  [[nodiscard]] bool isEqual(const PropertyList& other) const;
 
   Value value_;
 };

@@ -9,6 +9,7 @@
 #include <HavrinFoundation/platform/foundation/array_buffer.h>
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/collection_hash.h>
+#include <HavrinFoundation/platform/foundation/collection_nesting.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -166,6 +167,8 @@ bool NSArray::isEqual(const NSObject* other) const {
   if (this == other) return true;
   const NSArray* array = cast<NSArray>(other);
   if (!array || array->count() != count()) return false;
+  const CollectionDepth depth;
+  if (depth.isTooDeep()) return equalCollections(*this, *array);
   const auto hold = held(this);
   const Strong<NSArray> theirs = array->snapshot();
   if (theirs->length_ != count()) return false;
@@ -189,6 +192,8 @@ std::uint64_t NSArray::hash() const {
 }
 
 Strong<NSString> NSArray::description() const {
+  const CollectionDepth depth;
+  if (depth.isTooDeep()) return makeString("(...)");
   const auto hold = held(this);
   std::string text = "(";
   visit([&](NSObject* element, std::uint64_t index) {

@@ -83,7 +83,7 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   /// From the count and the first sixteen objects, of which collections count for nothing.
   [[nodiscard]] std::uint64_t hash() const override;
-  /// "(Nord, Sud)".
+  /// "(Nord, Sud)". What is nested deeper than 64 collections is "..." in brackets.
   [[nodiscard]] Strong<NSString> description() const override;
   /// The array itself; of a mutable array or a subclass, an immutable array with its present objects.
   [[nodiscard]] Strong<NSObject> copy() const override;

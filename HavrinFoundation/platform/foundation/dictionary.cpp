@@ -4,6 +4,7 @@
 
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/collection_hash.h>
+#include <HavrinFoundation/platform/foundation/collection_nesting.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -101,6 +102,8 @@ bool NSDictionary::isEqual(const NSObject* other) const {
   if (this == other) return true;
   const auto* dictionary = cast<NSDictionary>(other);
   if (!dictionary || dictionary->count() != count()) return false;
+  const CollectionDepth depth;
+  if (depth.isTooDeep()) return equalCollections(*this, *dictionary);
   bool same = true;
   forEach([&](NSObject* key, NSObject* value) {
     const Strong<NSObject> theirs = dictionary->objectForKey(key);
@@ -119,6 +122,8 @@ std::uint64_t NSDictionary::hash() const {
 }
 
 Strong<NSString> NSDictionary::description() const {
+  const CollectionDepth depth;
+  if (depth.isTooDeep()) return makeString("{...}");
   std::string text = "{";
   forEach([&](NSObject* key, NSObject* value) {
     if (text.size() > 1) text += "; ";

@@ -58,7 +58,7 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
   [[nodiscard]] std::uint64_t hash() const override;
   /// The entry under `key`; null for none.
   [[nodiscard]] Strong<NSObject> valueForKey(NSString* key) const override;
-  /// "{key = value; key = value}".
+  /// "{key = value; key = value}". What is nested deeper than 64 collections is "..." in brackets.
   [[nodiscard]] Strong<NSString> description() const override;
   /// The dictionary itself.
   [[nodiscard]] Strong<NSObject> copy() const override;

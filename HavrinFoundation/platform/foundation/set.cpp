@@ -5,6 +5,7 @@
 
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/collection_hash.h>
+#include <HavrinFoundation/platform/foundation/collection_nesting.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 
 namespace havrin::inline platform {
@@ -83,6 +84,8 @@ bool NSSet::isEqual(const NSObject* other) const {
   if (this == other) return true;
   const auto* set = cast<NSSet>(other);
   if (!set || set->count() != count()) return false;
+  const CollectionDepth depth;
+  if (depth.isTooDeep()) return equalCollections(*this, *set);
   for (NSObject* object : each(this)) {
     if (!set->containsObject(object)) return false;
   }
@@ -96,6 +99,8 @@ std::uint64_t NSSet::hash() const {
 }
 
 Strong<NSString> NSSet::description() const {
+  const CollectionDepth depth;
+  if (depth.isTooDeep()) return makeString("{...}");
   std::string text = "{";
   for (NSObject* object : each(this)) {
     if (text.size() > 1) text += ", ";

@@ -60,7 +60,7 @@ class HAVRIN_EXPORT NSSet : public Object<NSSet, NSObject>, public NSFastEnumera
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   /// From the elements, of which collections count for nothing. Cost: linear.
   [[nodiscard]] std::uint64_t hash() const override;
-  /// "{jazz, news}".
+  /// "{jazz, news}". What is nested deeper than 64 collections is "..." in brackets.
   [[nodiscard]] Strong<NSString> description() const override;
   [[nodiscard]] Strong<NSObject> copy() const override;
   [[nodiscard]] Strong<NSObject> mutableCopy() const override;

@@ -160,6 +160,17 @@ TEST(PropertyList, BoundsTheNestingOfXml) {
   EXPECT_FALSE(nested(1'000'000));
 }
 
+TEST(PropertyList, IsComparedAndReleasedInBoundedStack) {
+  const auto nested = [](int innermost) {
+    List list(innermost);
+    for (int i = 0; i < 100'000; ++i) list = samples::array(1, samples::dictionary({{"a", list}}));
+    return list;
+  };
+  const List deep = nested(1);
+  EXPECT_EQ(deep, nested(1));
+  EXPECT_NE(deep, nested(2));
+}
+
 TEST(PropertyList, SharesWhatIsSharedAndWritesItOnce) {
   const List inner = samples::array(std::string(1000, 'x'), 1);
   List doubled = inner;

@@ -1,0 +1,79 @@
+#include <HavrinFoundation/platform/foundation/ordered_set.h>
+#include <HavrinFoundation/platform/foundation/set.h>
+
+#include <functional>
+
+#include "../../objects.h"
+
+using namespace havrin;
+
+namespace {
+
+constexpr int kDeep = 100'000;
+
+Strong<NSObject> nested(NSObject* innermost, const std::function<Strong<NSObject>(NSObject*)>& wrap,
+                        int depth = kDeep) {
+  Strong<NSObject> object(innermost);
+  for (int i = 0; i < depth; ++i) object = wrap(object);
+  return object;
+}
+
+TEST(CollectionNesting, ComparesHashesAndDescribesInBoundedStack) {
+  const auto one = makeNumber(1);
+  const struct {
+    const char* why;
+    std::function<Strong<NSObject>(NSObject*)> wrap;
+  } rows[] = {
+      {"arrays", [](NSObject* inner) { return makeArray({inner}); }},
+      {"an array of two",
+       [](NSObject* inner) {
+         return makeArray({makeArray({}), inner, makeString("x")});
+       }},
+      {"ordered sets", [](NSObject* inner) { return makeOrderedSet({inner}); }},
+      {"dictionaries",
+       [](NSObject* inner) {
+         return makeDictionary({{makeString("a"), inner}});
+       }},
+      {"keys",
+       [&one](NSObject* inner) {
+         return makeDictionary({{inner, one}, {makeString("a"), one}});
+       }},
+      {"sets",
+       [](NSObject* inner) {
+         return makeSet({makeString("x"), inner});
+       }},
+      {"members of one hash",
+       [](NSObject* inner) {
+         return makeSet({makeArray({inner}), makeArray({makeArray({})})});
+       }},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto first = nested(makeString("end"), row.wrap);
+    const auto same = nested(make<NSMutableString>("end"), row.wrap);
+    EXPECT_TRUE(first->isEqual(same));
+    EXPECT_EQ(first->hash(), same->hash());
+    EXPECT_FALSE(first->isEqual(nested(makeString("other"), row.wrap)));
+    EXPECT_FALSE(first->isEqual(nested(makeString("end"), row.wrap, kDeep - 1)));
+    const std::string description = utf8(*first->description());
+    EXPECT_LT(description.size(), 4'000u);
+    EXPECT_NE(description.find("..."), std::string::npos);
+    EXPECT_EQ(utf8(*nested(makeString("end"), row.wrap, 20)->description()).find("..."), std::string::npos);
+  }
+}
+
+TEST(CollectionNesting, ComparesArraysThatHoldThemselves) {
+  const auto cycle = [](NSObject* element) {
+    auto array = make<NSMutableArray>();
+    array->addObject(makeArray({array, element}));
+    return array;
+  };
+  const auto first = cycle(makeNumber(1));
+  const auto same = cycle(makeNumber(1));
+  const auto other = cycle(makeNumber(2));
+  EXPECT_TRUE(first->isEqual(same));
+  EXPECT_FALSE(first->isEqual(other));
+  for (const auto& array : {first, same, other}) array->removeAllObjects();
+}
+
+}  // namespace
