@@ -9,7 +9,7 @@
 #pragma once
 
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/object/message.h>
 
 namespace havrin::inline platform {

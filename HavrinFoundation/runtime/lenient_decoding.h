@@ -12,7 +12,7 @@
 // decoding does: throwing, and with `try` giving a Decoded, for a type's own `fromDecoder`.
 #pragma once
 
-#include <HavrinFoundation/platform/coding/decoding.h>
+#include <HavrinFoundation/platform/decoding/decoding.h>
 
 #include <algorithm>
 #include <concepts>

@@ -1,6 +1,6 @@
 // Lenient decoding beside other ways to read an array of objects of which some are bad. Every reader keeps the good
 // elements and skips the bad ones; sizes are elements, the last part of a case is the share of bad ones in percent.
-#include <HavrinFoundation/platform/coding/json_decoder.h>
+#include <HavrinFoundation/platform/decoding/json_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
 #include <benchmark/benchmark.h>
 #include <simdjson.h>

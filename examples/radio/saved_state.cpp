@@ -6,9 +6,9 @@
 
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/platform/application/process_info.h>
-#include <HavrinFoundation/platform/coding/coder.h>
-#include <HavrinFoundation/platform/coding/keyed_archiver.h>
-#include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/archives/coder.h>
+#include <HavrinFoundation/platform/archives/keyed_archiver.h>
+#include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/error.h>

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include <HavrinFoundation/platform/coding/decoding.h>
+#include <HavrinFoundation/platform/decoding/decoding.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/interface/ui_color.h>
 #include <HavrinFoundation/platform/object/members.h>

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <system_error>
 
-#include <HavrinFoundation/platform/coding/json_decoder.h>
+#include <HavrinFoundation/platform/decoding/json_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
 
 #include "station.h"

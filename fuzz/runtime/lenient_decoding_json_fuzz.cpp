@@ -1,6 +1,6 @@
 // JSON under lenient decoding, against a plain reading of the same text: both take the same documents, and keep the same
 // elements of every array in them, as every type.
-#include <HavrinFoundation/platform/coding/json_decoder.h>
+#include <HavrinFoundation/platform/decoding/json_decoder.h>
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 // Property lists under lenient decoding, against a walk over the same tree: every array in it keeps the same elements, as
 // every type.
-#include <HavrinFoundation/platform/coding/property_list_decoder.h>
+#include <HavrinFoundation/platform/decoding/property_list_decoder.h>
 
 #include <cstddef>
 #include <cstdint>

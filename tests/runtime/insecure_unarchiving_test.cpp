@@ -1,6 +1,6 @@
 #include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
 
-#include <HavrinFoundation/platform/coding/keyed_archiver.h>
+#include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 

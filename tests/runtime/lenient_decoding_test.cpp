@@ -1,8 +1,8 @@
-#include <HavrinFoundation/platform/coding/json_decoder.h>
-#include <HavrinFoundation/platform/coding/property_list_decoder.h>
+#include <HavrinFoundation/platform/decoding/json_decoder.h>
+#include <HavrinFoundation/platform/decoding/property_list_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
 
-#include "../platform/coding/value_decoder.h"
+#include "../platform/decoding/value_decoder.h"
 #include "../testing.h"
 
 namespace {

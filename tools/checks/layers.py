@@ -14,13 +14,17 @@ ROOMS = ("frame", "observation", "collections", "runtime", "text", "dates", "col
 
 # The layer's folders, from the lowest: a folder includes itself and those before it. The first row is the floor of plain
 # values, the second that of objects.
-VALUES = ("base", "unicode", "crypto", "graphics", "time", "net")
-OBJECTS = ("object", "foundation", "observing", "dispatch", "coding", "application", "log", "interface")
+VALUES = ("base", "unicode", "crypto", "graphics", "time", "net", "documents", "decoding")
+OBJECTS = ("object", "foundation", "observing", "dispatch", "archives", "application", "log", "interface")
 ORDER = {folder: height for height, folder in enumerate(VALUES + OBJECTS)}
 
 # What a folder's .cpp files may include besides: the arrow back is in no header.
 PLATFORM_SOURCES = {
     "object": {"foundation"},  # an object describes itself by a string
+<<<<<<< HEAD
+=======
+    "foundation": {"documents", "archives"},  # a bundle reads its Info.plist
+>>>>>>> e9bf70d (coding: Split into documents, decoding and archives)
 }
 
 # Facilities that build on another room's facility, or on another of their own room.
@@ -64,8 +68,8 @@ THIRD_PARTY = {
     "unicode/": {"unicode", "time"},
     "cctz/": {"time"},
     "openssl/": {"crypto"},
-    "simdjson.h": {"coding"},
-    "expat.h": {"coding"},
+    "simdjson.h": {"documents"},
+    "expat.h": {"documents"},
 }
 
 # The system's headers. The rooms go through the layer.

@@ -1,8 +1,8 @@
 #include <HavrinFoundation/platform/application/bundle.h>
 
+#include <HavrinFoundation/platform/archives/property_list_objects.h>
 #include <HavrinFoundation/platform/base/file_bytes.h>
-#include <HavrinFoundation/platform/coding/property_list.h>
-#include <HavrinFoundation/platform/coding/property_list_objects.h>
+#include <HavrinFoundation/platform/documents/property_list.h>
 
 #include <filesystem>
 #include <mutex>

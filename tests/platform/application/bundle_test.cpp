@@ -1,6 +1,6 @@
 #include <HavrinFoundation/platform/application/bundle.h>
 
-#include <HavrinFoundation/platform/coding/property_list.h>
+#include <HavrinFoundation/platform/documents/property_list.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/testkit/main_bundle.h>

@@ -1,0 +1,101 @@
+#include <HavrinFoundation/platform/archives/archive_reader.h>
+
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/ordered_set.h>
+
+#include <utility>
+
+// Which classes may come while secure coding is required. Objects are made once and may be asked for again when other
+// classes may come.
+
+namespace havrin::inline platform {
+
+// While it lives, these classes may come.
+class ArchiveReader::Allowing {
+ public:
+  Allowing(ArchiveReader& reader, const AllowedClasses& allowed)
+      : reader_(reader),
+        number_(std::exchange(reader.allowedNumber_, reader.numberOf(allowed))),
+        allowed_(std::exchange(reader.allowed_, allowed)) {}
+  Allowing(const Allowing&) = delete;
+  Allowing& operator=(const Allowing&) = delete;
+  ~Allowing() {
+    reader_.allowed_ = allowed_;
+    reader_.allowedNumber_ = number_;
+  }
+
+ private:
+  ArchiveReader& reader_;
+  std::uint8_t number_;
+  AllowedClasses allowed_;
+};
+
+NSObject* ArchiveReader::objectOfClasses(std::string_view key, const AllowedClasses& allowed) {
+  if (!coder_.requiresSecureCoding()) return object(key);
+  const Allowing allowing(*this, allowed);
+  return object(key);
+}
+
+bool ArchiveReader::permits(const ClassObject* cls) {
+  if (!coder_.requiresSecureCoding()) return true;
+  if (!allowed_.permits(cls)) {
+    fail("an object of class " + quoted(cls->name()) + ", which is not among the classes asked for");
+  } else if (!cls->adopts(protocolOf<NSSecureCoding>())) {
+    fail("an object of class " + quoted(cls->name()) + ", which does not adopt NSSecureCoding");
+  }
+  return !hasFailed();
+}
+
+// The classes that may come, as a number: slots remember them.
+std::uint8_t ArchiveReader::numberOf(const AllowedClasses& allowed) {
+  for (std::size_t i = 0; i < allowedBefore_.size(); ++i) {
+    const AllowedClasses& before = allowedBefore_[i];
+    if (before.cls != allowed.cls || before.layersOwn != allowed.layersOwn) continue;
+    if (before.classes ? before.classes->isEqual(allowed.classes) : !allowed.classes)
+      return static_cast<std::uint8_t>(i);
+  }
+  if (allowedBefore_.size() == kOthers) return kOthers;
+  AllowedClasses kept = allowed;
+  if (allowed.classes) kept.classes = allowedSets_.emplace_back(cast<NSSet>(allowed.classes->copy())).get();
+  allowedBefore_.push_back(kept);
+  return static_cast<std::uint8_t>(allowedBefore_.size() - 1);
+}
+
+bool ArchiveReader::permitsAgain(const Slot& slot) {
+  if (!coder_.requiresSecureCoding() || !slot.object) return true;
+  if (!permits(dispatchClass(slot.object)->shown())) return false;
+  if (slot.extent.height == 0 || (slot.allowed == allowedNumber_ && slot.allowed != kOthers)) return true;
+  return permitsParts(slot.object, 0);
+}
+
+bool ArchiveReader::permitsParts(NSObject* object, std::size_t depth) {
+  const auto all = [this, depth](const NSFastEnumeration* parts) {
+    for (NSObject* const part : each(parts)) {
+      if (!chargeWork(1) || !permits(dispatchClass(part)->shown()) || !permitsParts(part, depth + 1)) return false;
+    }
+    return true;
+  };
+  if (depth > NSKeyedUnarchiver::kDeepestNesting) return isWithinBounds("objects nest too deep");
+  if (const NSArray* const array = cast<NSArray>(object)) return all(array);
+  if (const NSSet* const set = cast<NSSet>(object)) return all(set);
+  if (const NSOrderedSet* const set = cast<NSOrderedSet>(object)) return all(set);
+  if (const NSAttributedString* const text = cast<NSAttributedString>(object)) return permitsAttributes(*text, depth);
+  const NSDictionary* const dictionary = cast<NSDictionary>(object);
+  return !dictionary || (all(dictionary->allKeys()) && all(dictionary->allValues()));
+}
+
+// Attributes are read with the layer's own classes allowed, too.
+bool ArchiveReader::permitsAttributes(const NSAttributedString& text, std::size_t depth) {
+  const Allowing allowing(*this, allowedAndLayersOwn());
+  for (std::uint64_t at = 0; at < text.length();) {
+    const NSAttributedString::Run run = text.attributesAtIndex(at);
+    if (!chargeWork(1) || !permitsParts(run.attributes, depth + 1)) return false;
+    at = run.range.location + run.range.length;
+  }
+  return true;
+}
+
+}  // namespace havrin::inline platform

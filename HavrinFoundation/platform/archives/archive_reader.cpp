@@ -1,0 +1,313 @@
+#include <HavrinFoundation/platform/archives/archive_reader.h>
+
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+using Kind = BinaryObject::Kind;
+
+// What the smallest archive may stand for, and what each of its bytes may.
+constexpr std::uint64_t kSmallestRoom = std::uint64_t{16} << 20;
+constexpr std::uint64_t kRoomPerByte = 32;
+constexpr std::uint64_t kObjectSize = 64;  // about what an object takes, whatever it holds
+
+}  // namespace
+
+// While it lives, the values of one object are read. An object that is not made then is as if it had not been touched.
+class ArchiveReader::Nested {
+ public:
+  Nested(ArchiveReader& reader, std::uint64_t uid, const BinaryObject& values)
+      : reader_(reader),
+        frame_{.values = values, .uid = uid, .extent = {}},
+        outer_(std::exchange(reader.frame_, &frame_)) {
+    ++reader_.depth_;
+  }
+  Nested(const Nested&) = delete;
+  Nested& operator=(const Nested&) = delete;
+  ~Nested() {
+    Slot& slot = reader_.slots_[frame_.uid];
+    if (slot.state != Slot::State::made) slot = Slot();
+    reader_.frame_ = outer_;
+    --reader_.depth_;
+  }
+
+ private:
+  ArchiveReader& reader_;
+  Frame frame_;
+  Frame* outer_;
+};
+
+ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArchive> archive)
+    : coder_(coder),
+      archive_(std::move(archive)),
+      slots_(archive_->count()),
+      room_(std::max(kSmallestRoom, kRoomPerByte * archive_->size())),
+      work_(archivedWork(archive_->size())) {}
+
+// Failures.
+
+std::string ArchiveReader::quoted(std::string_view name) {
+  constexpr std::size_t kLongest = 80;
+  const bool isLong = name.size() > kLongest;
+  return '"' + std::string(name.substr(0, kLongest)) + (isLong ? "...\"" : "\"");
+}
+
+void ArchiveReader::fail(std::string_view reason) {
+  if (hasFailed()) return;
+  std::string text = frame_->uid == 0 ? "at the top: " : "object " + std::to_string(frame_->uid) + ": ";
+  coder_.failWithError(makeCodingError(NSCoderReadCorruptError, text += reason));
+}
+
+void ArchiveReader::failWithValue(std::string_view key, std::string_view wanted) {
+  fail("the value under " + quoted(key) + " is no " + std::string(wanted));
+}
+
+bool ArchiveReader::charge(std::uint64_t bytes) {
+  if (bytes <= room_) {
+    room_ -= bytes;
+    return true;
+  }
+  room_ = 0;
+  fail("the objects stand for more than an archive of this size should hold");
+  return false;
+}
+
+bool ArchiveReader::chargeWork(std::uint64_t parts) {
+  if (parts <= work_) {
+    work_ -= parts;
+    return true;
+  }
+  work_ = 0;
+  fail("telling the objects apart takes more than an archive of this size should need");
+  return false;
+}
+
+bool ArchiveReader::isWithinBounds(std::string_view tooMuch) {
+  if (tooMuch.empty()) return true;
+  fail(tooMuch);
+  return false;
+}
+
+// Values.
+
+bool ArchiveReader::contains(std::string_view key) {
+  if (hasFailed() || !archive_->find(frame_->values, key, frame_->next)) return false;
+  --frame_->next;  // the value is asked for next
+  return true;
+}
+
+std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
+  if (hasFailed()) return std::nullopt;
+  const auto number = archive_->find(frame_->values, key, frame_->next);
+  if (!number) return std::nullopt;
+  const auto object = archive_->list().object(*number);
+  if (!object) {
+    fail("the value under " + quoted(key) + " cannot be read: " + object.error().description());
+    return std::nullopt;
+  }
+  if (!charge(object->encodedSize())) return std::nullopt;
+  const bool isText = object->isText();
+  const bool isData = object->kind() == Kind::data;
+  if (isText && !addExtent(ArchivedExtent::ofText(object->count()).expansion)) return std::nullopt;
+  if (isData && !addExtent(ArchivedExtent::ofData(object->count()).expansion)) return std::nullopt;
+  return *object;
+}
+
+std::optional<BinaryObject> ArchiveReader::value(std::string_view key, Kind kind) {
+  const auto found = value(key);
+  if (!found || found->kind() == kind) return found;
+  constexpr std::string_view kNames[] = {"boolean", "integer", "integer", "real",  "date",      "reference",
+                                         "data",    "text",    "text",    "array", "dictionary"};
+  failWithValue(key, kNames[static_cast<std::size_t>(kind)]);
+  return std::nullopt;
+}
+
+NSObject* ArchiveReader::object(std::string_view key) {
+  if (hasFailed()) return nullptr;
+  const auto number = archive_->find(frame_->values, key, frame_->next);
+  if (!number) return nullptr;
+  const auto uid = archive_->list().uid(*number);
+  if (uid) return objectWithUid(*uid);
+  failWithValue(key, "reference to an object");
+  return nullptr;
+}
+
+// Objects.
+
+NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
+  if (uid == 0 || hasFailed()) return nullptr;
+  if (uid >= slots_.size()) {
+    fail("a reference to object " + std::to_string(uid) + ", which is not there");
+    return nullptr;
+  }
+  Slot& slot = slots_[uid];
+  switch (slot.state) {
+    case Slot::State::unread:
+      if (!makeObject(uid)) return nullptr;
+      break;
+    case Slot::State::open:
+      fail("object " + std::to_string(uid) + " holds itself");
+      return nullptr;
+    case Slot::State::classRecord:
+      fail("a class stands where an object should");
+      return nullptr;
+    case Slot::State::openToItself:
+    case Slot::State::made:
+      if (!permitsAgain(slot)) return nullptr;
+      break;
+  }
+  if (frame_->isBounded && !isWithinBounds(frame_->extent.add(slot.extent))) return nullptr;
+  return slot.object;
+}
+
+bool ArchiveReader::makeObject(std::uint64_t uid) {
+  const auto object = archive_->object(uid);
+  if (!object) {
+    fail("object " + std::to_string(uid) + " cannot be read: " + object.error().description());
+    return false;
+  }
+  if (!charge(kObjectSize + object->encodedSize())) return false;
+  if (object->kind() == Kind::dictionary) return makeInstance(uid, *object);
+  Slot& slot = slots_[uid];
+  slot.object = makePlain(*object);
+  if (!slot.object) return false;
+  if (object->isText()) slot.extent = ArchivedExtent::ofText(object->count());
+  if (object->kind() == Kind::data) slot.extent = ArchivedExtent::ofData(object->count());
+  slot.state = Slot::State::made;
+  return true;
+}
+
+// Strings, numbers and data stand in the archive as they are.
+Strong<NSObject> ArchiveReader::makePlain(const BinaryObject& object) {
+  switch (object.kind()) {
+    case Kind::asciiText:
+      return permits(classObject<NSString>()) ? makeString(object.asciiText()) : nullptr;
+    case Kind::utf16Text:
+      return permits(classObject<NSString>()) ? makeString(object.utf16Text()) : nullptr;
+    case Kind::data:
+      return permits(classObject<NSData>()) ? makeData(object.data()) : nullptr;
+    case Kind::date:
+      return permits(classObject<NSDate>()) ? make<NSDate>(object.date()) : nullptr;
+    case Kind::uid:
+    case Kind::array:
+    case Kind::dictionary:
+      fail("a reference or an array stands where an object should");
+      return nullptr;
+    default:
+      break;
+  }
+  if (!permits(classObject<NSNumber>())) return nullptr;
+  if (object.kind() == Kind::boolean) return makeNumber(object.boolean());
+  if (object.kind() == Kind::real) return makeNumber(object.real());
+  return object.kind() == Kind::integer ? makeNumber(object.integer()) : makeNumber(object.unsignedInteger());
+}
+
+bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) {
+  if (depth_ == NSKeyedUnarchiver::kDeepestNesting) {
+    fail("objects nest too deep");
+    return false;
+  }
+  const Nested nested(*this, uid, values);
+  // Objects of one class have their keys in one order: the search begins where it ended for the last one.
+  const auto classNumber = archive_->find(values, "$class", nextClassKey_);
+  nextClassKey_ = nextClassKey_ == 0 ? 0 : nextClassKey_ - 1;
+  const auto classUid = classNumber ? archive_->list().uid(*classNumber) : std::nullopt;
+  const ArchivedClassEntry* const found = classUid ? classEntry(*classUid) : nullptr;
+  if (!found) {
+    fail("it has no class");
+    return false;
+  }
+  const ArchivedClassEntry entry = *found;
+  if (!permits(entry.cls)) return false;
+
+  Slot& slot = slots_[uid];
+  slot.state = Slot::State::open;
+  frame_->isBounded = entry.form != nullptr;
+  Strong<NSObject> made = entry.form ? entry.form->decode(*this) : makeOwn(slot, entry);
+  if (hasFailed() || (entry.form && !made)) {
+    fail("it cannot be made");
+    return false;
+  }
+  slot.object = std::move(made);
+  slot.extent = frame_->extent;
+  slot.allowed = allowedNumber_;
+  slot.state = Slot::State::made;
+  return true;
+}
+
+Strong<NSObject> ArchiveReader::makeOwn(Slot& slot, const ArchivedClassEntry& entry) {
+  const auto awakes = [](ClassObject* cls) { return cls->row(selector<"awakeAfterUsingCoder:">) != nullptr; };
+  try {
+    slot.object = alloc(Class(entry.cls));
+  } catch (const NSException& exception) {
+    fail(exception.reason());
+    return nullptr;
+  }
+  slot.state = Slot::State::openToItself;
+  Strong<NSObject> made = send<"initWithCoder:">(slot.object, &coder_);
+  if (!made) return nullptr;
+  ClassObject* const cls = dispatchClass(made);
+  if (cls == entry.cls ? entry.awakes : awakes(cls)) made = send<"awakeAfterUsingCoder:">(made, &coder_);
+  const ClassObject* const shown = made ? dispatchClass(made)->shown() : entry.cls;
+  return shown == entry.cls || permits(shown) ? made : nullptr;
+}
+
+// Classes.
+
+const ArchiveReader::ArchivedClassEntry* ArchiveReader::classEntry(std::uint64_t uid) {
+  if (uid >= slots_.size()) return nullptr;
+  Slot& slot = slots_[uid];
+  if (slot.state == Slot::State::classRecord) return &classes_[slot.extent.expansion];
+  if (slot.state != Slot::State::unread) return nullptr;
+  const auto record = archive_->object(uid);
+  if (!record || record->kind() != Kind::dictionary) return nullptr;
+  if (!charge(kObjectSize + record->encodedSize())) return nullptr;
+  const auto entry = resolve(*record);
+  if (!entry) return nullptr;
+  slot.state = Slot::State::classRecord;
+  slot.extent.expansion = static_cast<std::uint32_t>(classes_.size());
+  return &classes_.emplace_back(*entry);
+}
+
+std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const BinaryObject& record) {
+  std::uint64_t from = 0;
+  const auto number = archive_->find(record, "$classname", from);
+  const auto name = number ? archive_->list().object(*number) : PropertyListError{};
+  if (!name || !name->isText()) {
+    fail("the record of its class has no name");
+    return std::nullopt;
+  }
+  if (!charge(name->encodedSize())) return std::nullopt;
+  auto entry = entryForName(name->text());
+  const auto hints = entry ? std::nullopt : archive_->member(record, "$classhints", Kind::array);
+  for (std::uint64_t i = 0; hints && !entry && i < hints->count(); ++i) {
+    const auto hint = archive_->list().object(hints->element(i));
+    if (!hint || !hint->isText() || !charge(kObjectSize + hint->encodedSize())) break;
+    entry = entryForName(hint->text());
+  }
+  if (!entry) {
+    fail("no class " + quoted(name->text()) + " is known to archives");
+    return std::nullopt;
+  }
+  const std::string_view refusal = entry->form ? std::string_view() : readingRefusal(*entry->cls);
+  if (refusal.empty()) return entry;
+  fail("the class " + quoted(name->text()) + ' ' + std::string(refusal));
+  return std::nullopt;
+}
+
+std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::entryForName(std::string_view name) {
+  ClassObject* const cls = NSKeyedUnarchiver::classForName(name).object();
+  if (!cls) return std::nullopt;
+  return ArchivedClassEntry{cls, archivedFormForClass(cls), cls->row(selector<"awakeAfterUsingCoder:">) != nullptr};
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,105 @@
+#include <HavrinFoundation/platform/archives/archive_reader.h>
+
+#include <charconv>
+
+// The rows of objects that collections are made of. What a collection does with a row bounds how long it may be.
+
+namespace havrin::inline platform {
+namespace {
+
+using Kind = BinaryObject::Kind;
+
+// About what an element takes in an array, and what a member or a key does.
+constexpr std::uint64_t kElementSize = 8;
+constexpr std::uint64_t kMemberSize = 40;
+constexpr std::uint64_t kPartSize = 32;  // of a key that is copied
+
+}  // namespace
+
+bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought) {
+  const auto uid = archive_->list().uid(number);
+  if (!uid) {
+    fail("a value is no reference to an object");
+    return false;
+  }
+  NSObject* const object = objectWithUid(*uid);
+  if (!object) {
+    if (!hasFailed()) fail("a collection holds null");
+    return false;
+  }
+  row.push_back(object);
+  if (use == Use::inOrder) return true;
+  const std::uint64_t work = slots_[*uid].extent.expansion;
+  if (!chargeWork(work) || (use == Use::keys && !charge(kPartSize * work))) return false;
+  sought.push_back({object->hash(), work});
+  return true;
+}
+
+bool ArchiveReader::objects(std::string_view key, Use use, Objects& row) {
+  const auto array = value(key, Kind::array);
+  if (!array) {
+    fail("there is no array under \"" + std::string(key) + '"');
+    return false;
+  }
+  const std::uint64_t count = array->count();
+  if (!charge(count * (use == Use::inOrder ? kElementSize : kMemberSize))) return false;
+  row.reserve(row.size() + count);
+  std::vector<SoughtObject> sought;
+  if (use != Use::inOrder) sought.reserve(count);
+  for (std::uint64_t i = 0; i < count; ++i) {
+    if (!add(array->element(i), use, row, sought)) return false;
+  }
+  return chargeSearch(sought);
+}
+
+// The keys stand in any order: one walk puts each in its place.
+bool ArchiveReader::numberedObjects(std::string_view prefix, Objects& row) {
+  constexpr std::uint64_t kMissing = ~std::uint64_t{0};
+  const BinaryObject& values = frame_->values;
+  std::vector<std::uint64_t> numbers(values.count(), kMissing);
+  std::uint64_t found = 0;
+  for (std::uint64_t i = 0; i < values.count(); ++i) {
+    const auto key = archive_->list().object(values.key(i));
+    if (key && !chargeWork(ArchivedExtent::ofText(key->count()).expansion)) return false;
+    if (!key || key->kind() != Kind::asciiText || !key->asciiText().starts_with(prefix)) continue;
+    const std::string_view digits = key->asciiText().substr(prefix.size());
+    std::uint64_t index = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), index);
+    if (error != std::errc() || end != digits.data() + digits.size() || index >= numbers.size()) continue;
+    found += numbers[index] == kMissing;
+    numbers[index] = values.value(i);
+  }
+  if (!charge(found * kMemberSize)) return false;
+  std::vector<SoughtObject> sought;
+  for (std::uint64_t i = 0; i < found; ++i) {
+    if (numbers[i] == kMissing) {
+      fail("a number is missing among the keys that begin with \"" + std::string(prefix) + '"');
+      return false;
+    }
+    if (!add(numbers[i], Use::members, row, sought)) return false;
+  }
+  return chargeSearch(sought);
+}
+
+bool ArchiveReader::chargeSearch(std::vector<SoughtObject>& sought) {
+  const std::uint64_t work = searchWork(sought);
+  return chargeWork(work) && addExtent(work);
+}
+
+std::vector<ArchiveReader::Part> ArchiveReader::partsOf(std::string_view key) {
+  const auto number = archive_->find(frame_->values, key, frame_->next);
+  const auto uid = number ? archive_->list().uid(*number) : std::nullopt;
+  const auto values = uid ? archive_->object(*uid) : PropertyListError{};
+  if (!values || values->kind() != Kind::dictionary) return {};
+  const auto array = archive_->member(*values, "NS.objects", Kind::array);
+  std::vector<Part> parts;
+  if (!array || !charge(array->count() * sizeof(Part))) return {};
+  for (std::uint64_t i = 0; i < array->count(); ++i) {
+    const auto part = archive_->list().uid(array->element(i));
+    if (!part || *part >= slots_.size() || slots_[*part].state != Slot::State::made) return {};
+    parts.push_back({slots_[*part].object, slots_[*part].extent.expansion});
+  }
+  return parts;
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,17 @@
+// How attributed strings stand in an archive; archived_forms.cpp tells the form. Internal to archives/.
+#pragma once
+
+#include <HavrinFoundation/platform/object/reference.h>
+
+namespace havrin::inline platform {
+
+class ArchiveReader;
+class ArchiveWriter;
+class NSObject;
+
+/// See ArchivedForm. C is NSAttributedString or NSMutableAttributedString.
+template <class C>
+[[nodiscard]] Strong<NSObject> decodeAttributedString(ArchiveReader& reader);
+void encodeAttributedString(const NSObject& object, ArchiveWriter& writer);
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,116 @@
+#include <HavrinFoundation/platform/archives/archived_classes.h>
+
+#include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/set.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+#include <shared_mutex>
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+// The classes that programs have named. Never destroyed: threads may read archives until the process ends.
+struct NamedClasses {
+  struct Named {
+    Class cls;
+    std::uint64_t order;  // of two names of a class the one with the lower is written
+  };
+  std::shared_mutex lock;
+  std::map<std::string, Named, std::less<>> byName;
+  std::uint64_t count = 0;
+
+  static NamedClasses& shared() {
+    static NamedClasses* const kNamed = new NamedClasses;
+    return *kNamed;
+  }
+};
+
+}  // namespace
+
+void NSKeyedUnarchiver::setClass(Class cls, std::string_view name) {
+  if (name.empty())
+    throw NSException(NSInvalidArgumentException, "+[NSKeyedUnarchiver setClass:forClassName:]: no name");
+  NamedClasses& named = NamedClasses::shared();
+  const std::unique_lock guard(named.lock);
+  const auto found = named.byName.find(name);
+  if (found != named.byName.end() && found->second.cls == cls) return;
+  if (found != named.byName.end()) named.byName.erase(found);
+  if (cls) named.byName.emplace(name, NamedClasses::Named{cls, ++named.count});
+}
+
+Class NSKeyedUnarchiver::classForName(std::string_view name) {
+  NamedClasses& named = NamedClasses::shared();
+  {
+    const std::shared_lock guard(named.lock);
+    if (const auto found = named.byName.find(name); found != named.byName.end()) return found->second.cls;
+  }
+  const ArchivedForm* const form = archivedFormForName(name);
+  return form ? Class(form->cls()) : Class();
+}
+
+std::optional<std::string> archivedNameForClass(Class cls) {
+  NamedClasses& named = NamedClasses::shared();
+  const std::shared_lock guard(named.lock);
+  const std::pair<const std::string, NamedClasses::Named>* first = nullptr;
+  for (const auto& entry : named.byName) {
+    if (entry.second.cls == cls && (!first || entry.second.order < first->second.order)) first = &entry;
+  }
+  return first ? std::optional(first->first) : std::nullopt;
+}
+
+std::string_view readingRefusal(const ClassObject& cls) {
+  if (!cls.adopts(protocolOf<NSCoding>())) return "does not adopt NSCoding";
+  return cls.row(selector<"initWithCoder:">) ? "" : "does not answer initWithCoder:";
+}
+
+bool AllowedClasses::permits(const ClassObject* given) const {
+  if (cls && given->inheritsFrom(cls.object())) return true;
+  if (layersOwn && archivedFormForClass(given)) return true;
+  if (!classes) return false;
+  for (NSObject* one : each(classes)) {
+    const Class allowed = Class::from(one);
+    if (allowed && given->inheritsFrom(allowed.object())) return true;
+  }
+  return false;
+}
+
+std::string_view ArchivedExtent::add(const ArchivedExtent& part) noexcept {
+  height = std::max<std::uint16_t>(height, static_cast<std::uint16_t>(part.height + 1));
+  if (height > NSKeyedUnarchiver::kDeepestNesting) return "objects nest too deep";
+  return add(part.expansion);
+}
+
+std::string_view ArchivedExtent::add(std::uint64_t work) noexcept {
+  if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) return "shared parts that stand for too much";
+  expansion += static_cast<std::uint32_t>(work);
+  return {};
+}
+
+ArchivedExtent ArchivedExtent::ofText(std::uint64_t units) noexcept {
+  return {.expansion = static_cast<std::uint32_t>(std::min(1 + units / 8, NSKeyedUnarchiver::kLargestExpansion))};
+}
+
+ArchivedExtent ArchivedExtent::ofData(std::uint64_t bytes) noexcept { return ofText(bytes / 32); }
+
+std::uint64_t searchWork(std::span<SoughtObject> sought) {
+  std::ranges::sort(sought, {}, &SoughtObject::hash);
+  std::uint64_t all = 0;
+  for (std::size_t from = 0, to = 0; from < sought.size(); from = to) {
+    std::uint64_t work = 0;
+    for (; to < sought.size() && sought[to].hash == sought[from].hash; ++to) work += sought[to].work;
+    all += std::min((to - from - 1) * work, 2 * NSKeyedUnarchiver::kLargestExpansion);
+  }
+  return all;
+}
+
+std::uint64_t archivedWork(std::uint64_t size) noexcept {
+  constexpr std::uint64_t kWorkPerByte = 8;
+  return std::max(NSKeyedUnarchiver::kLargestExpansion, kWorkPerByte * size);
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,74 @@
+// Which classes archives know, by which names, and how the layer's own stand in an archive. Internal to archives/.
+#pragma once
+
+#include <HavrinFoundation/platform/object/class.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace havrin::inline platform {
+
+class ArchiveReader;
+class ArchiveWriter;
+class NSSet;
+
+/// The form of one of the layer's classes: what is written of an object, and made of what was written.
+struct ArchivedForm {
+  std::string_view name;
+  ClassObject* (*cls)();
+  /// Makes the object whose values `reader` stands at. Null when: it could not; the reader knows why.
+  Strong<NSObject> (*decode)(ArchiveReader& reader);
+  /// Adds the values of `object`, which is of the class, to what `writer` stands at.
+  void (*encode)(const NSObject& object, ArchiveWriter& writer);
+};
+
+/// Null when: the layer has no such class.
+[[nodiscard]] const ArchivedForm* archivedFormForName(std::string_view name);
+[[nodiscard]] const ArchivedForm* archivedFormForClass(const ClassObject* cls);
+
+/// The name under which archives know a class of the application: the first that it still has. Empty when: they do not.
+/// Cost: linear in the classes that have been named.
+[[nodiscard]] std::optional<std::string> archivedNameForClass(Class cls);
+
+/// Why objects of a class of the application cannot be read, to be said after its name. Empty when: they can.
+[[nodiscard]] std::string_view readingRefusal(const ClassObject& cls);
+
+/// The classes that may come while secure coding is required: one, a set of them, all that are the layer's own.
+struct AllowedClasses {
+  Class cls;
+  const NSSet* classes = nullptr;
+  bool layersOwn = false;
+
+  [[nodiscard]] bool permits(const ClassObject* given) const;
+};
+
+/// How much an object holds, itself counted: what bounds the walks over it (hashing, comparing, describing).
+struct ArchivedExtent {
+  // The parts, and parts of parts, shared ones each time; of a set and of keys each once more for every other one of its
+  // hash, with which it is compared. 8 units of text are a part, and 256 bytes of data.
+  std::uint32_t expansion = 1;
+  std::uint16_t height = 0;  // how deep they nest
+
+  /// Adds a part, or so much work. Result: what is too much of it now; empty when nothing is.
+  [[nodiscard]] std::string_view add(const ArchivedExtent& part) noexcept;
+  [[nodiscard]] std::string_view add(std::uint64_t work) noexcept;
+  [[nodiscard]] static ArchivedExtent ofText(std::uint64_t units) noexcept;
+  [[nodiscard]] static ArchivedExtent ofData(std::uint64_t bytes) noexcept;
+};
+
+/// A member of a set, or a key.
+struct SoughtObject {
+  std::uint64_t hash;
+  std::uint64_t work;  // its expansion
+};
+/// What telling the objects of a row apart takes: each is compared with those of its hash, again whenever the collection
+/// is compared with another. Sorts the row.
+[[nodiscard]] std::uint64_t searchWork(std::span<SoughtObject> sought);
+
+/// How much work, in parts that are hashed or compared, an archive of `size` bytes may ask for.
+[[nodiscard]] std::uint64_t archivedWork(std::uint64_t size) noexcept;
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,73 @@
+#include <HavrinFoundation/platform/archives/keyed_archive.h>
+
+#include <utility>
+
+namespace havrin::inline platform {
+
+using Kind = BinaryObject::Kind;
+
+KeyedArchive::KeyedArchive(Strong<NSData> data) : data_(std::move(data)) {}
+
+KeyedArchive::Opened KeyedArchive::open(NSData& data) {
+  const Strong<NSObject> copy = data.copy();  // mutable data may change meanwhile
+  std::unique_ptr<KeyedArchive> archive(new KeyedArchive(static_cast<NSData*>(copy.get())));
+  if (const std::string error = archive->readList(); !error.empty()) return {nullptr, "no property list: " + error};
+  if (const std::string error = archive->findParts(); !error.empty()) return {nullptr, "no keyed archive: " + error};
+  return {std::move(archive), {}};
+}
+
+// Both answer why not; empty when nothing is wrong.
+std::string KeyedArchive::readList() {
+  std::span<const std::byte> bytes = data_->bytes();
+  if (!isBinaryPropertyList(bytes)) {
+    const auto tree = readPropertyList(bytes);
+    if (!tree) return tree.error().description();
+    bytes = converted_ = binaryPropertyList(*tree);
+  }
+  const auto list = BinaryPropertyList::fromData(bytes);
+  if (!list) return list.error().description();
+  list_ = *list;
+  return {};
+}
+
+std::string KeyedArchive::findParts() {
+  const auto root = list_.object(list_.topObject());
+  if (!root) return root.error().description();
+  if (root->kind() != Kind::dictionary) return "the property list is no dictionary";
+  const auto archiver = member(*root, "$archiver", Kind::asciiText);
+  const auto version = member(*root, "$version", Kind::integer);
+  const auto objects = member(*root, "$objects", Kind::array);
+  const auto top = member(*root, "$top", Kind::dictionary);
+  constexpr std::int64_t kVersion = 100000;
+  if (!archiver || archiver->asciiText() != "NSKeyedArchiver") return "\"$archiver\" is not \"NSKeyedArchiver\"";
+  if (!version || version->integer() != kVersion) return "\"$version\" is not 100000";
+  if (!objects) return "\"$objects\" is no array";
+  if (!top) return "\"$top\" is no dictionary";
+  objects_ = *objects;
+  top_ = *top;
+  return {};
+}
+
+std::optional<std::uint64_t> KeyedArchive::find(const BinaryObject& dictionary, std::string_view key,
+                                                std::uint64_t& from) const {
+  const std::uint64_t count = dictionary.count();
+  for (std::uint64_t step = 0, at = from; step < count; ++step, ++at) {
+    if (at >= count) at = 0;
+    if (!list_.isText(dictionary.key(at), key)) continue;
+    from = at + 1;
+    return dictionary.value(at);
+  }
+  return std::nullopt;
+}
+
+std::optional<BinaryObject> KeyedArchive::member(const BinaryObject& dictionary, std::string_view key,
+                                                 Kind kind) const {
+  std::uint64_t from = 0;
+  const auto number = find(dictionary, key, from);
+  if (!number) return std::nullopt;
+  const auto object = list_.object(*number);
+  if (!object || object->kind() != kind) return std::nullopt;
+  return *object;
+}
+
+}  // namespace havrin::inline platform

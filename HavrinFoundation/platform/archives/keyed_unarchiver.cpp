@@ -1,0 +1,122 @@
+#include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
+
+#include <HavrinFoundation/platform/archives/archive_reader.h>
+#include <HavrinFoundation/platform/archives/archived_keys.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/set.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
+#include <utility>
+
+namespace havrin::inline platform {
+namespace {
+
+using Kind = BinaryObject::Kind;
+
+Strong<NSObject> unarchived(const AllowedClasses& allowed, NSData* data, Strong<NSError>* error) {
+  const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(data, error);
+  if (!unarchiver) return nullptr;
+  Strong<NSObject> root = allowed.classes
+                              ? unarchiver->decodeObjectOfClasses(allowed.classes, NSKeyedArchiveRootObjectKey)
+                              : unarchiver->decodeObjectOfClass(allowed.cls, NSKeyedArchiveRootObjectKey);
+  if (!root && error) {
+    *error = unarchiver->hasFailed() ? unarchiver->error()
+                                     : makeCodingError(NSCoderValueNotFoundError, "there is no object at the root");
+  }
+  return root;
+}
+
+}  // namespace
+
+NSKeyedUnarchiver::NSKeyedUnarchiver() = default;
+
+NSKeyedUnarchiver::~NSKeyedUnarchiver() = default;
+
+Strong<NSKeyedUnarchiver> NSKeyedUnarchiver::initForReadingFromData(NSData* data, Strong<NSError>* error) {
+  KeyedArchive::Opened opened;
+  if (reader_ && reader_->isInside()) {
+    opened.error = "an archive is being read";
+  } else {
+    reader_.reset();
+    if (data) {
+      opened = KeyedArchive::open(*data);
+    } else {
+      opened.error = "no keyed archive: there is no data";
+    }
+  }
+  if (opened.archive) {
+    reader_ = std::make_unique<ArchiveReader>(*this, std::move(opened.archive));
+    return Strong<NSKeyedUnarchiver>(this);
+  }
+  if (error) *error = makeCodingError(NSCoderReadCorruptError, opened.error);
+  return nullptr;
+}
+
+Strong<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClass(Class cls, NSData* data, Strong<NSError>* error) {
+  return unarchived({.cls = cls}, data, error);
+}
+
+Strong<NSObject> NSKeyedUnarchiver::unarchivedObjectOfClasses(const NSSet* classes, NSData* data,
+                                                              Strong<NSError>* error) {
+  return unarchived({.cls = nullptr, .classes = classes}, data, error);
+}
+
+void NSKeyedUnarchiver::setRequiresSecureCoding(bool required) { requiresSecureCoding_ = required; }
+
+void NSKeyedUnarchiver::setDecodingFailurePolicy(NSDecodingFailurePolicy policy) { policy_ = policy; }
+
+bool NSKeyedUnarchiver::containsValueForKey(std::string_view key) {
+  return reader_ && reader_->contains(ArchivedKey(key));
+}
+
+Strong<NSObject> NSKeyedUnarchiver::decodeObjectForKey(std::string_view key) {
+  if (reader_ && requiresSecureCoding()) {
+    reader_->fail("decodeObjectForKey: names no class, and secure coding is required");
+    return nullptr;
+  }
+  return decode(nullptr, nullptr, key);
+}
+
+Strong<NSObject> NSKeyedUnarchiver::decodeObjectOfClass(Class cls, std::string_view key) {
+  return decode(cls, nullptr, key);
+}
+
+Strong<NSObject> NSKeyedUnarchiver::decodeObjectOfClasses(const NSSet* classes, std::string_view key) {
+  return decode(nullptr, classes, key);
+}
+
+// What an application does while its objects are made may let go of the unarchiver, or of the set.
+Strong<NSObject> NSKeyedUnarchiver::decode(Class cls, const NSSet* classes, std::string_view key) {
+  if (!reader_) return nullptr;
+  const Strong<NSKeyedUnarchiver> held(reader_->isInside() ? nullptr : this);
+  const Strong<NSSet> heldClasses(const_cast<NSSet*>(classes));
+  return reader_->objectOfClasses(ArchivedKey(key), {.cls = cls, .classes = classes});
+}
+
+bool NSKeyedUnarchiver::decodeBoolForKey(std::string_view key) {
+  const auto value = reader_ ? reader_->value(ArchivedKey(key), Kind::boolean) : std::nullopt;
+  return value && value->boolean();
+}
+
+std::int64_t NSKeyedUnarchiver::decodeIntegerForKey(std::string_view key) {
+  const auto value = reader_ ? reader_->value(ArchivedKey(key), Kind::integer) : std::nullopt;
+  return value ? value->integer() : 0;
+}
+
+double NSKeyedUnarchiver::decodeDoubleForKey(std::string_view key) {
+  const auto value = reader_ ? reader_->value(ArchivedKey(key), Kind::real) : std::nullopt;
+  return value ? value->real() : 0;
+}
+
+std::span<const std::byte> NSKeyedUnarchiver::decodeBytesForKey(std::string_view key) {
+  const auto value = reader_ ? reader_->value(ArchivedKey(key), Kind::data) : std::nullopt;
+  return value ? value->data() : std::span<const std::byte>();
+}
+
+void NSKeyedUnarchiver::finishDecoding() {
+  if (reader_ && reader_->isInside()) return reader_->fail("decoding is finished while an object is being read");
+  reader_.reset();
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,75 @@
+#include <HavrinFoundation/platform/archives/property_list_objects.h>
+
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/data.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+
+#include <unordered_map>
+
+namespace havrin::inline platform {
+namespace {
+
+class Maker {
+ public:
+  Strong<NSObject> make(const PropertyList& list) {
+    using Kind = PropertyList::Kind;
+    switch (list.kind()) {
+      case Kind::boolean:
+        return makeNumber(*list.boolean());
+      case Kind::integer:
+        return list.integer() ? makeNumber(*list.integer()) : makeNumber(*list.unsignedInteger());
+      case Kind::real:
+        return makeNumber(*list.real());
+      case Kind::text:
+        return makeString(*list.text());
+      case Kind::array:
+        return shared(list.array());
+      case Kind::dictionary:
+        return shared(list.dictionary());
+      case Kind::data:
+        return shared(list.data());
+      case Kind::date:
+        return havrin::make<NSDate>(*list.date());
+      case Kind::uid:
+        break;
+    }
+    return nullptr;
+  }
+
+ private:
+  template <class Part>
+  Strong<NSObject> shared(const Part* part) {
+    const auto [found, isNew] = made_.try_emplace(part);
+    if (!isNew) return found->second;
+    Strong<NSObject> object = makePart(*part);
+    made_[part] = object;  // not through `found`, which more entries may have moved
+    return object;
+  }
+
+  Strong<NSObject> makePart(const PropertyList::Data& bytes) { return makeData(bytes); }
+
+  Strong<NSObject> makePart(const PropertyList::Array& list) {
+    const auto array = havrin::make<NSMutableArray>();
+    for (const PropertyList& element : list) {
+      if (const auto object = make(element)) array->addObject(object);
+    }
+    return array->copy();
+  }
+
+  Strong<NSObject> makePart(const PropertyList::Dictionary& list) {
+    const auto dictionary = havrin::make<NSMutableDictionary>();
+    for (const auto& [key, value] : list.entries()) dictionary->set(makeString(key), make(value));
+    return dictionary->copy();
+  }
+
+  std::unordered_map<const void*, Strong<NSObject>> made_;
+};
+
+}  // namespace
+
+Strong<NSObject> objectOf(const PropertyList& list) { return Maker().make(list); }
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,225 @@
+// The values of an object, under keys of the caller's. Comes with decoding.h.
+//
+//   auto container = decoder.container();
+//   auto name = container.decode<std::string>("name");
+//   auto song = container.decodeIfPresent<std::string>("song");        empty when absent or null
+//   auto plays = container.nestedUnkeyedContainer("plays");
+#pragma once
+
+#include <HavrinFoundation/platform/decoding/decoder.h>
+#include <HavrinFoundation/platform/decoding/unkeyed_decoding_container.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace havrin::inline platform {
+
+namespace detail {
+
+// A keyed container with texts for keys: what all key types share. Errors have a path that begins inside this object.
+class HAVRIN_EXPORT KeyedContainerCore {
+ public:
+  KeyedContainerCore(SourceBox<KeyedSource> source, Place place)
+      : source_(std::move(source)), place_(std::move(place)) {}
+  // The object that `decoder` stands on, opened in place; `opened` tells whether there is one.
+  explicit KeyedContainerCore(const Decoder& decoder)
+      : source_(decoder.source().keyed()), place_(decoder.place()), errorDetail_(decoder.errorDetail()) {}
+
+  [[nodiscard]] SourceBox<KeyedSource>& opened() { return source_; }
+  [[nodiscard]] ErrorDetail errorDetail() const { return errorDetail_; }
+
+  [[nodiscard]] const CodingStep* step() const { return place_.step; }
+  [[nodiscard]] std::vector<std::string> allKeys() const { return source_->allKeys(); }
+  [[nodiscard]] Decoded<bool> contains(std::string_view key) const;
+  [[nodiscard]] Decoded<bool> decodeNil(std::string_view key) const;
+  [[nodiscard]] Decoded<KeyedContainerCore> nestedContainer(std::string_view key) const;
+  [[nodiscard]] Decoded<UnkeyedDecodingContainer> nestedUnkeyedContainer(std::string_view key) const;
+  [[nodiscard]] Decoded<Decoder> superDecoder(std::string_view key) const;
+
+  template <class T>
+  [[nodiscard]] Decoded<T> decode(std::string_view key) const;
+  template <class T>
+  [[nodiscard]] Decoded<std::optional<T>> decodeIfPresent(std::string_view key) const;
+  // Decodes into `scalar`; the error, or nothing.
+  template <DecodableScalar T>
+  [[nodiscard]] ErrorHolder readInto(std::string_view key, T& scalar) const {
+    ScalarTarget target(scalar, errorDetail_);
+    if (!read(key, target)) return DecodingError::keyNotFound(key).holder();
+    return std::move(target.failure());
+  }
+
+ private:
+  // Hands the value under `key` to `target`. False when: there is no such key.
+  [[nodiscard]] bool read(std::string_view key, ScalarTarget& target) const;
+  // What `use` gives for a decoder of the value under `key`; what `absent` gives when there is no such key.
+  template <class T, class Use, class Absent>
+  [[nodiscard]] Decoded<T> withDecoder(std::string_view key, Use&& use, Absent&& absent) const;
+
+  SourceBox<KeyedSource> source_;
+  Place place_;
+  ErrorDetail errorDetail_ = ErrorDetail::full;
+};
+
+}  // namespace detail
+
+/// The values of an object. A key may be decoded any number of times, in any order; keys that nobody asks for are
+/// ignored. A missing key is keyNotFound; null is valueNotFound unless T is an optional.
+template <CodingKeyType Key = std::string_view>
+class KeyedDecodingContainer {
+ public:
+  explicit KeyedDecodingContainer(detail::KeyedContainerCore core) : core_(std::move(core)) {}
+
+  [[nodiscard]] CodingPath codingPath() const { return detail::pathOf(core_.step()); }
+
+  /// The keys of the object as texts.
+  [[nodiscard]] std::vector<std::string> allKeys() const requires std::convertible_to<Key, std::string_view> {
+    return core_.allKeys();
+  }
+  /// Those keys of the object that are keys of this type.
+  [[nodiscard]] std::vector<Key> allKeys() const
+      requires(CodingKeyFromText<Key> && !std::convertible_to<Key, std::string_view>) {
+    std::vector<Key> keys;
+    for (const std::string& text : core_.allKeys()) {
+      if (const auto key = fromStringValue(std::type_identity<Key>{}, text)) keys.push_back(*key);
+    }
+    return keys;
+  }
+
+  [[nodiscard]] bool contains(const Key& key) const { return orThrow(core_.contains(stringValue(key))); }
+
+  /// Whether null stands under `key`. Throws: keyNotFound.
+  [[nodiscard]] bool decodeNil(const Key& key) const { return orThrow(core_.decodeNil(stringValue(key))); }
+
+  template <class T>
+  [[nodiscard]] T decode(const Key& key) const {
+    return orThrow(tryDecode<T>(key));
+  }
+  template <class T>
+  [[nodiscard]] Decoded<T> tryDecode(const Key& key) const {
+    return core_.template decode<T>(stringValue(key));
+  }
+
+  /// The value under `key`. Empty when: there is no such key, or null stands there.
+  template <class T>
+  [[nodiscard]] std::optional<T> decodeIfPresent(const Key& key) const {
+    return orThrow(tryDecodeIfPresent<T>(key));
+  }
+  template <class T>
+  [[nodiscard]] Decoded<std::optional<T>> tryDecodeIfPresent(const Key& key) const {
+    return core_.template decodeIfPresent<T>(stringValue(key));
+  }
+
+  /// The object under `key`. Throws: keyNotFound; valueNotFound for null; typeMismatch.
+  template <CodingKeyType NestedKey = std::string_view>
+  [[nodiscard]] KeyedDecodingContainer<NestedKey> nestedContainer(const Key& key) const {
+    return orThrow(tryNestedContainer<NestedKey>(key));
+  }
+  template <CodingKeyType NestedKey = std::string_view>
+  [[nodiscard]] Decoded<KeyedDecodingContainer<NestedKey>> tryNestedContainer(const Key& key) const {
+    auto core = core_.nestedContainer(stringValue(key));
+    if (!core) return std::move(core.failure());
+    return KeyedDecodingContainer<NestedKey>(*std::move(core));
+  }
+
+  /// The array under `key`, at its first element. Throws: keyNotFound; valueNotFound for null; typeMismatch.
+  [[nodiscard]] UnkeyedDecodingContainer nestedUnkeyedContainer(const Key& key) const {
+    return orThrow(tryNestedUnkeyedContainer(key));
+  }
+  [[nodiscard]] Decoded<UnkeyedDecodingContainer> tryNestedUnkeyedContainer(const Key& key) const {
+    return core_.nestedUnkeyedContainer(stringValue(key));
+  }
+
+  /// A decoder of the value under `key`, by default "super"; of null when there is none.
+  [[nodiscard]] Decoder superDecoder() const { return orThrow(core_.superDecoder("super")); }
+  [[nodiscard]] Decoder superDecoder(const Key& key) const { return orThrow(core_.superDecoder(stringValue(key))); }
+
+ private:
+  template <class T>
+  [[nodiscard]] T orThrow(Decoded<T>&& outcome) const {
+    return detail::valueOrThrow(std::move(outcome), core_.step());
+  }
+
+  detail::KeyedContainerCore core_;
+};
+
+namespace detail {
+
+template <class T, class Use, class Absent>
+Decoded<T> KeyedContainerCore::withDecoder(std::string_view key, Use&& use, Absent&& absent) const {
+  bool isMissing = false;
+  Decoded<T> outcome = captured([&]() -> Decoded<T> {
+    const CodingStep step{place_.step, key, -1, place_.step->userInfo};
+    Decoder decoder(step, errorDetail_, [&] { return source_->find(key); });
+    if (decoder.opened()) return use(decoder);
+    if (decoder.opened().failure()) return std::move(decoder.opened().failure());
+    isMissing = true;
+    return absent();
+  });
+  if (!outcome && !isMissing) outcome.failure().prepend(key);
+  return outcome;
+}
+
+inline bool KeyedContainerCore::read(std::string_view key, ScalarTarget& target) const {
+  bool isThere = true;
+  try {
+    isThere = source_->read(key, target);
+  } catch (...) {
+    target.fail(ErrorHolder::fromCurrentException());
+  }
+  if (target.failure()) target.failure().prepend(key);
+  return isThere;
+}
+
+template <class T>
+Decoded<T> KeyedContainerCore::decode(std::string_view key) const {
+  if constexpr (DecodableScalar<T>) {
+    Decoded<T> scalar(std::in_place);
+    if (auto failure = readInto(key, *scalar)) scalar.fail(std::move(failure));
+    return scalar;
+  } else {
+    return withDecoder<T>(key, decodeValue<T>, [&]() -> Decoded<T> { return DecodingError::keyNotFound(key); });
+  }
+}
+
+template <class T>
+Decoded<std::optional<T>> KeyedContainerCore::decodeIfPresent(std::string_view key) const {
+  using Result = std::optional<T>;
+  if constexpr (DecodableScalar<T>) {
+    T scalar{};
+    bool isNull = false;
+    ScalarTarget target(scalar, isNull, errorDetail_);
+    const bool isThere = read(key, target);
+    if (target.failure()) return std::move(target.failure());
+    return isThere && !isNull ? Result(std::move(scalar)) : Result();
+  } else {
+    return withDecoder<Result>(key, decodeValue<Result>, []() -> Decoded<Result> { return Result(); });
+  }
+}
+
+}  // namespace detail
+
+template <CodingKeyType Key>
+Decoded<KeyedDecodingContainer<Key>> Decoder::tryContainer() const {
+  return detail::captured([this]() -> Decoded<KeyedDecodingContainer<Key>> {
+    detail::KeyedContainerCore core(*this);
+    if (!core.opened()) return std::move(core.opened().failure());
+    return KeyedDecodingContainer<Key>(std::move(core));
+  });
+}
+
+template <CodingKeyType Key>
+Decoded<KeyedDecodingContainer<Key>> UnkeyedDecodingContainer::tryNestedContainer() {
+  auto core = nestedCore();
+  if (!core) return std::move(core.failure());
+  return KeyedDecodingContainer<Key>(*std::move(core));
+}
+
+template <CodingKeyType Key>
+KeyedDecodingContainer<Key> Decoder::container() const {
+  return detail::valueOrThrow(tryContainer<Key>(), place_.step);
+}
+
+}  // namespace havrin::inline platform

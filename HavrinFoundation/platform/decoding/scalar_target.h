@@ -1,0 +1,126 @@
+// Where one scalar goes while it is decoded: a boolean, an integer of some width, a floating-point number or a text of
+// the caller's. A decoder says what stands in its data; the target takes it or says why it does not fit. So the rules
+// below hold for every format and are written once.
+//
+//   std::int8_t level = 0;
+//   ScalarTarget target(level);
+//   target.putNumberText("1e2")      level is 100
+//   target.putNumberText("300")      dataCorrupted: expected an 8-bit integer, found the number 300
+//   target.putText("7")              typeMismatch: expected an 8-bit integer, found the string "7"
+//
+// Rules: an integer takes any number with a whole value in its range, also one written with a fraction or an exponent
+// (`34.0`, `1e2`, `-0`) as long as its magnitude stays below 2^53; a floating-point number takes any number in its
+// range; a number is no boolean, a boolean no number, and a text neither. Null is a value only to a nullable target.
+#pragma once
+
+#include <HavrinFoundation/platform/documents/decoding_error.h>
+#include <HavrinFoundation/platform/export.h>
+
+#include <concepts>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+namespace havrin::inline platform {
+
+namespace detail {
+template <class T>
+inline constexpr bool kIsCharacter = std::same_as<T, char> || std::same_as<T, wchar_t> || std::same_as<T, char8_t> ||
+                                     std::same_as<T, char16_t> || std::same_as<T, char32_t>;
+}  // namespace detail
+
+/// The types that a single step decodes: bool, integers of 8 to 64 bits, float, double and std::string.
+template <class T>
+concept DecodableScalar = std::same_as<T, std::string> || std::same_as<T, float> || std::same_as<T, double> ||
+    (std::integral<T> && sizeof(T) <= 8 && !detail::kIsCharacter<T>);
+
+/// A typed reference to a scalar of the caller's, to be filled once. Each `put` stores the value, or leaves the scalar as
+/// it is and keeps the error.
+class HAVRIN_EXPORT ScalarTarget {
+ public:
+  enum class Type : std::uint8_t {
+    boolean,
+    int8,
+    int16,
+    int32,
+    int64,
+    uint8,
+    uint16,
+    uint32,
+    uint64,
+    float32,
+    float64,
+    text
+  };
+
+  template <DecodableScalar T>
+  explicit ScalarTarget(T& scalar, ErrorDetail detail = ErrorDetail::full)
+      : scalar_(&scalar), type_(typeOf<T>()), detail_(detail) {}
+  /// A nullable target: null sets `isNull` and leaves the scalar alone.
+  template <DecodableScalar T>
+  ScalarTarget(T& scalar, bool& isNull, ErrorDetail detail = ErrorDetail::full)
+      : scalar_(&scalar), isNull_(&isNull), type_(typeOf<T>()), detail_(detail) {}
+  ScalarTarget(const ScalarTarget&) = delete;
+  ScalarTarget& operator=(const ScalarTarget&) = delete;
+
+  [[nodiscard]] Type type() const { return type_; }
+  /// What the target wants, in words: "an unsigned 16-bit integer".
+  [[nodiscard]] std::string_view expected() const;
+
+  void putNull();
+  void putBoolean(bool value) {
+    if (type_ != Type::boolean) return refuse(Found::boolean, value ? "true" : "false");
+    std::memcpy(scalar_, &value, sizeof value);
+  }
+  void putInteger(std::int64_t value);
+  void putInteger(std::uint64_t value);
+  void putReal(double value);
+  /// Takes a number as JSON writes it (RFC 8259, section 6); `text` must have that form.
+  void putNumberText(std::string_view text);
+  void putText(std::string_view value) {
+    if (type_ != Type::text) return refuse(Found::string, value);
+    static_cast<std::string*>(scalar_)->assign(value);
+  }
+  /// Takes nothing: what stands there (an object, an array, a date) is no scalar that a target can hold.
+  void refuse(Found found, std::string_view excerpt = {});
+  /// Takes nothing: the value cannot be had, for a reason of the format's.
+  void fail(detail::ErrorHolder failure) { failure_ = std::move(failure); }
+  void fail(DecodingError error) { failure_ = std::move(error).holder(); }
+
+  /// The error, or nothing.
+  [[nodiscard]] detail::ErrorHolder& failure() { return failure_; }
+
+ private:
+  template <class T>
+  static constexpr Type typeOf() {
+    if constexpr (std::same_as<T, std::string>)
+      return Type::text;
+    else if constexpr (std::same_as<T, bool>)
+      return Type::boolean;
+    else if constexpr (std::same_as<T, float>)
+      return Type::float32;
+    else if constexpr (std::same_as<T, double>)
+      return Type::float64;
+    else {
+      constexpr int width = sizeof(T) == 1 ? 0 : sizeof(T) == 2 ? 1 : sizeof(T) == 4 ? 2 : 3;
+      return static_cast<Type>(width + static_cast<int>(std::signed_integral<T> ? Type::int8 : Type::uint8));
+    }
+  }
+  [[nodiscard]] bool isInteger() const { return type_ >= Type::int8 && type_ <= Type::uint64; }
+  [[nodiscard]] bool isReal() const { return type_ == Type::float32 || type_ == Type::float64; }
+  [[nodiscard]] bool storeInteger(bool isNegative, std::uint64_t magnitude);
+  [[nodiscard]] bool storeReal(double value);
+  void putRealText(std::string_view text);
+  void refuseNumber(std::string_view number);
+
+  void* scalar_;
+  bool* isNull_ = nullptr;
+  detail::ErrorHolder failure_;
+  Type type_;
+  ErrorDetail detail_;
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,127 @@
+// The values of an array, read one after the other. Comes with decoding.h.
+//
+//   auto container = decoder.unkeyedContainer();
+//   while (!container.isAtEnd()) numbers.push_back(container.decode<std::int64_t>());
+#pragma once
+
+#include <HavrinFoundation/platform/decoding/decoder.h>
+
+#include <cstddef>
+#include <optional>
+#include <utility>
+
+namespace havrin::inline platform {
+
+/// The values of an array, with a position that moves past a value only when the value was decoded: a failure, also of
+/// a container or type nested in it, leaves the position where it was. At the end every decoding is valueNotFound.
+class HAVRIN_EXPORT UnkeyedDecodingContainer {
+ public:
+  UnkeyedDecodingContainer(SourceBox<UnkeyedSource> source, detail::Place place)
+      : source_(std::move(source)), place_(std::move(place)) {}
+  // The array that `decoder` stands on, opened in place; `opened` tells whether there is one.
+  explicit UnkeyedDecodingContainer(const Decoder& decoder)
+      : source_(decoder.source().unkeyed()), place_(decoder.place()), errorDetail_(decoder.errorDetail()) {}
+  [[nodiscard]] SourceBox<UnkeyedSource>& opened() { return source_; }
+
+  [[nodiscard]] CodingPath codingPath() const { return detail::pathOf(place_.step); }
+  /// The number of values. Empty when: the format cannot know.
+  [[nodiscard]] std::optional<std::size_t> count() const { return source_->count(); }
+  [[nodiscard]] bool isAtEnd() const {
+    isBeforeEnd_ = !source_->isAtEnd();
+    return !isBeforeEnd_;
+  }
+  [[nodiscard]] std::size_t currentIndex() const { return source_->currentIndex(); }
+
+  /// Whether null stands here; then the position moves past it. Throws: valueNotFound at the end.
+  [[nodiscard]] bool decodeNil() { return orThrow(tryDecodeNil()); }
+  [[nodiscard]] Decoded<bool> tryDecodeNil();
+
+  template <class T>
+  [[nodiscard]] T decode() {
+    return orThrow(tryDecode<T>());
+  }
+  template <class T>
+  [[nodiscard]] Decoded<T> tryDecode() {
+    return tryDecode<T>(errorDetail_);
+  }
+  /// The same; the error is described only as far as the caller will look at it.
+  template <class T>
+  [[nodiscard]] Decoded<T> tryDecode(ErrorDetail detail);
+
+  /// The value. Empty when: null stands here (the position moves past it), or the array has ended.
+  template <class T>
+  [[nodiscard]] std::optional<T> decodeIfPresent() {
+    return orThrow(tryDecodeIfPresent<T>());
+  }
+  template <class T>
+  [[nodiscard]] Decoded<std::optional<T>> tryDecodeIfPresent() {
+    if (isAtEnd()) return std::optional<T>();
+    return tryDecode<std::optional<T>>();
+  }
+
+  /// The object that stands here; the position moves past it. Throws: valueNotFound for null; typeMismatch.
+  template <CodingKeyType Key = std::string_view>
+  [[nodiscard]] KeyedDecodingContainer<Key> nestedContainer() {
+    return orThrow(tryNestedContainer<Key>());
+  }
+  template <CodingKeyType Key = std::string_view>
+  [[nodiscard]] Decoded<KeyedDecodingContainer<Key>> tryNestedContainer();
+
+  /// The array that stands here; the position moves past it. Throws: valueNotFound for null; typeMismatch.
+  [[nodiscard]] UnkeyedDecodingContainer nestedUnkeyedContainer() { return orThrow(tryNestedUnkeyedContainer()); }
+  [[nodiscard]] Decoded<UnkeyedDecodingContainer> tryNestedUnkeyedContainer();
+
+  /// A decoder of the value that stands here; the position moves past it.
+  [[nodiscard]] Decoder superDecoder() { return orThrow(trySuperDecoder()); }
+  [[nodiscard]] Decoded<Decoder> trySuperDecoder();
+
+ private:
+  // What `use` gives for the value at the position, with the position in the path of its error. `use` moves on.
+  template <class T, class Use>
+  [[nodiscard]] Decoded<T> passing(Use&& use);
+  [[nodiscard]] Decoded<detail::KeyedContainerCore> nestedCore();
+
+  template <class T>
+  [[nodiscard]] T orThrow(Decoded<T>&& outcome) const {
+    return detail::valueOrThrow(std::move(outcome), place_.step);
+  }
+
+  SourceBox<UnkeyedSource> source_;
+  detail::Place place_;
+  ErrorDetail errorDetail_ = ErrorDetail::full;
+  mutable bool isBeforeEnd_ = false;  // known from the last `isAtEnd`, for the position it was asked at
+};
+
+template <class T, class Use>
+Decoded<T> UnkeyedDecodingContainer::passing(Use&& use) {
+  Decoded<T> outcome = detail::captured([&]() -> Decoded<T> {
+    if (!isBeforeEnd_ && isAtEnd()) return DecodingError::valueNotFound("a value", Found::nothing);
+    isBeforeEnd_ = false;
+    return use();
+  });
+  if (!outcome && outcome.failure().isDescribed()) outcome.failure().prepend(currentIndex());
+  return outcome;
+}
+
+template <class T>
+Decoded<T> UnkeyedDecodingContainer::tryDecode(ErrorDetail detail) {
+  return passing<T>([this, detail]() -> Decoded<T> {
+    if constexpr (DecodableScalar<T>) {
+      Decoded<T> scalar(std::in_place);
+      ScalarTarget target(*scalar, detail);
+      source_->read(target);
+      if (target.failure()) scalar.fail(std::move(target.failure()));
+      return scalar;
+    } else {
+      const detail::CodingStep step{place_.step, {}, static_cast<std::int64_t>(currentIndex()), place_.step->userInfo};
+      Decoder decoder(step, detail, [this] { return source_->current(); });
+      if (!decoder.opened()) return std::move(decoder.opened().failure());
+      Decoded<T> value = decodeValue<T>(decoder);
+      if (!value) return value;
+      if (auto moved = source_->advance(); !moved) value.fail(std::move(moved.failure()));
+      return value;
+    }
+  });
+}
+
+}  // namespace havrin::inline platform

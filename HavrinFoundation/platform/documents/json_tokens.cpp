@@ -1,0 +1,291 @@
+#include <HavrinFoundation/platform/documents/json_tokens.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <optional>
+
+namespace havrin::inline platform {
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// The value of four hexadecimal digits. Empty when: there are not four.
+std::optional<std::uint32_t> fourHexDigits(std::string_view text) {
+  if (text.size() < 4) return std::nullopt;
+  std::uint32_t value = 0;
+  for (const char c : text.substr(0, 4)) {
+    const char lower = static_cast<char>(c | 0x20);
+    if (!isDigit(c) && (lower < 'a' || lower > 'f')) return std::nullopt;
+    value = value * 16 + static_cast<std::uint32_t>(isDigit(c) ? c - '0' : lower - 'a' + 10);
+  }
+  return value;
+}
+
+// What the escape at the head of `text` (behind its backslash) writes, and how many characters it takes with the
+// backslash. Empty when: it is no escape, or half a surrogate pair.
+struct Escape {
+  std::uint32_t scalar;
+  std::size_t length;
+};
+std::optional<Escape> readEscape(std::string_view text) {
+  static constexpr std::string_view kLetters = "\"\\/bfnrt";
+  static constexpr std::string_view kCharacters = "\"\\/\b\f\n\r\t";
+  if (text.empty()) return std::nullopt;
+  if (const std::size_t letter = kLetters.find(text.front()); letter != std::string_view::npos) {
+    return Escape{static_cast<unsigned char>(kCharacters[letter]), 2};
+  }
+  if (text.front() != 'u') return std::nullopt;
+  const auto unit = fourHexDigits(text.substr(1));
+  if (!unit || (*unit >= 0xDC00 && *unit <= 0xDFFF)) return std::nullopt;
+  if (*unit < 0xD800 || *unit > 0xDBFF) return Escape{*unit, 6};
+  if (text.substr(5, 2) != "\\u") return std::nullopt;
+  const auto low = fourHexDigits(text.substr(7));
+  if (!low || *low < 0xDC00 || *low > 0xDFFF) return std::nullopt;
+  return Escape{0x10000 + ((*unit - 0xD800) << 10) + (*low - 0xDC00), 12};
+}
+
+void appendUtf8(std::string& text, std::uint32_t scalar) {
+  const auto put = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
+  if (scalar < 0x80) return put(scalar);
+  if (scalar < 0x800) {
+    put(0xC0 | scalar >> 6);
+  } else if (scalar < 0x10000) {
+    put(0xE0 | scalar >> 12);
+    put(0x80 | (scalar >> 6 & 0x3F));
+  } else {
+    put(0xF0 | scalar >> 18);
+    put(0x80 | (scalar >> 12 & 0x3F));
+    put(0x80 | (scalar >> 6 & 0x3F));
+  }
+  put(0x80 | (scalar & 0x3F));
+}
+
+std::uint32_t nextBackslash(std::string_view text, std::size_t from) {
+  return static_cast<std::uint32_t>(std::min(text.find('\\', from), text.size()));
+}
+
+// Checks every escape between the backslash at `from` and `end`: the first backslash behind. Empty when: one means nothing.
+[[gnu::noinline]] std::optional<std::uint32_t> behindEscapes(std::string_view text, std::uint32_t from,
+                                                             std::uint32_t end) {
+  while (from < end) {
+    const auto escape = readEscape(text.substr(from + 1, end - from - 1));
+    if (!escape) return std::nullopt;
+    from = nextBackslash(text, from + escape->length);
+  }
+  return from;
+}
+
+}  // namespace
+
+// The second pass: checks the grammar over the tokens of the first, and marks them.
+class JsonReading {
+ public:
+  struct Outcome {
+    const char* problem;  // null, or what is wrong with the document
+    std::size_t offset;   // where
+  };
+  // Everything is inlined here, so that the state of the reading lives in registers.
+  [[gnu::flatten]] static Outcome outcome(std::string_view text, std::span<std::uint32_t> tokens) {
+    JsonReading reading(text, tokens);
+    const char* const problem = reading.document();
+    return {problem, *reading.token_};
+  }
+
+ private:
+  JsonReading(std::string_view text, std::span<std::uint32_t> tokens)
+      : text_(text),
+        tokens_(tokens.data()),
+        token_(tokens.data()),
+        end_(&tokens.back()),
+        backslash_(nextBackslash(text, 0)) {}
+
+  const char* document() {
+    for (;;) {
+      const char* problem = nullptr;
+      const char first = peek();
+      if (first == '{' || first == '[') {
+        if ((problem = open(first)) != nullptr) return problem;
+        if (peek() != closing_) {
+          if (first == '{' && (problem = key()) != nullptr) return problem;
+          continue;
+        }
+        close();
+      } else if ((problem = scalar(first)) != nullptr) {
+        return problem;
+      }
+      if ((problem = afterValue()) != nullptr) return problem;
+      if (depth_ == 0) return token_ == end_ ? nullptr : "there is more text after the document";
+    }
+  }
+
+  // The character at the next token; NUL at the end of the text, which is no character of JSON.
+  char peek() const { return token_ == end_ ? '\0' : text_[*token_]; }
+
+  const char* open(char bracket) {
+    if (depth_ == JsonTokens::kDeepestNesting) return "it nests deeper than 512 levels";
+    const std::uint32_t mark = bracket == '{' ? JsonTokens::kContainer | JsonTokens::kObject : JsonTokens::kContainer;
+    containers_[depth_] = static_cast<std::uint32_t>(token_ - tokens_) | mark;
+    commas_[depth_++] = 0;
+    closing_ = bracket == '{' ? '}' : ']';
+    ++token_;
+    return nullptr;
+  }
+
+  void close() {
+    const std::uint32_t container = containers_[--depth_];
+    const auto end = static_cast<std::uint32_t>(token_ - tokens_);
+    std::uint32_t* const bracket = tokens_ + (container & JsonTokens::kMask);
+    *bracket = (container & ~JsonTokens::kMask) | end;
+    // See countOf.
+    if (commas_[depth_] != 0 && (bracket[1] & JsonTokens::kContainer) != 0) {
+      tokens_[(bracket[1] & JsonTokens::kMask) + 1] = commas_[depth_] + 1;
+    }
+    ++token_;
+    if (depth_ != 0) closing_ = (containers_[depth_ - 1] & JsonTokens::kObject) != 0 ? '}' : ']';
+  }
+
+  // Takes what follows a value up to the next value, or to the end of the outermost one.
+  const char* afterValue() {
+    while (depth_ != 0) {
+      const char c = peek();
+      if (c == ',') {
+        ++token_;
+        ++commas_[depth_ - 1];
+        return closing_ == '}' ? key() : nullptr;
+      }
+      if (c != closing_) return closing_ == '}' ? "a comma or } is missing" : "a comma or ] is missing";
+      close();
+    }
+    return nullptr;
+  }
+
+  const char* key() {
+    if (peek() != '"') return "a key in quotes is missing";
+    if (const char* problem = string()) return problem;
+    if (peek() != ':') return "a colon is missing";
+    ++token_;
+    return nullptr;
+  }
+
+  const char* scalar(char first) {
+    switch (first) {
+      case '"':
+        return string();
+      case 't':
+        return literal("true");
+      case 'f':
+        return literal("false");
+      case 'n':
+        return literal("null");
+      default:
+        return first == '-' || isDigit(first) ? number() : "a value is missing";
+    }
+  }
+
+  // The closing quote is the last character before the next token that is not white space.
+  const char* string() {
+    const std::uint32_t begin = *token_ + 1;
+    std::uint32_t end = token_[1] - 1;
+    if (text_[end] != '"' || end < begin) {
+      while (end >= begin && JsonTokens::isWhiteSpace(text_[end])) --end;
+      if (end < begin || text_[end] != '"') return "a string is followed by something else";
+    }
+    if (backslash_ < end) {
+      const auto behind = behindEscapes(text_, backslash_, end);
+      if (!behind) return "a string holds an escape that means nothing";
+      backslash_ = *behind;
+      *token_ |= JsonTokens::kEscapes;
+    }
+    ++token_;
+    return nullptr;
+  }
+
+  const char* literal(std::string_view word) {
+    if (text_.substr(*token_, word.size()) != word) return "a value is missing";
+    return scalarEndsAt(*token_ + word.size());
+  }
+
+  const char* number() {
+    const char* const limit = text_.data() + text_.size();
+    const char* at = text_.data() + *token_;
+    const auto digits = [&] {
+      const char* const first = at;
+      while (at != limit && isDigit(*at)) ++at;
+      return at != first;
+    };
+    if (*at == '-') ++at;
+    if (at != limit && *at == '0') {
+      ++at;
+    } else if (!digits()) {
+      return "a number is malformed";
+    }
+    if (at != limit && *at == '.' && (++at, !digits())) return "a number is malformed";
+    if (at != limit && (*at == 'e' || *at == 'E')) {
+      if (++at != limit && (*at == '+' || *at == '-')) ++at;
+      if (!digits()) return "a number is malformed";
+    }
+    return scalarEndsAt(static_cast<std::size_t>(at - text_.data()));
+  }
+
+  const char* scalarEndsAt(std::size_t end) {
+    if (end != token_[1] && !JsonTokens::isWhiteSpace(text_[end])) return "a value is malformed";
+    ++token_;
+    return nullptr;
+  }
+
+  const std::string_view text_;
+  std::uint32_t* const tokens_;
+  std::uint32_t* token_;
+  std::uint32_t* const end_;
+  std::uint32_t backslash_;  // the first one not yet passed, or the size of the text
+  char closing_ = '\0';
+  std::size_t depth_ = 0;
+  std::array<std::uint32_t, JsonTokens::kDeepestNesting> containers_;  // those that are open, with their marks
+  std::array<std::uint32_t, JsonTokens::kDeepestNesting> commas_;      // between their values, so far
+};
+
+Decoded<void> JsonTokens::read(std::string_view text) {
+  if (text.size() > kLargestText) return DecodingError::dataCorrupted("the document is too large");
+  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
+  auto tokens = structure_.find(text);
+  if (!tokens) return std::move(tokens.failure());
+  text_ = text;
+  tokens_ = tokens->data();
+  const auto [problem, offset] = JsonReading::outcome(text, *tokens);
+  if (problem == nullptr) return {};
+  const std::string_view before = text.substr(0, offset);
+  const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+  const std::size_t column = before.size() - (before.rfind('\n') + 1) + 1;
+  return DecodingError::dataCorrupted("the document is not JSON: " + std::string(problem) + " (line " +
+                                      std::to_string(line) + ", byte " + std::to_string(column) + ")");
+}
+
+std::string JsonTokens::unescaped(Token string) const {
+  std::string_view rest = insideOf(string);
+  std::string text;
+  text.reserve(rest.size());
+  for (;;) {
+    const std::size_t backslash = rest.find('\\');
+    text.append(rest.substr(0, backslash));
+    if (backslash == std::string_view::npos) return text;
+    const auto escape = readEscape(rest.substr(backslash + 1));
+    appendUtf8(text, escape->scalar);
+    rest.remove_prefix(backslash + escape->length);
+  }
+}
+
+std::size_t JsonTokens::countOf(Token array) const {
+  const Token end = endOf(array);
+  if (firstIn(array) == end) return 0;
+  const Token comma = afterValue(firstIn(array));
+  if (comma == end) return 1;
+  if ((tokens_[firstIn(array)] & kContainer) != 0) return tokens_[comma];
+  std::size_t count = 0;
+  for (Token value = firstIn(array); value != end; value = next(value, end)) ++count;
+  return count;
+}
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,120 @@
+// A JSON document as the places of its tokens, over its text, which keeps each number as it is written. Internal to the
+// JSON decoder.
+//
+//   {"a": [1, 2], "b": 3}      tokens { "a" : [ 1 , 2 ] , "b" : 3 }, by number from 0
+//   afterValue(3) is 9         the comma behind the array: a bracket that opens knows the one that closes it
+#pragma once
+
+#include <HavrinFoundation/platform/documents/decoding_error.h>
+#include <HavrinFoundation/platform/documents/json_structure.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace havrin::inline platform {
+
+class JsonTokens {
+ public:
+  /// Documents larger than this are refused: an offset and two marks share 32 bits.
+  static constexpr std::size_t kLargestText = (std::size_t{1} << 30) - 1;
+  static constexpr std::size_t kDeepestNesting = 512;
+
+  /// A token, by its number. The outermost value begins with token 0.
+  using Token = std::uint32_t;
+
+  /// Reads `text` whole, and refers to it. An error (dataCorrupted, with line and byte) when: it is no JSON as RFC 8259 has
+  /// it, nests deeper than kDeepestNesting, or an escape in a string writes half a surrogate pair.
+  [[nodiscard]] Decoded<void> read(std::string_view text);
+
+  /// What a value begins with, which tells its kind: { [ " t f n - or a digit.
+  [[nodiscard]] char kindOf(Token value) const {
+    const std::uint32_t word = tokens_[value];
+    if ((word & kContainer) != 0) return (word & kObject) != 0 ? '{' : '[';
+    return text_.data()[word & kMask];
+  }
+  /// The text of a number, true, false or null.
+  [[nodiscard]] std::string_view textOf(Token scalar) const {
+    const char* const begin = text_.data() + tokens_[scalar];
+    return {begin, static_cast<std::size_t>(endBefore(scalar + 1) - begin)};
+  }
+  /// The text of a string between its quotes, escapes as they are written.
+  [[nodiscard]] std::string_view insideOf(Token string) const {
+    const char* const begin = text_.data() + (tokens_[string] & kMask) + 1;
+    return {begin, static_cast<std::size_t>(endBefore(string + 1) - 1 - begin)};
+  }
+  [[nodiscard]] bool hasEscapes(Token string) const { return (tokens_[string] & kEscapes) != 0; }
+  /// The string's characters, escapes resolved.
+  [[nodiscard]] std::string unescaped(Token string) const;
+  /// Whether the string says `text`.
+  [[nodiscard]] bool says(Token string, std::string_view text) const {
+    if (hasEscapes(string)) [[unlikely]]
+      return unescaped(string) == text;
+    const std::string_view inside = insideOf(string);
+    return inside.size() == text.size() && haveEqualBytes(inside.data(), text.data(), text.size());
+  }
+
+  /// The first value of an array, the first key of an object; or the closing bracket.
+  [[nodiscard]] static Token firstIn(Token container) { return container + 1; }
+  /// The closing bracket.
+  [[nodiscard]] Token endOf(Token container) const { return tokens_[container] & kMask; }
+  /// The comma or closing bracket behind `value` and everything in it.
+  [[nodiscard]] Token afterValue(Token value) const {
+    const std::uint32_t word = tokens_[value];
+    if ((word & kContainer) != 0) return (word & kMask) + 1;
+    return value + 1;
+  }
+  /// The value, or the key, behind `value` in a container that ends at `end`; or `end`.
+  [[nodiscard]] Token next(Token value, Token end) const {
+    const Token after = afterValue(value);
+    return after == end ? end : after + 1;
+  }
+  [[nodiscard]] static Token valueOf(Token key) { return key + 2; }
+  /// How many values an array holds. Cost: a step for each, where the first is a scalar.
+  [[nodiscard]] std::size_t countOf(Token array) const;
+
+ private:
+  friend class JsonReading;
+
+  static bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
+
+  // The end of what stands before `token`, which is no bracket that opens, without the white space between.
+  [[nodiscard]] const char* endBefore(Token token) const {
+    const char* end = text_.data() + tokens_[token];
+    while (isWhiteSpace(end[-1])) --end;
+    return end;
+  }
+
+  // Keys are short: two overlapping words beat a call.
+  [[nodiscard]] static bool haveEqualBytes(const char* left, const char* right, std::size_t size) {
+    const auto differ = [&]<class Word>(Word, std::size_t at) {
+      Word a;
+      Word b;
+      std::memcpy(&a, left + at, sizeof a);
+      std::memcpy(&b, right + at, sizeof b);
+      return a != b;
+    };
+    if (size > 16) return std::memcmp(left, right, size) == 0;
+    if (size >= 8) return !differ(std::uint64_t{}, 0) && !differ(std::uint64_t{}, size - 8);
+    if (size >= 4) return !differ(std::uint32_t{}, 0) && !differ(std::uint32_t{}, size - 4);
+    return std::equal(left, left + size, right);
+  }
+
+  // A token is an offset in the text; a string with escapes has a mark; a bracket that opens has a mark and, in place of
+  // its offset, the token that closes it. The offset of a comma is wanted only as the end of a scalar before it: behind a
+  // container that is the first of several values, the comma holds their count.
+  static constexpr std::uint32_t kContainer = 0x80000000;
+  static constexpr std::uint32_t kObject = 0x40000000;
+  static constexpr std::uint32_t kEscapes = 0x40000000;
+  static constexpr std::uint32_t kMask = 0x3FFFFFFF;
+
+  std::string_view text_;
+  const std::uint32_t* tokens_ = nullptr;
+  JsonStructure structure_;
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,14 @@
+// The XML form of property lists. Internal to the layer.
+#pragma once
+
+#include <HavrinFoundation/platform/documents/property_list.h>
+
+#include <cstddef>
+#include <span>
+
+namespace havrin::inline platform {
+
+/// The property list that the XML in `bytes` writes; see readPropertyList.
+[[nodiscard]] PropertyListResult<PropertyList> readXmlPropertyList(std::span<const std::byte> bytes);
+
+}  // namespace havrin::inline platform

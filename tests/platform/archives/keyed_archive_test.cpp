@@ -1,0 +1,353 @@
+#include <HavrinFoundation/platform/archives/keyed_archiver.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
+#include <HavrinFoundation/platform/foundation/ns_date.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
+#include <HavrinFoundation/platform/foundation/ns_uuid.h>
+#include "archive_samples.h"
+
+namespace havrin {
+namespace {
+
+using namespace samples;
+
+// One value of each kind.
+class Scalars : public Object<Scalars, NSObject> {
+ public:
+  std::vector<std::byte> bytes;
+  Strong<NSObject> under;
+  bool isRight = false;
+
+  void encodeWithCoder(NSCoder* coder) const {
+    coder->encodeBool(true, "yes");
+    coder->encodeBool(false, "no");
+    coder->encodeInteger(7, "small");
+    coder->encodeInteger(std::int64_t{1} << 40, "large");
+    coder->encodeInteger(std::numeric_limits<std::int64_t>::min(), "negative");
+    coder->encodeDouble(0.25, "real");
+    coder->encodeBytes(bytes, "bytes");
+    coder->encodeInteger(3, "$dollar");
+    coder->encodeObject(under, "$object");
+    coder->encodeObject(nullptr, "none");
+  }
+  Strong<NSObject> initWithCoder(NSCoder* coder) {
+    isRight = coder->decodeBoolForKey("yes") && !coder->decodeBoolForKey("no") &&
+              coder->decodeInt32ForKey("small") == 7 && coder->decodeIntegerForKey("large") == std::int64_t{1} << 40 &&
+              coder->decodeIntegerForKey("negative") == std::numeric_limits<std::int64_t>::min() &&
+              coder->decodeDoubleForKey("real") == 0.25 && coder->decodeFloatForKey("real") == 0.25F &&
+              coder->decodeIntegerForKey("$dollar") == 3 && coder->containsValueForKey("none") &&
+              !coder->decodeObjectForKey("none") && !coder->containsValueForKey("class");
+    const auto read = coder->decodeBytesForKey("bytes");
+    bytes.assign(read.begin(), read.end());
+    under = coder->decodeObjectForKey("$object");
+    return this;
+  }
+  bool isEqual(const NSObject* other) const override {
+    const Scalars* const scalars = cast<Scalars>(other);
+    return scalars && bytes == scalars->bytes && under->isEqual(scalars->under);
+  }
+  std::uint64_t hash() const override { return bytes.size(); }
+  Strong<NSString> description() const override { return under->description(); }
+  using Protocols = List<NSCoding>;
+  using Members =
+      List<Method<"encodeWithCoder:", &Scalars::encodeWithCoder>, Method<"initWithCoder:", &Scalars::initWithCoder>>;
+};
+const ArchivedClass<Scalars> kArchivedScalars("Scalars");
+
+Strong<NSData> fixture(const std::string& name) {
+  std::ifstream stream(std::filesystem::path(HAVRIN_FIXTURES) / name, std::ios::binary);
+  EXPECT_TRUE(stream) << name << " is not there: keyed_archive_oracle.py makes it";
+  return makeData(std::string(std::istreambuf_iterator<char>(stream), {}));
+}
+
+// What the script looks at afterwards.
+void keep(const std::string& name, const NSData& data) {
+  std::filesystem::create_directories(HAVRIN_WRITTEN);
+  std::ofstream(std::filesystem::path(HAVRIN_WRITTEN) / (name + ".bplist"), std::ios::binary)
+      .write(reinterpret_cast<const char*>(data.bytes().data()), static_cast<std::streamsize>(data.length()));
+}
+
+Strong<NSDictionary> sized(int points) { return makeDictionary({{makeString("NSFont"), makeNumber(points)}}); }
+
+Strong<NSAttributedString> attributed(std::string_view text,
+                                      std::initializer_list<std::pair<Strong<NSDictionary>, std::uint64_t>> parts) {
+  std::vector<NSAttributedString::Run> runs;
+  std::uint64_t end = 0;
+  for (const auto& [attributes, length] : parts) {
+    runs.push_back({attributes, {end, length}});
+    end += length;
+  }
+  return make<NSAttributedString>(makeString(text), std::span<const NSAttributedString::Run>(runs));
+}
+
+struct Sample {
+  std::string name;
+  Strong<NSObject> object;
+};
+
+// The graphs of keyed_archive_oracle.py without cycles, by name.
+std::vector<Sample> samplesBothWays() {
+  std::string everyByte;
+  for (int i = 0; i < 256; ++i) everyByte += static_cast<char>(i);
+  const auto grows = make<NSMutableArray>();
+  grows->addObject(makeString("a"));
+  grows->addObject(makeArray({}));
+  const auto changes = make<NSMutableDictionary>();
+  changes->setObject(makeSet({makeNumber(2)}), makeString("a"));
+  const auto seven = make<NSMutableSet>();
+  seven->addObject(makeNumber(7));
+  const auto twelve = make<NSMutableArray>();
+  for (int i = 0; i < 12; ++i) twelve->addObject(makeString(std::to_string(i)));
+  UUID::Bytes id;
+  for (std::size_t i = 0; i < id.size(); ++i) id[i] = static_cast<std::uint8_t>(0xF0 + i);
+  const auto scalars = make<Scalars>();
+  scalars->bytes = {std::byte{1}, std::byte{2}};
+  scalars->under = makeString("$");
+  const auto page = URL::fromString("../d?e", *URL::fromString("https://havrin.example/a/b/c"));
+  return {
+      {"nothing", nullptr},
+      {"string", makeString("hello")},
+      {"wide_string", makeString("Zürich \U0001F44D")},
+      {"mutable_string", make<NSMutableString>("grows")},
+      {"numbers", makeArray({makeNumber(0), makeNumber(255), makeNumber(256), makeNumber(65536),
+                             makeNumber(std::int64_t{1} << 32), makeNumber(std::numeric_limits<std::int64_t>::max()),
+                             makeNumber(std::uint64_t{1} << 63), makeNumber(std::numeric_limits<std::uint64_t>::max()),
+                             makeNumber(-1), makeNumber(std::numeric_limits<std::int64_t>::min()), makeNumber(0.5),
+                             makeNumber(-1e300), makeNumber(true), makeNumber(false)})},
+      {"null", NSNull::null()},
+      {"data", makeData(everyByte)},
+      {"mutable_data", makeData(std::string_view("\0\xFF", 2))->mutableCopy()},
+      {"array", makeArray({makeString("a"), makeNumber(1), makeNumber(true)})},
+      {"mutable_array", grows},
+      {"dictionary", makeDictionary({{makeString("a"), makeNumber(1)}, {makeString("b"), makeDictionary({})}})},
+      {"mutable_dictionary", changes},
+      {"set", makeSet({makeString("a"), makeString("b")})},
+      {"mutable_set", seven},
+      {"ordered_set", NSOrderedSet::orderedSetWithArray(classOf<NSOrderedSet>(), twelve)},
+      {"mutable_ordered_set", makeOrderedSet({makeString("b"), makeString("a")})->mutableCopy()},
+      {"date", make<NSDate>(Date::fromTimeIntervalSinceReferenceDate(730902896.25))},
+      {"identifier", make<NSUUID>(UUID(id))},
+      {"link", NSURL::URLWithString(makeString("https://havrin.example/a?b=%20#c"))},
+      {"relative_link", make<NSURL>(*page)},
+      {"unchecked_link", make<NSURL>(URL::fromUncheckedText("no link at all"))},
+      {"unchecked_relative_link", make<NSURL>(URL::fromUncheckedText("no link at all", *page))},
+      {"attributed", make<NSAttributedString>(makeString("on air"), sized(9))},
+      {"attributed_runs",
+       attributed(std::string(300, 'x'), {{sized(9), 1}, {sized(10), 200}, {makeDictionary({}), 99}})},
+      {"mutable_attributed", make<NSMutableAttributedString>(makeString("a"))},
+      {"scalars", scalars},
+  };
+}
+
+std::vector<Sample> samplesReadOnly() {
+  const auto once = makeArray({makeString("a")});
+  return {
+      {"data_of_class", makeData("inline")},
+      {"data_of_data", makeData("apart")->mutableCopy()},
+      {"string_of_string", make<NSMutableString>("apart")},
+      {"string_of_class", makeString("inline")},
+      {"ordered_set_of_objects", makeOrderedSet({makeString("b"), makeString("a")})},
+      {"attributed_again", attributed("abcde", {{sized(9), 1}, {sized(12), 1}, {sized(9), 3}})},
+      {"attributed_bare", make<NSAttributedString>(makeString("bare"))},
+      {"hinted", once->mutableCopy()},
+  };
+}
+
+void expectSame(NSObject* read, NSObject* wanted) {
+  EXPECT_EQ(shapeOf(read), shapeOf(wanted));
+  EXPECT_TRUE(read == wanted || (read && read->isEqual(wanted)));
+  if (const Scalars* const scalars = cast<Scalars>(read)) {
+    EXPECT_TRUE(scalars->isRight);
+  }
+}
+
+TEST(KeyedArchive, IsReadAsAnotherArchiverWritesIt) {
+  std::vector<Sample> all = samplesBothWays();
+  for (Sample& sample : samplesReadOnly()) all.push_back(std::move(sample));
+  for (const Sample& sample : all) {
+    for (const char* const form : {".bplist", ".xml"}) {
+      SCOPED_TRACE(sample.name + form);
+      expectSame(root(fixture(sample.name + form)), sample.object);
+    }
+  }
+}
+
+// What stands in the folder afterwards is looked at by keyed_archive_oracle.py.
+TEST(KeyedArchive, GivesBackWhatWasWritten) {
+  for (const Sample& sample : samplesBothWays()) {
+    SCOPED_TRACE(sample.name);
+    const auto data = archived(sample.object);
+    ASSERT_TRUE(data);
+    keep(sample.name, *data);
+    expectSame(root(data), sample.object);
+  }
+}
+
+TEST(KeyedArchive, KeepsWhatIsSharedAndWhatIsNull) {
+  const auto text = makeString("twice");
+  const auto numbers = make<NSMutableArray>();
+  numbers->addObject(makeNumber(1));
+  const auto shared = makeArray({text, text, numbers, makeDictionary({{text, numbers}}), numbers});
+  const auto written = archived(shared);
+  keep("shared", *written);
+  for (const auto& data : {fixture("shared.bplist"), fixture("shared.xml"), written}) {
+    const auto read = root(data);
+    expectSame(read, shared);
+    const auto at = [&read](std::uint64_t index) { return cast<NSArray>(read.get())->objectAtIndex(index); };
+    EXPECT_EQ(at(0), at(1));
+    EXPECT_EQ(at(2), at(4));
+    const auto* const dictionary = cast<NSDictionary>(at(3).get());
+    EXPECT_EQ(dictionary->objectForKey(text), at(2));
+    EXPECT_EQ(dictionary->allKeys()->firstObject(), at(0));
+  }
+  const auto nulls = makeArray({NSNull::null(), makeDictionary({{makeString("k"), NSNull::null()}}), make<Node>()});
+  keep("nulls", *archived(nulls));
+  const auto read = root(fixture("nulls.xml"));
+  EXPECT_EQ(shapeOf(read), shapeOf(nulls));
+  EXPECT_FALSE(cast<Node>(cast<NSArray>(read.get())->lastObject().get())->child);
+}
+
+TEST(KeyedArchive, LetsObjectsOfTheApplicationHoldThemselves) {
+  const auto alone = make<Node>(), above = make<Node>(), below = make<Node>();
+  alone->name = makeString("alone");
+  above->name = makeString("above");
+  below->name = makeString("below");
+  alone->parent = alone;
+  above->child = below;
+  below->parent = above;
+  keep("holding_itself", *archived(alone, true));
+  keep("with_parent", *archived(above, true));
+  alone->parent = nullptr;
+  above->child = nullptr;
+  for (const char* const form : {".bplist", ".xml"}) {
+    for (const std::string name : {"holding_itself", "with_parent"}) {
+      SCOPED_TRACE(name + form);
+      Strong<NSError> error;
+      const auto read = NSKeyedUnarchiver::unarchivedObjectOfClass(classOf<Node>(), fixture(name + form), &error);
+      Node* const node = cast<Node>(read.get());
+      ASSERT_TRUE(node) << textOf(error);
+      Node* const holder = node->child ? cast<Node>(node->child.get()) : node;
+      EXPECT_EQ(holder->parent, node);
+      EXPECT_EQ(utf8(*holder->name), node->child ? "below" : "alone");
+      holder->parent = nullptr;
+    }
+  }
+}
+
+// What bounds hostile archives lets honest ones through.
+TEST(KeyedArchive, GivesBackWhatIsLarge) {
+  const auto number = [](int i) { return makeNumber(i); };
+  const auto genres = makeSet({makeString("jazz"), makeString("news")});
+  const auto kName = makeString("name"), kGenres = makeString("genres"), kPlays = makeString("plays");
+  const auto records = make<NSMutableArray>();
+  const auto different = make<NSMutableSet>();
+  std::vector<NSAttributedString::Run> runs;
+  for (int i = 0; i < 20'000; ++i) {
+    const auto name = makeString("Station " + std::to_string(i));
+    records->addObject(makeDictionary({{kName, name}, {kGenres, genres}, {kPlays, number(i % 7)}}));
+    if (i % 20 == 0) different->addObject(makeDictionary({{kName, makeArray({makeArray({name})})}}));
+    const auto attributes = i % 2 ? makeDictionary({{kName, number(i)}, {kPlays, genres}}) : makeDictionary({});
+    runs.push_back({attributes, {static_cast<std::uint64_t>(i), 1}});
+  }
+  const auto text = make<NSAttributedString>(makeString(std::string(runs.size(), 'x')),
+                                             std::span<const NSAttributedString::Run>(runs));
+  for (const Strong<NSObject>& large : {Strong<NSObject>(records), Strong<NSObject>(different), Strong<NSObject>(text),
+                                        Strong<NSObject>(makeString(std::string(1'000'000, 'x')))}) {
+    const auto read = root(archived(large));
+    EXPECT_TRUE(read && read->isEqual(large)) << classOf(*large).name();
+  }
+}
+
+TEST(KeyedArchive, FailsAsAWholeWhereAClassIsUnknown) {
+  for (const char* const name : {"unknown.bplist", "unknown.xml"}) {
+    EXPECT_TRUE(saysWhy(failureOf(fixture(name)), "object 3: no class \"Nobody\" is known to archives"));
+  }
+}
+
+class Stranger : public Object<Stranger, NSObject> {};
+class Silent : public Object<Silent, NSObject> {
+ public:
+  void encodeWithCoder(NSCoder*) const {}
+  using Members = List<Method<"encodeWithCoder:", &Silent::encodeWithCoder>>;
+};
+
+TEST(KeyedArchiver, SaysWhatCannotBeWritten) {
+  NSKeyedUnarchiver::setClass(classOf<Silent>(), "Silent");
+  const auto holdsItself = make<NSMutableArray>();
+  const auto dictionary = make<NSMutableDictionary>();
+  holdsItself->addObject(dictionary);
+  dictionary->setObject(holdsItself, makeString("k"));
+  Strong<NSObject> deep = makeArray({});
+  for (std::size_t i = 0; i < NSKeyedUnarchiver::kDeepestNesting; ++i) deep = makeArray({deep});
+  Strong<NSArray> deepest = makeArray({deep});
+  Strong<NSObject> laughs = makeArray({makeString("ha"), makeString("ha")});
+  for (int i = 0; i < 30; ++i) laughs = makeArray({laughs, laughs});
+  const struct {
+    Strong<NSObject> object;
+    bool secure;
+    std::string error;
+  } rows[] = {
+      {makeArray({make<Stranger>()}), false, "an object of class Stranger, which archives do not know"},
+      {make<Silent>(), false, "the class Silent does not adopt NSCoding"},
+      {make<Puppet>(), true, "the class Puppet does not adopt NSSecureCoding"},
+      {holdsItself, false, "a collection holds itself"},
+      {deepest, false, "objects nest too deep"},
+      {laughs, false, "shared parts that stand for too much"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.error);
+    Strong<NSError> error;
+    EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(row.object, row.secure, &error));
+    EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(row.object, row.secure, nullptr));
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->code(), NSCoderInvalidValueError);
+    EXPECT_TRUE(saysWhy(textOf(error), row.error));
+  }
+  holdsItself->removeAllObjects();
+  NSKeyedUnarchiver::setClass(Class(), "Silent");
+  EXPECT_FALSE(NSKeyedUnarchiver::classForName("Silent"));
+
+  for (const int values : {2, 100}) {
+    Puppet::encode = [](const Puppet&, NSCoder& coder) { coder.encodeInteger(1, "k"); };
+    const auto archiver = make<NSKeyedArchiver>();
+    for (int i = 0; i < values; ++i) archiver->encodeObject(make<Puppet>(), std::to_string(i));
+    EXPECT_TRUE(archiver->encodedData()) << "each object has keys of its own";
+    archiver->encodeBool(true, std::to_string(values - 1));
+    EXPECT_FALSE(archiver->encodedData());
+    EXPECT_TRUE(saysWhy(textOf(archiver->error()), "two values under the key"));
+    Puppet::encode = nullptr;
+  }
+}
+
+// A subclass of the application, which archives do not know by a name of its own.
+class Fixed : public Object<Fixed, NSArray> {
+ public:
+  std::uint64_t count() const override { return 2; }
+  Strong<NSObject> objectAtIndex(std::uint64_t index) const override { return makeNumber(index); }
+};
+class Shout : public Object<Shout, NSString> {
+ public:
+  std::uint64_t length() const override { return 3; }
+  char16_t characterAtIndex(std::uint64_t) const override { return u'!'; }
+};
+class Named : public Object<Named, NSMutableArray> {};
+
+TEST(KeyedArchiver, WritesSubclassesAsTheClassThatArchivesKnow) {
+  EXPECT_EQ(shapeOf(root(archived(make<Fixed>()))), shapeOf(makeArray({makeNumber(0), makeNumber(1)})));
+  EXPECT_EQ(shapeOf(root(archived(make<Shout>()))), "NSString!!!");
+  const auto named = make<Named>();
+  named->addObject(makeNumber(1));
+  EXPECT_EQ(shapeOf(root(archived(named))), "NSMutableArray(NSNumber11 )");
+  Strong<NSError> error;
+  NSKeyedUnarchiver::setClass(classOf<Named>(), "Named");
+  EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(named, false, &error));
+  EXPECT_TRUE(saysWhy(textOf(error), "the class Named does not answer encodeWithCoder:"));
+  NSKeyedUnarchiver::setClass(Class(), "Named");
+}
+
+}  // namespace
+}  // namespace havrin

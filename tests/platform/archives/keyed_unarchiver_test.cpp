@@ -1,0 +1,246 @@
+#include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
+
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
+
+#include "archive_samples.h"
+
+namespace havrin {
+namespace {
+
+using namespace samples;
+
+TEST(KeyedUnarchiver, LetsOnlyClassesComeThatAreAskedFor) {
+  const auto text = makeString("x");
+  const auto puppet = make<Puppet>();
+  const auto node = make<Node>();
+  node->name = text;
+  const auto link = make<NSURL>(*URL::fromString("c", *URL::fromString("https://h/a/b")));
+  const auto styled = [](NSObject* value) {
+    return make<NSAttributedString>(makeString("On air"), makeDictionary({{makeString("key"), value}}));
+  };
+  const Class none, strings = classOf<NSString>(), arrays = classOf<NSArray>(), objects = classOf<NSObject>();
+  const struct {
+    Strong<NSObject> written;
+    std::vector<Class> classes;
+    std::string error;
+    std::string_view why;
+  } rows[] = {
+      {text, {strings}, "none", "the class itself"},
+      {text, {classOf<NSObject>()}, "none", "a subclass"},
+      {text, {arrays}, "class \"NSString\", which is not among the classes", "another class"},
+      {text, {classOf<NSMutableString>()}, "class \"NSString\", which is not among the classes", "a class above"},
+      {text, {none}, "class \"NSString\", which is not among the classes", "no class"},
+      {text, {arrays, strings}, "none", "one of several"},
+      {makeArray({text}), {arrays}, "object 1: an object of class \"NSString\"", "another class in a collection"},
+      {makeArray({makeSet({text})}), {arrays, strings}, "\"NSSet\", which is not among", "a collection in another"},
+      {makeDictionary({{text, makeNumber(1)}}), {classOf<NSDictionary>(), strings}, "\"NSNumber\"", "a value"},
+      {makeArray({text}), {arrays, strings}, "none", "what stands in it is named too"},
+      {puppet, {objects}, "class \"Puppet\", which does not adopt NSSecureCoding", "no promise of secure coding"},
+      {makeArray({puppet}), {objects}, "class \"Puppet\", which does not adopt NSSecureCoding", "inside, too"},
+      {node, {classOf<Node>()}, "none", "objects name the classes of their own values"},
+      {makeArray({node}), {arrays}, "class \"Node\", which is not among the classes", "an object in a collection"},
+      {link, {classOf<NSURL>()}, "none", "a link names the classes of its parts"},
+      {styled(makeNumber(1)), {classOf<NSAttributedString>()}, "none", "attributes of the layer's classes"},
+      {styled(node), {classOf<NSAttributedString>()}, "class \"Node\", which is not among", "other attributes"},
+      {styled(node), {classOf<NSAttributedString>(), classOf<Node>()}, "none", "other attributes that are asked for"},
+      {nullptr, {objects}, "Code=4865 \"there is no object at the root\"", "null"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto data = archived(row.written);
+    Strong<NSError> error;
+    std::vector<NSObject*> classes;
+    for (const Class cls : row.classes) {
+      if (cls) classes.push_back(cls);
+    }
+    const auto set = make<NSSet>(std::span<NSObject* const>(classes));
+    const auto read = row.classes.size() == 1 ? NSKeyedUnarchiver::unarchivedObjectOfClass(row.classes[0], data, &error)
+                                              : NSKeyedUnarchiver::unarchivedObjectOfClasses(set, data, &error);
+    EXPECT_EQ(read != nullptr, row.error == "none");
+    EXPECT_TRUE(saysWhy(textOf(error), row.error));
+  }
+  const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(archived(text), nullptr);
+  EXPECT_FALSE(unarchiver->decodeObjectForKey("root")) << "names no class";
+  EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "names no class"));
+}
+
+// The contents of what was read before are held to the classes that are asked for now.
+TEST(KeyedUnarchiver, LooksAgainAtWhatIsSharedUnderOtherClasses) {
+  const auto inner = makeArray({makeNumber(1)});
+  const auto archiver = make<NSKeyedArchiver>();
+  archiver->encodeObject(inner, "wide");
+  archiver->encodeObject(makeArray({inner}), "narrow");
+  const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(archiver->encodedData(), nullptr);
+  EXPECT_TRUE(unarchiver->decodeObjectOfClass(classOf<NSObject>(), "wide"));
+  EXPECT_FALSE(unarchiver->decodeObjectOfClasses(makeSet({classOf<NSArray>(), classOf<NSString>()}), "narrow"));
+  EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "\"NSNumber\", which is not among"));
+}
+
+TEST(KeyedUnarchiver, AnswersNothingAfterTheFirstFailure) {
+  const auto archiver = make<NSKeyedArchiver>();
+  archiver->encodeObject(makeString("x"), "text");
+  archiver->encodeInteger(7, "seven");
+  archiver->encodeDouble(0.5, "half");
+  archiver->encodeBool(true, "yes");
+  archiver->encodeBytes(makeData("b")->bytes(), "bytes");
+  const auto data = archiver->encodedData();
+  for (const bool raises : {false, true}) {
+    const auto unarchiver = unarchiverOf(data);
+    if (raises) unarchiver->setDecodingFailurePolicy(NSDecodingFailurePolicy::RaiseException);
+    EXPECT_EQ(unarchiver->decodeIntegerForKey("seven"), 7);
+    EXPECT_EQ(unarchiver->decodeIntegerForKey("eight"), 0) << "what is not there is no failure";
+    EXPECT_FALSE(unarchiver->error());
+    EXPECT_EQ(nameOf([&] { EXPECT_EQ(unarchiver->decodeIntegerForKey("half"), 0); }),
+              raises ? NSInvalidUnarchiveOperationException : "none");
+    const auto first = unarchiver->error();
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->code(), NSCoderReadCorruptError);
+    EXPECT_TRUE(first->domain()->isEqual(makeString("NSCocoaErrorDomain")));
+    EXPECT_FALSE(unarchiver->containsValueForKey("text") || unarchiver->decodeObjectForKey("text") ||
+                 unarchiver->decodeIntegerForKey("seven") || unarchiver->decodeDoubleForKey("half") > 0 ||
+                 unarchiver->decodeBoolForKey("yes") || !unarchiver->decodeBytesForKey("bytes").empty());
+    EXPECT_EQ(nameOf([&] { unarchiver->failWithError(makeCodingError(NSCoderInvalidValueError, "second")); }),
+              raises ? NSInvalidUnarchiveOperationException : "none");
+    EXPECT_EQ(unarchiver->error(), first);
+  }
+}
+
+TEST(KeyedUnarchiver, TakesNoValueOfAnotherKind) {
+  using Decode = std::function<bool(NSKeyedUnarchiver&)>;
+  const auto isBool = [](NSKeyedUnarchiver& u) { return u.decodeBoolForKey("v"); };
+  const auto isLong = [](NSKeyedUnarchiver& u) { return u.decodeIntegerForKey("v") != 0; };
+  const auto isInt = [](NSKeyedUnarchiver& u) { return u.decodeInt32ForKey("v") != 0; };
+  const auto isDouble = [](NSKeyedUnarchiver& u) { return u.decodeDoubleForKey("v") != 0; };
+  const auto isFloat = [](NSKeyedUnarchiver& u) { return u.decodeFloatForKey("v") != 0; };
+  const auto isBytes = [](NSKeyedUnarchiver& u) { return !u.decodeBytesForKey("v").empty(); };
+  const auto isText = [](NSKeyedUnarchiver& u) { return u.decodeObject<NSString>("v") != nullptr; };
+  const struct {
+    std::string value;
+    Decode decode;
+    std::string error;
+  } rows[] = {
+      {"<integer>2147483647</integer>", isInt, "none"},
+      {"<integer>2147483648</integer>", isInt, "takes more than 32 bits"},
+      {"<integer>-2147483649</integer>", isInt, "takes more than 32 bits"},
+      {"<integer>18446744073709551615</integer>", isLong, "is no integer"},
+      {"<real>3.4e38</real>", isFloat, "none"},
+      {"<real>3.5e38</real>", isFloat, "too large for a float"},
+      {"<real>-inf</real>", isFloat, "none"},
+      {"<integer>1</integer>", isDouble, "is no real"},
+      {"<real>1</real>", isLong, "is no integer"},
+      {"<true/>", isLong, "is no integer"},
+      {"<integer>1</integer>", isBool, "is no boolean"},
+      {"<string>1</string>", isBytes, "is no data"},
+      {"<string>1</string>", isText, "no reference to an object"},
+      {uid(1), isLong, "is no integer"},
+      {uid(1), isText, "stands an object of class NSNumber, not NSString"},
+      {references({1}), isText, "no reference to an object"},
+      {uid(0), isText, "absent"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.value + ": " + row.error);
+    const auto unarchiver = unarchiverOf(xmlArchive({"<integer>5</integer>"}, key("v", row.value)));
+    EXPECT_EQ(row.decode(*unarchiver), row.error == "none");
+    const std::string error = textOf(unarchiver->error());
+    EXPECT_TRUE(saysWhy(error, row.error == "absent" ? "none" : row.error));
+  }
+}
+
+TEST(KeyedUnarchiver, UsesWhatInitAndAwakeAnswer) {
+  const auto data = archived(makeArray({make<Puppet>(), makeString("behind")}));
+  const auto single = archived(make<Puppet>());
+  Puppet::initialise = [](Puppet&, NSCoder&) -> Strong<NSObject> { return makeString("another"); };
+  EXPECT_EQ(shapeOf(root(data)), "NSArray(NSStringanother NSStringbehind )");
+  Puppet::initialise = [](Puppet&, NSCoder&) -> Strong<NSObject> { return nullptr; };
+  EXPECT_FALSE(root(single));
+  EXPECT_TRUE(saysWhy(failureOf(data), "object 1: a collection holds null"));
+  Puppet::initialise = nullptr;
+  Puppet::awake = [](Puppet&) -> Strong<NSObject> { return makeNumber(1); };
+  EXPECT_EQ(shapeOf(root(single)), "NSNumber11");
+  Puppet::awake = nullptr;
+  EXPECT_EQ(Puppet::alive, 0);
+}
+
+TEST(KeyedUnarchiver, OutlivesWhatInitThrows) {
+  const auto archiver = make<NSKeyedArchiver>();
+  const auto outer = make<Puppet>(), inner = make<Puppet>();
+  outer->inside = makeArray({inner});
+  archiver->encodeObject(makeArray({makeString("before"), outer}), "both");
+  archiver->encodeObject(makeString("x"), "text");
+  outer->inside = nullptr;
+  const auto data = archiver->encodedData();
+  const int before = Puppet::alive;
+  const auto unarchiver = unarchiverOf(data);
+  static bool throws = true;
+  Puppet::initialise = [](Puppet& self, NSCoder& coder) -> Strong<NSObject> {
+    self.inside = coder.decodeObjectForKey("inside");
+    if (throws && !self.inside) throw NSException("Mine", "thrown");
+    return &self;
+  };
+  EXPECT_EQ(nameOf([&] { (void)unarchiver->decodeObjectForKey("both"); }), "Mine");
+  EXPECT_EQ(Puppet::alive, before) << "nothing of it is left";
+  EXPECT_FALSE(unarchiver->error()) << "it was no failure of decoding";
+  EXPECT_TRUE(unarchiver->decodeObjectForKey("text"));
+  throws = false;
+  EXPECT_EQ(shapeOf(unarchiver->decodeObjectForKey("both")).substr(0, 30), "NSArray(NSStringbefore Puppet<");
+  // An object may finish its own unarchiver; what is read then is nothing more.
+  Puppet::initialise = [](Puppet& self, NSCoder& coder) -> Strong<NSObject> {
+    cast<NSKeyedUnarchiver>(static_cast<NSObject*>(&coder))->finishDecoding();
+    self.inside = coder.decodeObjectForKey("inside");
+    return &self;
+  };
+  EXPECT_FALSE(unarchiverOf(data)->decodeObjectForKey("both"));
+  Puppet::initialise = nullptr;
+}
+
+TEST(KeyedUnarchiver, SaysWhatIsWrongWithAnObject) {
+  const std::string hello = "<string>hello</string>", empty = "<array/>";
+  const struct {
+    std::vector<std::string> objects;
+    std::string error;
+  } rows[] = {
+      {{}, "at the top: a reference to object 1, which is not there"},
+      {{"<dict/>"}, "object 1: it has no class"},
+      {{object(1, "")}, "object 1: the record of its class has no name"},
+      {{object(9, "")}, "object 1: it has no class"},
+      {{object(2, ""), hello}, "object 1: it has no class"},
+      {{object(2, ""), "<dict><key>$classname</key><true/></dict>"}, "object 1: the record of its class has no name"},
+      {{object(2, ""), classRecord("Hidden")}, "object 1: no class \"Hidden\" is known to archives"},
+      {{object(2, ""), classRecord("NSArray")}, "object 1: there is no array under \"NS.objects\""},
+      {{object(2, key("NS.objects", uid(0))), classRecord("NSArray")}, "under \"NS.objects\" is no array"},
+      {{object(2, key("NS.objects", "<array><true/></array>")), classRecord("NSArray")}, "a value is no reference"},
+      {{object(2, key("NS.objects", references({0}))), classRecord("NSSet")}, "object 1: a collection holds null"},
+      {{object(2, key("NS.objects", references({1}))), classRecord("NSArray")}, "object 1 holds itself"},
+      {{object(2, key("NS.objects", references({2}))), classRecord("NSSet")}, "a class stands where an object should"},
+      {{object(2, key("NS.objects", empty)), classRecord("NSDictionary")}, "there is no array under \"NS.keys\""},
+      {{object(2, key("NS.objects", empty) + key("NS.keys", references({3}))), classRecord("NSDictionary"), hello},
+       "a dictionary of 1 keys and 0 values"},
+      {{object(2, key("NS.keys", references({3})) + key("NS.objects", references({3}))), classRecord("NSDictionary"),
+        object(4, ""), classRecord("Node")},
+       "keys that are none"},
+      {{object(2, key("NS.object.1", uid(3))), classRecord("NSOrderedSet"), hello}, "a number is missing"},
+      {{object(2, key("NS.uuidbytes", "<data>AAAA</data>")), classRecord("NSUUID")}, "identifier of 16 bytes"},
+      {{object(2, key("NS.time", "<integer>1</integer>")), classRecord("NSDate")}, "\"NS.time\" is no real"},
+      {{object(2, ""), classRecord("NSDate")}, "\"NS.time\" is no real"},
+      {{object(2, ""), classRecord("NSURL")}, "\"NS.relative\" is no NSString"},
+      {{object(2, key("NS.relative", uid(3)) + key("NS.base", uid(3))), classRecord("NSURL"), hello},
+       "\"NS.base\" is no NSURL"},
+      {{object(2, key("NS.relative", uid(3)) + key("NS.base", uid(1))), classRecord("NSURL"), hello}, "holds itself"},
+      {{object(2, ""), classRecord("NSNumber")}, "a number with a class of its own"},
+      {{object(2, ""), classRecord("NSMutableString")}, "\"NS.string\" is no NSString"},
+      {{object(2, ""), classRecord("NSMutableData")}, "\"NS.data\" is no NSData"},
+      {{object(2, key("NSString", uid(3)) + key("NSAttributes", uid(3))), classRecord("NSAttributedString"), hello},
+       "attributes that do not fit the text"},
+      {{empty}, "a reference or an array stands where an object should"},
+      {{uid(1)}, "a reference or an array stands where an object should"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.error);
+    const std::string error = failureOf(xmlArchive(row.objects));
+    EXPECT_TRUE(saysWhy(error, row.error));
+  }
+}
+
+}  // namespace
+}  // namespace havrin

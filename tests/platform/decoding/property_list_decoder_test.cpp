@@ -1,0 +1,87 @@
+#include <HavrinFoundation/platform/decoding/property_list_decoder.h>
+
+#include <map>
+
+#include "../../testing.h"
+
+namespace {
+
+using namespace havrin;
+
+struct Station {
+  std::string name;
+  std::optional<std::int64_t> plays;
+  std::vector<double> shares;
+  bool favourite = false;
+
+  using Fields = FieldList<Field<"name", &Station::name>, Field<"plays", &Station::plays>,
+                           Field<"shares", &Station::shares>, Field<"favourite", &Station::favourite>>;
+};
+
+PropertyList dictionary(std::vector<PropertyList::Dictionary::Entry> entries) {
+  return PropertyList(PropertyList::Dictionary(std::move(entries)));
+}
+
+TEST(PropertyListDecoder, DecodesBothForms) {
+  const std::string xml =
+      "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>name</key><string>Á</string>"
+      "<key>shares</key><array><integer>1</integer><real>0.5</real></array><key>favourite</key><true/></dict></plist>";
+  const auto bytes = std::as_bytes(std::span(xml));
+  const auto list = readPropertyList(bytes);
+  ASSERT_TRUE(list);
+  const PropertyListDecoder decoder;
+  for (const Station& station : {decoder.decode<Station>(bytes), decoder.decode<Station>(*list),
+                                 decoder.decode<Station>(binaryPropertyList(*list))}) {
+    EXPECT_EQ(station.name, "Á");
+    EXPECT_EQ(station.plays, std::nullopt);
+    EXPECT_EQ(station.shares, (std::vector<double>{1, 0.5}));
+    EXPECT_TRUE(station.favourite);
+  }
+}
+
+TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
+  const auto infinity = std::numeric_limits<double>::infinity();
+  const auto nan = std::numeric_limits<double>::quiet_NaN();
+  const struct {
+    PropertyList list;
+    const char *error, *why;
+  } rows[] = {
+      {PropertyList(7), "none", "an integer"},
+      {PropertyList(7.5), "dataCorrupted at the top level: expected a 64-bit integer, found the number 7.5",
+       "a fraction"},
+      {PropertyList(nan), "dataCorrupted at the top level: expected a 64-bit integer, found the number nan",
+       "no number"},
+      {PropertyList("7"), "typeMismatch at the top level: expected a 64-bit integer, found the string \"7\"", "text"},
+      {PropertyList(Date()), "typeMismatch at the top level: expected a 64-bit integer, found a date", "a date"},
+      {PropertyList(PropertyList::UID{1}),
+       "typeMismatch at the top level: expected a 64-bit integer, found a reference", "a reference"},
+      {dictionary({}), "typeMismatch at the top level: expected a 64-bit integer, found an object", "a dictionary"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto decoded = PropertyListDecoder().tryDecode<std::int64_t>(row.list);
+    EXPECT_EQ(decoded ? "none" : decoded.error().description(), row.error);
+  }
+  const PropertyList largest(std::numeric_limits<std::uint64_t>::max());
+  EXPECT_EQ(PropertyListDecoder().decode<std::uint64_t>(largest), std::numeric_limits<std::uint64_t>::max());
+  EXPECT_EQ(PropertyListDecoder().decode<double>(PropertyList(infinity)), infinity);
+  EXPECT_EQ(PropertyListDecoder().decode<float>(PropertyList(infinity)), std::numeric_limits<float>::infinity());
+  EXPECT_FALSE(PropertyListDecoder().tryDecode<float>(PropertyList(1e300)));
+}
+
+TEST(PropertyListDecoder, SaysWhatFailedAndWhere) {
+  const auto list = dictionary({{"a", PropertyList(PropertyList::Array{PropertyList(1), PropertyList("x")})}});
+  const auto outcome = PropertyListDecoder().tryDecode<std::map<std::string, std::vector<int>>>(list);
+  ASSERT_FALSE(outcome);
+  EXPECT_EQ(outcome.error().description(), "typeMismatch at a[1]: expected a 32-bit integer, found the string \"x\"");
+  EXPECT_EQ(PropertyListDecoder().tryDecode<Station>(list).error().description(),
+            "keyNotFound at the top level: no value for the key \"name\"");
+  EXPECT_FALSE((PropertyListDecoder().tryDecode<std::map<std::string, int>>(PropertyList(1))));
+  const std::string garbage = "no property list";
+  const auto refused = PropertyListDecoder().tryDecode<int>(std::as_bytes(std::span(garbage)));
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().kind(), DecodingError::Kind::dataCorrupted);
+  EXPECT_EQ(refused.error().detail().substr(0, 33), "the document is no property list:");
+}
+
+}  // namespace

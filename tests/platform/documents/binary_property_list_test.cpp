@@ -1,0 +1,160 @@
+#include <HavrinFoundation/platform/documents/binary_property_list.h>
+
+#include <cmath>
+
+#include "../../testing.h"
+#include "property_list_samples.h"
+
+namespace {
+
+using namespace havrin;
+using samples::Binary;
+using samples::hexadecimal;
+using List = PropertyList;
+
+TEST(BinaryPropertyList, ReadsEveryKindOfObject) {
+  const struct {
+    std::string_view object;
+    List value;
+    std::string_view why;
+  } rows[] = {
+      {"09", List(true), "true"},
+      {"10 FF", List(255), "one byte is unsigned"},
+      {"12 FF FF FF FF", List(4294967295), "four bytes are unsigned"},
+      {"13 FF FF FF FF FF FF FF FF", List(-1), "eight bytes are signed"},
+      {"14 00 00 00 00 00 00 00 00 80 00 00 00 00 00 00 00", List(std::uint64_t{1} << 63), "sixteen bytes, unsigned"},
+      {"14 FF FF FF FF FF FF FF FF 80 00 00 00 00 00 00 00", List(INT64_MIN), "sixteen bytes, negative"},
+      {"22 3F 80 00 00", List(1.0), "a narrow real"},
+      {"42 00 FF", List(List::Data{std::byte{0}, std::byte{255}}), "data"},
+      {"5F 11 00 02 61 00", List(std::string("a\0", 2)), "a zero in a text, a wide size"},
+      {"62 D8 3D DC 4D", List("\U0001F44D"), "a surrogate pair"},
+      {"62 D8 3D 00 61", List("\uFFFDa"), "half of one"},
+      {"80 07", List(List::UID{7}), "a UID"},
+      {"82 01 00 00", List(List::UID{65536}), "a UID of an odd width"},
+      {"A0", List(List::Array{}), "an empty array"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto read = readPropertyList(Binary{{row.object}}.bytes());
+    ASSERT_TRUE(read) << read.error().description();
+    EXPECT_TRUE(*read == row.value);
+  }
+  const auto wide = Binary{{"A1 00 00 01", "51 61"}, 0, 3, 5}.bytes();
+  EXPECT_TRUE(*readPropertyList(wide) == samples::array("a")) << "references of three bytes, offsets of five";
+}
+
+TEST(BinaryPropertyList, SaysWhatIsWrongAndAtWhichByte) {
+  const struct {
+    Binary binary;
+    std::string_view error;
+  } rows[] = {
+      {{{"00"}}, "byte 8: a null or a filler, which is no value"},
+      {{{"15 00"}}, "byte 8: an integer of an unknown width"},
+      {{{"14 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00"}}, "byte 8: an integer of more than 64 bits"},
+      {{{"14 00 00 00 00 00 00 00 01"}}, "byte 8: an object that ends behind the objects"},
+      {{{"21 00 00"}}, "byte 8: a real of an unknown width"},
+      {{{"5F"}}, "byte 8: an object that ends behind the objects"},
+      {{{"5F 51 61"}}, "byte 8: a size that is no integer"},
+      {{{"5F 13 FF FF FF FF FF FF FF FF 61"}}, "byte 8: an object that ends behind the objects"},
+      {{{"51 E9"}}, "byte 8: a text that is marked as ASCII and is not"},
+      {{{"88 00 00 00 00 00 00 00 00 01"}}, "byte 8: a UID of more than 64 bits"},
+      {{{"71 61"}}, "byte 8: an object of an unknown kind"},
+      {{{"A1 01"}}, "byte 8: a reference to no object"},
+      {{{"D1 01 01", "09"}}, "byte 8: a key that is no text"},
+      {{{"A1 01", "D1 02 00", "51 61"}}, "byte 8: an object that holds itself"},
+      {{{}}, "byte 32: a table of offsets outside the data"},
+      {{{"09"}, 1}, "byte 26: an outermost object that is not there"},
+      {{{"09"}, 0, 9}, "byte 17: references of an unknown width"},
+      {{{"09"}, 0, 1, 0}, "byte 15: offsets of an unknown width"},
+      {{{"09", ""}}, "byte 19: more objects than bytes"},
+      {{{"A1 01", ""}}, "byte 11: an offset outside the objects"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.error);
+    const auto read = readPropertyList(row.binary.bytes());
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().description(), row.error);
+  }
+}
+
+TEST(BinaryPropertyList, RefusesObjectsThatOverlap) {
+  std::string text = "bplist00";
+  Binary::appendHexadecimal(text, "A3 01 02 03 52 61 61");
+  text += std::string("\x08\x0C\x0C\x0C", 4);  // three objects that are one in truth
+  Binary::append(text, 0x0101, 8);
+  for (const unsigned value : {4U, 0U, 15U}) Binary::append(text, value, 8);
+  EXPECT_EQ(readPropertyList(samples::bytesOf(text)).error().reason, "objects that overlap");
+}
+
+std::vector<std::byte> nested(std::size_t depth) {
+  std::vector<std::string> objects;
+  for (std::size_t i = 1; i < depth; ++i) objects.push_back("A1 " + hexadecimal(i, 6));
+  objects.emplace_back("A0");
+  return Binary{{objects.begin(), objects.end()}, 0, 3, 4}.bytes();
+}
+
+TEST(BinaryPropertyList, BoundsTheNesting) {
+  EXPECT_TRUE(readPropertyList(nested(List::kDeepestNesting)));
+  EXPECT_EQ(readPropertyList(nested(List::kDeepestNesting + 1)).error().reason, "an object that nests too deep");
+  EXPECT_FALSE(readPropertyList(nested(1'000'000)));
+}
+
+TEST(BinaryPropertyList, BoundsWhatSharedPartsStandFor) {
+  // Sixty arrays, each holding the next one twice.
+  std::vector<std::string> objects;
+  for (std::size_t i = 1; i < 60; ++i) objects.push_back("A2 " + hexadecimal(i, 2) + hexadecimal(i, 2));
+  objects.emplace_back("09");
+  EXPECT_EQ(readPropertyList(Binary{{objects.begin(), objects.end()}}.bytes()).error().reason,
+            "shared parts that stand for too much");
+  // A thousand dictionaries under one long key: keys are copied.
+  objects = {"AF 11 03 E8 ", "5F 12 00 01 00 00 " + samples::repeated("61", 65536)};
+  for (std::size_t i = 0; i < 1000; ++i) {
+    objects[0] += hexadecimal(i + 2, 4);
+    objects.emplace_back("D1 00 01 00 01");
+  }
+  EXPECT_EQ(readPropertyList(Binary{{objects.begin(), objects.end()}, 0, 2, 4}.bytes()).error().reason,
+            "shared parts that stand for too much");
+}
+
+TEST(BinaryPropertyList, SurvivesEveryDamage) {
+  for (const auto& [name, value] : samples::all()) {
+    if (name == "many" || name == "data" || name == "texts") continue;
+    const auto whole = binaryPropertyList(value);
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+      EXPECT_FALSE(readPropertyList({whole.data(), size})) << name << " cut to " << size;
+    }
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+      auto damaged = whole;
+      for (int byte = 0; byte < 256; ++byte) {
+        damaged[at] = static_cast<std::byte>(byte);
+        if (const auto read = readPropertyList(damaged)) {
+          const auto again = readPropertyList(binaryPropertyList(*read));
+          ASSERT_TRUE(again) << name << ", byte " << at << " as " << byte;
+        }
+      }
+    }
+  }
+}
+
+TEST(BinaryPropertyList, GivesObjectsByNumberAsTheyStand) {
+  const auto bytes = Binary{{"D1 01 02", "51 6B", "A2 03 01", "61 D8 3D"}}.bytes();
+  const auto list = BinaryPropertyList::fromData(bytes);
+  ASSERT_TRUE(list);
+  EXPECT_EQ(list->objectCount(), 4U);
+  const auto top = list->object(list->topObject());
+  ASSERT_TRUE(top);
+  EXPECT_EQ(top->kind(), BinaryObject::Kind::dictionary);
+  EXPECT_EQ(list->object(top->key(0))->asciiText(), "k");
+  const auto array = list->object(top->value(0));
+  EXPECT_EQ(array->count(), 2U);
+  EXPECT_EQ(array->element(1), 1U);
+  const auto half = list->object(array->element(0));
+  EXPECT_EQ(half->utf16Text(), std::u16string(1, 0xD83D)) << "as it stands";
+  EXPECT_EQ(half->text(), "\uFFFD");
+  std::uint64_t sum = 0;
+  for (std::uint64_t i = 0; i < list->objectCount(); ++i) sum += list->object(i)->encodedSize();
+  EXPECT_EQ(sum, list->objectBytes());
+  EXPECT_FALSE(list->object(4));
+}
+
+}  // namespace

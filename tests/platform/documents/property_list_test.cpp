@@ -1,0 +1,191 @@
+#include <HavrinFoundation/platform/documents/property_list.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "../../testing.h"
+#include "property_list_samples.h"
+
+namespace {
+
+using namespace havrin;
+using samples::bytesOf;
+using samples::repeated;
+using List = PropertyList;
+
+std::vector<std::byte> fileBytes(const std::filesystem::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return bytesOf(std::string(std::istreambuf_iterator<char>(stream), {}));
+}
+
+PropertyListResult<List> readXml(std::string_view inside) {
+  return readPropertyList(bytesOf("<plist version=\"1.0\">" + std::string(inside) + "</plist>"));
+}
+
+TEST(PropertyList, ReadsWhatAnotherWriterWrote) {
+  for (const auto& [name, value] : samples::all()) {
+    for (const char* form : {".bplist", ".xml"}) {
+      const auto path = std::filesystem::path(HAVRIN_FIXTURES) / (name + form);
+      SCOPED_TRACE(path);
+      if (name == "many") continue;  // too large to be kept
+      const auto read = readPropertyList(fileBytes(path));
+      ASSERT_TRUE(read) << read.error().description();
+      EXPECT_TRUE(*read == value);
+    }
+  }
+}
+
+// What stands in the folder afterwards is looked at by property_list_oracle.py.
+TEST(PropertyList, ReadsWhatItWrote) {
+  const std::filesystem::path folder = HAVRIN_WRITTEN;
+  std::filesystem::create_directories(folder);
+  for (const auto& [name, value] : samples::all()) {
+    SCOPED_TRACE(name);
+    const auto bytes = binaryPropertyList(value);
+    std::ofstream(folder / (name + ".bplist"), std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    const auto read = readPropertyList(bytes);
+    ASSERT_TRUE(read) << read.error().description();
+    EXPECT_TRUE(*read == value);
+    EXPECT_EQ(binaryPropertyList(*read), bytes);
+  }
+}
+
+TEST(PropertyList, TellsKindsApart) {
+  EXPECT_FALSE(List(1) == List(1.0));
+  EXPECT_FALSE(List(1) == List(true));
+  EXPECT_FALSE(List("a") == List(bytesOf("a")));
+  EXPECT_TRUE(List(7U) == List(std::int64_t{7}));
+  EXPECT_EQ(List(UINT64_MAX).integer(), std::nullopt);
+  EXPECT_EQ(List(UINT64_MAX).unsignedInteger(), UINT64_MAX);
+  EXPECT_EQ(List(-1).unsignedInteger(), std::nullopt);
+}
+
+TEST(PropertyList, KeepsOneValueUnderAKey) {
+  List::Dictionary entries({{"b", List(1)}, {"a", List(2)}, {"b", List(3)}});
+  ASSERT_EQ(entries.entries().size(), 2U);
+  EXPECT_TRUE(*entries.find("b") == List(1)) << "the first counts";
+  entries.set("b", List(4));
+  entries.set("aa", List(5));
+  EXPECT_TRUE(entries == List::Dictionary({{"aa", List(5)}, {"a", List(2)}, {"b", List(4)}}));
+  EXPECT_EQ(entries.find("c"), nullptr);
+}
+
+TEST(PropertyList, ReadsXmlByItsRules) {
+  const struct {
+    std::string_view xml;
+    List value;
+    std::string_view why;
+  } rows[] = {
+      {"<integer> +7\n</integer>", List(7), "blanks and a plus"},
+      {"<integer>-0x10</integer>", List(-16), "hexadecimal digits"},
+      {"<real>-Infinity</real>", List(-HUGE_VAL), "infinity"},
+      {"<string>a&lt;&#233;<!-- b --><![CDATA[<c>]]></string>", List("a<\u00E9<c>"), "everything that writes text"},
+      {"<data> YQ = = </data>", List(bytesOf("a")), "blanks in base64"},
+      {"<dict><key>a</key><true/><key>a</key><false/></dict>", samples::dictionary({{"a", List(true)}}),
+       "the first of two keys"},
+      {"<dict><key>CF$UID</key><integer>3</integer></dict>", List(List::UID{3}), "a UID"},
+      {"<dict><key>CF$UID</key><integer>-3</integer></dict>", samples::dictionary({{"CF$UID", List(-3)}}),
+       "no UID is negative"},
+      {"<dict><key>CF$UID</key><integer>3</integer><key>a</key><true/></dict>",
+       samples::dictionary({{"CF$UID", List(3)}, {"a", List(true)}}), "a UID stands alone"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.why);
+    const auto read = readXml(row.xml);
+    ASSERT_TRUE(read) << read.error().description();
+    EXPECT_TRUE(*read == row.value);
+  }
+  for (const std::string_view whole : {"<array/>", "\xEF\xBB\xBF<array/>",
+                                       "<?xml version='1.0' encoding='ISO-8859-1'?>\n<!DOCTYPE plist SYSTEM 'x'>"
+                                       "<!-- \xE9 --><plist><array>\n</array></plist>"}) {
+    const auto read = readPropertyList(bytesOf(whole));
+    EXPECT_TRUE(read && *read == List(List::Array())) << whole;
+  }
+}
+
+TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
+  const struct {
+    std::string_view xml, error;
+  } rows[] = {
+      {"\n<dict><key>a</key></dict>", "line 2: a key without a value"},
+      {"<dict><true/></dict>", "line 1: a value without a key"},
+      {"<array><key>a</key></array>", "line 1: a key outside a dictionary"},
+      {"<true/>\n\n<true/>", "line 3: more than one value"},
+      {"", "line 1: no value"},
+      {"<set/>", "line 1: an element that property lists do not have"},
+      {"<string><true/></string>", "line 1: an element inside text"},
+      {"<array>a</array>", "line 1: text between elements"},
+      {"<integer>1.5</integer>", "line 1: an integer that is no number of 64 bits"},
+      {"<integer>18446744073709551616</integer>", "line 1: an integer that is no number of 64 bits"},
+      {"<integer>--1</integer>", "line 1: an integer that is no number of 64 bits"},
+      {"<real>+-1</real>", "line 1: a real that is no number"},
+      {"<date>2023-02-29T00:00:00Z</date>", "line 1: a date that is none"},
+      {"<date>2024-01-01 00:00:00Z</date>", "line 1: a date that is none"},
+      {"<data>Y=Q=</data>", "line 1: data that is no base64"},
+      {"<data>YQ==YQ==</data>", "line 1: data that is no base64"},
+      {"<string>\xFF</string>", "line 1: not well-formed (invalid token)"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.xml);
+    const auto read = readXml(row.xml);
+    ASSERT_FALSE(read);
+    EXPECT_EQ(read.error().description(), row.error);
+  }
+  const struct {
+    std::string_view whole, error;
+  } wholes[] = {
+      {"", "line 1: the data is empty"},
+      {"<?xml version=\"1.0\"?>", "line 1: no element found"},
+      {"<plist>\n<dict>\n<key>a</key>\n", "line 4: an element that is not closed"},
+      {"<string>a", "line 1: an element that is not closed"},
+      {"{ a = b; }", "line 1: not well-formed (invalid token)"},
+      {"bplist00", "byte 8: the data ends before its trailer"},
+      {"<!DOCTYPE plist [\n<!ENTITY a 'aaaa'>]><plist><string>&a;</string></plist>", "line 2: an entity is declared"},
+  };
+  for (const auto& row : wholes) {
+    const auto read = readPropertyList(bytesOf(row.whole));
+    ASSERT_FALSE(read) << row.whole;
+    EXPECT_EQ(read.error().description(), row.error);
+  }
+}
+
+TEST(PropertyList, BoundsTheNestingOfXml) {
+  const auto nested = [](std::size_t depth) {
+    return readXml(repeated("<array>", depth) + repeated("</array>", depth));
+  };
+  EXPECT_TRUE(nested(List::kDeepestNesting));
+  EXPECT_EQ(nested(List::kDeepestNesting + 1).error().reason, "an element that nests too deep");
+  EXPECT_FALSE(nested(1'000'000));
+}
+
+TEST(PropertyList, IsComparedAndReleasedInBoundedStack) {
+  const auto nested = [](int innermost) {
+    List list(innermost);
+    for (int i = 0; i < 100'000; ++i) list = samples::array(1, samples::dictionary({{"a", list}}));
+    return list;
+  };
+  const List deep = nested(1);
+  EXPECT_EQ(deep, nested(1));
+  EXPECT_NE(deep, nested(2));
+}
+
+TEST(PropertyList, SharesWhatIsSharedAndWritesItOnce) {
+  const List inner = samples::array(std::string(1000, 'x'), 1);
+  List doubled = inner;
+  for (int i = 0; i < 16; ++i) doubled = samples::array(doubled, doubled);
+  const auto bytes = binaryPropertyList(doubled);
+  EXPECT_LT(bytes.size(), 1200U);
+  const auto small = readPropertyList(binaryPropertyList(samples::array(inner, inner)));
+  ASSERT_TRUE(small);
+  EXPECT_EQ((*small->array())[0].array(), (*small->array())[1].array());
+  List left = inner;
+  const List taken = std::move(left);
+  EXPECT_EQ(taken.array(), inner.array());
+  EXPECT_EQ(binaryPropertyList(left), binaryPropertyList(List(false)));  // NOLINT(bugprone-use-after-move)
+  // 65536 times a thousand bytes are more than a thousand bytes may stand for.
+  EXPECT_EQ(readPropertyList(bytes).error().reason, "shared parts that stand for too much");
+}
+
+}  // namespace
