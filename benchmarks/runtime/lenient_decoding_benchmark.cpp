@@ -259,40 +259,35 @@ class Row {
 // Not inlined, so that the calls stay virtual.
 [[gnu::noipa]] std::unique_ptr<Row> hiddenRow(int badPercent) { return std::make_unique<Row>(badPercent); }
 
-class RowSource final : public UnkeyedSource {
+class RowSource final : public DecodingSource {
  public:
   explicit RowSource(int badPercent) : badPercent_(badPercent) {}
-  std::optional<std::size_t> count() const override { return kElements; }
-  bool isAtEnd() const override { return index_ == kElements; }
-  std::size_t currentIndex() const override { return static_cast<std::size_t>(index_); }
-  SourceBox<ValueSource> current() override { return Anything(); }
-  Decoded<void> advance() override {
-    ++index_;
+  Found kind(Value) const override { return Found::array; }
+  void read(Value, ScalarTarget& target) const override { target.refuse(Found::string); }
+  std::vector<std::string> allKeys(Value) const override { return {}; }
+  Decoded<Value> find(ObjectCursor&, std::string_view) const override { return kNone; }
+  std::optional<std::size_t> count(Value) const override { return kElements; }
+  Value first(Value) const override { return 0; }
+  bool isAtEnd(const ArrayCursor& cursor) const override { return cursor.at == kElements; }
+  Decoded<Value> current(const ArrayCursor& cursor) const override { return cursor.at; }
+  Decoded<void> advance(ArrayCursor& cursor) const override {
+    ++cursor.at;
     return {};
   }
-  void read(ScalarTarget& target) override {
-    if (isBad(index_, badPercent_)) return target.refuse(Found::string);
-    target.putInteger(std::int64_t{index_++});
+  void readElement(ArrayCursor& cursor, ScalarTarget& target) const override {
+    if (isBad(static_cast<int>(cursor.at), badPercent_)) return target.refuse(Found::string);
+    target.putInteger(static_cast<std::int64_t>(cursor.at++));
   }
 
  private:
-  class Anything final : public ValueSource {
-   public:
-    bool isNull() const override { return false; }
-    void read(ScalarTarget& target) const override { target.refuse(Found::string); }
-    SourceBox<KeyedSource> keyed() const override { return DecodingError::valueNotFound("an object"); }
-    SourceBox<UnkeyedSource> unkeyed() const override { return DecodingError::valueNotFound("an array"); }
-  };
-
-  int index_ = 0;
   int badPercent_;
 };
 
 void loopOurs(benchmark::State& state, int badPercent) {
   for (auto _ : state) {
-    const UserInfo none;
-    Decoder root(SourceBox<ValueSource>(detail::nullSource()), none);
-    UnkeyedDecodingContainer container(SourceBox<UnkeyedSource>(RowSource(badPercent)), root.place());
+    const RowSource source(badPercent);
+    Decoder decoder(source, 0);
+    auto container = decoder.unkeyedContainer();
     auto values = decodeSkippingInvalidElements<std::int64_t>(container);
     require(values.size() == static_cast<std::size_t>(goodElements(badPercent)));
     benchmark::DoNotOptimize(values.data());

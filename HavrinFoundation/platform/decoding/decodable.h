@@ -92,42 +92,48 @@ namespace detail {
 template <class T>
 inline constexpr std::size_t kReservedElements = (std::size_t{64} << 20) / sizeof(T);
 
+// Decodes a member that is not a scalar.
 template <class T>
-ErrorHolder decodeMember(const KeyedContainerCore& container, std::string_view name, T& member) {
+ErrorHolder decodeMember(const void* container, std::string_view key, void* member) {
+  const auto& core = *static_cast<const KeyedContainerCore*>(container);
+  auto value = [&] {
+    if constexpr (kIsOptional<T>)
+      return core.decodeIfPresent<typename T::value_type>(key);
+    else
+      return core.decode<T>(key);
+  }();
+  if (!value) return std::move(value.failure());
+  *static_cast<T*>(member) = *std::move(value);
+  return {};
+}
+
+template <class T>
+DecodingSource::Field fieldOf(std::string_view key, T& member) {
   if constexpr (DecodableScalar<T>) {
-    return container.readInto(name, member);
+    return {key, ScalarTarget::typeOf<T>(), &member, nullptr};
   } else {
-    auto value = [&] {
-      if constexpr (kIsOptional<T>)
-        return container.decodeIfPresent<typename T::value_type>(name);
-      else
-        return container.decode<T>(name);
-    }();
-    if (!value) return std::move(value.failure());
-    member = *std::move(value);
-    return {};
+    return {key, {}, &member, decodeMember<T>};
   }
 }
 
 template <class T, class... Fields>
 ErrorHolder decodeMembers(const KeyedContainerCore& container, T& value, FieldList<Fields...>) {
-  ErrorHolder failure;
-  static_cast<void>(((failure = decodeMember(container, Fields::kName, value.*Fields::kMember), !failure) && ...));
-  return failure;
+  const DecodingSource::Field fields[] = {fieldOf(Fields::kName, value.*Fields::kMember)...};
+  return container.readFields(fields);
 }
 
 template <class Elements>
 Decoded<Elements> decodeElements(Decoder& decoder) {
   using Element = typename Elements::value_type;
   Decoded<Elements> elements(std::in_place);
-  UnkeyedDecodingContainer container(decoder);
-  if (!container.opened()) {
-    elements.fail(std::move(container.opened().failure()));
+  auto container = UnkeyedDecodingContainer::of(decoder);
+  if (!container) {
+    elements.fail(std::move(container.failure()));
     return elements;
   }
-  elements->reserve(std::min(container.count().value_or(0), kReservedElements<Element>));
-  while (!container.isAtEnd()) {
-    auto element = container.template tryDecode<Element>();
+  elements->reserve(std::min(container->count().value_or(0), kReservedElements<Element>));
+  while (!container->isAtEnd()) {
+    auto element = container->template tryDecode<Element>();
     if (!element) {
       elements.fail(std::move(element.failure()));
       break;
@@ -139,11 +145,11 @@ Decoded<Elements> decodeElements(Decoder& decoder) {
 
 template <class Map>
 Decoded<Map> decodeEntries(Decoder& decoder) {
-  KeyedContainerCore container(decoder);
-  if (!container.opened()) return std::move(container.opened().failure());
+  auto container = KeyedContainerCore::of(decoder);
+  if (!container) return std::move(container.failure());
   Map entries;
-  for (std::string& key : container.allKeys()) {
-    auto value = container.template decode<typename Map::mapped_type>(key);
+  for (std::string& key : container->allKeys()) {
+    auto value = container->template decode<typename Map::mapped_type>(key);
     if (!value) return std::move(value.failure());
     entries.try_emplace(std::move(key), *std::move(value));
   }
@@ -155,9 +161,9 @@ Decoded<Map> decodeEntries(Decoder& decoder) {
 template <class T>
 Decoded<T> decodeFields(Decoder& decoder) {
   Decoded<T> value(std::in_place);
-  detail::KeyedContainerCore container(decoder);
-  detail::ErrorHolder failure = container.opened() ? detail::decodeMembers(container, *value, typename T::Fields{})
-                                                   : std::move(container.opened().failure());
+  auto container = detail::KeyedContainerCore::of(decoder);
+  detail::ErrorHolder failure =
+      container ? detail::decodeMembers(*container, *value, typename T::Fields{}) : std::move(container.failure());
   if (failure) value.fail(std::move(failure));
   return value;
 }
@@ -171,7 +177,7 @@ Decoded<T> decodeValue(Decoder& decoder) {
   if constexpr (DecodableScalar<T>) {
     Decoded<T> value(std::in_place);
     ScalarTarget target(*value, decoder.errorDetail());
-    decoder.source().read(target);
+    decoder.source().read(decoder.value(), target);
     if (target.failure()) value.fail(std::move(target.failure()));
     return value;
   } else if constexpr (detail::DecodesByTraits<T>) {
@@ -179,7 +185,7 @@ Decoded<T> decodeValue(Decoder& decoder) {
   } else if constexpr (detail::DecodesByFunction<T>) {
     return T::fromDecoder(decoder.describingErrors());
   } else if constexpr (detail::kIsOptional<T>) {
-    if (decoder.source().isNull()) return T();
+    if (decoder.isNull()) return T();
     auto value = decodeValue<typename T::value_type>(decoder);
     if (!value) return std::move(value.failure());
     return T(*std::move(value));

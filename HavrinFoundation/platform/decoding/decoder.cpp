@@ -8,12 +8,18 @@
 namespace havrin::inline platform {
 namespace {
 
-class NullSource final : public ValueSource {
+class NullSource final : public DecodingSource {
  public:
-  bool isNull() const override { return true; }
-  void read(ScalarTarget& target) const override { target.putNull(); }
-  SourceBox<KeyedSource> keyed() const override { return DecodingError::valueNotFound("an object"); }
-  SourceBox<UnkeyedSource> unkeyed() const override { return DecodingError::valueNotFound("an array"); }
+  Found kind(Value) const override { return Found::null; }
+  void read(Value, ScalarTarget& target) const override { target.putNull(); }
+  // There are no containers.
+  std::vector<std::string> allKeys(Value) const override { return {}; }
+  Decoded<Value> find(ObjectCursor&, std::string_view) const override { return kNone; }
+  std::optional<std::size_t> count(Value) const override { return 0; }
+  Value first(Value) const override { return kNone; }
+  bool isAtEnd(const ArrayCursor&) const override { return true; }
+  Decoded<Value> current(const ArrayCursor&) const override { return kNone; }
+  Decoded<void> advance(ArrayCursor&) const override { return {}; }
 };
 
 detail::Place owned(const detail::Place& parent, std::string_view name, std::int64_t index, const UserInfo* userInfo) {
@@ -38,7 +44,17 @@ CodingPath pathOf(const CodingStep* step) {
   return CodingPath(std::move(keys));
 }
 
-SourceBox<ValueSource> nullSource() { return NullSource(); }
+const DecodingSource& nullSource() {
+  static const NullSource* const source = new NullSource;
+  return *source;
+}
+
+ErrorHolder notContainer(const DecodingSource& source, DecodingSource::Value value, ScalarTarget::Type wanted,
+                         ErrorDetail detail) {
+  ScalarTarget target(wanted, nullptr, detail);
+  source.read(value, target);
+  return std::move(target.failure());
+}
 
 Place Place::inside(std::string_view name) const { return owned(*this, name, -1, step->userInfo); }
 
@@ -48,50 +64,50 @@ Place Place::inside(std::size_t index) const {
 
 Decoded<bool> KeyedContainerCore::contains(std::string_view key) const {
   return captured([&]() -> Decoded<bool> {
-    auto source = source_->find(key);
-    if (source.failure()) return std::move(source.failure());
-    return static_cast<bool>(source);
+    auto value = source_->find(cursor_, key);
+    if (!value) return std::move(value.failure());
+    return *value != DecodingSource::kNone;
   });
 }
 
 Decoded<bool> KeyedContainerCore::decodeNil(std::string_view key) const {
   return withDecoder<bool>(
-      key, [](Decoder& decoder) -> Decoded<bool> { return decoder.source().isNull(); },
+      key, [](Decoder& decoder) -> Decoded<bool> { return decoder.isNull(); },
       [&]() -> Decoded<bool> { return DecodingError::keyNotFound(key); });
 }
 
-Decoded<KeyedContainerCore> KeyedContainerCore::nestedContainer(std::string_view key) const {
-  using Result = Decoded<KeyedContainerCore>;
-  const auto open = [&](Decoder& decoder) -> Result {
-    auto source = decoder.source().keyed();
-    if (!source) return std::move(source.failure());
-    return Result(std::in_place, std::move(source), place_.inside(key));
+// The container of T that the value under `key` is.
+template <class T>
+Decoded<T> KeyedContainerCore::nested(std::string_view key) const {
+  const auto open = [&](Decoder& decoder) -> Decoded<T> {
+    auto container = T::of(decoder);
+    if (!container) return container;
+    return Decoded<T>(std::in_place, decoder.source(), decoder.value(), place_.inside(key));
   };
-  return withDecoder<KeyedContainerCore>(key, open, [&]() -> Result { return DecodingError::keyNotFound(key); });
+  return withDecoder<T>(key, open, [&]() -> Decoded<T> { return DecodingError::keyNotFound(key); });
+}
+
+Decoded<KeyedContainerCore> KeyedContainerCore::nestedContainer(std::string_view key) const {
+  return nested<KeyedContainerCore>(key);
 }
 
 Decoded<UnkeyedDecodingContainer> KeyedContainerCore::nestedUnkeyedContainer(std::string_view key) const {
-  using Result = Decoded<UnkeyedDecodingContainer>;
-  const auto open = [&](Decoder& decoder) -> Result {
-    auto source = decoder.source().unkeyed();
-    if (!source) return std::move(source.failure());
-    return Result(std::in_place, std::move(source), place_.inside(key));
-  };
-  return withDecoder<UnkeyedDecodingContainer>(key, open, [&]() -> Result { return DecodingError::keyNotFound(key); });
+  return nested<UnkeyedDecodingContainer>(key);
 }
 
 Decoded<Decoder> KeyedContainerCore::superDecoder(std::string_view key) const {
   return captured([&]() -> Decoded<Decoder> {
-    auto source = source_->find(key);
-    if (source.failure()) return std::move(source.failure());
-    return Decoded<Decoder>(std::in_place, source ? std::move(source) : nullSource(), place_.inside(key));
+    auto value = source_->find(cursor_, key);
+    if (!value) return std::move(value.failure());
+    const DecodingSource& source = *value == DecodingSource::kNone ? nullSource() : *source_;
+    return Decoded<Decoder>(std::in_place, source, *value, place_.inside(key));
   });
 }
 
 }  // namespace detail
 
-Decoder::Decoder(SourceBox<ValueSource> source, const UserInfo& userInfo)
-    : source_(std::move(source)), place_(owned({}, {}, -1, &userInfo)) {}
+Decoder::Decoder(const DecodingSource& source, DecodingSource::Value value, const UserInfo& userInfo)
+    : source_(&source), value_(value), place_(owned({}, {}, -1, &userInfo)) {}
 
 const UserInfo& Decoder::noUserInfo() {
   static const auto* const none = new UserInfo;
@@ -99,11 +115,7 @@ const UserInfo& Decoder::noUserInfo() {
 }
 
 Decoded<UnkeyedDecodingContainer> Decoder::tryUnkeyedContainer() const {
-  return detail::captured([this]() -> Decoded<UnkeyedDecodingContainer> {
-    UnkeyedDecodingContainer container(*this);
-    if (!container.opened()) return std::move(container.opened().failure());
-    return container;
-  });
+  return detail::captured([this] { return UnkeyedDecodingContainer::of(*this); });
 }
 
 UnkeyedDecodingContainer Decoder::unkeyedContainer() const {
@@ -112,50 +124,46 @@ UnkeyedDecodingContainer Decoder::unkeyedContainer() const {
 
 SingleValueDecodingContainer Decoder::singleValueContainer() { return SingleValueDecodingContainer(*this); }
 
+Decoded<UnkeyedDecodingContainer> UnkeyedDecodingContainer::of(const Decoder& decoder) {
+  if (decoder.source().kind(decoder.value()) != Found::array) {
+    return detail::notContainer(decoder.source(), decoder.value(), ScalarTarget::Type::array, decoder.errorDetail());
+  }
+  return Decoded<UnkeyedDecodingContainer>(std::in_place, decoder.source(), decoder.value(), decoder.place(),
+                                           decoder.errorDetail());
+}
+
 Decoded<bool> UnkeyedDecodingContainer::tryDecodeNil() {
   return passing<bool>([this]() -> Decoded<bool> {
-    auto source = source_->current();
-    if (!source) return std::move(source.failure());
-    if (!source->isNull()) return false;
-    if (auto moved = source_->advance(); !moved) return std::move(moved.failure());
+    auto value = source_->current(cursor_);
+    if (!value) return std::move(value.failure());
+    if (source_->kind(*value) != Found::null) return false;
+    if (auto moved = advance(); !moved) return std::move(moved.failure());
     return true;
   });
 }
 
-Decoded<detail::KeyedContainerCore> UnkeyedDecodingContainer::nestedCore() {
-  using Result = Decoded<detail::KeyedContainerCore>;
-  return passing<detail::KeyedContainerCore>([this]() -> Result {
-    auto value = source_->current();
+template <class T, class Open>
+Decoded<T> UnkeyedDecodingContainer::opening(Open&& open) {
+  return passing<T>([&]() -> Decoded<T> {
+    auto value = source_->current(cursor_);
     if (!value) return std::move(value.failure());
-    auto source = value->keyed();
-    if (!source) return std::move(source.failure());
-    detail::Place place = place_.inside(currentIndex());
-    if (auto moved = source_->advance(); !moved) return std::move(moved.failure());
-    return Result(std::in_place, std::move(source), std::move(place));
+    Decoded<T> opened = open(Decoder(*source_, *value, place_.inside(currentIndex())));
+    if (!opened) return opened;
+    if (auto moved = advance(); !moved) return std::move(moved.failure());
+    return opened;
   });
+}
+
+Decoded<detail::KeyedContainerCore> UnkeyedDecodingContainer::nestedCore() {
+  return opening<detail::KeyedContainerCore>(detail::KeyedContainerCore::of);
 }
 
 Decoded<UnkeyedDecodingContainer> UnkeyedDecodingContainer::tryNestedUnkeyedContainer() {
-  using Result = Decoded<UnkeyedDecodingContainer>;
-  return passing<UnkeyedDecodingContainer>([this]() -> Result {
-    auto value = source_->current();
-    if (!value) return std::move(value.failure());
-    auto source = value->unkeyed();
-    if (!source) return std::move(source.failure());
-    detail::Place place = place_.inside(currentIndex());
-    if (auto moved = source_->advance(); !moved) return std::move(moved.failure());
-    return Result(std::in_place, std::move(source), std::move(place));
-  });
+  return opening<UnkeyedDecodingContainer>(UnkeyedDecodingContainer::of);
 }
 
 Decoded<Decoder> UnkeyedDecodingContainer::trySuperDecoder() {
-  return passing<Decoder>([this]() -> Decoded<Decoder> {
-    auto value = source_->current();
-    if (!value) return std::move(value.failure());
-    detail::Place place = place_.inside(currentIndex());
-    if (auto moved = source_->advance(); !moved) return std::move(moved.failure());
-    return Decoded<Decoder>(std::in_place, std::move(value), std::move(place));
-  });
+  return opening<Decoder>([](Decoder decoder) { return Decoded<Decoder>(std::in_place, std::move(decoder)); });
 }
 
 }  // namespace havrin::inline platform

@@ -7,7 +7,7 @@
 //   }
 #pragma once
 
-#include <HavrinFoundation/platform/decoding/decoding_sources.h>
+#include <HavrinFoundation/platform/decoding/decoding_source.h>
 #include <HavrinFoundation/platform/documents/coding_path.h>
 #include <HavrinFoundation/platform/documents/decoding_error.h>
 #include <HavrinFoundation/platform/export.h>
@@ -90,20 +90,23 @@ T valueOrThrow(Decoded<T>&& outcome, const CodingStep* step) {
   return std::move(outcome).value();
 }
 
-[[nodiscard]] HAVRIN_EXPORT SourceBox<ValueSource> nullSource();
+// A document that is null.
+[[nodiscard]] HAVRIN_EXPORT const DecodingSource& nullSource();
+
+// Why `value` is not the container that is wanted.
+[[nodiscard]] HAVRIN_EXPORT ErrorHolder notContainer(const DecodingSource& source, DecodingSource::Value value,
+                                                     ScalarTarget::Type wanted, ErrorDetail detail);
 
 }  // namespace detail
 
 /// One value of the data, about to be decoded: what a type of the caller's gets.
 class HAVRIN_EXPORT Decoder {
  public:
-  /// A decoder of the outermost value. `userInfo` must outlive it.
-  explicit Decoder(SourceBox<ValueSource> source, const UserInfo& userInfo = noUserInfo());
-  Decoder(SourceBox<ValueSource> source, detail::Place place) : source_(std::move(source)), place_(std::move(place)) {}
-  // A decoder of the value that `open` gives, opened in place. It is no decoder when `open` gave none: see `opened`.
-  template <class Open>
-  Decoder(const detail::CodingStep& step, ErrorDetail detail, Open&& open)
-      : source_(std::forward<Open>(open)()), place_{&step, nullptr}, errorDetail_(detail) {}
+  /// A decoder of one value of `source`, which must outlive it, as must `userInfo`.
+  Decoder(const DecodingSource& source, DecodingSource::Value value, const UserInfo& userInfo = noUserInfo());
+  Decoder(const DecodingSource& source, DecodingSource::Value value, detail::Place place,
+          ErrorDetail detail = ErrorDetail::full)
+      : source_(&source), value_(value), place_(std::move(place)), errorDetail_(detail) {}
 
   [[nodiscard]] CodingPath codingPath() const { return detail::pathOf(place_.step); }
   [[nodiscard]] const UserInfo& userInfo() const { return *place_.step->userInfo; }
@@ -121,8 +124,9 @@ class HAVRIN_EXPORT Decoder {
   /// The value as it is.
   [[nodiscard]] SingleValueDecodingContainer singleValueContainer();
 
-  [[nodiscard]] const ValueSource& source() const { return *source_; }
-  [[nodiscard]] SourceBox<ValueSource>& opened() { return source_; }
+  [[nodiscard]] const DecodingSource& source() const { return *source_; }
+  [[nodiscard]] DecodingSource::Value value() const { return value_; }
+  [[nodiscard]] bool isNull() const { return source_->kind(value_) == Found::null; }
   [[nodiscard]] const detail::Place& place() const { return place_; }
   // What the errors of this decoder and its containers tell: everything, as soon as code of the caller's may see them.
   [[nodiscard]] ErrorDetail errorDetail() const { return errorDetail_; }
@@ -134,7 +138,8 @@ class HAVRIN_EXPORT Decoder {
  private:
   static const UserInfo& noUserInfo();
 
-  SourceBox<ValueSource> source_;
+  const DecodingSource* source_;
+  DecodingSource::Value value_;
   detail::Place place_;
   ErrorDetail errorDetail_ = ErrorDetail::full;
 };
@@ -146,7 +151,7 @@ class HAVRIN_EXPORT SingleValueDecodingContainer {
 
   [[nodiscard]] CodingPath codingPath() const { return decoder_->codingPath(); }
   /// Whether null stands here.
-  [[nodiscard]] bool decodeNil() const { return decoder_->source().isNull(); }
+  [[nodiscard]] bool decodeNil() const { return decoder_->isNull(); }
 
   template <class T>
   [[nodiscard]] T decode() const {

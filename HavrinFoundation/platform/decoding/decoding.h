@@ -20,7 +20,7 @@
 //   template <> struct havrin::DecodingTraits<T>                   for types of others: a `fromDecoder` as above
 //
 // Every operation stands here twice: `decode` throws its error, `tryDecode` gives a `Decoded`. A type that decodes by
-// values is never the cause of an exception. decodable.h holds the rules for types, decoding_sources.h what a format
+// values is never the cause of an exception. decodable.h holds the rules for types, decoding_source.h what a format
 // implements; both come with this header.
 //
 // A decoder and its containers are valid during the call that gave them, on one thread.

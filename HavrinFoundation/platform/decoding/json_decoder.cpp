@@ -6,6 +6,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace havrin::inline platform {
@@ -36,40 +37,8 @@ void readScalar(const JsonTokens& tokens, Token value, ScalarTarget& target) {
   }
 }
 
-DecodingError noContainer(const JsonTokens& tokens, Token value, std::string_view expected) {
-  switch (tokens.kindOf(value)) {
-    case '"':
-      return DecodingError::typeMismatch(expected, Found::string, tokens.unescaped(value));
-    case '{':
-      return DecodingError::typeMismatch(expected, Found::object);
-    case '[':
-      return DecodingError::typeMismatch(expected, Found::array);
-    case 't':
-    case 'f':
-      return DecodingError::typeMismatch(expected, Found::boolean, tokens.textOf(value));
-    case 'n':
-      return DecodingError::valueNotFound(expected);
-    default:
-      return DecodingError::typeMismatch(expected, Found::number, tokens.textOf(value));
-  }
-}
-
-class JsonValue final : public ValueSource {
- public:
-  JsonValue(const JsonTokens& tokens, Token value) : tokens_(&tokens), value_(value) {}
-
-  bool isNull() const override { return tokens_->kindOf(value_) == 'n'; }
-  void read(ScalarTarget& target) const override { readScalar(*tokens_, value_, target); }
-  SourceBox<KeyedSource> keyed() const override;
-  SourceBox<UnkeyedSource> unkeyed() const override;
-
- private:
-  const JsonTokens* tokens_;
-  Token value_;
-};
-
 // The outermost value stands under no key.
-constexpr Token kNone = 0;
+constexpr Token kNoToken = 0;
 
 // The keys of an object in the order of their texts, each with the first value that stands under it.
 struct KeyIndex {
@@ -94,20 +63,40 @@ struct KeyIndex {
   Token find(std::string_view key) const {
     const auto before = [](const Row& row, std::string_view text) { return row.key < text; };
     const auto row = std::lower_bound(rows.begin(), rows.end(), key, before);
-    return row != rows.end() && row->key == key ? row->value : kNone;
+    return row != rows.end() && row->key == key ? row->value : kNoToken;
   }
 
   std::deque<std::string> unescaped;
   std::vector<Row> rows;
 };
 
-class JsonObject final : public KeyedSource {
+// A document over its tokens, which are its values.
+class JsonSource final : public DecodingSource {
  public:
-  JsonObject(const JsonTokens& tokens, Token object)
-      : tokens_(&tokens), object_(object), next_(tokens.firstIn(object)) {}
+  JsonTokens& tokens() { return tokens_; }
+  void forget() { indexes_.clear(); }
 
-  std::vector<std::string> allKeys() const override {
-    auto rows = index().rows;
+  Found kind(Value value) const override {
+    switch (tokens_.kindOf(token(value))) {
+      case '"':
+        return Found::string;
+      case '{':
+        return Found::object;
+      case '[':
+        return Found::array;
+      case 't':
+      case 'f':
+        return Found::boolean;
+      case 'n':
+        return Found::null;
+      default:
+        return Found::number;
+    }
+  }
+  void read(Value value, ScalarTarget& target) const override { readScalar(tokens_, token(value), target); }
+
+  std::vector<std::string> allKeys(Value object) const override {
+    auto rows = index(token(object)).rows;
     std::sort(rows.begin(), rows.end(), [](const auto& left, const auto& right) { return left.value < right.value; });
     std::vector<std::string> keys;
     keys.reserve(rows.size());
@@ -115,38 +104,68 @@ class JsonObject final : public KeyedSource {
     return keys;
   }
 
-  SourceBox<ValueSource> find(std::string_view key) const override {
-    const Token value = valueUnder(key);
-    if (value == kNone) return {};
-    return JsonValue(*tokens_, value);
+  Decoded<Value> find(ObjectCursor& cursor, std::string_view key) const override {
+    const Token value = valueUnder(cursor, key);
+    return value == kNoToken ? kNone : Value{value};
   }
 
-  bool read(std::string_view key, ScalarTarget& target) const override {
-    const Token value = valueUnder(key);
-    if (value == kNone) return false;
-    readScalar(*tokens_, value, target);
+  bool readKey(ObjectCursor& cursor, std::string_view key, ScalarTarget& target) const override {
+    const Token value = valueUnder(cursor, key);
+    if (value == kNoToken) return false;
+    readScalar(tokens_, value, target);
     return true;
   }
 
+  detail::ErrorHolder readFields(ObjectCursor& cursor, std::span<const Field> fields, const void* container,
+                                 ErrorDetail detail) const override {
+    return detail::readFields(*this, cursor, fields, container, detail);
+  }
+
+  std::optional<std::size_t> count(Value array) const override { return tokens_.countOf(token(array)); }
+  Value first(Value array) const override { return JsonTokens::firstIn(token(array)); }
+  bool isAtEnd(const ArrayCursor& cursor) const override { return cursor.at == tokens_.endOf(token(cursor.array)); }
+  Decoded<Value> current(const ArrayCursor& cursor) const override { return cursor.at; }
+  Decoded<void> advance(ArrayCursor& cursor) const override {
+    move(cursor);
+    return {};
+  }
+  void readElement(ArrayCursor& cursor, ScalarTarget& target) const override {
+    readScalar(tokens_, token(cursor.at), target);
+    if (!target.failure()) move(cursor);
+  }
+
  private:
+  static Token token(Value value) { return static_cast<Token>(value); }
+
+  void move(ArrayCursor& cursor) const {
+    cursor.at = tokens_.next(token(cursor.at), tokens_.endOf(token(cursor.array)));
+  }
+
   // Types ask for their keys in the order of the data, as a rule: the search goes on where the last one ended. It may do
   // so unless the key could already have passed, which a mask with one bit for each key passed rules out. Where it could,
   // the walk begins again, since of equal keys the first counts.
-  Token valueUnder(std::string_view key) const {
+  Token valueUnder(ObjectCursor& cursor, std::string_view key) const {
+    auto& [passed, position] = cursor.state;
     const std::uint64_t bit = maskBit(key);
-    if ((passed_ & bit) != 0) return valueAnywhere(key);
-    const Token end = tokens_->endOf(object_);
-    while (next_ != end) {
-      const Token at = next_;
-      next_ = tokens_->next(tokens_->valueOf(at), end);
-      if (tokens_->says(at, key)) {
-        passed_ |= bit;
-        return tokens_->valueOf(at);
+    if ((passed & bit) != 0) return valueAnywhere(cursor, key);
+    const Token object = token(cursor.object);
+    const Token end = tokens_.endOf(object);
+    Token next = passed == 0 ? JsonTokens::firstIn(object) : static_cast<Token>(position);
+    while (next != end) {
+      const Token at = next;
+      next = tokens_.next(JsonTokens::valueOf(at), end);
+      if (tokens_.says(at, key)) {
+        passed |= bit;
+        position = (position & ~kPosition) | next;
+        return JsonTokens::valueOf(at);
       }
-      passed_ |= tokens_->hasEscapes(at) ? ~std::uint64_t{0} : maskBit(tokens_->insideOf(at));
+      passed |= tokens_.hasEscapes(at) ? ~std::uint64_t{0} : maskBit(tokens_.insideOf(at));
     }
-    return kNone;
+    position = (position & ~kPosition) | end;
+    return kNoToken;
   }
+
+  static constexpr std::uint64_t kPosition = 0xFFFF'FFFF;
 
   static std::uint64_t maskBit(std::string_view key) {
     const auto first = static_cast<unsigned char>(key.empty() ? '\0' : key.front());
@@ -154,74 +173,32 @@ class JsonObject final : public KeyedSource {
   }
 
   // An object that is walked over and over gets an index, so that asking for every key is never quadratic.
-  [[gnu::noinline]] Token valueAnywhere(std::string_view key) const {
-    constexpr std::size_t kStepsWithoutIndex = 400;
-    if (steps_ > kStepsWithoutIndex) return index().find(key);
-    const Token end = tokens_->endOf(object_);
-    for (Token at = tokens_->firstIn(object_); at != end; at = tokens_->next(tokens_->valueOf(at), end), ++steps_) {
-      if (tokens_->says(at, key)) return tokens_->valueOf(at);
+  [[gnu::noinline]] Token valueAnywhere(ObjectCursor& cursor, std::string_view key) const {
+    constexpr std::uint64_t kOneStep = std::uint64_t{1} << 32;  // counted above the position
+    constexpr std::uint64_t kStepsWithoutIndex = 400 * kOneStep;
+    const Token object = token(cursor.object);
+    const Token end = tokens_.endOf(object);
+    if (cursor.state[1] > kStepsWithoutIndex) return index(object).find(key);
+    for (Token at = JsonTokens::firstIn(object); at != end; at = tokens_.next(JsonTokens::valueOf(at), end)) {
+      cursor.state[1] += kOneStep;
+      if (tokens_.says(at, key)) return JsonTokens::valueOf(at);
     }
-    return kNone;
+    return kNoToken;
   }
 
-  const KeyIndex& index() const {
-    if (index_ == nullptr) index_ = std::make_unique<const KeyIndex>(*tokens_, object_);
-    return *index_;
+  const KeyIndex& index(Token object) const {
+    const auto found = indexes_.find(object);
+    return found != indexes_.end() ? found->second : indexes_.try_emplace(object, tokens_, object).first->second;
   }
 
-  const JsonTokens* tokens_;
-  Token object_;
-  mutable Token next_;
-  mutable std::uint64_t passed_ = 0;
-  mutable std::size_t steps_ = 0;
-  mutable std::unique_ptr<const KeyIndex> index_;
+  JsonTokens tokens_;
+  mutable std::unordered_map<Token, KeyIndex> indexes_;
 };
-
-class JsonArray final : public UnkeyedSource {
- public:
-  JsonArray(const JsonTokens& tokens, Token array)
-      : tokens_(&tokens), array_(array), at_(tokens.firstIn(array)), end_(tokens.endOf(array)) {}
-
-  std::optional<std::size_t> count() const override { return tokens_->countOf(array_); }
-  bool isAtEnd() const override { return at_ == end_; }
-  std::size_t currentIndex() const override { return index_; }
-  SourceBox<ValueSource> current() override { return JsonValue(*tokens_, at_); }
-  Decoded<void> advance() override {
-    move();
-    return {};
-  }
-  void read(ScalarTarget& target) override {
-    readScalar(*tokens_, at_, target);
-    if (!target.failure()) move();
-  }
-
- private:
-  void move() {
-    at_ = tokens_->next(at_, end_);
-    ++index_;
-  }
-
-  const JsonTokens* tokens_;
-  Token array_;
-  Token at_;
-  Token end_;
-  std::size_t index_ = 0;
-};
-
-SourceBox<KeyedSource> JsonValue::keyed() const {
-  if (tokens_->kindOf(value_) != '{') return noContainer(*tokens_, value_, "an object");
-  return JsonObject(*tokens_, value_);
-}
-
-SourceBox<UnkeyedSource> JsonValue::unkeyed() const {
-  if (tokens_->kindOf(value_) != '[') return noContainer(*tokens_, value_, "an array");
-  return JsonArray(*tokens_, value_);
-}
 
 }  // namespace
 
 struct JSONDecoder::Memory {
-  JsonTokens tokens;
+  JsonSource source;
 };
 
 JSONDecoder::JSONDecoder() = default;
@@ -234,13 +211,14 @@ JSONDecoder::Document::Document(JSONDecoder& decoder)
 
 JSONDecoder::Document::~Document() { decoder_.memory_ = std::move(memory_); }
 
-SourceBox<ValueSource> JSONDecoder::Document::open(std::string_view text) const {
+Decoded<const DecodingSource*> JSONDecoder::Document::open(std::string_view text) const {
   if (text.size() > decoder_.maximumSize) {
     return DecodingError::dataCorrupted("the document has " + std::to_string(text.size()) + " bytes, of which " +
                                         std::to_string(decoder_.maximumSize) + " are allowed");
   }
-  if (auto outcome = memory_->tokens.read(text); !outcome) return std::move(outcome.failure());
-  return JsonValue(memory_->tokens, Token{0});
+  memory_->source.forget();
+  if (auto outcome = memory_->source.tokens().read(text); !outcome) return std::move(outcome.failure());
+  return &memory_->source;
 }
 
 }  // namespace havrin::inline platform

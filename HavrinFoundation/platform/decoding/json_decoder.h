@@ -51,7 +51,7 @@ class HAVRIN_EXPORT JSONDecoder {
     const Document document(*this);
     auto source = document.open(text);
     if (!source) return std::move(source.failure());
-    Decoder decoder(std::move(source), userInfo);
+    Decoder decoder(**source, 0, userInfo);
     return decoder.singleValueContainer().template tryDecode<T>();
   }
   /// What `body` gives for a decoder of the whole document, which is valid until `body` returns.
@@ -61,7 +61,7 @@ class HAVRIN_EXPORT JSONDecoder {
     const Document document(*this);
     auto source = document.open(text);
     if (!source) source.failure().raise();
-    Decoder decoder(std::move(source), userInfo);
+    Decoder decoder(**source, 0, userInfo);
     return std::forward<Body>(body)(decoder);
   }
 
@@ -75,7 +75,7 @@ class HAVRIN_EXPORT JSONDecoder {
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
     ~Document();
-    [[nodiscard]] SourceBox<ValueSource> open(std::string_view text) const;
+    [[nodiscard]] Decoded<const DecodingSource*> open(std::string_view text) const;
 
    private:
     JSONDecoder& decoder_;

@@ -22,17 +22,20 @@ namespace detail {
 // A keyed container with texts for keys: what all key types share. Errors have a path that begins inside this object.
 class HAVRIN_EXPORT KeyedContainerCore {
  public:
-  KeyedContainerCore(SourceBox<KeyedSource> source, Place place)
-      : source_(std::move(source)), place_(std::move(place)) {}
-  // The object that `decoder` stands on, opened in place; `opened` tells whether there is one.
-  explicit KeyedContainerCore(const Decoder& decoder)
-      : source_(decoder.source().keyed()), place_(decoder.place()), errorDetail_(decoder.errorDetail()) {}
-
-  [[nodiscard]] SourceBox<KeyedSource>& opened() { return source_; }
-  [[nodiscard]] ErrorDetail errorDetail() const { return errorDetail_; }
+  // Of a value that is an object.
+  KeyedContainerCore(const DecodingSource& source, DecodingSource::Value object, Place place,
+                     ErrorDetail detail = ErrorDetail::full)
+      : source_(&source), cursor_{object}, place_(std::move(place)), errorDetail_(detail) {}
+  [[nodiscard]] static Decoded<KeyedContainerCore> of(const Decoder& decoder) {
+    if (decoder.source().kind(decoder.value()) != Found::object) {
+      return notContainer(decoder.source(), decoder.value(), ScalarTarget::Type::object, decoder.errorDetail());
+    }
+    return Decoded<KeyedContainerCore>(std::in_place, decoder.source(), decoder.value(), decoder.place(),
+                                       decoder.errorDetail());
+  }
 
   [[nodiscard]] const CodingStep* step() const { return place_.step; }
-  [[nodiscard]] std::vector<std::string> allKeys() const { return source_->allKeys(); }
+  [[nodiscard]] std::vector<std::string> allKeys() const { return source_->allKeys(cursor_.object); }
   [[nodiscard]] Decoded<bool> contains(std::string_view key) const;
   [[nodiscard]] Decoded<bool> decodeNil(std::string_view key) const;
   [[nodiscard]] Decoded<KeyedContainerCore> nestedContainer(std::string_view key) const;
@@ -50,15 +53,21 @@ class HAVRIN_EXPORT KeyedContainerCore {
     if (!read(key, target)) return DecodingError::keyNotFound(key).holder();
     return std::move(target.failure());
   }
+  [[nodiscard]] ErrorHolder readFields(std::span<const DecodingSource::Field> fields) const {
+    return source_->readFields(cursor_, fields, this, errorDetail_);
+  }
 
  private:
   // Hands the value under `key` to `target`. False when: there is no such key.
   [[nodiscard]] bool read(std::string_view key, ScalarTarget& target) const;
+  template <class T>
+  [[nodiscard]] Decoded<T> nested(std::string_view key) const;
   // What `use` gives for a decoder of the value under `key`; what `absent` gives when there is no such key.
   template <class T, class Use, class Absent>
   [[nodiscard]] Decoded<T> withDecoder(std::string_view key, Use&& use, Absent&& absent) const;
 
-  SourceBox<KeyedSource> source_;
+  const DecodingSource* source_;
+  mutable DecodingSource::ObjectCursor cursor_;
   Place place_;
   ErrorDetail errorDetail_ = ErrorDetail::full;
 };
@@ -151,12 +160,13 @@ template <class T, class Use, class Absent>
 Decoded<T> KeyedContainerCore::withDecoder(std::string_view key, Use&& use, Absent&& absent) const {
   bool isMissing = false;
   Decoded<T> outcome = captured([&]() -> Decoded<T> {
+    auto value = source_->find(cursor_, key);
+    if (!value) return std::move(value.failure());
+    isMissing = *value == DecodingSource::kNone;
+    if (isMissing) return absent();
     const CodingStep step{place_.step, key, -1, place_.step->userInfo};
-    Decoder decoder(step, errorDetail_, [&] { return source_->find(key); });
-    if (decoder.opened()) return use(decoder);
-    if (decoder.opened().failure()) return std::move(decoder.opened().failure());
-    isMissing = true;
-    return absent();
+    Decoder decoder(*source_, *value, Place{&step, nullptr}, errorDetail_);
+    return use(decoder);
   });
   if (!outcome && !isMissing) outcome.failure().prepend(key);
   return outcome;
@@ -165,7 +175,7 @@ Decoded<T> KeyedContainerCore::withDecoder(std::string_view key, Use&& use, Abse
 inline bool KeyedContainerCore::read(std::string_view key, ScalarTarget& target) const {
   bool isThere = true;
   try {
-    isThere = source_->read(key, target);
+    isThere = source_->readKey(cursor_, key, target);
   } catch (...) {
     target.fail(ErrorHolder::fromCurrentException());
   }
@@ -204,9 +214,9 @@ Decoded<std::optional<T>> KeyedContainerCore::decodeIfPresent(std::string_view k
 template <CodingKeyType Key>
 Decoded<KeyedDecodingContainer<Key>> Decoder::tryContainer() const {
   return detail::captured([this]() -> Decoded<KeyedDecodingContainer<Key>> {
-    detail::KeyedContainerCore core(*this);
-    if (!core.opened()) return std::move(core.opened().failure());
-    return KeyedDecodingContainer<Key>(std::move(core));
+    auto core = detail::KeyedContainerCore::of(*this);
+    if (!core) return std::move(core.failure());
+    return KeyedDecodingContainer<Key>(*std::move(core));
   });
 }
 

@@ -47,76 +47,38 @@ void readScalar(const PropertyList& list, ScalarTarget& target) {
   }
 }
 
-class ListValue final : public ValueSource {
+// The values are addresses of the lists.
+class ListSource final : public DecodingSource {
  public:
-  explicit ListValue(const PropertyList& list) : list_(&list) {}
+  Found kind(Value value) const override { return foundIn(list(value)); }
+  void read(Value value, ScalarTarget& target) const override { readScalar(list(value), target); }
 
-  bool isNull() const override { return false; }
-  void read(ScalarTarget& target) const override { readScalar(*list_, target); }
-  SourceBox<KeyedSource> keyed() const override;
-  SourceBox<UnkeyedSource> unkeyed() const override;
-
- private:
-  const PropertyList* list_;
-};
-
-class ListDictionary final : public KeyedSource {
- public:
-  explicit ListDictionary(const PropertyList::Dictionary& dictionary) : dictionary_(&dictionary) {}
-
-  std::vector<std::string> allKeys() const override {
+  std::vector<std::string> allKeys(Value object) const override {
     std::vector<std::string> keys;
-    keys.reserve(dictionary_->entries().size());
-    for (const auto& entry : dictionary_->entries()) keys.push_back(entry.key);
+    for (const auto& entry : list(object).dictionary()->entries()) keys.push_back(entry.key);
     return keys;
   }
-  SourceBox<ValueSource> find(std::string_view key) const override {
-    const PropertyList* const value = dictionary_->find(key);
-    if (value == nullptr) return {};
-    return ListValue(*value);
-  }
-  bool read(std::string_view key, ScalarTarget& target) const override {
-    const PropertyList* const value = dictionary_->find(key);
-    if (value == nullptr) return false;
-    readScalar(*value, target);
-    return true;
+  Decoded<Value> find(ObjectCursor& cursor, std::string_view key) const override {
+    const PropertyList* const found = list(cursor.object).valueForKey(key);
+    return found != nullptr ? valueOf(*found) : kNone;
   }
 
- private:
-  const PropertyList::Dictionary* dictionary_;
-};
-
-class ListArray final : public UnkeyedSource {
- public:
-  explicit ListArray(const PropertyList::Array& array) : array_(&array) {}
-
-  std::optional<std::size_t> count() const override { return array_->size(); }
-  bool isAtEnd() const override { return index_ == array_->size(); }
-  std::size_t currentIndex() const override { return index_; }
-  SourceBox<ValueSource> current() override { return ListValue((*array_)[index_]); }
-  Decoded<void> advance() override {
-    ++index_;
+  std::optional<std::size_t> count(Value array) const override { return list(array).array()->size(); }
+  Value first(Value) const override { return 0; }
+  bool isAtEnd(const ArrayCursor& cursor) const override { return cursor.at == list(cursor.array).array()->size(); }
+  Decoded<Value> current(const ArrayCursor& cursor) const override {
+    return valueOf((*list(cursor.array).array())[cursor.at]);
+  }
+  Decoded<void> advance(ArrayCursor& cursor) const override {
+    ++cursor.at;
     return {};
   }
-  void read(ScalarTarget& target) override {
-    readScalar((*array_)[index_], target);
-    if (!target.failure()) ++index_;
-  }
+
+  static Value valueOf(const PropertyList& list) { return reinterpret_cast<Value>(&list); }
 
  private:
-  const PropertyList::Array* array_;
-  std::size_t index_ = 0;
+  static const PropertyList& list(Value value) { return *reinterpret_cast<const PropertyList*>(value); }
 };
-
-SourceBox<KeyedSource> ListValue::keyed() const {
-  if (const auto* const dictionary = list_->dictionary()) return ListDictionary(*dictionary);
-  return DecodingError::typeMismatch("an object", foundIn(*list_));
-}
-
-SourceBox<UnkeyedSource> ListValue::unkeyed() const {
-  if (const auto* const array = list_->array()) return ListArray(*array);
-  return DecodingError::typeMismatch("an array", foundIn(*list_));
-}
 
 }  // namespace
 
@@ -126,6 +88,9 @@ Decoded<PropertyList> PropertyListDecoder::listIn(std::span<const std::byte> byt
   return *std::move(list);
 }
 
-SourceBox<ValueSource> PropertyListDecoder::source(const PropertyList& list) { return ListValue(list); }
+Decoder PropertyListDecoder::decoderOf(const PropertyList& list, const UserInfo& userInfo) {
+  static const ListSource* const source = new ListSource;
+  return Decoder(*source, ListSource::valueOf(list), userInfo);
+}
 
 }  // namespace havrin::inline platform

@@ -55,13 +55,13 @@ class HAVRIN_EXPORT PropertyListDecoder {
   }
   template <class Body>
   std::invoke_result_t<Body, Decoder&> read(const PropertyList& list, Body&& body) const {
-    Decoder decoder(source(list), userInfo);
+    Decoder decoder = decoderOf(list, userInfo);
     return std::forward<Body>(body)(decoder);
   }
 
  private:
   [[nodiscard]] static Decoded<PropertyList> listIn(std::span<const std::byte> bytes);
-  [[nodiscard]] static SourceBox<ValueSource> source(const PropertyList& list);
+  [[nodiscard]] static Decoder decoderOf(const PropertyList& list, const UserInfo& userInfo);
 };
 
 }  // namespace havrin::inline platform

@@ -113,7 +113,7 @@ bool storeChecked(void* scalar, bool isNegative, std::uint64_t magnitude) {
 }  // namespace
 
 std::string_view ScalarTarget::expected() const {
-  static constexpr std::array<std::string_view, 12> kNames = {"a boolean",
+  static constexpr std::array<std::string_view, 14> kNames = {"a boolean",
                                                               "an 8-bit integer",
                                                               "a 16-bit integer",
                                                               "a 32-bit integer",
@@ -124,7 +124,9 @@ std::string_view ScalarTarget::expected() const {
                                                               "an unsigned 64-bit integer",
                                                               "a number",
                                                               "a number",
-                                                              "a string"};
+                                                              "a string",
+                                                              "an object",
+                                                              "an array"};
   return kNames[static_cast<std::size_t>(type_)];
 }
 

@@ -53,7 +53,9 @@ class HAVRIN_EXPORT ScalarTarget {
     uint64,
     float32,
     float64,
-    text
+    text,
+    object,  // a target of these two takes nothing
+    array
   };
 
   template <DecodableScalar T>
@@ -63,8 +65,28 @@ class HAVRIN_EXPORT ScalarTarget {
   template <DecodableScalar T>
   ScalarTarget(T& scalar, bool& isNull, ErrorDetail detail = ErrorDetail::full)
       : scalar_(&scalar), isNull_(&isNull), type_(typeOf<T>()), detail_(detail) {}
+  /// A target of a type that `typeOf` gave, or one that takes nothing: for the error about what is not a container.
+  explicit ScalarTarget(Type type, void* scalar = nullptr, ErrorDetail detail = ErrorDetail::full)
+      : scalar_(scalar), type_(type), detail_(detail) {}
   ScalarTarget(const ScalarTarget&) = delete;
   ScalarTarget& operator=(const ScalarTarget&) = delete;
+
+  /// The type of a scalar.
+  template <DecodableScalar T>
+  [[nodiscard]] static constexpr Type typeOf() {
+    if constexpr (std::same_as<T, std::string>)
+      return Type::text;
+    else if constexpr (std::same_as<T, bool>)
+      return Type::boolean;
+    else if constexpr (std::same_as<T, float>)
+      return Type::float32;
+    else if constexpr (std::same_as<T, double>)
+      return Type::float64;
+    else {
+      constexpr int width = sizeof(T) == 1 ? 0 : sizeof(T) == 2 ? 1 : sizeof(T) == 4 ? 2 : 3;
+      return static_cast<Type>(width + static_cast<int>(std::signed_integral<T> ? Type::int8 : Type::uint8));
+    }
+  }
 
   [[nodiscard]] Type type() const { return type_; }
   /// What the target wants, in words: "an unsigned 16-bit integer".
@@ -94,21 +116,6 @@ class HAVRIN_EXPORT ScalarTarget {
   [[nodiscard]] detail::ErrorHolder& failure() { return failure_; }
 
  private:
-  template <class T>
-  static constexpr Type typeOf() {
-    if constexpr (std::same_as<T, std::string>)
-      return Type::text;
-    else if constexpr (std::same_as<T, bool>)
-      return Type::boolean;
-    else if constexpr (std::same_as<T, float>)
-      return Type::float32;
-    else if constexpr (std::same_as<T, double>)
-      return Type::float64;
-    else {
-      constexpr int width = sizeof(T) == 1 ? 0 : sizeof(T) == 2 ? 1 : sizeof(T) == 4 ? 2 : 3;
-      return static_cast<Type>(width + static_cast<int>(std::signed_integral<T> ? Type::int8 : Type::uint8));
-    }
-  }
   [[nodiscard]] bool isInteger() const { return type_ >= Type::int8 && type_ <= Type::uint64; }
   [[nodiscard]] bool isReal() const { return type_ == Type::float32 || type_ == Type::float64; }
   [[nodiscard]] bool storeInteger(bool isNegative, std::uint64_t magnitude);

@@ -16,21 +16,20 @@ namespace havrin::inline platform {
 /// a container or type nested in it, leaves the position where it was. At the end every decoding is valueNotFound.
 class HAVRIN_EXPORT UnkeyedDecodingContainer {
  public:
-  UnkeyedDecodingContainer(SourceBox<UnkeyedSource> source, detail::Place place)
-      : source_(std::move(source)), place_(std::move(place)) {}
-  // The array that `decoder` stands on, opened in place; `opened` tells whether there is one.
-  explicit UnkeyedDecodingContainer(const Decoder& decoder)
-      : source_(decoder.source().unkeyed()), place_(decoder.place()), errorDetail_(decoder.errorDetail()) {}
-  [[nodiscard]] SourceBox<UnkeyedSource>& opened() { return source_; }
+  // Of a value that is an array.
+  UnkeyedDecodingContainer(const DecodingSource& source, DecodingSource::Value array, detail::Place place,
+                           ErrorDetail detail = ErrorDetail::full)
+      : source_(&source), cursor_{array, source.first(array)}, place_(std::move(place)), errorDetail_(detail) {}
+  [[nodiscard]] static Decoded<UnkeyedDecodingContainer> of(const Decoder& decoder);
 
   [[nodiscard]] CodingPath codingPath() const { return detail::pathOf(place_.step); }
   /// The number of values. Empty when: the format cannot know.
-  [[nodiscard]] std::optional<std::size_t> count() const { return source_->count(); }
+  [[nodiscard]] std::optional<std::size_t> count() const { return source_->count(cursor_.array); }
   [[nodiscard]] bool isAtEnd() const {
-    isBeforeEnd_ = !source_->isAtEnd();
+    isBeforeEnd_ = !source_->isAtEnd(cursor_);
     return !isBeforeEnd_;
   }
-  [[nodiscard]] std::size_t currentIndex() const { return source_->currentIndex(); }
+  [[nodiscard]] std::size_t currentIndex() const { return cursor_.index; }
 
   /// Whether null stands here; then the position moves past it. Throws: valueNotFound at the end.
   [[nodiscard]] bool decodeNil() { return orThrow(tryDecodeNil()); }
@@ -79,14 +78,23 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
   // What `use` gives for the value at the position, with the position in the path of its error. `use` moves on.
   template <class T, class Use>
   [[nodiscard]] Decoded<T> passing(Use&& use);
+  // What `open` makes of a decoder of the value at the position, which is then passed.
+  template <class T, class Open>
+  [[nodiscard]] Decoded<T> opening(Open&& open);
   [[nodiscard]] Decoded<detail::KeyedContainerCore> nestedCore();
+  [[nodiscard]] Decoded<void> advance() {
+    auto moved = source_->advance(cursor_);
+    if (moved) ++cursor_.index;
+    return moved;
+  }
 
   template <class T>
   [[nodiscard]] T orThrow(Decoded<T>&& outcome) const {
     return detail::valueOrThrow(std::move(outcome), place_.step);
   }
 
-  SourceBox<UnkeyedSource> source_;
+  const DecodingSource* source_;
+  DecodingSource::ArrayCursor cursor_;
   detail::Place place_;
   ErrorDetail errorDetail_ = ErrorDetail::full;
   mutable bool isBeforeEnd_ = false;  // known from the last `isAtEnd`, for the position it was asked at
@@ -109,16 +117,21 @@ Decoded<T> UnkeyedDecodingContainer::tryDecode(ErrorDetail detail) {
     if constexpr (DecodableScalar<T>) {
       Decoded<T> scalar(std::in_place);
       ScalarTarget target(*scalar, detail);
-      source_->read(target);
-      if (target.failure()) scalar.fail(std::move(target.failure()));
+      source_->readElement(cursor_, target);
+      if (target.failure()) {
+        scalar.fail(std::move(target.failure()));
+      } else {
+        ++cursor_.index;
+      }
       return scalar;
     } else {
+      const auto element = source_->current(cursor_);
+      if (!element) return element.error();
       const detail::CodingStep step{place_.step, {}, static_cast<std::int64_t>(currentIndex()), place_.step->userInfo};
-      Decoder decoder(step, detail, [this] { return source_->current(); });
-      if (!decoder.opened()) return std::move(decoder.opened().failure());
+      Decoder decoder(*source_, *element, detail::Place{&step, nullptr}, detail);
       Decoded<T> value = decodeValue<T>(decoder);
       if (!value) return value;
-      if (auto moved = source_->advance(); !moved) value.fail(std::move(moved.failure()));
+      if (auto moved = advance(); !moved) value.fail(std::move(moved.failure()));
       return value;
     }
   });

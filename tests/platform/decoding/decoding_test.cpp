@@ -297,7 +297,7 @@ struct Told {
 TEST(Decoder, TellsTypesTheUserInfoAndThePath) {
   const Value value = Object{{"a", Array{1, 2}}};
   const UserInfo info = {{"unit", std::string("km")}};
-  Decoder decoder(ValueValue(value, {}), info);
+  Decoder decoder = decoderOf(value, {}, info);
   const auto told = decoder.singleValueContainer().decode<std::map<std::string, std::vector<Told>>>();
   EXPECT_EQ(told.at("a")[1].unit, "km");
   EXPECT_EQ(told.at("a")[1].path, "a[1]");

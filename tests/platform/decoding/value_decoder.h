@@ -1,10 +1,11 @@
-// A format of the tests' own: a tree of values in memory, decoded through the three source classes that any format
-// implements. It uses only what a format must implement, so it also tests what the base classes add; its habits can be
-// changed to those of awkward formats.
+// A format of the tests' own: a tree of values in memory, decoded through the class that any format implements. It
+// overrides only what a format must, so it also tests what the class adds; its habits can be changed to those of awkward
+// formats.
 #pragma once
 
 #include <HavrinFoundation/platform/decoding/decoding.h>
 
+#include <deque>
 #include <map>
 #include <variant>
 
@@ -42,101 +43,77 @@ struct Habits {
   bool throws = false;  // errors leave as exceptions
 };
 
-template <class Failure>
-Failure failing(const Habits& habits, DecodingError error) {
-  if (habits.throws) throw error;
-  return error;
-}
-
-class ValueValue final : public ValueSource {
+class ValueSource final : public DecodingSource {
  public:
-  ValueValue(const Value& value, Habits habits) : value_(&value), habits_(habits) {}
+  explicit ValueSource(Habits habits) : habits_(habits) {}
 
-  bool isNull() const override { return std::holds_alternative<std::monostate>(value_->content); }
-  void read(ScalarTarget& target) const override {
+  static Value valueOf(const value_decoder::Value& value) { return reinterpret_cast<Value>(&value); }
+
+  Found kind(Value value) const override {
+    constexpr Found kKinds[] = {Found::null,   Found::boolean, Found::number, Found::number,
+                                Found::string, Found::array,   Found::object};
+    return kKinds[content(value).index()];
+  }
+  void read(Value value, ScalarTarget& target) const override {
     struct Hand {
       void operator()(std::monostate) const { target.putNull(); }
-      void operator()(bool value) const { target.putBoolean(value); }
-      void operator()(std::int64_t value) const { target.putInteger(value); }
-      void operator()(double value) const { target.putReal(value); }
-      void operator()(const std::string& value) const { target.putText(value); }
+      void operator()(bool boolean) const { target.putBoolean(boolean); }
+      void operator()(std::int64_t integer) const { target.putInteger(integer); }
+      void operator()(double real) const { target.putReal(real); }
+      void operator()(const std::string& text) const { target.putText(text); }
       void operator()(const Array&) const { target.refuse(Found::array); }
       void operator()(const Object&) const { target.refuse(Found::object); }
       ScalarTarget& target;
     };
-    std::visit(Hand{target}, value_->content);
+    std::visit(Hand{target}, content(value));
     if (target.failure() && habits_.throws) throw DecodingError(target.failure());
   }
-  SourceBox<KeyedSource> keyed() const override;
-  SourceBox<UnkeyedSource> unkeyed() const override;
 
- private:
-  const Value* value_;
-  Habits habits_;
-};
-
-class ValueObject final : public KeyedSource {
- public:
-  ValueObject(const Object& object, Habits habits) : object_(&object), habits_(habits) {}
-
-  std::vector<std::string> allKeys() const override {
+  std::vector<std::string> allKeys(Value value) const override {
     std::vector<std::string> keys;
-    for (const auto& [key, value] : *object_) keys.push_back(key);
+    for (const auto& [key, member] : object(value)) keys.push_back(key);
     return keys;
   }
-  SourceBox<ValueSource> find(std::string_view key) const override {
-    const auto found = object_->find(key);
-    if (found == object_->end()) return {};
-    return ValueValue(found->second, habits_);
+  Decoded<Value> find(ObjectCursor& cursor, std::string_view key) const override {
+    const auto found = object(cursor.object).find(key);
+    return found == object(cursor.object).end() ? kNone : valueOf(found->second);
   }
 
- private:
-  const Object* object_;
-  Habits habits_;
-};
-
-class ValueArray final : public UnkeyedSource {
- public:
-  ValueArray(const Array& array, Habits habits) : array_(&array), habits_(habits) {}
-
-  std::optional<std::size_t> count() const override {
-    return habits_.knowsCount ? std::optional(array_->size()) : std::nullopt;
+  std::optional<std::size_t> count(Value value) const override {
+    return habits_.knowsCount ? std::optional(array(value).size()) : std::nullopt;
   }
-  bool isAtEnd() const override { return index_ == array_->size(); }
-  std::size_t currentIndex() const override { return index_; }
-  SourceBox<ValueSource> current() override {
-    if (index_ >= habits_.failsFrom) {
-      return failing<SourceBox<ValueSource>>(habits_, DecodingError::dataCorrupted("the stream has broken off"));
-    }
-    return ValueValue(array_->at(index_), habits_);
+  Value first(Value) const override { return 0; }
+  bool isAtEnd(const ArrayCursor& cursor) const override { return cursor.at == array(cursor.array).size(); }
+  Decoded<Value> current(const ArrayCursor& cursor) const override {
+    if (cursor.at >= habits_.failsFrom) return failure<Value>("the stream has broken off");
+    return valueOf(array(cursor.array).at(cursor.at));
   }
-  Decoded<void> advance() override {
-    if (!habits_.canStep) return failing<Decoded<void>>(habits_, DecodingError::dataCorrupted("no way to step"));
-    ++index_;
+  Decoded<void> advance(ArrayCursor& cursor) const override {
+    if (!habits_.canStep) return failure<void>("no way to step");
+    ++cursor.at;
     return {};
   }
 
  private:
-  const Array* array_;
+  template <class T>
+  Decoded<T> failure(std::string_view why) const {
+    if (habits_.throws) throw DecodingError::dataCorrupted(why);
+    return DecodingError::dataCorrupted(why);
+  }
+  static const value_decoder::Value::Content& content(Value value) {
+    return reinterpret_cast<const value_decoder::Value*>(value)->content;
+  }
+  static const Array& array(Value value) { return std::get<Array>(content(value)); }
+  static const Object& object(Value value) { return std::get<Object>(content(value)); }
+
   Habits habits_;
-  std::size_t index_ = 0;
-  // Larger than what a box keeps in place, so that sources on the heap are tested too.
-  [[maybe_unused]] char ballast_[64] = {};
 };
 
-inline SourceBox<KeyedSource> ValueValue::keyed() const {
-  if (const auto* const object = std::get_if<Object>(&value_->content)) return ValueObject(*object, habits_);
-  if (isNull()) return failing<SourceBox<KeyedSource>>(habits_, DecodingError::valueNotFound("an object"));
-  return failing<SourceBox<KeyedSource>>(habits_, DecodingError::typeMismatch("an object", Found::number));
-}
-
-inline SourceBox<UnkeyedSource> ValueValue::unkeyed() const {
-  if (const auto* const array = std::get_if<Array>(&value_->content)) return ValueArray(*array, habits_);
-  if (isNull()) return failing<SourceBox<UnkeyedSource>>(habits_, DecodingError::valueNotFound("an array"));
-  return failing<SourceBox<UnkeyedSource>>(habits_, DecodingError::typeMismatch("an array", Found::object));
-}
-
 /// A decoder of `value`, which must outlive it.
-inline Decoder decoderOf(const Value& value, Habits habits = {}) { return Decoder(ValueValue(value, habits)); }
+inline Decoder decoderOf(const Value& value, Habits habits = {}, const UserInfo& userInfo = {}) {
+  static std::deque<ValueSource> sources;
+  static const UserInfo none;
+  return Decoder(sources.emplace_back(habits), ValueSource::valueOf(value), userInfo.empty() ? none : userInfo);
+}
 
 }  // namespace value_decoder
