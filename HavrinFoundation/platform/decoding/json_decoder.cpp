@@ -33,7 +33,7 @@ void readScalar(const JsonTokens& tokens, Token value, ScalarTarget& target) {
     case 'n':
       return target.putNull();
     default:
-      return target.putNumberText(tokens.textOf(value));
+      return target.putNumberText(tokens.textOf(value), tokens.bytesFrom(value));
   }
 }
 

@@ -1,5 +1,7 @@
 #include <HavrinFoundation/platform/decoding/scalar_target.h>
 
+#include <HavrinFoundation/platform/documents/digit_words.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -34,15 +36,25 @@ std::optional<Decimal> readLongInteger(bool isNegative, std::string_view digits)
   return Decimal{isNegative, true, value, 0};
 }
 
-std::optional<Decimal> readDecimal(std::string_view text) {
+constexpr std::uint64_t kTens[] = {1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
+
+std::optional<Decimal> readDecimal(std::string_view text, std::size_t readable) {
   constexpr std::size_t kSafeDigits = 19;  // always fit
   const char* at = text.data();
   const char* const end = at + text.size();
+  const char* const limit = at + readable;
   const bool isNegative = *at == '-';
   if (isNegative) ++at;
   if (end - at > static_cast<std::ptrdiff_t>(kSafeDigits)) return readLongInteger(isNegative, {at, end});
   std::uint64_t digits = 0;
   const auto takeDigits = [&] {
+    while (limit - at >= 8) {
+      const std::uint64_t word = loadWord(at);
+      const unsigned count = leadingDigits(word);
+      digits = digits * kTens[count] + valueOfDigits(word, count);
+      at += count;
+      if (count != 8) return;
+    }
     for (; at != end; ++at) {
       const auto digit = static_cast<unsigned>(*at - '0');
       if (digit > 9) break;
@@ -141,6 +153,7 @@ void ScalarTarget::putNull() {
 }
 
 bool ScalarTarget::storeInteger(bool isNegative, std::uint64_t magnitude) {
+  if (type_ == Type::int64) return storeChecked<std::int64_t>(scalar_, isNegative, magnitude);
   switch (type_) {
     case Type::int8:
       return storeChecked<std::int8_t>(scalar_, isNegative, magnitude);
@@ -201,9 +214,19 @@ void ScalarTarget::putReal(double value) {
   refuseNumber(std::string_view(text, static_cast<std::size_t>(end - text)));
 }
 
-void ScalarTarget::putNumberText(std::string_view text) {
+void ScalarTarget::putNumberText(std::string_view text, std::size_t readable) {
   if (!isInteger() && !isReal()) return refuseNumber(text);
-  const std::optional<Decimal> decimal = readDecimal(text);
+  // Most numbers are integers of a few digits.
+  const std::size_t sign = text.front() == '-' ? 1 : 0;
+  if (readable >= sign + 8) {
+    const std::uint64_t word = loadWord(text.data() + sign);
+    const unsigned count = leadingDigits(word);
+    if (sign + count == text.size()) {
+      const std::uint64_t value = valueOfDigits(word, count);
+      return storeInteger(sign != 0, value) ? void() : refuseNumber(text);
+    }
+  }
+  const std::optional<Decimal> decimal = readDecimal(text, std::max(text.size(), readable));
   if (!decimal || (!decimal->isInteger && type_ == Type::float32)) return putRealText(text);
   if (decimal->isInteger) return storeInteger(decimal->isNegative, decimal->digits) ? void() : refuseNumber(text);
   const std::optional<double> value = exactQuotient(*decimal);

@@ -17,6 +17,7 @@
 #include <HavrinFoundation/platform/export.h>
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -100,8 +101,9 @@ class HAVRIN_EXPORT ScalarTarget {
   void putInteger(std::int64_t value);
   void putInteger(std::uint64_t value);
   void putReal(double value);
-  /// Takes a number as JSON writes it (RFC 8259, section 6); `text` must have that form.
-  void putNumberText(std::string_view text);
+  /// Takes a number as JSON writes it (RFC 8259, section 6); `text` must have that form. `readable`: how many bytes may be
+  /// read from its first one on, which makes short numbers fast; the first byte behind `text` is not a digit.
+  void putNumberText(std::string_view text, std::size_t readable = 0);
   void putText(std::string_view value) {
     if (type_ != Type::text) return refuse(Found::string, value);
     static_cast<std::string*>(scalar_)->assign(value);

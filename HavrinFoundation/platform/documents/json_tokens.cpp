@@ -1,5 +1,7 @@
 #include <HavrinFoundation/platform/documents/json_tokens.h>
 
+#include <HavrinFoundation/platform/documents/digit_words.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -213,6 +215,11 @@ class JsonReading {
     const char* at = text_.data() + *token_;
     const auto digits = [&] {
       const char* const first = at;
+      while (limit - at >= 8) {
+        const unsigned count = leadingDigits(loadWord(at));
+        at += count;
+        if (count != 8) return at != first;
+      }
       while (at != limit && isDigit(*at)) ++at;
       return at != first;
     };

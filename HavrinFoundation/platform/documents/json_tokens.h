@@ -42,6 +42,8 @@ class JsonTokens {
     const char* const begin = text_.data() + tokens_[scalar];
     return {begin, static_cast<std::size_t>(endBefore(scalar + 1) - begin)};
   }
+  /// How many bytes the document has from a scalar on.
+  [[nodiscard]] std::size_t bytesFrom(Token scalar) const { return text_.size() - tokens_[scalar]; }
   /// The text of a string between its quotes, escapes as they are written.
   [[nodiscard]] std::string_view insideOf(Token string) const {
     const char* const begin = text_.data() + (tokens_[string] & kMask) + 1;
@@ -50,12 +52,14 @@ class JsonTokens {
   [[nodiscard]] bool hasEscapes(Token string) const { return (tokens_[string] & kEscapes) != 0; }
   /// The string's characters, escapes resolved.
   [[nodiscard]] std::string unescaped(Token string) const;
-  /// Whether the string says `text`.
+  /// Whether a key says `text`.
   [[nodiscard]] bool says(Token string, std::string_view text) const {
     if (hasEscapes(string)) [[unlikely]]
       return unescaped(string) == text;
-    const std::string_view inside = insideOf(string);
-    return inside.size() == text.size() && haveEqualBytes(inside.data(), text.data(), text.size());
+    // Behind the last quote of a string stands the next token.
+    const std::size_t end = tokens_[string] + 1 + text.size();
+    return end < tokens_[string + 1] && text_.data()[end] == '"' &&
+           haveEqualBytes(text_.data() + end - text.size(), text.data(), text.size());
   }
 
   /// The first value of an array, the first key of an object; or the closing bracket.
