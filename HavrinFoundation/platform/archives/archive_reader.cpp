@@ -111,7 +111,7 @@ std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
   if (!number) return std::nullopt;
   const auto object = archive_->list().object(*number);
   if (!object) {
-    fail("the value under " + quoted(key) + " cannot be read: " + object.error().description());
+    fail("the value under " + quoted(key) + " cannot be read: " + object.error().detail());
     return std::nullopt;
   }
   if (!charge(object->encodedSize())) return std::nullopt;
@@ -172,7 +172,7 @@ NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
 bool ArchiveReader::makeObject(std::uint64_t uid) {
   const auto object = archive_->object(uid);
   if (!object) {
-    fail("object " + std::to_string(uid) + " cannot be read: " + object.error().description());
+    fail("object " + std::to_string(uid) + " cannot be read: " + object.error().detail());
     return false;
   }
   if (!charge(kObjectSize + object->encodedSize())) return false;
@@ -281,7 +281,7 @@ const ArchiveReader::ArchivedClassEntry* ArchiveReader::classEntry(std::uint64_t
 std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const BinaryObject& record) {
   std::uint64_t from = 0;
   const auto number = archive_->find(record, "$classname", from);
-  const auto name = number ? archive_->list().object(*number) : PropertyListError{};
+  const auto name = number ? archive_->list().object(*number) : detail::ErrorHolder::undescribed();
   if (!name || !name->isText()) {
     fail("the record of its class has no name");
     return std::nullopt;

@@ -89,7 +89,7 @@ bool ArchiveReader::chargeSearch(std::vector<SoughtObject>& sought) {
 std::vector<ArchiveReader::Part> ArchiveReader::partsOf(std::string_view key) {
   const auto number = archive_->find(frame_->values, key, frame_->next);
   const auto uid = number ? archive_->list().uid(*number) : std::nullopt;
-  const auto values = uid ? archive_->object(*uid) : PropertyListError{};
+  const auto values = uid ? archive_->object(*uid) : detail::ErrorHolder::undescribed();
   if (!values || values->kind() != Kind::dictionary) return {};
   const auto array = archive_->member(*values, "NS.objects", Kind::array);
   std::vector<Part> parts;

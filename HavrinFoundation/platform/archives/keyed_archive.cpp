@@ -8,41 +8,44 @@ using Kind = BinaryObject::Kind;
 
 KeyedArchive::KeyedArchive(Strong<NSData> data) : data_(std::move(data)) {}
 
-KeyedArchive::Opened KeyedArchive::open(NSData& data) {
+Decoded<std::unique_ptr<KeyedArchive>> KeyedArchive::open(NSData& data) {
   const Strong<NSObject> copy = data.copy();  // mutable data may change meanwhile
   std::unique_ptr<KeyedArchive> archive(new KeyedArchive(static_cast<NSData*>(copy.get())));
-  if (const std::string error = archive->readList(); !error.empty()) return {nullptr, "no property list: " + error};
-  if (const std::string error = archive->findParts(); !error.empty()) return {nullptr, "no keyed archive: " + error};
-  return {std::move(archive), {}};
+  const auto because = [](const char* what, detail::ErrorHolder failure) {
+    return DecodingError::dataCorrupted(what + DecodingError(std::move(failure)).detail());
+  };
+  if (auto failure = archive->readList()) return because("no property list: ", std::move(failure));
+  if (auto failure = archive->findParts()) return because("no keyed archive: ", std::move(failure));
+  return archive;
 }
 
-// Both answer why not; empty when nothing is wrong.
-std::string KeyedArchive::readList() {
+detail::ErrorHolder KeyedArchive::readList() {
   std::span<const std::byte> bytes = data_->bytes();
   if (!isBinaryPropertyList(bytes)) {
-    const auto tree = readPropertyList(bytes);
-    if (!tree) return tree.error().description();
+    auto tree = readPropertyList(bytes);
+    if (!tree) return std::move(tree.failure());
     bytes = converted_ = binaryPropertyList(*tree);
   }
-  const auto list = BinaryPropertyList::fromData(bytes);
-  if (!list) return list.error().description();
+  auto list = BinaryPropertyList::fromData(bytes);
+  if (!list) return std::move(list.failure());
   list_ = *list;
   return {};
 }
 
-std::string KeyedArchive::findParts() {
-  const auto root = list_.object(list_.topObject());
-  if (!root) return root.error().description();
-  if (root->kind() != Kind::dictionary) return "the property list is no dictionary";
+detail::ErrorHolder KeyedArchive::findParts() {
+  auto root = list_.object(list_.topObject());
+  if (!root) return std::move(root.failure());
+  const auto wrong = [](std::string_view what) { return DecodingError::dataCorrupted(what).holder(); };
+  if (root->kind() != Kind::dictionary) return wrong("the property list is no dictionary");
   const auto archiver = member(*root, "$archiver", Kind::asciiText);
   const auto version = member(*root, "$version", Kind::integer);
   const auto objects = member(*root, "$objects", Kind::array);
   const auto top = member(*root, "$top", Kind::dictionary);
   constexpr std::int64_t kVersion = 100000;
-  if (!archiver || archiver->asciiText() != "NSKeyedArchiver") return "\"$archiver\" is not \"NSKeyedArchiver\"";
-  if (!version || version->integer() != kVersion) return "\"$version\" is not 100000";
-  if (!objects) return "\"$objects\" is no array";
-  if (!top) return "\"$top\" is no dictionary";
+  if (!archiver || archiver->asciiText() != "NSKeyedArchiver") return wrong("\"$archiver\" is not \"NSKeyedArchiver\"");
+  if (!version || version->integer() != kVersion) return wrong("\"$version\" is not 100000");
+  if (!objects) return wrong("\"$objects\" is no array");
+  if (!top) return wrong("\"$top\" is no dictionary");
   objects_ = *objects;
   top_ = *top;
   return {};

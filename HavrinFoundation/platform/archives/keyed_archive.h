@@ -20,13 +20,9 @@ namespace havrin::inline platform {
 
 class KeyedArchive {
  public:
-  /// The archive in `data`, or why it is none.
-  struct Opened {
-    std::unique_ptr<KeyedArchive> archive;
-    std::string error;
-  };
+  /// The archive in `data`. An error (dataCorrupted) when: it is not one.
   /// Cost: constant for the binary form; XML is converted to it.
-  [[nodiscard]] static Opened open(NSData& data);
+  [[nodiscard]] static Decoded<std::unique_ptr<KeyedArchive>> open(NSData& data);
   KeyedArchive(const KeyedArchive&) = delete;
   KeyedArchive& operator=(const KeyedArchive&) = delete;
 
@@ -36,9 +32,7 @@ class KeyedArchive {
   [[nodiscard]] const BinaryPropertyList& list() const { return list_; }
   /// How many UIDs there are, and the object that one stands for.
   [[nodiscard]] std::uint64_t count() const { return objects_.count(); }
-  [[nodiscard]] PropertyListResult<BinaryObject> object(std::uint64_t uid) const {
-    return list_.object(objects_.element(uid));
-  }
+  [[nodiscard]] Decoded<BinaryObject> object(std::uint64_t uid) const { return list_.object(objects_.element(uid)); }
   /// The dictionary "$top".
   [[nodiscard]] const BinaryObject& top() const { return top_; }
 
@@ -52,8 +46,8 @@ class KeyedArchive {
 
  private:
   explicit KeyedArchive(Strong<NSData> data);
-  [[nodiscard]] std::string readList();
-  [[nodiscard]] std::string findParts();
+  [[nodiscard]] detail::ErrorHolder readList();
+  [[nodiscard]] detail::ErrorHolder findParts();
 
   Strong<NSData> data_;
   std::vector<std::byte> converted_;  // from XML

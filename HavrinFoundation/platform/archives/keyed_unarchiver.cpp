@@ -34,22 +34,18 @@ NSKeyedUnarchiver::NSKeyedUnarchiver() = default;
 NSKeyedUnarchiver::~NSKeyedUnarchiver() = default;
 
 Strong<NSKeyedUnarchiver> NSKeyedUnarchiver::initForReadingFromData(NSData* data, Strong<NSError>* error) {
-  KeyedArchive::Opened opened;
-  if (reader_ && reader_->isInside()) {
-    opened.error = "an archive is being read";
-  } else {
+  const auto open = [&]() -> Decoded<std::unique_ptr<KeyedArchive>> {
+    if (reader_ && reader_->isInside()) return DecodingError::dataCorrupted("an archive is being read");
     reader_.reset();
-    if (data) {
-      opened = KeyedArchive::open(*data);
-    } else {
-      opened.error = "no keyed archive: there is no data";
-    }
-  }
-  if (opened.archive) {
-    reader_ = std::make_unique<ArchiveReader>(*this, std::move(opened.archive));
+    if (!data) return DecodingError::dataCorrupted("no keyed archive: there is no data");
+    return KeyedArchive::open(*data);
+  };
+  auto archive = open();
+  if (archive) {
+    reader_ = std::make_unique<ArchiveReader>(*this, *std::move(archive));
     return Strong<NSKeyedUnarchiver>(this);
   }
-  if (error) *error = makeCodingError(NSCoderReadCorruptError, opened.error);
+  if (error) *error = makeCodingError(NSCoderReadCorruptError, archive.error().detail());
   return nullptr;
 }
 

@@ -84,8 +84,8 @@ class ListSource final : public DecodingSource {
 
 Decoded<PropertyList> PropertyListDecoder::listIn(std::span<const std::byte> bytes) {
   auto list = readPropertyList(bytes);
-  if (!list) return DecodingError::dataCorrupted("the document is no property list: " + list.error().description());
-  return *std::move(list);
+  if (!list) return DecodingError::dataCorrupted("the document is no property list: " + list.error().detail());
+  return list;
 }
 
 Decoder PropertyListDecoder::decoderOf(const PropertyList& list, const UserInfo& userInfo) {

@@ -25,11 +25,11 @@ std::uint64_t bigEndian(const std::byte* bytes, std::uint64_t size) noexcept {
   return value >> (64 - 8 * size);
 }
 
-PropertyListError errorAt(std::uint64_t position, std::string_view reason) noexcept {
-  return {reason, position, PropertyListError::Unit::byte};
-}
-
 }  // namespace
+
+DecodingError errorAtByte(std::uint64_t position, std::string_view reason) {
+  return DecodingError::dataCorrupted("byte " + std::to_string(position) + ": " + std::string(reason));
+}
 
 std::uint64_t BinaryObject::reference(std::uint64_t index) const noexcept {
   return bigEndian(bytes_ + index * referenceSize_, referenceSize_);
@@ -49,9 +49,9 @@ bool isBinaryPropertyList(std::span<const std::byte> bytes) noexcept {
   return bytes.size() >= kMagic.size() && std::memcmp(bytes.data(), kMagic.data(), kMagic.size()) == 0;
 }
 
-PropertyListResult<BinaryPropertyList> BinaryPropertyList::fromData(std::span<const std::byte> data) {
-  if (!isBinaryPropertyList(data)) return errorAt(0, "no binary property list");
-  if (data.size() < kHeaderSize + kTrailerSize) return errorAt(data.size(), "the data ends before its trailer");
+Decoded<BinaryPropertyList> BinaryPropertyList::fromData(std::span<const std::byte> data) {
+  if (!isBinaryPropertyList(data)) return errorAtByte(0, "no binary property list");
+  if (data.size() < kHeaderSize + kTrailerSize) return errorAtByte(data.size(), "the data ends before its trailer");
 
   const std::uint64_t trailerOffset = data.size() - kTrailerSize;
   const std::byte* const trailer = data.data() + trailerOffset;
@@ -63,16 +63,17 @@ PropertyListResult<BinaryPropertyList> BinaryPropertyList::fromData(std::span<co
   list.topObject_ = bigEndian(trailer + 16, 8);
   list.tableOffset_ = bigEndian(trailer + 24, 8);
 
-  if (list.offsetSize_ - 1u > 7) return errorAt(trailerOffset + 6, "offsets of an unknown width");
-  if (list.referenceSize_ - 1u > 7) return errorAt(trailerOffset + 7, "references of an unknown width");
+  if (list.offsetSize_ - 1u > 7) return errorAtByte(trailerOffset + 6, "offsets of an unknown width");
+  if (list.referenceSize_ - 1u > 7) return errorAtByte(trailerOffset + 7, "references of an unknown width");
   if (list.tableOffset_ <= kHeaderSize || list.tableOffset_ > trailerOffset) {
-    return errorAt(trailerOffset + 24, "a table of offsets outside the data");
+    return errorAtByte(trailerOffset + 24, "a table of offsets outside the data");
   }
   if (list.objectCount_ > (trailerOffset - list.tableOffset_) / list.offsetSize_) {
-    return errorAt(trailerOffset + 8, "more objects than the table of offsets has room for");
+    return errorAtByte(trailerOffset + 8, "more objects than the table of offsets has room for");
   }
-  if (list.objectCount_ > list.objectBytes()) return errorAt(trailerOffset + 8, "more objects than bytes");
-  if (list.topObject_ >= list.objectCount_) return errorAt(trailerOffset + 16, "an outermost object that is not there");
+  if (list.objectCount_ > list.objectBytes()) return errorAtByte(trailerOffset + 8, "more objects than bytes");
+  if (list.topObject_ >= list.objectCount_)
+    return errorAtByte(trailerOffset + 16, "an outermost object that is not there");
   return list;
 }
 
@@ -95,7 +96,7 @@ class BinaryPropertyList::Cursor {
  public:
   Cursor(const BinaryPropertyList& list, std::uint64_t offset) noexcept : list_(list), begin_(offset), at_(offset) {}
 
-  PropertyListResult<BinaryObject> read() noexcept {
+  Decoded<BinaryObject> read() {
     const auto marker = std::to_integer<unsigned>(list_.data_[at_++]);
     const unsigned size = marker & 15;
     switch (marker >> 4) {
@@ -130,12 +131,12 @@ class BinaryPropertyList::Cursor {
  private:
   static constexpr std::string_view kTooLong = "an object that ends behind the objects";
 
-  [[nodiscard]] PropertyListError error(std::string_view reason) const noexcept { return errorAt(begin_, reason); }
+  [[nodiscard]] DecodingError error(std::string_view reason) const { return errorAtByte(begin_, reason); }
   [[nodiscard]] std::uint64_t room() const noexcept { return list_.tableOffset_ - at_; }
 
   // The object whose last byte has been read. Made where it is wanted: copying what was just written stalls.
-  PropertyListResult<BinaryObject> finish(BinaryObject::Kind kind, std::uint64_t value) noexcept {
-    return {std::in_place, kind, at_ - begin_, value};
+  Decoded<BinaryObject> finish(BinaryObject::Kind kind, std::uint64_t value) {
+    return Decoded<BinaryObject>(std::in_place, kind, at_ - begin_, value);
   }
 
   // The number in the next bytes, of which there are enough.
@@ -145,13 +146,13 @@ class BinaryPropertyList::Cursor {
     return number;
   }
 
-  PropertyListResult<BinaryObject> readNumber(BinaryObject::Kind kind, std::uint64_t size) noexcept {
+  Decoded<BinaryObject> readNumber(BinaryObject::Kind kind, std::uint64_t size) {
     if (size > room()) return error(kTooLong);
     return finish(kind, take(size));
   }
 
   // 1, 2 and 4 bytes are unsigned, 8 signed; 16 bytes hold what is unsigned and needs all of 64 bits.
-  PropertyListResult<BinaryObject> readInteger(unsigned widthBits) noexcept {
+  Decoded<BinaryObject> readInteger(unsigned widthBits) {
     if (widthBits > 4) return error("an integer of an unknown width");
     if (widthBits < 4) return readNumber(BinaryObject::Kind::integer, std::uint64_t{1} << widthBits);
     if (room() < 16) return error(kTooLong);
@@ -163,7 +164,7 @@ class BinaryPropertyList::Cursor {
     return finish(BinaryObject::Kind::unsignedInteger, low);
   }
 
-  PropertyListResult<BinaryObject> readReal(unsigned widthBits) noexcept {
+  Decoded<BinaryObject> readReal(unsigned widthBits) {
     if (widthBits == 3) return readNumber(BinaryObject::Kind::real, 8);
     if (widthBits != 2) return error("a real of an unknown width");
     if (room() < 4) return error(kTooLong);
@@ -171,8 +172,7 @@ class BinaryPropertyList::Cursor {
     return finish(BinaryObject::Kind::real, std::bit_cast<std::uint64_t>(value));
   }
 
-  PropertyListResult<BinaryObject> readSequence(BinaryObject::Kind kind, std::uint64_t count,
-                                                std::uint64_t unitSize) noexcept {
+  Decoded<BinaryObject> readSequence(BinaryObject::Kind kind, std::uint64_t count, std::uint64_t unitSize) {
     if (count == 15) {
       if (room() == 0) return error(kTooLong);
       const auto marker = std::to_integer<unsigned>(list_.data_[at_++]);
@@ -184,7 +184,7 @@ class BinaryPropertyList::Cursor {
     if (count > room() / unitSize) return error(kTooLong);
     const std::byte* const bytes = list_.data_.data() + at_;
     at_ += count * unitSize;
-    return {std::in_place, kind, at_ - begin_, count, bytes, list_.referenceSize_};
+    return Decoded<BinaryObject>(std::in_place, kind, at_ - begin_, count, bytes, list_.referenceSize_);
   }
 
   const BinaryPropertyList& list_;
@@ -192,7 +192,7 @@ class BinaryPropertyList::Cursor {
   std::uint64_t at_;
 };
 
-bool BinaryPropertyList::isText(std::uint64_t number, std::string_view text) const noexcept {
+bool BinaryPropertyList::isText(std::uint64_t number, std::string_view text) const {
   const std::uint64_t offset = offsetOf(number);
   if (offset < kHeaderSize || offset >= tableOffset_) return false;
   const auto marker = std::to_integer<unsigned>(data_[offset]);
@@ -206,15 +206,15 @@ bool BinaryPropertyList::isText(std::uint64_t number, std::string_view text) con
   return object->kind() == BinaryObject::Kind::asciiText ? object->asciiText() == text : object->text() == text;
 }
 
-PropertyListResult<BinaryObject> BinaryPropertyList::object(std::uint64_t number) const noexcept {
-  if (number >= objectCount_) return errorAt(tableOffset_, "a reference to no object");
+Decoded<BinaryObject> BinaryPropertyList::object(std::uint64_t number) const {
+  if (number >= objectCount_) return errorAtByte(tableOffset_, "a reference to no object");
   const std::uint64_t offset = offsetOf(number);
   if (offset < kHeaderSize || offset >= tableOffset_) {
-    return errorAt(tableOffset_ + number * offsetSize_, "an offset outside the objects");
+    return errorAtByte(tableOffset_ + number * offsetSize_, "an offset outside the objects");
   }
   auto object = Cursor(*this, offset).read();
   if (object && object->kind() == BinaryObject::Kind::asciiText && !isAscii(object->asciiText())) {
-    return errorAt(offset, "a text that is marked as ASCII and is not");
+    return errorAtByte(offset, "a text that is marked as ASCII and is not");
   }
   return object;
 }

@@ -91,7 +91,7 @@ class BinaryPropertyList {
  public:
   /// An error when: the header or the trailer is not there, or says what cannot be.
   /// Cost: constant.
-  [[nodiscard]] static PropertyListResult<BinaryPropertyList> fromData(std::span<const std::byte> data);
+  [[nodiscard]] static Decoded<BinaryPropertyList> fromData(std::span<const std::byte> data);
 
   [[nodiscard]] std::uint64_t objectCount() const noexcept { return objectCount_; }
   [[nodiscard]] std::uint64_t topObject() const noexcept { return topObject_; }
@@ -102,12 +102,12 @@ class BinaryPropertyList {
   /// An error when: there is none, its place or a part of it lies outside the objects, it is no object of a property
   /// list, or a text that is marked as ASCII is not.
   /// Cost: constant, but for looking through an ASCII text.
-  [[nodiscard]] PropertyListResult<BinaryObject> object(std::uint64_t number) const noexcept;
+  [[nodiscard]] Decoded<BinaryObject> object(std::uint64_t number) const;
 
   /// The UID that the object with this number is. Empty when: it is none. Cost: less than asking for the object.
   [[nodiscard]] std::optional<std::uint64_t> uid(std::uint64_t number) const noexcept;
   /// Whether the object with this number is this text, in UTF-8. Cost: less than asking for the object, for short ASCII.
-  [[nodiscard]] bool isText(std::uint64_t number, std::string_view text) const noexcept;
+  [[nodiscard]] bool isText(std::uint64_t number, std::string_view text) const;
 
   /// Where the object with this number stands, for errors of those who walk; 0 for a number that has none.
   [[nodiscard]] std::uint64_t offsetOf(std::uint64_t number) const noexcept;
@@ -125,10 +125,13 @@ class BinaryPropertyList {
   std::uint8_t referenceSize_ = 0;
 };
 
+/// What is wrong with the binary form, and at which byte.
+[[nodiscard]] DecodingError errorAtByte(std::uint64_t position, std::string_view reason);
+
 /// Whether `bytes` begin as the binary form does.
 [[nodiscard]] bool isBinaryPropertyList(std::span<const std::byte> bytes) noexcept;
 
 /// The property list that the binary form in `bytes` writes; see readPropertyList.
-[[nodiscard]] PropertyListResult<PropertyList> readBinaryPropertyList(std::span<const std::byte> bytes);
+[[nodiscard]] Decoded<PropertyList> readBinaryPropertyList(std::span<const std::byte> bytes);
 
 }  // namespace havrin::inline platform

@@ -13,7 +13,7 @@ class TreeReader {
   TreeReader(const BinaryPropertyList& list, std::uint64_t dataSize)
       : list_(list), made_(list.objectCount()), largestExpansion_(std::max(kLargestExpansion, 16 * dataSize)) {}
 
-  PropertyListResult<PropertyList> readTop() {
+  Decoded<PropertyList> readTop() {
     const auto top = read(list_.topObject(), 1);
     if (!top) return top.error();
     return *(*top)->value;
@@ -25,35 +25,34 @@ class TreeReader {
     std::uint64_t expansion = 0;  // what the value stands for, shared parts counted each time, in bytes
     bool isOpen = false;          // its parts are being read
   };
-  using Read = PropertyListResult<const Made*>;
+  using Read = Decoded<const Made*>;
 
   static constexpr std::uint64_t kLargestExpansion = std::uint64_t{16} << 20;
   static constexpr std::uint64_t kExpansionOfAnObject = 8;  // added, so that small objects do not count for nothing
 
   // `number` as it stands in a reference of the object at `from`.
   Read read(std::uint64_t number, std::size_t depth, std::uint64_t from = 0) {
-    if (number >= list_.objectCount()) return error(from, "a reference to no object");
+    if (number >= list_.objectCount()) return errorAtByte(from, "a reference to no object");
     Made& made = made_[number];
     if (made.value) return &made;
     const std::uint64_t offset = list_.offsetOf(number);
-    if (made.isOpen) return error(offset, "an object that holds itself");
-    if (depth > PropertyList::kDeepestNesting) return error(offset, "an object that nests too deep");
+    if (made.isOpen) return errorAtByte(offset, "an object that holds itself");
+    if (depth > PropertyList::kDeepestNesting) return errorAtByte(offset, "an object that nests too deep");
 
     const auto object = list_.object(number);
     if (!object) return object.error();
     bytesRead_ += object->encodedSize();
-    if (bytesRead_ > list_.objectBytes()) return error(offset, "objects that overlap");
+    if (bytesRead_ > list_.objectBytes()) return errorAtByte(offset, "objects that overlap");
     made.expansion = kExpansionOfAnObject + object->encodedSize();
 
     made.isOpen = true;
     auto failure = fill(made, *object, depth, offset);
     made.isOpen = false;
-    if (failure) return *failure;
+    if (failure) return failure;
     return &made;
   }
 
-  std::optional<PropertyListError> fill(Made& made, const BinaryObject& object, std::size_t depth,
-                                        std::uint64_t offset) {
+  detail::ErrorHolder fill(Made& made, const BinaryObject& object, std::size_t depth, std::uint64_t offset) {
     using Kind = BinaryObject::Kind;
     switch (object.kind()) {
       case Kind::boolean:
@@ -86,52 +85,46 @@ class TreeReader {
       case Kind::dictionary:
         return fillDictionary(made, object, depth, offset);
     }
-    return std::nullopt;
+    return {};
   }
 
-  std::optional<PropertyListError> fillArray(Made& made, const BinaryObject& object, std::size_t depth,
-                                             std::uint64_t offset) {
+  detail::ErrorHolder fillArray(Made& made, const BinaryObject& object, std::size_t depth, std::uint64_t offset) {
     PropertyList::Array elements;
     elements.reserve(object.count());
     for (std::uint64_t i = 0; i < object.count(); ++i) {
-      const auto element = read(object.element(i), depth + 1, offset);
-      if (!element) return element.error();
-      if (!expand(made, **element)) return error(offset, kTooMuch);
+      auto element = read(object.element(i), depth + 1, offset);
+      if (!element) return std::move(element.failure());
+      if (!expand(made, **element)) return errorAtByte(offset, kTooMuch).holder();
       elements.push_back(*(*element)->value);
     }
     made.value.emplace(std::move(elements));
-    return std::nullopt;
+    return {};
   }
 
-  std::optional<PropertyListError> fillDictionary(Made& made, const BinaryObject& object, std::size_t depth,
-                                                  std::uint64_t offset) {
+  detail::ErrorHolder fillDictionary(Made& made, const BinaryObject& object, std::size_t depth, std::uint64_t offset) {
     std::vector<PropertyList::Dictionary::Entry> entries;
     entries.reserve(object.count());
     for (std::uint64_t i = 0; i < object.count(); ++i) {
-      const auto key = read(object.key(i), depth + 1, offset);
-      if (!key) return key.error();
+      auto key = read(object.key(i), depth + 1, offset);
+      if (!key) return std::move(key.failure());
       const std::string* text = (*key)->value->text();
-      if (!text) return error(offset, "a key that is no text");
+      if (!text) return errorAtByte(offset, "a key that is no text").holder();
       // Keys are copied, not shared.
       keyBytes_ += text->size();
-      if (keyBytes_ > largestExpansion_) return error(offset, kTooMuch);
-      const auto value = read(object.value(i), depth + 1, offset);
-      if (!value) return value.error();
-      if (!expand(made, **key) || !expand(made, **value)) return error(offset, kTooMuch);
+      if (keyBytes_ > largestExpansion_) return errorAtByte(offset, kTooMuch).holder();
+      auto value = read(object.value(i), depth + 1, offset);
+      if (!value) return std::move(value.failure());
+      if (!expand(made, **key) || !expand(made, **value)) return errorAtByte(offset, kTooMuch).holder();
       entries.push_back({*text, *(*value)->value});
     }
     made.value.emplace(PropertyList::Dictionary(std::move(entries)));
-    return std::nullopt;
+    return {};
   }
 
   // Neither term exceeds the limit, so the sum stays far below 64 bits.
   bool expand(Made& made, const Made& part) const noexcept {
     made.expansion += part.expansion;
     return made.expansion <= largestExpansion_;
-  }
-
-  static PropertyListError error(std::uint64_t position, std::string_view reason) noexcept {
-    return {reason, position, PropertyListError::Unit::byte};
   }
 
   static constexpr std::string_view kTooMuch = "shared parts that stand for too much";
@@ -145,7 +138,7 @@ class TreeReader {
 
 }  // namespace
 
-PropertyListResult<PropertyList> readBinaryPropertyList(std::span<const std::byte> bytes) {
+Decoded<PropertyList> readBinaryPropertyList(std::span<const std::byte> bytes) {
   const auto list = BinaryPropertyList::fromData(bytes);
   if (!list) return list.error();
   return TreeReader(*list, bytes.size()).readTop();

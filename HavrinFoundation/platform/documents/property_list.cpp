@@ -115,15 +115,7 @@ void PropertyList::Dictionary::set(std::string_view key, PropertyList value) {
   }
 }
 
-std::string PropertyListError::description() const {
-  std::string text = unit == Unit::byte ? "byte " : "line ";
-  text += std::to_string(position);
-  text += ": ";
-  text += reason;
-  return text;
-}
-
-PropertyListResult<PropertyList> readPropertyList(std::span<const std::byte> bytes) {
+Decoded<PropertyList> readPropertyList(std::span<const std::byte> bytes) {
   return isBinaryPropertyList(bytes) ? readBinaryPropertyList(bytes) : readXmlPropertyList(bytes);
 }
 

@@ -2,7 +2,7 @@
 // archives keep them, read from either of their two forms and written in the binary one.
 //
 //   const auto info = readPropertyList(bytes);                      "bplist00..." or "<?xml ..."
-//   if (!info) std::puts(info.error().description().c_str());       "line 7: an element that is not closed"
+//   if (!info) std::puts(info.error().detail().c_str());            "line 7: an element that is not closed"
 //   const PropertyList* build = info->valueForKey("CFBundleVersion");
 //   if (build && build->text()) ...                                 "612345"
 //
@@ -16,6 +16,7 @@
 // Left out: the old text form, writing XML, sets and nulls (which property lists do not have), changing a tree in place.
 #pragma once
 
+#include <HavrinFoundation/platform/documents/decoding_error.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/time/date.h>
 
@@ -152,51 +153,14 @@ class HAVRIN_EXPORT PropertyList::Dictionary {
   std::vector<Entry> entries_;
 };
 
-/// Why bytes are no property list, and where.
-struct HAVRIN_EXPORT PropertyListError {
-  enum class Unit : std::uint8_t { byte, line };
-
-  std::string_view reason;  // static text
-  std::uint64_t position = 0;
-  Unit unit = Unit::byte;
-
-  /// "byte 17: a reference to no object", "line 3: an integer that is no number". Bytes are counted from 0, lines from 1.
-  [[nodiscard]] std::string description() const;
-};
-
-/// A value, or the error that stands in its place. Used like an optional: test it, then dereference it.
-template <class T>
-class [[nodiscard]] PropertyListResult {
- public:
-  PropertyListResult(T value) : outcome_(std::in_place_index<0>, std::move(value)) {}
-  PropertyListResult(PropertyListError error) : outcome_(std::in_place_index<1>, error) {}
-  /// A value made of these, in place.
-  template <class... A>
-  PropertyListResult(std::in_place_t, A&&... arguments)
-      : outcome_(std::in_place_index<0>, std::forward<A>(arguments)...) {}
-
-  [[nodiscard]] explicit operator bool() const noexcept { return outcome_.index() == 0; }
-  /// The value. Only after a test that it is there.
-  [[nodiscard]] T& operator*() & noexcept { return *std::get_if<0>(&outcome_); }
-  [[nodiscard]] const T& operator*() const& noexcept { return *std::get_if<0>(&outcome_); }
-  [[nodiscard]] T&& operator*() && noexcept { return std::move(*std::get_if<0>(&outcome_)); }
-  [[nodiscard]] T* operator->() noexcept { return std::get_if<0>(&outcome_); }
-  [[nodiscard]] const T* operator->() const noexcept { return std::get_if<0>(&outcome_); }
-  /// The error. Only after a test that the value is not there.
-  [[nodiscard]] const PropertyListError& error() const noexcept { return *std::get_if<1>(&outcome_); }
-
- private:
-  std::variant<T, PropertyListError> outcome_;
-};
-
 /// The property list that `bytes` hold, in the binary form or as XML.
 /// Result: text is UTF-8, what is ill-formed in the binary form as U+FFFD; a dictionary whose one key is "CF$UID", with an
 /// integer, is read as a UID from XML; of several equal keys the first counts. Parts that the binary form shares are shared.
-/// An error when: the bytes are in neither form, or break it anywhere; something is no part of property lists (null, set,
+/// An error (dataCorrupted, with byte or line; bytes count from 0) when: the bytes are in neither form, or break it anywhere; something is no part of property lists (null, set,
 /// a key that is no text, an integer beyond 64 bits); it nests deeper than PropertyList::kDeepestNesting, holds itself, or
 /// stands, shared parts counted each time, for more than 16 MiB and sixteen times its size; XML declares an entity.
 /// Cost: linear.
-[[nodiscard]] HAVRIN_EXPORT PropertyListResult<PropertyList> readPropertyList(std::span<const std::byte> bytes);
+[[nodiscard]] HAVRIN_EXPORT Decoded<PropertyList> readPropertyList(std::span<const std::byte> bytes);
 
 /// `list` in the binary form. Equal scalars are written once, and so are parts that are shared.
 /// Cost: linear in the parts written.

@@ -124,7 +124,7 @@ class XmlReader {
   XmlReader(const XmlReader&) = delete;
   ~XmlReader() { XML_ParserFree(parser_); }
 
-  PropertyListResult<PropertyList> read(std::span<const std::byte> bytes) {
+  Decoded<PropertyList> read(std::span<const std::byte> bytes) {
     if (bytes.size() > INT_MAX) return errorHere("more than 2 GiB of XML");
     const auto status =
         XML_Parse(parser_, reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()), XML_TRUE);
@@ -165,8 +165,9 @@ class XmlReader {
     }
   }
 
-  [[nodiscard]] PropertyListError errorHere(std::string_view reason) const {
-    return {reason, XML_GetCurrentLineNumber(parser_), PropertyListError::Unit::line};
+  [[nodiscard]] DecodingError errorHere(std::string_view reason) const {
+    return DecodingError::dataCorrupted("line " + std::to_string(XML_GetCurrentLineNumber(parser_)) + ": " +
+                                        std::string(reason));
   }
 
   // To the parser, data that ends too early has no elements, however many it began.
@@ -292,14 +293,12 @@ class XmlReader {
   std::optional<Element> scalar_;  // the element whose text is read
   std::string text_;
   std::optional<PropertyList> root_;
-  std::optional<PropertyListError> error_;
+  std::optional<DecodingError> error_;
   std::exception_ptr thrown_;
 };
 
 }  // namespace
 
-PropertyListResult<PropertyList> readXmlPropertyList(std::span<const std::byte> bytes) {
-  return XmlReader().read(bytes);
-}
+Decoded<PropertyList> readXmlPropertyList(std::span<const std::byte> bytes) { return XmlReader().read(bytes); }
 
 }  // namespace havrin::inline platform

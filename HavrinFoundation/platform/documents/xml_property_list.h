@@ -9,6 +9,6 @@
 namespace havrin::inline platform {
 
 /// The property list that the XML in `bytes` writes; see readPropertyList.
-[[nodiscard]] PropertyListResult<PropertyList> readXmlPropertyList(std::span<const std::byte> bytes);
+[[nodiscard]] Decoded<PropertyList> readXmlPropertyList(std::span<const std::byte> bytes);
 
 }  // namespace havrin::inline platform

@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   visitObjects(bytes);
   const auto read = readPropertyList(bytes);
   if (!read) {
-    require(!read.error().reason.empty());
+    require(!read.error().detail().empty());
     return 0;
   }
   const auto written = binaryPropertyList(*read);

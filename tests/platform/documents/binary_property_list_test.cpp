@@ -36,7 +36,7 @@ TEST(BinaryPropertyList, ReadsEveryKindOfObject) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     const auto read = readPropertyList(Binary{{row.object}}.bytes());
-    ASSERT_TRUE(read) << read.error().description();
+    ASSERT_TRUE(read) << read.error().detail();
     EXPECT_TRUE(*read == row.value);
   }
   const auto wide = Binary{{"A1 00 00 01", "51 61"}, 0, 3, 5}.bytes();
@@ -73,7 +73,7 @@ TEST(BinaryPropertyList, SaysWhatIsWrongAndAtWhichByte) {
     SCOPED_TRACE(row.error);
     const auto read = readPropertyList(row.binary.bytes());
     ASSERT_FALSE(read);
-    EXPECT_EQ(read.error().description(), row.error);
+    EXPECT_EQ(read.error().detail(), row.error);
   }
 }
 
@@ -83,7 +83,7 @@ TEST(BinaryPropertyList, RefusesObjectsThatOverlap) {
   text += std::string("\x08\x0C\x0C\x0C", 4);  // three objects that are one in truth
   Binary::append(text, 0x0101, 8);
   for (const unsigned value : {4U, 0U, 15U}) Binary::append(text, value, 8);
-  EXPECT_EQ(readPropertyList(samples::bytesOf(text)).error().reason, "objects that overlap");
+  EXPECT_EQ(samples::reasonOf(readPropertyList(samples::bytesOf(text))), "objects that overlap");
 }
 
 std::vector<std::byte> nested(std::size_t depth) {
@@ -95,7 +95,7 @@ std::vector<std::byte> nested(std::size_t depth) {
 
 TEST(BinaryPropertyList, BoundsTheNesting) {
   EXPECT_TRUE(readPropertyList(nested(List::kDeepestNesting)));
-  EXPECT_EQ(readPropertyList(nested(List::kDeepestNesting + 1)).error().reason, "an object that nests too deep");
+  EXPECT_EQ(samples::reasonOf(readPropertyList(nested(List::kDeepestNesting + 1))), "an object that nests too deep");
   EXPECT_FALSE(readPropertyList(nested(1'000'000)));
 }
 
@@ -104,7 +104,7 @@ TEST(BinaryPropertyList, BoundsWhatSharedPartsStandFor) {
   std::vector<std::string> objects;
   for (std::size_t i = 1; i < 60; ++i) objects.push_back("A2 " + hexadecimal(i, 2) + hexadecimal(i, 2));
   objects.emplace_back("09");
-  EXPECT_EQ(readPropertyList(Binary{{objects.begin(), objects.end()}}.bytes()).error().reason,
+  EXPECT_EQ(samples::reasonOf(readPropertyList(Binary{{objects.begin(), objects.end()}}.bytes())),
             "shared parts that stand for too much");
   // A thousand dictionaries under one long key: keys are copied.
   objects = {"AF 11 03 E8 ", "5F 12 00 01 00 00 " + samples::repeated("61", 65536)};
@@ -112,7 +112,7 @@ TEST(BinaryPropertyList, BoundsWhatSharedPartsStandFor) {
     objects[0] += hexadecimal(i + 2, 4);
     objects.emplace_back("D1 00 01 00 01");
   }
-  EXPECT_EQ(readPropertyList(Binary{{objects.begin(), objects.end()}, 0, 2, 4}.bytes()).error().reason,
+  EXPECT_EQ(samples::reasonOf(readPropertyList(Binary{{objects.begin(), objects.end()}, 0, 2, 4}.bytes())),
             "shared parts that stand for too much");
 }
 

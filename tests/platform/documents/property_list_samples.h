@@ -108,4 +108,11 @@ struct Binary {
   }
 };
 
+// What is wrong, without the place.
+inline std::string reasonOf(const havrin::Decoded<havrin::PropertyList>& read) {
+  if (read) return "nothing";
+  const std::string detail = read.error().detail();
+  return detail.substr(detail.find(": ") + 2);
+}
+
 }  // namespace havrin::samples

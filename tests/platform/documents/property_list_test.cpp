@@ -19,7 +19,7 @@ std::vector<std::byte> fileBytes(const std::filesystem::path& path) {
   return bytesOf(std::string(std::istreambuf_iterator<char>(stream), {}));
 }
 
-PropertyListResult<List> readXml(std::string_view inside) {
+Decoded<List> readXml(std::string_view inside) {
   return readPropertyList(bytesOf("<plist version=\"1.0\">" + std::string(inside) + "</plist>"));
 }
 
@@ -30,7 +30,7 @@ TEST(PropertyList, ReadsWhatAnotherWriterWrote) {
       SCOPED_TRACE(path);
       if (name == "many") continue;  // too large to be kept
       const auto read = readPropertyList(fileBytes(path));
-      ASSERT_TRUE(read) << read.error().description();
+      ASSERT_TRUE(read) << read.error().detail();
       EXPECT_TRUE(*read == value);
     }
   }
@@ -46,7 +46,7 @@ TEST(PropertyList, ReadsWhatItWrote) {
     std::ofstream(folder / (name + ".bplist"), std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     const auto read = readPropertyList(bytes);
-    ASSERT_TRUE(read) << read.error().description();
+    ASSERT_TRUE(read) << read.error().detail();
     EXPECT_TRUE(*read == value);
     EXPECT_EQ(binaryPropertyList(*read), bytes);
   }
@@ -94,7 +94,7 @@ TEST(PropertyList, ReadsXmlByItsRules) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     const auto read = readXml(row.xml);
-    ASSERT_TRUE(read) << read.error().description();
+    ASSERT_TRUE(read) << read.error().detail();
     EXPECT_TRUE(*read == row.value);
   }
   for (const std::string_view whole : {"<array/>", "\xEF\xBB\xBF<array/>",
@@ -131,7 +131,7 @@ TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
     SCOPED_TRACE(row.xml);
     const auto read = readXml(row.xml);
     ASSERT_FALSE(read);
-    EXPECT_EQ(read.error().description(), row.error);
+    EXPECT_EQ(read.error().detail(), row.error);
   }
   const struct {
     std::string_view whole, error;
@@ -147,7 +147,7 @@ TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
   for (const auto& row : wholes) {
     const auto read = readPropertyList(bytesOf(row.whole));
     ASSERT_FALSE(read) << row.whole;
-    EXPECT_EQ(read.error().description(), row.error);
+    EXPECT_EQ(read.error().detail(), row.error);
   }
 }
 
@@ -156,7 +156,7 @@ TEST(PropertyList, BoundsTheNestingOfXml) {
     return readXml(repeated("<array>", depth) + repeated("</array>", depth));
   };
   EXPECT_TRUE(nested(List::kDeepestNesting));
-  EXPECT_EQ(nested(List::kDeepestNesting + 1).error().reason, "an element that nests too deep");
+  EXPECT_EQ(samples::reasonOf(nested(List::kDeepestNesting + 1)), "an element that nests too deep");
   EXPECT_FALSE(nested(1'000'000));
 }
 
@@ -185,7 +185,7 @@ TEST(PropertyList, SharesWhatIsSharedAndWritesItOnce) {
   EXPECT_EQ(taken.array(), inner.array());
   EXPECT_EQ(binaryPropertyList(left), binaryPropertyList(List(false)));  // NOLINT(bugprone-use-after-move)
   // 65536 times a thousand bytes are more than a thousand bytes may stand for.
-  EXPECT_EQ(readPropertyList(bytes).error().reason, "shared parts that stand for too much");
+  EXPECT_EQ(samples::reasonOf(readPropertyList(bytes)), "shared parts that stand for too much");
 }
 
 }  // namespace
