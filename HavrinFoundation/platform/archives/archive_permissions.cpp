@@ -78,7 +78,10 @@ bool ArchiveReader::permitsParts(NSObject* object, std::size_t depth) {
     }
     return true;
   };
-  if (depth > NSKeyedUnarchiver::kDeepestNesting) return isWithinBounds("objects nest too deep");
+  if (depth > NSKeyedUnarchiver::kDeepestNesting) {
+    fail("objects nest too deep");
+    return false;
+  }
   if (const NSArray* const array = cast<NSArray>(object)) return all(array);
   if (const NSSet* const set = cast<NSSet>(object)) return all(set);
   if (const NSOrderedSet* const set = cast<NSOrderedSet>(object)) return all(set);

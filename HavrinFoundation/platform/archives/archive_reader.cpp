@@ -91,10 +91,9 @@ bool ArchiveReader::chargeWork(std::uint64_t parts) {
   return false;
 }
 
-bool ArchiveReader::isWithinBounds(std::string_view tooMuch) {
-  if (tooMuch.empty()) return true;
-  fail(tooMuch);
-  return false;
+bool ArchiveReader::isWithinBounds(const Decoded<void>& outcome) {
+  if (!outcome) fail(outcome.error().detail());
+  return static_cast<bool>(outcome);
 }
 
 // Values.
@@ -298,9 +297,9 @@ std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const Bi
     fail("no class " + quoted(name->text()) + " is known to archives");
     return std::nullopt;
   }
-  const std::string_view refusal = entry->form ? std::string_view() : readingRefusal(*entry->cls);
-  if (refusal.empty()) return entry;
-  fail("the class " + quoted(name->text()) + ' ' + std::string(refusal));
+  const auto readable = entry->form ? Decoded<void>() : checkReadable(*entry->cls);
+  if (readable) return entry;
+  fail("the class " + quoted(name->text()) + ' ' + readable.error().detail());
   return std::nullopt;
 }
 

@@ -126,7 +126,7 @@ class ArchiveReader {
   [[nodiscard]] bool permitsParts(NSObject* object, std::size_t depth);
   [[nodiscard]] bool permitsAttributes(const NSAttributedString& text, std::size_t depth);
   [[nodiscard]] std::uint8_t numberOf(const AllowedClasses& allowed);
-  [[nodiscard]] bool isWithinBounds(std::string_view tooMuch);
+  [[nodiscard]] bool isWithinBounds(const Decoded<void>& outcome);
 
   [[nodiscard]] bool add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought);
   [[nodiscard]] bool chargeSearch(std::vector<SoughtObject>& sought);

@@ -47,8 +47,8 @@ void ArchiveWriter::add(std::string_view key, Number value, std::uint64_t work) 
 }
 
 void ArchiveWriter::addExtent(std::uint64_t work) {
-  const std::string_view tooMuch = frame_.isBounded ? frame_.extent.add(work) : std::string_view();
-  if (!tooMuch.empty()) fail(tooMuch);
+  if (!frame_.isBounded) return;
+  if (const auto fits = frame_.extent.add(work); !fits) fail(fits.error().detail());
 }
 
 bool ArchiveWriter::Frame::has(Number key) {
@@ -98,8 +98,9 @@ std::uint64_t ArchiveWriter::uidOf(const NSObject* object) {
   const Written& written = written_[uid];
   // An object of the application may hold itself; it meets itself when it is read, as one part.
   if (written.isOpen && planFor(dispatchClass(object)->shown()).form) fail("a collection holds itself");
-  const std::string_view tooMuch = frame_.isBounded ? frame_.extent.add(written.extent) : std::string_view();
-  if (!tooMuch.empty()) fail(tooMuch);
+  if (frame_.isBounded) {
+    if (const auto fits = frame_.extent.add(written.extent); !fits) fail(fits.error().detail());
+  }
   return uid;
 }
 
@@ -141,9 +142,11 @@ ArchiveWriter::Plan ArchiveWriter::makePlan(ClassObject* cls) const {
   const auto known = archivedFormForClass(cls) ? std::nullopt : archivedNameForClass(Class(cls));
   if (known) {
     plan.name = *known;
-    const bool isWritten = cls->row(selector<"encodeWithCoder:">) != nullptr;
-    const std::string_view refusal = isWritten ? readingRefusal(*cls) : "does not answer encodeWithCoder:";
-    if (!refusal.empty()) plan.refusal = "the class " + name + ' ' + std::string(refusal);
+    if (!cls->row(selector<"encodeWithCoder:">)) {
+      plan.refusal = "the class " + name + " does not answer encodeWithCoder:";
+    } else if (const auto readable = checkReadable(*cls); !readable) {
+      plan.refusal = "the class " + name + ' ' + readable.error().detail();
+    }
   } else {
     const ClassObject* nearest = cls;
     while (nearest && !plan.form) {

@@ -63,9 +63,10 @@ std::optional<std::string> archivedNameForClass(Class cls) {
   return first ? std::optional(first->first) : std::nullopt;
 }
 
-std::string_view readingRefusal(const ClassObject& cls) {
-  if (!cls.adopts(protocolOf<NSCoding>())) return "does not adopt NSCoding";
-  return cls.row(selector<"initWithCoder:">) ? "" : "does not answer initWithCoder:";
+Decoded<void> checkReadable(const ClassObject& cls) {
+  if (!cls.adopts(protocolOf<NSCoding>())) return DecodingError::dataCorrupted("does not adopt NSCoding");
+  if (!cls.row(selector<"initWithCoder:">)) return DecodingError::dataCorrupted("does not answer initWithCoder:");
+  return {};
 }
 
 bool AllowedClasses::permits(const ClassObject* given) const {
@@ -79,14 +80,16 @@ bool AllowedClasses::permits(const ClassObject* given) const {
   return false;
 }
 
-std::string_view ArchivedExtent::add(const ArchivedExtent& part) noexcept {
+Decoded<void> ArchivedExtent::add(const ArchivedExtent& part) {
   height = std::max<std::uint16_t>(height, static_cast<std::uint16_t>(part.height + 1));
-  if (height > NSKeyedUnarchiver::kDeepestNesting) return "objects nest too deep";
+  if (height > NSKeyedUnarchiver::kDeepestNesting) return DecodingError::dataCorrupted("objects nest too deep");
   return add(part.expansion);
 }
 
-std::string_view ArchivedExtent::add(std::uint64_t work) noexcept {
-  if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) return "shared parts that stand for too much";
+Decoded<void> ArchivedExtent::add(std::uint64_t work) {
+  if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) {
+    return DecodingError::dataCorrupted("shared parts that stand for too much");
+  }
   expansion += static_cast<std::uint32_t>(work);
   return {};
 }

@@ -1,6 +1,7 @@
 // Which classes archives know, by which names, and how the layer's own stand in an archive. Internal to archives/.
 #pragma once
 
+#include <HavrinFoundation/platform/documents/decoding_error.h>
 #include <HavrinFoundation/platform/object/class.h>
 
 #include <cstdint>
@@ -33,8 +34,8 @@ struct ArchivedForm {
 /// Cost: linear in the classes that have been named.
 [[nodiscard]] std::optional<std::string> archivedNameForClass(Class cls);
 
-/// Why objects of a class of the application cannot be read, to be said after its name. Empty when: they can.
-[[nodiscard]] std::string_view readingRefusal(const ClassObject& cls);
+/// Whether objects of a class of the application can be read. The error is to be said after the name of the class.
+[[nodiscard]] Decoded<void> checkReadable(const ClassObject& cls);
 
 /// The classes that may come while secure coding is required: one, a set of them, all that are the layer's own.
 struct AllowedClasses {
@@ -52,9 +53,9 @@ struct ArchivedExtent {
   std::uint32_t expansion = 1;
   std::uint16_t height = 0;  // how deep they nest
 
-  /// Adds a part, or so much work. Result: what is too much of it now; empty when nothing is.
-  [[nodiscard]] std::string_view add(const ArchivedExtent& part) noexcept;
-  [[nodiscard]] std::string_view add(std::uint64_t work) noexcept;
+  /// Adds a part, or so much work. An error when: that is too much.
+  [[nodiscard]] Decoded<void> add(const ArchivedExtent& part);
+  [[nodiscard]] Decoded<void> add(std::uint64_t work);
   [[nodiscard]] static ArchivedExtent ofText(std::uint64_t units) noexcept;
   [[nodiscard]] static ArchivedExtent ofData(std::uint64_t bytes) noexcept;
 };

@@ -92,8 +92,7 @@ class JsonReading {
   // Everything is inlined here, so that the state of the reading lives in registers.
   [[gnu::flatten]] static Outcome outcome(std::string_view text, std::span<std::uint32_t> tokens) {
     JsonReading reading(text, tokens);
-    const char* const problem = reading.document();
-    return {problem, *reading.token_};
+    return {reading.document() ? nullptr : reading.problem_, *reading.token_};
   }
 
  private:
@@ -104,36 +103,40 @@ class JsonReading {
         end_(&tokens.back()),
         backslash_(nextBackslash(text, 0)) {}
 
-  const char* document() {
+  bool document() {
     for (;;) {
-      const char* problem = nullptr;
       const char first = peek();
       if (first == '{' || first == '[') {
-        if ((problem = open(first)) != nullptr) return problem;
+        if (!open(first)) return false;
         if (peek() != closing_) {
-          if (first == '{' && (problem = key()) != nullptr) return problem;
+          if (first == '{' && !key()) return false;
           continue;
         }
         close();
-      } else if ((problem = scalar(first)) != nullptr) {
-        return problem;
+      } else if (!scalar(first)) {
+        return false;
       }
-      if ((problem = afterValue()) != nullptr) return problem;
-      if (depth_ == 0) return token_ == end_ ? nullptr : "there is more text after the document";
+      if (!afterValue()) return false;
+      if (depth_ == 0) return token_ == end_ || wrong("there is more text after the document");
     }
+  }
+
+  bool wrong(const char* problem) {
+    problem_ = problem;
+    return false;
   }
 
   // The character at the next token; NUL at the end of the text, which is no character of JSON.
   char peek() const { return token_ == end_ ? '\0' : text_[*token_]; }
 
-  const char* open(char bracket) {
-    if (depth_ == JsonTokens::kDeepestNesting) return "it nests deeper than 512 levels";
+  bool open(char bracket) {
+    if (depth_ == JsonTokens::kDeepestNesting) return wrong("it nests deeper than 512 levels");
     const std::uint32_t mark = bracket == '{' ? JsonTokens::kContainer | JsonTokens::kObject : JsonTokens::kContainer;
     containers_[depth_] = static_cast<std::uint32_t>(token_ - tokens_) | mark;
     commas_[depth_++] = 0;
     closing_ = bracket == '{' ? '}' : ']';
     ++token_;
-    return nullptr;
+    return true;
   }
 
   void close() {
@@ -150,29 +153,29 @@ class JsonReading {
   }
 
   // Takes what follows a value up to the next value, or to the end of the outermost one.
-  const char* afterValue() {
+  bool afterValue() {
     while (depth_ != 0) {
       const char c = peek();
       if (c == ',') {
         ++token_;
         ++commas_[depth_ - 1];
-        return closing_ == '}' ? key() : nullptr;
+        return closing_ != '}' || key();
       }
-      if (c != closing_) return closing_ == '}' ? "a comma or } is missing" : "a comma or ] is missing";
+      if (c != closing_) return wrong(closing_ == '}' ? "a comma or } is missing" : "a comma or ] is missing");
       close();
     }
-    return nullptr;
+    return true;
   }
 
-  const char* key() {
-    if (peek() != '"') return "a key in quotes is missing";
-    if (const char* problem = string()) return problem;
-    if (peek() != ':') return "a colon is missing";
+  bool key() {
+    if (peek() != '"') return wrong("a key in quotes is missing");
+    if (!string()) return false;
+    if (peek() != ':') return wrong("a colon is missing");
     ++token_;
-    return nullptr;
+    return true;
   }
 
-  const char* scalar(char first) {
+  bool scalar(char first) {
     switch (first) {
       case '"':
         return string();
@@ -183,34 +186,34 @@ class JsonReading {
       case 'n':
         return literal("null");
       default:
-        return first == '-' || isDigit(first) ? number() : "a value is missing";
+        return first == '-' || isDigit(first) ? number() : wrong("a value is missing");
     }
   }
 
   // The closing quote is the last character before the next token that is not white space.
-  const char* string() {
+  bool string() {
     const std::uint32_t begin = *token_ + 1;
     std::uint32_t end = token_[1] - 1;
     if (text_[end] != '"' || end < begin) {
       while (end >= begin && JsonTokens::isWhiteSpace(text_[end])) --end;
-      if (end < begin || text_[end] != '"') return "a string is followed by something else";
+      if (end < begin || text_[end] != '"') return wrong("a string is followed by something else");
     }
     if (backslash_ < end) {
       const auto behind = behindEscapes(text_, backslash_, end);
-      if (!behind) return "a string holds an escape that means nothing";
+      if (!behind) return wrong("a string holds an escape that means nothing");
       backslash_ = *behind;
       *token_ |= JsonTokens::kEscapes;
     }
     ++token_;
-    return nullptr;
+    return true;
   }
 
-  const char* literal(std::string_view word) {
-    if (text_.substr(*token_, word.size()) != word) return "a value is missing";
+  bool literal(std::string_view word) {
+    if (text_.substr(*token_, word.size()) != word) return wrong("a value is missing");
     return scalarEndsAt(*token_ + word.size());
   }
 
-  const char* number() {
+  bool number() {
     const char* const limit = text_.data() + text_.size();
     const char* at = text_.data() + *token_;
     const auto digits = [&] {
@@ -227,20 +230,20 @@ class JsonReading {
     if (at != limit && *at == '0') {
       ++at;
     } else if (!digits()) {
-      return "a number is malformed";
+      return wrong("a number is malformed");
     }
-    if (at != limit && *at == '.' && (++at, !digits())) return "a number is malformed";
+    if (at != limit && *at == '.' && (++at, !digits())) return wrong("a number is malformed");
     if (at != limit && (*at == 'e' || *at == 'E')) {
       if (++at != limit && (*at == '+' || *at == '-')) ++at;
-      if (!digits()) return "a number is malformed";
+      if (!digits()) return wrong("a number is malformed");
     }
     return scalarEndsAt(static_cast<std::size_t>(at - text_.data()));
   }
 
-  const char* scalarEndsAt(std::size_t end) {
-    if (end != token_[1] && !JsonTokens::isWhiteSpace(text_[end])) return "a value is malformed";
+  bool scalarEndsAt(std::size_t end) {
+    if (end != token_[1] && !JsonTokens::isWhiteSpace(text_[end])) return wrong("a value is malformed");
     ++token_;
-    return nullptr;
+    return true;
   }
 
   const std::string_view text_;
@@ -248,6 +251,7 @@ class JsonReading {
   std::uint32_t* token_;
   std::uint32_t* const end_;
   std::uint32_t backslash_;  // the first one not yet passed, or the size of the text
+  const char* problem_ = nullptr;
   char closing_ = '\0';
   std::size_t depth_ = 0;
   std::array<std::uint32_t, JsonTokens::kDeepestNesting> containers_;  // those that are open, with their marks
