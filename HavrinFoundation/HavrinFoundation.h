@@ -26,12 +26,9 @@
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 #include <HavrinFoundation/platform/application/process_info.h>
+#include <HavrinFoundation/platform/archives/keyed_archiver.h>
+#include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/base/clock.h>
-#include <HavrinFoundation/platform/coding/decoding.h>
-#include <HavrinFoundation/platform/coding/json_decoder.h>
-#include <HavrinFoundation/platform/coding/keyed_archiver.h>
-#include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
-#include <HavrinFoundation/platform/coding/property_list_decoder.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/platform/foundation/ns_url.h>
@@ -40,7 +37,6 @@
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
-#include <HavrinFoundation/runtime/lenient_decoding.h>
 #include <HavrinFoundation/text/attributed_strings.h>
 #include <HavrinFoundation/text/attributed_strings_messages.h>
 #include <HavrinFoundation/text/base36_messages.h>

@@ -7,7 +7,10 @@
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/unfair_lock.h>
 #include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/platform/decoding/json_decoder.h>
+#include <HavrinFoundation/platform/decoding/property_list_decoder.h>
 #include <HavrinFoundation/runtime/clamp.h>
+#include <HavrinFoundation/runtime/lenient_decoding.h>
 #include <HavrinFoundation/text/base36.h>
 #include <HavrinFoundation/text/character_sets.h>
 #include <HavrinFoundation/text/friendly_number.h>

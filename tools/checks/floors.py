@@ -10,6 +10,7 @@ import subprocess
 
 from checks import build
 from checks.layers import ORDER
+from checks.source_tree import LIBRARY
 
 LIBRARIES = ("HavrinTyped", "HavrinFoundation")
 # The image, which lists every category. Message headers refer to it, wherever they are.
@@ -45,7 +46,10 @@ def check(tree):
     for library in LIBRARIES:
         folder = tree.root / build.FOLDER / "HavrinFoundation" / "CMakeFiles" / f"{library}_objects.dir"
         for path in sorted(folder.rglob("*.o")):
-            where = place(pathlib.PurePath(path.relative_to(folder)))
+            relative = path.relative_to(folder)
+            if f"{LIBRARY}{str(relative).removesuffix('.o')}" not in tree.known:
+                continue  # left by a source that is gone
+            where = place(pathlib.PurePath(relative))
             defined, undefined = symbols(path)
             for name in defined:
                 lowest[name] = min(where, lowest.get(name, where))

@@ -21,10 +21,6 @@ ORDER = {folder: height for height, folder in enumerate(VALUES + OBJECTS)}
 # What a folder's .cpp files may include besides: the arrow back is in no header.
 PLATFORM_SOURCES = {
     "object": {"foundation"},  # an object describes itself by a string
-<<<<<<< HEAD
-=======
-    "foundation": {"documents", "archives"},  # a bundle reads its Info.plist
->>>>>>> e9bf70d (coding: Split into documents, decoding and archives)
 }
 
 # Facilities that build on another room's facility, or on another of their own room.
@@ -57,7 +53,6 @@ ABOUT_OBJECTS = {
     "colours/hex_codes": "colours are objects",
     "colours/colour_arithmetic": "colours are objects",
     "links/app_identity": "bundles are objects",
-    "runtime/lenient_decoding": "decoding containers throw the layer's errors",
 }
 
 # What stands at the root of the library: the table of contents, which knows every room.

@@ -12,6 +12,8 @@
 // objects that were read, each once, stays within the size of the data, or they overlap.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <HavrinFoundation/platform/documents/property_list.h>
 #include <HavrinFoundation/platform/time/date.h>
 
@@ -26,7 +28,7 @@
 namespace havrin::inline platform {
 
 /// One object, borrowed from the data.
-class BinaryObject {
+class HAVRIN_EXPORT BinaryObject {
  public:
   /// Integers from 2^63 on are unsignedInteger.
   enum class Kind : std::uint8_t {
@@ -87,7 +89,7 @@ class BinaryObject {
 };
 
 /// The objects of a binary property list, by number. Refers to the data.
-class BinaryPropertyList {
+class HAVRIN_EXPORT BinaryPropertyList {
  public:
   /// An error when: the header or the trailer is not there, or says what cannot be.
   /// Cost: constant.
@@ -129,7 +131,7 @@ class BinaryPropertyList {
 [[nodiscard]] DecodingError errorAtByte(std::uint64_t position, std::string_view reason);
 
 /// Whether `bytes` begin as the binary form does.
-[[nodiscard]] bool isBinaryPropertyList(std::span<const std::byte> bytes) noexcept;
+[[nodiscard]] HAVRIN_EXPORT bool isBinaryPropertyList(std::span<const std::byte> bytes) noexcept;
 
 /// The property list that the binary form in `bytes` writes; see readPropertyList.
 [[nodiscard]] Decoded<PropertyList> readBinaryPropertyList(std::span<const std::byte> bytes);

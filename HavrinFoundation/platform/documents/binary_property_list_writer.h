@@ -10,6 +10,8 @@
 // proportion to its size.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <HavrinFoundation/platform/base/random.h>
 #include <HavrinFoundation/platform/time/date.h>
 
@@ -22,7 +24,7 @@
 
 namespace havrin::inline platform {
 
-class BinaryPropertyListWriter {
+class HAVRIN_EXPORT BinaryPropertyListWriter {
  public:
   using Number = std::uint64_t;
   static constexpr std::size_t kLargestShared = 256;
