@@ -2,12 +2,17 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <shared_mutex>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/category.h>
@@ -16,6 +21,13 @@
 #include <HavrinFoundation/platform/object/runtime_internal.h>
 
 namespace havrin::inline platform {
+
+// The order of a class's rows: that of the addresses, which compare as integers do.
+struct Before {
+  bool operator()(const std::pair<const SelectorRecord*, const MethodRow*>& row, const SelectorRecord* record) const {
+    return std::less<>()(row.first, record);
+  }
+};
 
 // The table of classes. Its lock guards every class's rows; nothing foreign runs under it.
 struct Runtime {
@@ -43,7 +55,20 @@ struct Runtime {
   }
 
   static void insert(ClassObject& cls, std::span<const MethodRow> rows) {
-    for (const MethodRow& row : rows) cls.rows_[Selector(*row.selector).record()] = &row;
+    for (const MethodRow& row : rows) {
+      const SelectorRecord* const record = Selector(*row.selector).record();
+      const auto place = std::lower_bound(cls.rows_.begin(), cls.rows_.end(), record, Before{});
+      if (place != cls.rows_.end() && place->first == record) {
+        place->second = &row;
+      } else {
+        cls.rows_.emplace(place, record, &row);
+      }
+    }
+  }
+
+  static const MethodRow* find(const ClassObject& cls, const SelectorRecord* record) {
+    const auto place = std::lower_bound(cls.rows_.begin(), cls.rows_.end(), record, Before{});
+    return place != cls.rows_.end() && place->first == record ? place->second : nullptr;
   }
 };
 
@@ -55,15 +80,34 @@ ClassObject::ClassObject(std::string_view name, ClassObject* superclass, ClassOb
       superclass_(superclass),
       shown_(this),
       depth_(superclass ? superclass->depth_ + 1 : 0) {
+  for (auto& page : methods_) page.store(&noMethods, std::memory_order_relaxed);
   if (superclass) ancestors_ = superclass->ancestors_;
   if (depth_ < kAncestors) ancestors_[depth_] = this;
 }
 
+constinit ClassObject::Page<Implementation> ClassObject::noMethods;
+
+namespace {
+
+// What `place` refers to, made by the first thread that finds `missing` there.
+template <class T>
+T& made(std::atomic<T*>& place, T* missing) {
+  T* found = place.load(std::memory_order_acquire);
+  if (found != missing) return *found;
+  auto fresh = std::make_unique<T>();
+  if (place.compare_exchange_strong(found, fresh.get(), std::memory_order_acq_rel)) return *fresh.release();
+  return *found;
+}
+
+}  // namespace
+
+template <class T>
+std::atomic<T>& ClassObject::ownSlot(Pages<T>& pages, std::uint32_t number, Page<T>* missing) {
+  return made(pages[number / kPageSlots], missing).slots[number % kPageSlots];
+}
+
 ClassObject* ClassObject::place(std::string_view name, ClassObject* superclass, ClassObject* metaclass) {
-  constexpr std::size_t kTables =
-      kSlots * (sizeof(std::atomic<Implementation>) + sizeof(std::atomic<const MethodRow*>));
-  const std::size_t size = sizeof(ObjectHeader) + sizeof(ClassObject) + kTables;
-  void* memory = std::calloc(1, size);
+  void* memory = std::malloc(sizeof(ObjectHeader) + sizeof(ClassObject));
   if (!memory) throw std::bad_alloc();
   auto* header = new (memory) ObjectHeader(metaclass, ObjectHeader::kImmortal);
   return ::new (static_cast<void*>(header + 1)) ClassObject(name, superclass, metaclass);
@@ -121,8 +165,11 @@ void ClassObject::addRows(std::span<const MethodRow> rows, bool ofProgram) {
     const std::uint32_t number = Selector(*row.selector).number();
     for (ClassObject* cls : runtime.all) {
       if (!cls->inheritsFrom(this)) continue;
-      cls->methodTable()[number].store(nullptr, std::memory_order_release);
-      cls->rowTable()[number].store(nullptr, std::memory_order_release);
+      if (cls->cached(number)) ownSlot(cls->methods_, number, &noMethods).store(nullptr, std::memory_order_release);
+      if (auto* asked = cls->askedRows_.load(std::memory_order_acquire)) {
+        ownSlot(*asked, number, static_cast<Page<const MethodRow*>*>(nullptr))
+            .store(nullptr, std::memory_order_release);
+      }
     }
   }
   runtime.methodChanges.fetch_add(1, std::memory_order_release);
@@ -130,18 +177,26 @@ void ClassObject::addRows(std::span<const MethodRow> rows, bool ofProgram) {
 
 const MethodRow* ClassObject::findRow(const SelectorRecord* record) const {
   for (const ClassObject* cls = this; cls; cls = cls->superclass_) {
-    if (const auto found = cls->rows_.find(record); found != cls->rows_.end()) return found->second;
+    if (const MethodRow* found = Runtime::find(*cls, record)) return found;
   }
   return nullptr;
 }
 
 const MethodRow* ClassObject::row(Selector selector) const {
   const std::uint32_t number = selector.number();
-  if (const MethodRow* known = rowTable()[number].load(std::memory_order_acquire)) return known;
+  if (const auto* asked = askedRows_.load(std::memory_order_acquire)) {
+    if (const auto* page = (*asked)[number / kPageSlots].load(std::memory_order_acquire)) {
+      if (const MethodRow* known = page->slots[number % kPageSlots].load(std::memory_order_acquire)) return known;
+    }
+  }
   if (!selector) return nullptr;
   const std::shared_lock guard(Runtime::shared().lock);
   const MethodRow* row = findRow(selector.record());
-  if (row && number) rowTable()[number].store(row, std::memory_order_release);
+  if (row && number) {
+    using Asked = Pages<const MethodRow*>;
+    Asked& asked = made(askedRows_, static_cast<Asked*>(nullptr));
+    ownSlot(asked, number, static_cast<Page<const MethodRow*>*>(nullptr)).store(row, std::memory_order_release);
+  }
   return row;
 }
 
@@ -163,7 +218,9 @@ Implementation ClassObject::resolve(const SelectorConstant& constant, const std:
     const MethodRow* row = findRow(selector.record());
     if (row && *row->signature->type == signature) {
       const Implementation found = implementation(*row);
-      if (const std::uint32_t number = selector.number()) methodTable()[number].store(found, std::memory_order_release);
+      if (const std::uint32_t number = selector.number()) {
+        ownSlot(methods_, number, &noMethods).store(found, std::memory_order_release);
+      }
       return found;
     }
     if (row) {

@@ -16,7 +16,7 @@
 #include <span>
 #include <string_view>
 #include <typeinfo>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <HavrinFoundation/platform/export.h>
@@ -54,8 +54,12 @@ struct ClassDescription {
 /// The class object itself. Programs use the handles `Class` and `ClassOf`.
 class HAVRIN_EXPORT ClassObject final : public NSObject {
  public:
-  static constexpr std::uint32_t kSlots = 4096;  // selectors numbered beyond go the slow way
-  static constexpr std::size_t kAncestors = 8;   // classes deeper than that are walked
+  // The tables by selector number: pages that are made when a slot of theirs is first filled. Selectors numbered beyond
+  // them go the slow way.
+  static constexpr std::uint32_t kPages = 64;
+  static constexpr std::uint32_t kPageSlots = 64;
+  static constexpr std::uint32_t kSlots = kPages * kPageSlots;
+  static constexpr std::size_t kAncestors = 8;  // classes deeper than that are walked
 
   [[nodiscard]] std::string_view name() const { return name_; }
   [[nodiscard]] ClassObject* superclass() const { return superclass_; }
@@ -76,7 +80,10 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
 
   /// The cached method for a selector's number; null when it must be resolved.
   [[nodiscard]] Implementation cached(std::uint32_t number) const {
-    return methodTable()[number].load(std::memory_order_acquire);
+    return methods_[number / kPageSlots]
+        .load(std::memory_order_acquire)
+        ->slots[number % kPageSlots]
+        .load(std::memory_order_acquire);
   }
   /// The method that answers `selector` with exactly this signature. Throws: NSException (InvalidArgument) when there
   /// is none, or one of another signature. `receiver` is for the text.
@@ -103,15 +110,16 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   friend struct Runtime;
   ClassObject(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
   static ClassObject* place(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
-  // Two tables by selector number stand behind the object, in memory that starts zeroed and is touched page by page:
-  // the methods that sends have resolved, whose signatures are those of the declared messages, and the rows that were
-  // asked for, whose signatures may be any.
-  [[nodiscard]] std::atomic<Implementation>* methodTable() const {
-    return reinterpret_cast<std::atomic<Implementation>*>(const_cast<ClassObject*>(this) + 1);
-  }
-  [[nodiscard]] std::atomic<const MethodRow*>* rowTable() const {
-    return reinterpret_cast<std::atomic<const MethodRow*>*>(methodTable() + kSlots);
-  }
+  template <class T>
+  struct Page {
+    std::array<std::atomic<T>, kPageSlots> slots{};
+  };
+  template <class T>
+  using Pages = std::array<std::atomic<Page<T>*>, kPages>;
+  /// What every entry of a new table refers to, so that a read needs no test for a missing page. Stays empty.
+  static Page<Implementation> noMethods;
+  template <class T>
+  static std::atomic<T>& ownSlot(Pages<T>& pages, std::uint32_t number, Page<T>* missing);
   [[nodiscard]] bool inheritsDeep(const ClassObject* other) const;
   [[nodiscard]] const MethodRow* findRow(const SelectorRecord* record) const;
 
@@ -125,7 +133,11 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   Strong<NSObject> (*create_)() = nullptr;
   std::span<const AnyProtocol* const> protocols_;
   std::atomic<ClassObject*> notifying_{nullptr};
-  std::unordered_map<const SelectorRecord*, const MethodRow*> rows_;
+  // Two tables: the methods that sends have resolved, whose signatures are those of the declared messages, and the rows
+  // that were asked for, whose signatures may be any. The second is made when a row is first asked for.
+  mutable Pages<Implementation> methods_;
+  mutable std::atomic<Pages<const MethodRow*>*> askedRows_{nullptr};
+  std::vector<std::pair<const SelectorRecord*, const MethodRow*>> rows_;  // sorted; guarded by the runtime's lock
 };
 
 /// Counts the changes of any class's methods: a cache of rows is good while the number stands.

@@ -26,7 +26,17 @@ namespace {
 struct SelectorTable {
   std::shared_mutex lock;
   std::unordered_map<std::string_view, std::unique_ptr<SelectorRecord>> byName;
-  std::atomic<const SelectorRecord*> byNumber[ClassObject::kSlots]{};
+  // In pieces, which are made as the numbers reach them.
+  struct Piece {
+    std::atomic<const SelectorRecord*> records[ClassObject::kPageSlots]{};
+  };
+  std::atomic<Piece*> pieces[ClassObject::kPages]{};
+
+  std::atomic<const SelectorRecord*>& byNumber(std::uint32_t number) {
+    return pieces[number / ClassObject::kPageSlots]
+        .load(std::memory_order_acquire)
+        ->records[number % ClassObject::kPageSlots];
+  }
 };
 
 SelectorTable& table() {
@@ -50,7 +60,11 @@ const SelectorRecord* intern(std::string_view name) {
   auto record = std::make_unique<SelectorRecord>(std::string(name),
                                                  next < ClassObject::kSlots ? static_cast<std::uint32_t>(next) : 0);
   const SelectorRecord* result = record.get();
-  if (result->number) selectors.byNumber[result->number].store(result, std::memory_order_release);
+  if (result->number) {
+    auto& piece = selectors.pieces[result->number / ClassObject::kPageSlots];
+    if (!piece.load(std::memory_order_relaxed)) piece.store(new SelectorTable::Piece, std::memory_order_release);
+    selectors.byNumber(result->number).store(result, std::memory_order_release);
+  }
   selectors.byName.emplace(result->name, std::move(record));
   return result;
 }
@@ -59,7 +73,7 @@ const SelectorRecord* intern(std::string_view name) {
 
 Selector::Selector(const SelectorConstant& constant) {
   if (const std::uint32_t number = constant.number.load(std::memory_order_acquire)) {
-    record_ = table().byNumber[number].load(std::memory_order_acquire);
+    record_ = table().byNumber(number).load(std::memory_order_acquire);
     return;
   }
   record_ = intern(constant.name);
