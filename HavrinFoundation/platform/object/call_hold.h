@@ -57,10 +57,11 @@ decltype(auto) whileHolding(Body&& body, const H&...) {
   return body();
 }
 
-/// Calls `body` while the receiver and the arguments are held.
+/// Calls `body` while the arguments, and the receiver where there is one to hold, are held. `runsProgram`: the method may
+/// run code of the program whatever the objects are.
 template <class... A, class Body>
-decltype(auto) callHeld(Body&& body, NSObject* receiver, const std::remove_cvref_t<A>&... arguments) {
-  const bool hold = mayRunProgram(receiver) || (Held<std::remove_cvref_t<A>>::mayRunProgram(arguments) || ...);
+decltype(auto) callHeld(Body&& body, bool runsProgram, NSObject* receiver, const std::remove_cvref_t<A>&... arguments) {
+  const bool hold = runsProgram || (Held<std::remove_cvref_t<A>>::mayRunProgram(arguments) || ...);
   return whileHolding(std::forward<Body>(body), Held<NSObject*>(receiver, hold),
                       Held<std::remove_cvref_t<A>>(arguments, hold)...);
 }

@@ -108,8 +108,8 @@ template <class C, auto Function, class R, class... A>
 struct CategoryTrampoline<C, Function, R(A...)> {
   static constexpr bool fits = std::is_invocable_r_v<R, decltype(Function), C&, A...>;
   static R call(NSObject* self, A... arguments) {
-    return callHeld<A...>([&]() -> R { return Function(static_cast<C&>(*self), std::forward<A>(arguments)...); }, self,
-                          arguments...);
+    return callHeld<A...>([&]() -> R { return Function(static_cast<C&>(*self), std::forward<A>(arguments)...); },
+                          mayRunProgram(self), self, arguments...);
   }
 };
 template <class C, auto Function, class F>
@@ -120,7 +120,7 @@ struct ClassTrampoline<C, Function, R(A...)> {
   static R call(NSObject* self, A... arguments) {
     return callHeld<A...>(
         [&]() -> R { return Function(ClassOf<C>(static_cast<ClassObject*>(self)), std::forward<A>(arguments)...); },
-        nullptr, arguments...);  // a class outlives every call
+        !static_cast<ClassObject*>(self)->isLeaf(), nullptr, arguments...);  // a class outlives every call
   }
 };
 

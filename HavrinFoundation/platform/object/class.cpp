@@ -135,7 +135,8 @@ ClassObject* ClassObject::build(const ClassDescription& description) {
     headerOf(meta).cls.store(meta, std::memory_order_relaxed);
   }
   meta->instance_ = cls;
-  cls->isLeaf_.store(description.isLeaf, std::memory_order_relaxed);
+  cls->hasRowsOfProgram_ = super && super->hasRowsOfProgram_;
+  cls->isLeaf_.store(description.isLeaf && !cls->hasRowsOfProgram_, std::memory_order_relaxed);
   cls->create_ = description.create;
   cls->protocols_ = description.protocols;
   Runtime::insert(*cls, description.rows);
@@ -160,7 +161,14 @@ void ClassObject::addRows(std::span<const MethodRow> rows, bool ofProgram) {
   Runtime& runtime = Runtime::shared();
   const std::unique_lock guard(runtime.lock);
   Runtime::insert(*this, rows);
-  if (ofProgram) isLeaf_.store(false, std::memory_order_relaxed);
+  if (ofProgram) {
+    for (ClassObject* cls : runtime.all) {
+      if (!cls->inheritsFrom(this)) continue;
+      ClassObject* const leaf = cls->instance_ ? cls->instance_ : cls;
+      leaf->hasRowsOfProgram_ = true;
+      leaf->isLeaf_.store(false, std::memory_order_relaxed);
+    }
+  }
   for (const MethodRow& row : rows) {
     const std::uint32_t number = Selector(*row.selector).number();
     for (ClassObject* cls : runtime.all) {

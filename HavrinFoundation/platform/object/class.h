@@ -128,6 +128,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   ClassObject* shown_;
   ClassObject* instance_ = nullptr;  // of a metaclass: its one instance
   std::atomic<bool> isLeaf_{false};
+  bool hasRowsOfProgram_ = false;  // its own or a superclass's; guarded by the runtime's lock
   std::uint32_t depth_;
   std::array<const ClassObject*, kAncestors> ancestors_{};
   Strong<NSObject> (*create_)() = nullptr;
