@@ -7,20 +7,10 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace havrin::inline platform {
-namespace {
-
 using Kind = BinaryObject::Kind;
-
-// What the smallest archive may stand for, and what each of its bytes may.
-constexpr std::uint64_t kSmallestRoom = std::uint64_t{16} << 20;
-constexpr std::uint64_t kRoomPerByte = 32;
-constexpr std::uint64_t kObjectSize = 64;  // about what an object takes, whatever it holds
-
-}  // namespace
 
 // While it lives, the values of one object are read. An object that is not made then is as if it had not been touched.
 class ArchiveReader::Nested {
@@ -47,11 +37,7 @@ class ArchiveReader::Nested {
 };
 
 ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArchive> archive)
-    : coder_(coder),
-      archive_(std::move(archive)),
-      slots_(archive_->count()),
-      room_(std::max(kSmallestRoom, kRoomPerByte * archive_->size())),
-      work_(archivedWork(archive_->size())) {}
+    : coder_(coder), archive_(std::move(archive)), slots_(archive_->count()), budget_(archive_->size()) {}
 
 // Failures.
 
@@ -69,31 +55,6 @@ void ArchiveReader::fail(std::string_view reason) {
 
 void ArchiveReader::failWithValue(std::string_view key, std::string_view wanted) {
   fail("the value under " + quoted(key) + " is no " + std::string(wanted));
-}
-
-bool ArchiveReader::charge(std::uint64_t bytes) {
-  if (bytes <= room_) {
-    room_ -= bytes;
-    return true;
-  }
-  room_ = 0;
-  fail("the objects stand for more than an archive of this size should hold");
-  return false;
-}
-
-bool ArchiveReader::chargeWork(std::uint64_t parts) {
-  if (parts <= work_) {
-    work_ -= parts;
-    return true;
-  }
-  work_ = 0;
-  fail("telling the objects apart takes more than an archive of this size should need");
-  return false;
-}
-
-bool ArchiveReader::isWithinBounds(const Decoded<void>& outcome) {
-  if (!outcome) fail(outcome.error().detail());
-  return static_cast<bool>(outcome);
 }
 
 // Values.
@@ -174,7 +135,7 @@ bool ArchiveReader::makeObject(std::uint64_t uid) {
     fail("object " + std::to_string(uid) + " cannot be read: " + object.error().detail());
     return false;
   }
-  if (!charge(kObjectSize + object->encodedSize())) return false;
+  if (!charge(kArchivedObjectSize + object->encodedSize())) return false;
   if (object->kind() == Kind::dictionary) return makeInstance(uid, *object);
   Slot& slot = slots_[uid];
   slot.object = makePlain(*object);
@@ -269,7 +230,7 @@ const ArchiveReader::ArchivedClassEntry* ArchiveReader::classEntry(std::uint64_t
   if (slot.state != Slot::State::unread) return nullptr;
   const auto record = archive_->object(uid);
   if (!record || record->kind() != Kind::dictionary) return nullptr;
-  if (!charge(kObjectSize + record->encodedSize())) return nullptr;
+  if (!charge(kArchivedObjectSize + record->encodedSize())) return nullptr;
   const auto entry = resolve(*record);
   if (!entry) return nullptr;
   slot.state = Slot::State::classRecord;
@@ -290,7 +251,7 @@ std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const Bi
   const auto hints = entry ? std::nullopt : archive_->member(record, "$classhints", Kind::array);
   for (std::uint64_t i = 0; hints && !entry && i < hints->count(); ++i) {
     const auto hint = archive_->list().object(hints->element(i));
-    if (!hint || !hint->isText() || !charge(kObjectSize + hint->encodedSize())) break;
+    if (!hint || !hint->isText() || !charge(kArchivedObjectSize + hint->encodedSize())) break;
     entry = entryForName(hint->text());
   }
   if (!entry) {

@@ -1,6 +1,7 @@
 // A keyed archive that is being read: its objects by number, made when they are first asked for. Internal to archives/.
 #pragma once
 
+#include <HavrinFoundation/platform/archives/archive_limits.h>
 #include <HavrinFoundation/platform/archives/archived_classes.h>
 #include <HavrinFoundation/platform/archives/keyed_archive.h>
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
@@ -65,9 +66,9 @@ class ArchiveReader {
   [[nodiscard]] std::vector<Part> partsOf(std::string_view key);
 
   /// Counts `bytes` of what is made. Result: false, and a failure, when that is out of all proportion to the archive.
-  bool charge(std::uint64_t bytes);
+  bool charge(std::uint64_t bytes) { return isWithinBounds(budget_.takeRoom(bytes)); }
   /// The same for work: parts that are hashed or compared.
-  bool chargeWork(std::uint64_t parts);
+  bool chargeWork(std::uint64_t parts) { return isWithinBounds(budget_.takeWork(parts)); }
   /// Adds to what walks over the object that is being read will take. Result: false, and a failure, when that is too much.
   bool addExtent(std::uint64_t work) { return !frame_->isBounded || isWithinBounds(frame_->extent.add(work)); }
   [[nodiscard]] bool hasFailed() const { return coder_.hasFailed(); }
@@ -126,7 +127,10 @@ class ArchiveReader {
   [[nodiscard]] bool permitsParts(NSObject* object, std::size_t depth);
   [[nodiscard]] bool permitsAttributes(const NSAttributedString& text, std::size_t depth);
   [[nodiscard]] std::uint8_t numberOf(const AllowedClasses& allowed);
-  [[nodiscard]] bool isWithinBounds(const Decoded<void>& outcome);
+  [[nodiscard]] bool isWithinBounds(const Decoded<void>& outcome) {
+    if (!outcome) fail(outcome.error().detail());
+    return static_cast<bool>(outcome);
+  }
 
   [[nodiscard]] bool add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought);
   [[nodiscard]] bool chargeSearch(std::vector<SoughtObject>& sought);
@@ -143,8 +147,7 @@ class ArchiveReader {
   std::vector<Strong<NSSet>> allowedSets_;
   std::vector<Slot> slots_;
   std::vector<ArchivedClassEntry> classes_;
-  std::uint64_t room_ = 0;
-  std::uint64_t work_ = 0;
+  ArchiveBudget budget_;
 };
 
 }  // namespace havrin::inline platform

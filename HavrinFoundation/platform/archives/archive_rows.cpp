@@ -5,16 +5,7 @@
 // The rows of objects that collections are made of. What a collection does with a row bounds how long it may be.
 
 namespace havrin::inline platform {
-namespace {
-
 using Kind = BinaryObject::Kind;
-
-// About what an element takes in an array, and what a member or a key does.
-constexpr std::uint64_t kElementSize = 8;
-constexpr std::uint64_t kMemberSize = 40;
-constexpr std::uint64_t kPartSize = 32;  // of a key that is copied
-
-}  // namespace
 
 bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought) {
   const auto uid = archive_->list().uid(number);
@@ -30,7 +21,7 @@ bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector
   row.push_back(object);
   if (use == Use::inOrder) return true;
   const std::uint64_t work = slots_[*uid].extent.expansion;
-  if (!chargeWork(work) || (use == Use::keys && !charge(kPartSize * work))) return false;
+  if (!chargeWork(work) || (use == Use::keys && !charge(kArchivedKeyPartSize * work))) return false;
   sought.push_back({object->hash(), work});
   return true;
 }
@@ -42,7 +33,7 @@ bool ArchiveReader::objects(std::string_view key, Use use, Objects& row) {
     return false;
   }
   const std::uint64_t count = array->count();
-  if (!charge(count * (use == Use::inOrder ? kElementSize : kMemberSize))) return false;
+  if (!charge(count * (use == Use::inOrder ? kArchivedElementSize : kArchivedMemberSize))) return false;
   row.reserve(row.size() + count);
   std::vector<SoughtObject> sought;
   if (use != Use::inOrder) sought.reserve(count);
@@ -69,7 +60,7 @@ bool ArchiveReader::numberedObjects(std::string_view prefix, Objects& row) {
     found += numbers[index] == kMissing;
     numbers[index] = values.value(i);
   }
-  if (!charge(found * kMemberSize)) return false;
+  if (!charge(found * kArchivedMemberSize)) return false;
   std::vector<SoughtObject> sought;
   for (std::uint64_t i = 0; i < found; ++i) {
     if (numbers[i] == kMissing) {
@@ -93,7 +84,7 @@ std::vector<ArchiveReader::Part> ArchiveReader::partsOf(std::string_view key) {
   if (!values || values->kind() != Kind::dictionary) return {};
   const auto array = archive_->member(*values, "NS.objects", Kind::array);
   std::vector<Part> parts;
-  if (!array || !charge(array->count() * sizeof(Part))) return {};
+  if (!array || !charge(array->count() * kArchivedElementSize)) return {};
   for (std::uint64_t i = 0; i < array->count(); ++i) {
     const auto part = archive_->list().uid(array->element(i));
     if (!part || *part >= slots_.size() || slots_[*part].state != Slot::State::made) return {};

@@ -43,6 +43,7 @@ void ArchiveWriter::add(std::string_view key, Number value, std::uint64_t work) 
   if (frame_.has(name)) return fail("two values under the key \"" + std::string(key) + '"');
   frame_.keys.push_back(name);
   frame_.values.push_back(value);
+  charge(list_.sizeOf(value));
   addExtent(work);
 }
 
@@ -64,15 +65,17 @@ void ArchiveWriter::addObjects(std::string_view key, std::span<const Strong<NSOb
   std::vector<Number> references;
   references.reserve(objects.size());
   for (const Strong<NSObject>& object : objects) references.push_back(reference(uidOf(object)));
+  charge(kArchivedElementSize * objects.size());
   add(key, list_.array(references));
 }
 
-void ArchiveWriter::addSearch(std::span<const Strong<NSObject>> parts) {
+void ArchiveWriter::addSearch(std::span<const Strong<NSObject>> parts, std::uint64_t partSize) {
   if (coder_.hasFailed()) return;
   std::vector<SoughtObject> sought;
   sought.reserve(parts.size());
   for (const Strong<NSObject>& part : parts) {
     sought.push_back({part->hash(), workOf(part)});
+    charge(kArchivedMemberSize + partSize * sought.back().work);
     chargeWork(sought.back().work);
   }
   const std::uint64_t work = searchWork(sought);
@@ -109,6 +112,7 @@ void ArchiveWriter::write(std::uint64_t uid, const NSObject& object) {
   ClassObject* const cls = dispatchClass(&object)->shown();
   Plan& plan = planFor(cls);
   if (!plan.refusal.empty()) return fail(plan.refusal);
+  charge(kArchivedObjectSize);
   const Nested nested(*this, uid, plan.form != nullptr);
   encode(object, plan);
   Written& written = written_[uid];
@@ -174,6 +178,7 @@ std::uint64_t ArchiveWriter::classUid(Plan& plan, ClassObject* cls) {
   }
   const Number keys[] = {list_.text(std::string_view("$classname")), list_.text(std::string_view("$classes"))};
   const Number values[] = {names[0], list_.array(names)};
+  charge(kArchivedObjectSize + list_.sizeOf(names[0]));
   plan.classUid = written_.size();
   written_.push_back({.object = nullptr, .number = list_.dictionary(keys, values), .extent = {}});
   return plan.classUid;
@@ -192,7 +197,12 @@ std::vector<std::byte> ArchiveWriter::finish() {
   list_.setDictionary(top_, frame_.keys, frame_.values);
   list_.setDictionary(root_, keys, values);
   std::vector<std::byte> bytes = list_.finish(root_);
-  if (work_ > archivedWork(bytes.size())) fail("objects that take too much to be told apart");
+  ArchiveBudget budget(bytes.size());
+  const auto check = [this](const Decoded<void>& outcome) {
+    if (!outcome) fail(outcome.error().detail());
+  };
+  check(budget.takeRoom(room_ + 2 * bytes.size()));  // each object is read, and each array, once
+  check(budget.takeWork(work_));
   return bytes;
 }
 

@@ -1,6 +1,7 @@
 // A keyed archive that is being written: archive_reader.h tells the form. Internal to archives/.
 #pragma once
 
+#include <HavrinFoundation/platform/archives/archive_limits.h>
 #include <HavrinFoundation/platform/archives/archived_classes.h>
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/documents/binary_property_list_writer.h>
@@ -35,8 +36,8 @@ class ArchiveWriter {
   void addObject(std::string_view key, const NSObject* object);
   /// Adds an array of references.
   void addObjects(std::string_view key, std::span<const Strong<NSObject>> objects);
-  /// Adds what telling these parts apart takes, which stand in a set, or are keys.
-  void addSearch(std::span<const Strong<NSObject>> parts);
+  /// Adds what telling these parts apart takes, which stand in a set, or are keys, of whose parts each takes `partSize`.
+  void addSearch(std::span<const Strong<NSObject>> parts, std::uint64_t partSize = 0);
 
   // Reading counts what it takes; what would be too much is not written.
 
@@ -44,7 +45,8 @@ class ArchiveWriter {
   [[nodiscard]] std::uint64_t workOf(const NSObject* part) const { return written_[uids_.at(part)].extent.expansion; }
   /// Adds to what walking over the object that is being written takes.
   void addExtent(std::uint64_t work);
-  /// Adds to what reading the archive takes.
+  /// Adds to what reading the archive takes: memory, and work.
+  void charge(std::uint64_t bytes) { room_ += bytes; }
   void chargeWork(std::uint64_t parts) { work_ += parts; }
 
   /// Says that the object is this value, and no dictionary.
@@ -98,6 +100,7 @@ class ArchiveWriter {
   BinaryPropertyListWriter list_;
   Frame frame_;
   std::size_t depth_ = 0;
+  std::uint64_t room_ = 0;
   std::uint64_t work_ = 0;
   Number root_;
   Number objects_;  // of all UIDs

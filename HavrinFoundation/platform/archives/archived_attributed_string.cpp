@@ -34,10 +34,9 @@ std::optional<std::uint64_t> takeVarint(std::span<const std::byte>& bytes) {
 
 // Attributes are held immutable. Null when: that takes too much.
 Strong<NSDictionary> immutableAttributes(NSObject* object, ArchiveReader& reader) {
-  constexpr std::uint64_t kEntrySize = 48;
   NSDictionary* const attributes = cast<NSDictionary>(object);
   if (!attributes || !isKind<NSMutableDictionary>(attributes)) return attributes;
-  if (!reader.charge(kEntrySize * (1 + attributes->count()))) return nullptr;
+  if (!reader.charge(kArchivedMemberSize * (1 + attributes->count()))) return nullptr;
   return cast<NSDictionary>(attributes->copy());
 }
 
@@ -46,7 +45,7 @@ std::optional<Runs> runsOf(std::span<const std::byte> info, const std::vector<Ar
                            ArchiveReader& reader) {
   const auto numbers =
       static_cast<std::size_t>(std::ranges::count_if(info, [](std::byte byte) { return byte < std::byte{0x80}; }));
-  if (!reader.charge(2 * sizeof(NSAttributedString::Run) * (numbers / 2))) return std::nullopt;
+  if (!reader.charge(kArchivedRunSize * (numbers / 2))) return std::nullopt;
   std::vector<Strong<NSDictionary>> attributes;
   for (const ArchiveReader::Part& part : parts) {
     attributes.push_back(immutableAttributes(part.object, reader));
@@ -77,6 +76,7 @@ std::optional<Runs> runsOf(std::span<const std::byte> info, const std::vector<Ar
 // What reading the runs counts.
 void addRuns(std::span<const Strong<NSObject>> attributes, ArchiveWriter& writer) {
   if (writer.hasFailed()) return;
+  writer.charge(kArchivedRunSize * attributes.size());
   for (std::size_t i = 0; i < attributes.size(); ++i) {
     const std::uint64_t work = writer.workOf(attributes[i]);
     writer.addExtent(work);

@@ -5,7 +5,6 @@
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
-#include <algorithm>
 #include <map>
 #include <mutex>
 #include <shared_mutex>
@@ -78,42 +77,6 @@ bool AllowedClasses::permits(const ClassObject* given) const {
     if (allowed && given->inheritsFrom(allowed.object())) return true;
   }
   return false;
-}
-
-Decoded<void> ArchivedExtent::add(const ArchivedExtent& part) {
-  height = std::max<std::uint16_t>(height, static_cast<std::uint16_t>(part.height + 1));
-  if (height > NSKeyedUnarchiver::kDeepestNesting) return DecodingError::dataCorrupted("objects nest too deep");
-  return add(part.expansion);
-}
-
-Decoded<void> ArchivedExtent::add(std::uint64_t work) {
-  if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) {
-    return DecodingError::dataCorrupted("shared parts that stand for too much");
-  }
-  expansion += static_cast<std::uint32_t>(work);
-  return {};
-}
-
-ArchivedExtent ArchivedExtent::ofText(std::uint64_t units) noexcept {
-  return {.expansion = static_cast<std::uint32_t>(std::min(1 + units / 8, NSKeyedUnarchiver::kLargestExpansion))};
-}
-
-ArchivedExtent ArchivedExtent::ofData(std::uint64_t bytes) noexcept { return ofText(bytes / 32); }
-
-std::uint64_t searchWork(std::span<SoughtObject> sought) {
-  std::ranges::sort(sought, {}, &SoughtObject::hash);
-  std::uint64_t all = 0;
-  for (std::size_t from = 0, to = 0; from < sought.size(); from = to) {
-    std::uint64_t work = 0;
-    for (; to < sought.size() && sought[to].hash == sought[from].hash; ++to) work += sought[to].work;
-    all += std::min((to - from - 1) * work, 2 * NSKeyedUnarchiver::kLargestExpansion);
-  }
-  return all;
-}
-
-std::uint64_t archivedWork(std::uint64_t size) noexcept {
-  constexpr std::uint64_t kWorkPerByte = 8;
-  return std::max(NSKeyedUnarchiver::kLargestExpansion, kWorkPerByte * size);
 }
 
 }  // namespace havrin::inline platform

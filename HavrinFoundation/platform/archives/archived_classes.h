@@ -4,9 +4,7 @@
 #include <HavrinFoundation/platform/documents/decoding_error.h>
 #include <HavrinFoundation/platform/object/class.h>
 
-#include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -45,31 +43,5 @@ struct AllowedClasses {
 
   [[nodiscard]] bool permits(const ClassObject* given) const;
 };
-
-/// How much an object holds, itself counted: what bounds the walks over it (hashing, comparing, describing).
-struct ArchivedExtent {
-  // The parts, and parts of parts, shared ones each time; of a set and of keys each once more for every other one of its
-  // hash, with which it is compared. 8 units of text are a part, and 256 bytes of data.
-  std::uint32_t expansion = 1;
-  std::uint16_t height = 0;  // how deep they nest
-
-  /// Adds a part, or so much work. An error when: that is too much.
-  [[nodiscard]] Decoded<void> add(const ArchivedExtent& part);
-  [[nodiscard]] Decoded<void> add(std::uint64_t work);
-  [[nodiscard]] static ArchivedExtent ofText(std::uint64_t units) noexcept;
-  [[nodiscard]] static ArchivedExtent ofData(std::uint64_t bytes) noexcept;
-};
-
-/// A member of a set, or a key.
-struct SoughtObject {
-  std::uint64_t hash;
-  std::uint64_t work;  // its expansion
-};
-/// What telling the objects of a row apart takes: each is compared with those of its hash, again whenever the collection
-/// is compared with another. Sorts the row.
-[[nodiscard]] std::uint64_t searchWork(std::span<SoughtObject> sought);
-
-/// How much work, in parts that are hashed or compared, an archive of `size` bytes may ask for.
-[[nodiscard]] std::uint64_t archivedWork(std::uint64_t size) noexcept;
 
 }  // namespace havrin::inline platform

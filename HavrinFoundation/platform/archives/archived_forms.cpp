@@ -184,7 +184,7 @@ void encodeDictionary(const NSObject& object, ArchiveWriter& writer) {
     return true;
   });
   writer.addObjects("NS.keys", keys);
-  writer.addSearch(keys);
+  writer.addSearch(keys, kArchivedKeyPartSize);
   writer.addObjects("NS.objects", values);
 }
 
@@ -243,7 +243,11 @@ Strong<NSObject> decodeUUID(ArchiveReader& reader) {
 
 void encodeURL(const NSObject& object, ArchiveWriter& writer) {
   const NSURL& url = as<NSURL>(object);
-  writer.addObject("NS.base", url.baseURL());
+  const Strong<NSURL> base = url.baseURL();
+  const std::uint64_t size = url.relativeString()->length() + (base ? base->absoluteString()->length() : 0);
+  writer.charge(3 * size);
+  writer.chargeWork(size);
+  writer.addObject("NS.base", base);
   writer.addObject("NS.relative", url.relativeString());
 }
 

@@ -50,6 +50,9 @@ class HAVRIN_EXPORT BinaryPropertyListWriter {
   Number array(std::span<const Number> elements);
   Number dictionary(std::span<const Number> keys, std::span<const Number> values);
 
+  /// How many bytes a scalar takes.
+  [[nodiscard]] std::uint64_t sizeOf(Number scalar) const { return objects_[scalar].byteCount; }
+
   /// The list whose outermost object is `top`. Every container has been set. Cost: linear.
   [[nodiscard]] std::vector<std::byte> finish(Number top) const;
 

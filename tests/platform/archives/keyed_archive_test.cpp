@@ -286,6 +286,11 @@ TEST(KeyedArchiver, SaysWhatCannotBeWritten) {
   Strong<NSArray> deepest = makeArray({deep});
   Strong<NSObject> laughs = makeArray({makeString("ha"), makeString("ha")});
   for (int i = 0; i < 30; ++i) laughs = makeArray({laughs, laughs});
+  ArrayBuilder parts(1'000);
+  for (int i = 0; i < 1'000; ++i) parts.add(makeNumber(i));
+  const Strong<NSArray> key = parts.finish();
+  const auto copies = make<NSMutableArray>();
+  for (int i = 0; i < 1'000; ++i) copies->addObject(makeDictionary({{key, makeNumber(i)}}));
   const struct {
     Strong<NSObject> object;
     bool secure;
@@ -297,6 +302,7 @@ TEST(KeyedArchiver, SaysWhatCannotBeWritten) {
       {holdsItself, false, "a collection holds itself"},
       {deepest, false, "objects nest too deep"},
       {laughs, false, "shared parts that stand for too much"},
+      {copies, false, "more than an archive of this size should hold"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.error);

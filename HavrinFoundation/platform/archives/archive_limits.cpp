@@ -1,0 +1,41 @@
+#include <HavrinFoundation/platform/archives/archive_limits.h>
+
+namespace havrin::inline platform {
+
+// The smallest archive may stand for so many bytes, and each of its own for so many more.
+ArchiveBudget::ArchiveBudget(std::uint64_t archiveSize)
+    : room_(std::max(std::uint64_t{16} << 20, 32 * archiveSize)),
+      work_(std::max(NSKeyedUnarchiver::kLargestExpansion, 8 * archiveSize)) {}
+
+Decoded<void> ArchivedExtent::add(const ArchivedExtent& part) {
+  height = std::max<std::uint16_t>(height, static_cast<std::uint16_t>(part.height + 1));
+  if (height > NSKeyedUnarchiver::kDeepestNesting) return DecodingError::dataCorrupted("objects nest too deep");
+  return add(part.expansion);
+}
+
+Decoded<void> ArchivedExtent::add(std::uint64_t work) {
+  if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) {
+    return DecodingError::dataCorrupted("shared parts that stand for too much");
+  }
+  expansion += static_cast<std::uint32_t>(work);
+  return {};
+}
+
+ArchivedExtent ArchivedExtent::ofText(std::uint64_t units) noexcept {
+  return {.expansion = static_cast<std::uint32_t>(std::min(1 + units / 8, NSKeyedUnarchiver::kLargestExpansion))};
+}
+
+ArchivedExtent ArchivedExtent::ofData(std::uint64_t bytes) noexcept { return ofText(bytes / 32); }
+
+std::uint64_t searchWork(std::span<SoughtObject> sought) {
+  std::ranges::sort(sought, {}, &SoughtObject::hash);
+  std::uint64_t all = 0;
+  for (std::size_t from = 0, to = 0; from < sought.size(); from = to) {
+    std::uint64_t work = 0;
+    for (; to < sought.size() && sought[to].hash == sought[from].hash; ++to) work += sought[to].work;
+    all += std::min((to - from - 1) * work, 2 * NSKeyedUnarchiver::kLargestExpansion);
+  }
+  return all;
+}
+
+}  // namespace havrin::inline platform
