@@ -7,19 +7,7 @@ ArchiveBudget::ArchiveBudget(std::uint64_t archiveSize)
     : room_(std::max(std::uint64_t{16} << 20, 32 * archiveSize)),
       work_(std::max(NSKeyedUnarchiver::kLargestExpansion, 8 * archiveSize)) {}
 
-Decoded<void> ArchivedExtent::add(const ArchivedExtent& part) {
-  height = std::max<std::uint16_t>(height, static_cast<std::uint16_t>(part.height + 1));
-  if (height > NSKeyedUnarchiver::kDeepestNesting) return DecodingError::dataCorrupted("objects nest too deep");
-  return add(part.expansion);
-}
-
-Decoded<void> ArchivedExtent::add(std::uint64_t work) {
-  if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) {
-    return DecodingError::dataCorrupted("shared parts that stand for too much");
-  }
-  expansion += static_cast<std::uint32_t>(work);
-  return {};
-}
+Decoded<void> ArchiveBudget::refusal(std::string_view tooMuch) { return DecodingError::dataCorrupted(tooMuch); }
 
 ArchivedExtent ArchivedExtent::ofText(std::uint64_t units) noexcept {
   return {.expansion = static_cast<std::uint32_t>(std::min(1 + units / 8, NSKeyedUnarchiver::kLargestExpansion))};

@@ -32,9 +32,12 @@ class ArchiveBudget {
     return take(work_, parts, "telling the objects apart takes more than an archive of this size should need");
   }
 
+  [[nodiscard]] static Decoded<void> refusal(std::string_view tooMuch);
+
  private:
   static Decoded<void> take(std::uint64_t& left, std::uint64_t amount, std::string_view tooMuch) {
-    if (amount > left) return DecodingError::dataCorrupted(tooMuch);
+    if (amount > left) [[unlikely]]
+      return refusal(tooMuch);
     left -= amount;
     return {};
   }
@@ -51,8 +54,18 @@ struct ArchivedExtent {
   std::uint16_t height = 0;  // how deep they nest
 
   /// Adds a part, or so much work. An error when: that is too much.
-  [[nodiscard]] Decoded<void> add(const ArchivedExtent& part);
-  [[nodiscard]] Decoded<void> add(std::uint64_t work);
+  [[nodiscard]] Decoded<void> add(const ArchivedExtent& part) {
+    height = std::max<std::uint16_t>(height, static_cast<std::uint16_t>(part.height + 1));
+    if (height > NSKeyedUnarchiver::kDeepestNesting) [[unlikely]]
+      return ArchiveBudget::refusal("objects nest too deep");
+    return add(part.expansion);
+  }
+  [[nodiscard]] Decoded<void> add(std::uint64_t work) {
+    if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) [[unlikely]]
+      return ArchiveBudget::refusal("shared parts that stand for too much");
+    expansion += static_cast<std::uint32_t>(work);
+    return {};
+  }
   [[nodiscard]] static ArchivedExtent ofText(std::uint64_t units) noexcept;
   [[nodiscard]] static ArchivedExtent ofData(std::uint64_t bytes) noexcept;
 };

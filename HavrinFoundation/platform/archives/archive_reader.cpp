@@ -69,7 +69,7 @@ std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
   if (hasFailed()) return std::nullopt;
   const auto number = archive_->find(frame_->values, key, frame_->next);
   if (!number) return std::nullopt;
-  const auto object = archive_->list().object(*number);
+  const auto object = archive_->objectAt(*number);
   if (!object) {
     fail("the value under " + quoted(key) + " cannot be read: " + object.error().detail());
     return std::nullopt;
@@ -85,8 +85,8 @@ std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
 std::optional<BinaryObject> ArchiveReader::value(std::string_view key, Kind kind) {
   const auto found = value(key);
   if (!found || found->kind() == kind) return found;
-  constexpr std::string_view kNames[] = {"boolean", "integer", "integer", "real",  "date",      "reference",
-                                         "data",    "text",    "text",    "array", "dictionary"};
+  constexpr std::string_view kNames[] = {"boolean", "integer", "integer", "real", "date",  "reference",
+                                         "data",    "text",    "text",    "text", "array", "dictionary"};
   failWithValue(key, kNames[static_cast<std::size_t>(kind)]);
   return std::nullopt;
 }
@@ -95,7 +95,7 @@ NSObject* ArchiveReader::object(std::string_view key) {
   if (hasFailed()) return nullptr;
   const auto number = archive_->find(frame_->values, key, frame_->next);
   if (!number) return nullptr;
-  const auto uid = archive_->list().uid(*number);
+  const auto uid = archive_->uidAt(*number);
   if (uid) return objectWithUid(*uid);
   failWithValue(key, "reference to an object");
   return nullptr;
@@ -152,6 +152,7 @@ Strong<NSObject> ArchiveReader::makePlain(const BinaryObject& object) {
     case Kind::asciiText:
       return permits(classObject<NSString>()) ? makeString(object.asciiText()) : nullptr;
     case Kind::utf16Text:
+    case Kind::utf8Text:
       return permits(classObject<NSString>()) ? makeString(object.utf16Text()) : nullptr;
     case Kind::data:
       return permits(classObject<NSData>()) ? makeData(object.data()) : nullptr;
@@ -180,7 +181,7 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
   // Objects of one class have their keys in one order: the search begins where it ended for the last one.
   const auto classNumber = archive_->find(values, "$class", nextClassKey_);
   nextClassKey_ = nextClassKey_ == 0 ? 0 : nextClassKey_ - 1;
-  const auto classUid = classNumber ? archive_->list().uid(*classNumber) : std::nullopt;
+  const auto classUid = classNumber ? archive_->uidAt(*classNumber) : std::nullopt;
   const ArchivedClassEntry* const found = classUid ? classEntry(*classUid) : nullptr;
   if (!found) {
     fail("it has no class");
@@ -241,7 +242,7 @@ const ArchiveReader::ArchivedClassEntry* ArchiveReader::classEntry(std::uint64_t
 std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const BinaryObject& record) {
   std::uint64_t from = 0;
   const auto number = archive_->find(record, "$classname", from);
-  const auto name = number ? archive_->list().object(*number) : detail::ErrorHolder::undescribed();
+  const auto name = number ? archive_->objectAt(*number) : detail::ErrorHolder::undescribed();
   if (!name || !name->isText()) {
     fail("the record of its class has no name");
     return std::nullopt;
@@ -250,7 +251,7 @@ std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const Bi
   auto entry = entryForName(name->text());
   const auto hints = entry ? std::nullopt : archive_->member(record, "$classhints", Kind::array);
   for (std::uint64_t i = 0; hints && !entry && i < hints->count(); ++i) {
-    const auto hint = archive_->list().object(hints->element(i));
+    const auto hint = archive_->objectAt(hints->element(i));
     if (!hint || !hint->isText() || !charge(kArchivedObjectSize + hint->encodedSize())) break;
     entry = entryForName(hint->text());
   }

@@ -128,9 +128,12 @@ class ArchiveReader {
   [[nodiscard]] bool permitsAttributes(const NSAttributedString& text, std::size_t depth);
   [[nodiscard]] std::uint8_t numberOf(const AllowedClasses& allowed);
   [[nodiscard]] bool isWithinBounds(const Decoded<void>& outcome) {
-    if (!outcome) fail(outcome.error().detail());
-    return static_cast<bool>(outcome);
+    if (outcome) [[likely]]
+      return true;
+    fail(outcome.error());
+    return false;
   }
+  [[gnu::cold]] void fail(const DecodingError& error) { fail(error.detail()); }
 
   [[nodiscard]] bool add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought);
   [[nodiscard]] bool chargeSearch(std::vector<SoughtObject>& sought);

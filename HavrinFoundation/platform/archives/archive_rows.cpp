@@ -8,7 +8,7 @@ namespace havrin::inline platform {
 using Kind = BinaryObject::Kind;
 
 bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought) {
-  const auto uid = archive_->list().uid(number);
+  const auto uid = archive_->uidAt(number);
   if (!uid) {
     fail("a value is no reference to an object");
     return false;
@@ -50,9 +50,10 @@ bool ArchiveReader::numberedObjects(std::string_view prefix, Objects& row) {
   std::vector<std::uint64_t> numbers(values.count(), kMissing);
   std::uint64_t found = 0;
   for (std::uint64_t i = 0; i < values.count(); ++i) {
-    const auto key = archive_->list().object(values.key(i));
+    const auto key = archive_->objectAt(values.key(i));
     if (key && !chargeWork(ArchivedExtent::ofText(key->count()).expansion)) return false;
-    if (!key || key->kind() != Kind::asciiText || !key->asciiText().starts_with(prefix)) continue;
+    if (!key || (key->kind() != Kind::asciiText && key->kind() != Kind::utf8Text)) continue;
+    if (!key->asciiText().starts_with(prefix)) continue;
     const std::string_view digits = key->asciiText().substr(prefix.size());
     std::uint64_t index = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), index);
@@ -79,14 +80,14 @@ bool ArchiveReader::chargeSearch(std::vector<SoughtObject>& sought) {
 
 std::vector<ArchiveReader::Part> ArchiveReader::partsOf(std::string_view key) {
   const auto number = archive_->find(frame_->values, key, frame_->next);
-  const auto uid = number ? archive_->list().uid(*number) : std::nullopt;
+  const auto uid = number ? archive_->uidAt(*number) : std::nullopt;
   const auto values = uid ? archive_->object(*uid) : detail::ErrorHolder::undescribed();
   if (!values || values->kind() != Kind::dictionary) return {};
   const auto array = archive_->member(*values, "NS.objects", Kind::array);
   std::vector<Part> parts;
   if (!array || !charge(array->count() * kArchivedElementSize)) return {};
   for (std::uint64_t i = 0; i < array->count(); ++i) {
-    const auto part = archive_->list().uid(array->element(i));
+    const auto part = archive_->uidAt(array->element(i));
     if (!part || *part >= slots_.size() || slots_[*part].state != Slot::State::made) return {};
     parts.push_back({slots_[*part].object, slots_[*part].extent.expansion});
   }

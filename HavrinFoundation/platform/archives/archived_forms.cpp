@@ -71,7 +71,7 @@ template <class C>
 Strong<NSObject> decodeString(ArchiveReader& reader) {
   const auto text = reader.value("NS.string");
   if (text && text->kind() == Kind::asciiText) return make<C>(text->asciiText());
-  if (text && text->kind() == Kind::utf16Text) return make<C>(text->utf16Text());
+  if (text && text->isText()) return make<C>(text->utf16Text());
   const NSString* const string = reader.object<NSString>("NS.string");
   if (!string || !reader.charge(2 * string->length())) return nullptr;
   return make<C>(utf16(*string));

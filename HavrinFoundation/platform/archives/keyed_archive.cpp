@@ -20,29 +20,31 @@ Decoded<std::unique_ptr<KeyedArchive>> KeyedArchive::open(NSData& data) {
 }
 
 detail::ErrorHolder KeyedArchive::readList() {
-  std::span<const std::byte> bytes = data_->bytes();
-  if (!isBinaryPropertyList(bytes)) {
+  const std::span<const std::byte> bytes = data_->bytes();
+  if (isBinaryPropertyList(bytes)) {
+    auto list = BinaryPropertyList::fromData(bytes);
+    if (!list) return std::move(list.failure());
+    list_ = *list;
+  } else {
     auto tree = readPropertyList(bytes);
     if (!tree) return std::move(tree.failure());
-    bytes = converted_ = binaryPropertyList(*tree);
+    tree_.emplace(*std::move(tree));
   }
-  auto list = BinaryPropertyList::fromData(bytes);
-  if (!list) return std::move(list.failure());
-  list_ = *list;
   return {};
 }
 
 detail::ErrorHolder KeyedArchive::findParts() {
-  auto root = list_.object(list_.topObject());
+  auto root = objectAt(tree_ ? 0 : list_.topObject());
   if (!root) return std::move(root.failure());
   const auto wrong = [](std::string_view what) { return DecodingError::dataCorrupted(what).holder(); };
   if (root->kind() != Kind::dictionary) return wrong("the property list is no dictionary");
-  const auto archiver = member(*root, "$archiver", Kind::asciiText);
+  std::uint64_t from = 0;
+  const auto archiver = find(*root, "$archiver", from);
   const auto version = member(*root, "$version", Kind::integer);
   const auto objects = member(*root, "$objects", Kind::array);
   const auto top = member(*root, "$top", Kind::dictionary);
   constexpr std::int64_t kVersion = 100000;
-  if (!archiver || archiver->asciiText() != "NSKeyedArchiver") return wrong("\"$archiver\" is not \"NSKeyedArchiver\"");
+  if (!archiver || !isTextAt(*archiver, "NSKeyedArchiver")) return wrong("\"$archiver\" is not \"NSKeyedArchiver\"");
   if (!version || version->integer() != kVersion) return wrong("\"$version\" is not 100000");
   if (!objects) return wrong("\"$objects\" is no array");
   if (!top) return wrong("\"$top\" is no dictionary");
@@ -56,7 +58,7 @@ std::optional<std::uint64_t> KeyedArchive::find(const BinaryObject& dictionary, 
   const std::uint64_t count = dictionary.count();
   for (std::uint64_t step = 0, at = from; step < count; ++step, ++at) {
     if (at >= count) at = 0;
-    if (!list_.isText(dictionary.key(at), key)) continue;
+    if (!isTextAt(dictionary.key(at), key)) continue;
     from = at + 1;
     return dictionary.value(at);
   }
@@ -68,7 +70,7 @@ std::optional<BinaryObject> KeyedArchive::member(const BinaryObject& dictionary,
   std::uint64_t from = 0;
   const auto number = find(dictionary, key, from);
   if (!number) return std::nullopt;
-  const auto object = list_.object(*number);
+  const auto object = objectAt(*number);
   if (!object || object->kind() != kind) return std::nullopt;
   return *object;
 }

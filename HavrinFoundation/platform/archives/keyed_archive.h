@@ -6,6 +6,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
+#include <HavrinFoundation/platform/documents/numbered_tree.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 
 #include <cstddef>
@@ -14,14 +15,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace havrin::inline platform {
 
 class KeyedArchive {
  public:
   /// The archive in `data`. An error (dataCorrupted) when: it is not one.
-  /// Cost: constant for the binary form; XML is converted to it.
+  /// Cost: constant for the binary form, linear for XML.
   [[nodiscard]] static Decoded<std::unique_ptr<KeyedArchive>> open(NSData& data);
   KeyedArchive(const KeyedArchive&) = delete;
   KeyedArchive& operator=(const KeyedArchive&) = delete;
@@ -29,10 +29,18 @@ class KeyedArchive {
   /// How many bytes it came in.
   [[nodiscard]] std::uint64_t size() const { return data_->length(); }
   /// The objects by number, UIDs not meant: as in the property list.
-  [[nodiscard]] const BinaryPropertyList& list() const { return list_; }
+  [[nodiscard]] Decoded<BinaryObject> objectAt(std::uint64_t number) const {
+    return tree_ ? tree_->object(number) : list_.object(number);
+  }
+  [[nodiscard]] std::optional<std::uint64_t> uidAt(std::uint64_t number) const {
+    return tree_ ? tree_->uid(number) : list_.uid(number);
+  }
+  [[nodiscard]] bool isTextAt(std::uint64_t number, std::string_view text) const {
+    return tree_ ? tree_->isText(number, text) : list_.isText(number, text);
+  }
   /// How many UIDs there are, and the object that one stands for.
   [[nodiscard]] std::uint64_t count() const { return objects_.count(); }
-  [[nodiscard]] Decoded<BinaryObject> object(std::uint64_t uid) const { return list_.object(objects_.element(uid)); }
+  [[nodiscard]] Decoded<BinaryObject> object(std::uint64_t uid) const { return objectAt(objects_.element(uid)); }
   /// The dictionary "$top".
   [[nodiscard]] const BinaryObject& top() const { return top_; }
 
@@ -50,10 +58,10 @@ class KeyedArchive {
   [[nodiscard]] detail::ErrorHolder findParts();
 
   Strong<NSData> data_;
-  std::vector<std::byte> converted_;  // from XML
-  BinaryPropertyList list_;
-  BinaryObject objects_{BinaryObject::Kind::array, 0, 0};
-  BinaryObject top_{BinaryObject::Kind::dictionary, 0, 0};
+  BinaryPropertyList list_;           // of the binary form,
+  std::optional<NumberedTree> tree_;  // of XML
+  BinaryObject objects_{BinaryObject::Kind::array, 0, 0, nullptr};
+  BinaryObject top_{BinaryObject::Kind::dictionary, 0, 0, nullptr};
 };
 
 }  // namespace havrin::inline platform

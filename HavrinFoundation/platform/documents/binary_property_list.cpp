@@ -32,17 +32,18 @@ DecodingError errorAtByte(std::uint64_t position, std::string_view reason) {
 }
 
 std::uint64_t BinaryObject::reference(std::uint64_t index) const noexcept {
-  return bigEndian(bytes_ + index * referenceSize_, referenceSize_);
+  return referenceSize_ == 0 ? firstPart_ + index : bigEndian(bytes_ + index * referenceSize_, referenceSize_);
 }
 
 std::u16string BinaryObject::utf16Text() const {
+  if (kind_ == Kind::utf8Text) return utf16(asciiText());
   std::u16string units(value_, u'\0');
   for (std::uint64_t i = 0; i < value_; ++i) units[i] = static_cast<char16_t>(bigEndian(bytes_ + 2 * i, 2));
   return units;
 }
 
 std::string BinaryObject::text() const {
-  return kind_ == Kind::asciiText ? std::string(asciiText()) : utf8(utf16Text());
+  return kind_ == Kind::utf16Text ? utf8(utf16Text()) : std::string(asciiText());
 }
 
 bool isBinaryPropertyList(std::span<const std::byte> bytes) noexcept {

@@ -41,6 +41,7 @@ class HAVRIN_EXPORT BinaryObject {
     data,
     asciiText,
     utf16Text,
+    utf8Text,  // in a NumberedTree alone
     array,
     dictionary
   };
@@ -50,8 +51,12 @@ class HAVRIN_EXPORT BinaryObject {
                std::uint8_t referenceSize = 0) noexcept
       : kind_(kind), referenceSize_(referenceSize), encodedSize_(encodedSize), value_(value), bytes_(bytes) {}
 
+  /// An array or a dictionary whose parts have the numbers from `firstPart` on.
+  BinaryObject(Kind kind, std::uint64_t encodedSize, std::uint64_t count, std::uint64_t firstPart) noexcept
+      : kind_(kind), referenceSize_(0), encodedSize_(encodedSize), value_(count), firstPart_(firstPart) {}
+
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
-  [[nodiscard]] bool isText() const noexcept { return kind_ == Kind::asciiText || kind_ == Kind::utf16Text; }
+  [[nodiscard]] bool isText() const noexcept { return kind_ >= Kind::asciiText && kind_ <= Kind::utf8Text; }
 
   /// The value. Only of the kind that is named.
   [[nodiscard]] bool boolean() const noexcept { return value_ != 0; }
@@ -61,14 +66,14 @@ class HAVRIN_EXPORT BinaryObject {
   [[nodiscard]] Date date() const noexcept { return Date::fromTimeIntervalSinceReferenceDate(real()); }
   [[nodiscard]] std::uint64_t uid() const noexcept { return value_; }
   [[nodiscard]] std::span<const std::byte> data() const noexcept { return {bytes_, value_}; }
-  /// Below U+0080 throughout.
+  /// Below U+0080 throughout; of a text in UTF-8, its bytes.
   [[nodiscard]] std::string_view asciiText() const noexcept { return {reinterpret_cast<const char*>(bytes_), value_}; }
-  /// The units as they stand, lone surrogates too.
+  /// The units of a text that is not ASCII as they stand, lone surrogates too.
   [[nodiscard]] std::u16string utf16Text() const;
-  /// Either text as UTF-8, lone surrogates as U+FFFD.
+  /// Any text as UTF-8, lone surrogates as U+FFFD.
   [[nodiscard]] std::string text() const;
 
-  /// How many objects an array holds, or how many keys a dictionary; bytes of data, units of text.
+  /// How many objects an array holds, or how many keys a dictionary; bytes of data and of UTF-8, units of text.
   [[nodiscard]] std::uint64_t count() const noexcept { return value_; }
   /// The number of the object at `index` of an array; of a key and of a value of a dictionary.
   [[nodiscard]] std::uint64_t element(std::uint64_t index) const noexcept { return reference(index); }
@@ -85,7 +90,10 @@ class HAVRIN_EXPORT BinaryObject {
   std::uint8_t referenceSize_;
   std::uint64_t encodedSize_;
   std::uint64_t value_;
-  const std::byte* bytes_;
+  union {
+    const std::byte* bytes_;
+    std::uint64_t firstPart_;  // where references have no size
+  };
 };
 
 /// The objects of a binary property list, by number. Refers to the data.

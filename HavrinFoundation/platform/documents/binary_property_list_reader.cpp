@@ -78,6 +78,7 @@ class TreeReader {
         break;
       case Kind::asciiText:
       case Kind::utf16Text:
+      case Kind::utf8Text:
         made.value.emplace(object.text());
         break;
       case Kind::array:
