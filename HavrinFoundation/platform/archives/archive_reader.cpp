@@ -24,7 +24,7 @@ class ArchiveReader::Nested {
   Nested(const Nested&) = delete;
   Nested& operator=(const Nested&) = delete;
   ~Nested() {
-    Slot& slot = reader_.slots_[frame_.uid];
+    Slot& slot = reader_.objects_[frame_.uid];
     if (slot.state != Slot::State::made) slot = Slot();
     reader_.frame_ = outer_;
     --reader_.depth_;
@@ -37,7 +37,7 @@ class ArchiveReader::Nested {
 };
 
 ArchiveReader::ArchiveReader(NSKeyedUnarchiver& coder, std::unique_ptr<KeyedArchive> archive)
-    : coder_(coder), archive_(std::move(archive)), slots_(archive_->count()), budget_(archive_->size()) {}
+    : coder_(coder), archive_(std::move(archive)), objects_(archive_->count()), budget_(archive_->size()) {}
 
 // Failures.
 
@@ -105,11 +105,11 @@ NSObject* ArchiveReader::object(std::string_view key) {
 
 NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
   if (uid == 0 || hasFailed()) return nullptr;
-  if (uid >= slots_.size()) {
+  if (uid >= objects_.count()) {
     fail("a reference to object " + std::to_string(uid) + ", which is not there");
     return nullptr;
   }
-  Slot& slot = slots_[uid];
+  Slot& slot = objects_[uid];
   switch (slot.state) {
     case Slot::State::unread:
       if (!makeObject(uid)) return nullptr;
@@ -137,7 +137,7 @@ bool ArchiveReader::makeObject(std::uint64_t uid) {
   }
   if (!charge(kArchivedObjectSize + object->encodedSize())) return false;
   if (object->kind() == Kind::dictionary) return makeInstance(uid, *object);
-  Slot& slot = slots_[uid];
+  Slot& slot = objects_[uid];
   slot.object = makePlain(*object);
   if (!slot.object) return false;
   if (object->isText()) slot.extent = ArchivedExtent::ofText(object->count());
@@ -190,7 +190,7 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
   const ArchivedClassEntry entry = *found;
   if (!permits(entry.cls)) return false;
 
-  Slot& slot = slots_[uid];
+  Slot& slot = objects_[uid];
   slot.state = Slot::State::open;
   frame_->isBounded = entry.form != nullptr;
   Strong<NSObject> made = entry.form ? entry.form->decode(*this) : makeOwn(slot, entry);
@@ -225,18 +225,16 @@ Strong<NSObject> ArchiveReader::makeOwn(Slot& slot, const ArchivedClassEntry& en
 // Classes.
 
 const ArchiveReader::ArchivedClassEntry* ArchiveReader::classEntry(std::uint64_t uid) {
-  if (uid >= slots_.size()) return nullptr;
-  Slot& slot = slots_[uid];
-  if (slot.state == Slot::State::classRecord) return &classes_[slot.extent.expansion];
+  if (uid >= objects_.count()) return nullptr;
+  Slot& slot = objects_[uid];
+  if (const ArchivedClassEntry* const known = objects_.classIn(slot)) return known;
   if (slot.state != Slot::State::unread) return nullptr;
   const auto record = archive_->object(uid);
   if (!record || record->kind() != Kind::dictionary) return nullptr;
   if (!charge(kArchivedObjectSize + record->encodedSize())) return nullptr;
   const auto entry = resolve(*record);
   if (!entry) return nullptr;
-  slot.state = Slot::State::classRecord;
-  slot.extent.expansion = static_cast<std::uint32_t>(classes_.size());
-  return &classes_.emplace_back(*entry);
+  return objects_.addClass(slot, *entry);
 }
 
 std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const BinaryObject& record) {

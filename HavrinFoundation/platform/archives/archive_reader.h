@@ -2,6 +2,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/archives/archive_limits.h>
+#include <HavrinFoundation/platform/archives/archive_objects.h>
 #include <HavrinFoundation/platform/archives/archived_classes.h>
 #include <HavrinFoundation/platform/archives/keyed_archive.h>
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
@@ -79,25 +80,13 @@ class ArchiveReader {
   void failWithValue(std::string_view key, std::string_view wanted);
 
  private:
+  using Slot = ArchiveObjects::Slot;
+  using ArchivedClassEntry = ArchiveObjects::ClassEntry;
+  static constexpr std::uint8_t kOthers = ArchiveObjects::kOthers;
+
   /// A name from outside, as errors quote it.
   [[nodiscard]] static std::string quoted(std::string_view name);
 
-  static constexpr std::uint8_t kOthers = 255;  // classes that it is no use to remember
-
-  // What is known of an object. Of a record of a class, `extent.expansion` is its index in `classes_`.
-  struct Slot {
-    enum class State : std::uint8_t { unread, open, openToItself, made, classRecord };
-    Strong<NSObject> object;
-    ArchivedExtent extent;
-    State state = State::unread;
-    std::uint8_t allowed = kOthers;  // which classes could come when it was made
-  };
-  // A class that a record names.
-  struct ArchivedClassEntry {
-    ClassObject* cls = nullptr;
-    const ArchivedForm* form = nullptr;  // null for classes of the application
-    bool awakes = false;
-  };
   // The object that is being read.
   struct Frame {
     BinaryObject values;     // a dictionary
@@ -148,8 +137,7 @@ class ArchiveReader {
   std::uint8_t allowedNumber_ = kOthers;
   std::vector<AllowedClasses> allowedBefore_;  // what may have come for some object; the sets stand in the other
   std::vector<Strong<NSSet>> allowedSets_;
-  std::vector<Slot> slots_;
-  std::vector<ArchivedClassEntry> classes_;
+  ArchiveObjects objects_;
   ArchiveBudget budget_;
 };
 

@@ -20,7 +20,7 @@ bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector
   }
   row.push_back(object);
   if (use == Use::inOrder) return true;
-  const std::uint64_t work = slots_[*uid].extent.expansion;
+  const std::uint64_t work = objects_[*uid].extent.expansion;
   if (!chargeWork(work) || (use == Use::keys && !charge(kArchivedKeyPartSize * work))) return false;
   sought.push_back({object->hash(), work});
   return true;
@@ -88,8 +88,8 @@ std::vector<ArchiveReader::Part> ArchiveReader::partsOf(std::string_view key) {
   if (!array || !charge(array->count() * kArchivedElementSize)) return {};
   for (std::uint64_t i = 0; i < array->count(); ++i) {
     const auto part = archive_->uidAt(array->element(i));
-    if (!part || *part >= slots_.size() || slots_[*part].state != Slot::State::made) return {};
-    parts.push_back({slots_[*part].object, slots_[*part].extent.expansion});
+    if (!part || *part >= objects_.count() || objects_[*part].state != Slot::State::made) return {};
+    parts.push_back({objects_[*part].object, objects_[*part].extent.expansion});
   }
   return parts;
 }

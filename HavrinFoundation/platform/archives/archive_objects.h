@@ -1,0 +1,53 @@
+// What has been made of an archive so far, by UID. Internal to archives/.
+#pragma once
+
+#include <HavrinFoundation/platform/archives/archive_limits.h>
+#include <HavrinFoundation/platform/archives/archived_classes.h>
+#include <HavrinFoundation/platform/object/reference.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace havrin::inline platform {
+
+class ArchiveObjects {
+ public:
+  static constexpr std::uint8_t kOthers = 255;  // sets of classes that are not numbered
+
+  /// An object. Unread until it is asked for, open while its values are read.
+  struct Slot {
+    enum class State : std::uint8_t { unread, open, openToItself, made, classRecord };
+    Strong<NSObject> object;
+    ArchivedExtent extent;
+    State state = State::unread;
+    std::uint8_t allowed = kOthers;  // which classes could come when it was made
+    std::uint32_t classIndex = 0;    // of a record of a class
+  };
+  /// A class that a record names.
+  struct ClassEntry {
+    ClassObject* cls = nullptr;
+    const ArchivedForm* form = nullptr;  // null for classes of the application
+    bool awakes = false;
+  };
+
+  explicit ArchiveObjects(std::uint64_t count) : slots_(count) {}
+
+  [[nodiscard]] std::uint64_t count() const { return slots_.size(); }
+  [[nodiscard]] Slot& operator[](std::uint64_t uid) { return slots_[uid]; }
+
+  /// The class of a record that has been read. Null when: it has not, or is not one.
+  [[nodiscard]] const ClassEntry* classIn(const Slot& slot) const {
+    return slot.state == Slot::State::classRecord ? &classes_[slot.classIndex] : nullptr;
+  }
+  const ClassEntry* addClass(Slot& slot, const ClassEntry& entry) {
+    slot.state = Slot::State::classRecord;
+    slot.classIndex = static_cast<std::uint32_t>(classes_.size());
+    return &classes_.emplace_back(entry);
+  }
+
+ private:
+  std::vector<Slot> slots_;
+  std::vector<ClassEntry> classes_;
+};
+
+}  // namespace havrin::inline platform
