@@ -10,6 +10,7 @@
 #include <limits>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 namespace havrin::inline platform {
 namespace {
@@ -19,56 +20,25 @@ using detail::ErrorHolder;
 // A double holds every whole number up to here exactly; beyond, a whole double may stand for another number's text.
 constexpr double kExactLimit = 9007199254740992.0;  // 2^53
 
-// A number's text as a sign, an integer and a power of ten: the number is digits / 10^fraction. Empty when: it has an
-// exponent, or its digits leave 64 bits.
-struct Decimal {
-  bool isNegative;
-  bool isInteger;  // no decimal point
-  std::uint64_t digits;
-  std::size_t fraction;
-};
-
-// The same for an integer of 20 digits, the longest of which some fit.
-std::optional<Decimal> readLongInteger(bool isNegative, std::string_view digits) {
+// Digits of a number's text, eight at a time where so many bytes may be read.
+struct Digits {
+  const char* at;
+  const char* end;
+  const char* limit;
   std::uint64_t value = 0;
-  const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (read.ec != std::errc() || read.ptr != digits.data() + digits.size()) return std::nullopt;
-  return Decimal{isNegative, true, value, 0};
-}
 
-constexpr std::uint64_t kTens[] = {1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
-
-std::optional<Decimal> readDecimal(std::string_view text, std::size_t readable) {
-  constexpr std::size_t kSafeDigits = 19;  // always fit
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  const char* const limit = at + readable;
-  const bool isNegative = *at == '-';
-  if (isNegative) ++at;
-  if (end - at > static_cast<std::ptrdiff_t>(kSafeDigits)) return readLongInteger(isNegative, {at, end});
-  std::uint64_t digits = 0;
-  const auto takeDigits = [&] {
+  void take() {
+    static constexpr std::uint64_t kTens[] = {1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
     while (limit - at >= 8) {
       const std::uint64_t word = loadWord(at);
       const unsigned count = leadingDigits(word);
-      digits = digits * kTens[count] + valueOfDigits(word, count);
+      value = value * kTens[count] + valueOfDigits(word, count);
       at += count;
       if (count != 8) return;
     }
-    for (; at != end; ++at) {
-      const auto digit = static_cast<unsigned>(*at - '0');
-      if (digit > 9) break;
-      digits = digits * 10 + digit;
-    }
-  };
-  takeDigits();
-  if (at == end) return Decimal{isNegative, true, digits, 0};
-  if (*at != '.') return std::nullopt;
-  const char* const fraction = ++at;
-  takeDigits();
-  if (at != end) return std::nullopt;
-  return Decimal{isNegative, false, digits, static_cast<std::size_t>(end - fraction)};
-}
+    for (; at != end && *at >= '0' && *at <= '9'; ++at) value = value * 10 + static_cast<std::uint64_t>(*at - '0');
+  }
+};
 
 // Where the first digit that is not zero stands, as a power of ten; the number is not zero. Saturates.
 long decimalExponent(std::string_view text) {
@@ -87,16 +57,6 @@ long decimalExponent(std::string_view text) {
   return position + std::min(std::max(power, -kFar), kFar);
 }
 
-// The nearest double, where the digits and the power of ten are held exactly by doubles: one division then rounds once
-// (Clinger, 1990). Most reals of the world are such; the others are empty.
-std::optional<double> exactQuotient(const Decimal& decimal) {
-  static constexpr std::array<double, 20> kPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
-                                                     1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
-  if (decimal.digits > static_cast<std::uint64_t>(kExactLimit)) return std::nullopt;
-  const double value = static_cast<double>(decimal.digits) / kPowers[decimal.fraction];
-  return decimal.isNegative ? -value : value;
-}
-
 // The number nearest to the one that `text` writes; a number too small to tell from zero reads as zero. Empty when: it
 // is too large.
 template <class Real>
@@ -111,15 +71,6 @@ std::optional<Real> readReal(std::string_view text) {
 template <class T>
 void store(void* scalar, T value) {
   std::memcpy(scalar, &value, sizeof value);
-}
-
-template <class T>
-bool storeChecked(void* scalar, bool isNegative, std::uint64_t magnitude) {
-  constexpr auto kMax = static_cast<std::uint64_t>(std::numeric_limits<T>::max());
-  if (magnitude > kMax + (isNegative && std::numeric_limits<T>::is_signed ? 1 : 0)) return false;
-  if (isNegative && !std::numeric_limits<T>::is_signed && magnitude != 0) return false;
-  store(scalar, static_cast<T>(isNegative ? 0 - magnitude : magnitude));
-  return true;
 }
 
 }  // namespace
@@ -153,35 +104,32 @@ void ScalarTarget::putNull() {
 }
 
 bool ScalarTarget::storeInteger(bool isNegative, std::uint64_t magnitude) {
-  if (type_ == Type::int64) return storeChecked<std::int64_t>(scalar_, isNegative, magnitude);
-  switch (type_) {
-    case Type::int8:
-      return storeChecked<std::int8_t>(scalar_, isNegative, magnitude);
-    case Type::int16:
-      return storeChecked<std::int16_t>(scalar_, isNegative, magnitude);
-    case Type::int32:
-      return storeChecked<std::int32_t>(scalar_, isNegative, magnitude);
-    case Type::int64:
-      return storeChecked<std::int64_t>(scalar_, isNegative, magnitude);
-    case Type::uint8:
-      return storeChecked<std::uint8_t>(scalar_, isNegative, magnitude);
-    case Type::uint16:
-      return storeChecked<std::uint16_t>(scalar_, isNegative, magnitude);
-    case Type::uint32:
-      return storeChecked<std::uint32_t>(scalar_, isNegative, magnitude);
-    case Type::uint64:
-      return storeChecked<std::uint64_t>(scalar_, isNegative, magnitude);
-    // An integer becomes a real with one rounding, as its digits would.
-    case Type::float32: {
-      const auto value = static_cast<float>(magnitude);
-      return store(scalar_, isNegative ? -value : value), true;
-    }
-    case Type::float64: {
-      const auto value = static_cast<double>(magnitude);
-      return store(scalar_, isNegative ? -value : value), true;
-    }
+  const std::uint64_t value = isNegative ? 0 - magnitude : magnitude;
+  if (type_ == Type::int64 && std::in_range<std::int64_t>(magnitude)) return store(scalar_, value), true;  // most
+  // An integer becomes a real with one rounding, as its digits would.
+  if (type_ == Type::float32) {
+    const auto real = static_cast<float>(magnitude);
+    return store(scalar_, isNegative ? -real : real), true;
+  }
+  if (type_ == Type::float64) {
+    const auto real = static_cast<double>(magnitude);
+    return store(scalar_, isNegative ? -real : real), true;
+  }
+  if (!isInteger()) return false;
+  const bool isSigned = type_ < Type::uint8;
+  const int width = static_cast<int>(type_) - static_cast<int>(isSigned ? Type::int8 : Type::uint8);
+  const std::uint64_t largest = ~std::uint64_t{0} >> (64 - (8 << width) + (isSigned ? 1 : 0));
+  if (magnitude > largest + (isNegative && isSigned ? 1 : 0)) return false;
+  if (isNegative && !isSigned && magnitude != 0) return false;
+  switch (width) {
+    case 0:
+      return store(scalar_, static_cast<std::uint8_t>(value)), true;
+    case 1:
+      return store(scalar_, static_cast<std::uint16_t>(value)), true;
+    case 2:
+      return store(scalar_, static_cast<std::uint32_t>(value)), true;
     default:
-      return false;
+      return store(scalar_, value), true;
   }
 }
 
@@ -215,23 +163,32 @@ void ScalarTarget::putReal(double value) {
 }
 
 void ScalarTarget::putNumberText(std::string_view text, std::size_t readable) {
+  constexpr std::ptrdiff_t kSafeDigits = 19;  // always fit
+  // One division of numbers that doubles hold exactly rounds once (Clinger, 1990). Most reals of the world are such.
+  static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                       1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
   if (!isInteger() && !isReal()) return refuseNumber(text);
-  // Most numbers are integers of a few digits.
-  const std::size_t sign = text.front() == '-' ? 1 : 0;
-  if (readable >= sign + 8) {
-    const std::uint64_t word = loadWord(text.data() + sign);
-    const unsigned count = leadingDigits(word);
-    if (sign + count == text.size()) {
-      const std::uint64_t value = valueOfDigits(word, count);
-      return storeInteger(sign != 0, value) ? void() : refuseNumber(text);
-    }
-  }
-  const std::optional<Decimal> decimal = readDecimal(text, std::max(text.size(), readable));
-  if (!decimal || (!decimal->isInteger && type_ == Type::float32)) return putRealText(text);
-  if (decimal->isInteger) return storeInteger(decimal->isNegative, decimal->digits) ? void() : refuseNumber(text);
-  const std::optional<double> value = exactQuotient(*decimal);
-  if (!value) return putRealText(text);
-  if (!storeReal(*value)) refuseNumber(text);
+  const bool isNegative = text.front() == '-';
+  const char* const begin = text.data();
+  Digits digits{begin + (isNegative ? 1 : 0), begin + text.size(), begin + std::max(text.size(), readable)};
+  if (digits.end - digits.at > kSafeDigits) return putLongNumberText(isNegative, text);
+  digits.take();
+  if (digits.at == digits.end) return storeInteger(isNegative, digits.value) ? void() : refuseNumber(text);
+  if (*digits.at != '.' || type_ == Type::float32) return putRealText(text);
+  const char* const fraction = ++digits.at;
+  digits.take();
+  if (digits.at != digits.end || digits.value > static_cast<std::uint64_t>(kExactLimit)) return putRealText(text);
+  const double value = static_cast<double>(digits.value) / kPowers[digits.end - fraction];
+  if (!storeReal(isNegative ? -value : value)) refuseNumber(text);
+}
+
+// An integer of 20 digits may fit.
+void ScalarTarget::putLongNumberText(bool isNegative, std::string_view text) {
+  const char* const end = text.data() + text.size();
+  std::uint64_t value = 0;
+  const auto read = std::from_chars(text.data() + (isNegative ? 1 : 0), end, value);
+  if (read.ec != std::errc() || read.ptr != end) return putRealText(text);
+  if (!storeInteger(isNegative, value)) refuseNumber(text);
 }
 
 // A number with a fraction, an exponent or more than 20 digits.

@@ -122,6 +122,7 @@ class HAVRIN_EXPORT ScalarTarget {
   [[nodiscard]] bool isReal() const { return type_ == Type::float32 || type_ == Type::float64; }
   [[nodiscard]] bool storeInteger(bool isNegative, std::uint64_t magnitude);
   [[nodiscard]] bool storeReal(double value);
+  void putLongNumberText(bool isNegative, std::string_view text);
   void putRealText(std::string_view text);
   void refuseNumber(std::string_view number);
 
