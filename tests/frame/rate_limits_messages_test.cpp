@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include <HavrinFoundation/platform/dispatch/perform_selector.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
@@ -108,6 +109,21 @@ TEST_F(Debounce, RunsInTheDefaultModeOfTheCallingThreadAlone) {
   EXPECT_EQ(field->take(), "search 0, ") << "that thread's, which has not cancelled this one's";
   clock.runDue();
   EXPECT_EQ(field->take(), "search 0, ");
+}
+
+TEST_F(Debounce, ReplacesWhatWaitsInAnyModeWithoutAnArgument) {
+  for (const std::string_view mode : {NSRunLoopCommonModes, std::string_view("tracking")}) {
+    SCOPED_TRACE(mode);
+    field = make<Field>();
+    debounce(selector<"show:">, 2);
+    performSelectorAfterDelay(*field, selector<"show:">, nullptr, 1, mode);
+    performSelectorAfterDelay(*field, selector<"show:">, s("argument"), 1, mode);
+    debounce(selector<"show:">, 3);
+    clock.advance(2, mode);
+    EXPECT_EQ(field->take(), "show something 1000, ");
+    clock.advance(1);
+    EXPECT_EQ(field->take(), "show nothing 3000, ");
+  }
 }
 
 TEST_F(Debounce, KeepsItsReceiverUntilItHasSent) {

@@ -56,6 +56,13 @@ bool DelayedPerforms::postpone(const void* target, const void* selector, DueTime
   return true;
 }
 
+bool DelayedPerforms::holds(const void* target, const void* selector) const {
+  for (const Request* each = firstWith(target, selector); each != nullptr; each = each->next) {
+    if (each->waits() && each->key.argument == nullptr) return true;
+  }
+  return false;
+}
+
 void DelayedPerforms::moveTo(Request* request, DueTime due) {
   request->due = due;
   if (due < heap_[request->place].due) {

@@ -38,6 +38,8 @@ class DelayedPerforms {
   /// Moves the only request that waits with this target, this selector and no argument; false when it is not the only
   /// one.
   bool postpone(const void* target, const void* selector, DueTime due);
+  /// Whether a request with this target, this selector and no argument waits.
+  [[nodiscard]] bool holds(const void* target, const void* selector) const;
   void cancel(const PerformKey& key, BlockView<bool(const void* argument)> sameArgument);
   void cancel(const void* target);
 

@@ -39,6 +39,7 @@ RunLoop::RunLoop(Kind kind) : isMain_(kind == Kind::kMain) {
   modes_.push_back(std::make_unique<RunLoopMode>(NSDefaultRunLoopMode));
   defaultMode_ = modes_.back().get();
   defaultMode_->isCommon = true;
+  delayedModes_.push_back(defaultMode_);
 
   Registry& registry = Registry::shared();
   UnfairLockGuard guard(registry.lock);
@@ -87,6 +88,7 @@ void RunLoop::end() {
   {
     UnfairLockGuard guard(lock_);
     ended_ = true;
+    delayedModes_.clear();
     modes.swap(modes_);
     std::swap(thread, thread_);
   }
@@ -110,10 +112,14 @@ void RunLoop::addCommonMode(std::string_view mode) {
   if (!ended_) modeNamed(mode).isCommon = true;
 }
 
-// The mode at `index`, null behind the last one: for walks that call out and so cannot hold the lock.
-RunLoopMode* RunLoop::modeAt(std::size_t index) {
-  UnfairLockGuard guard(lock_);
-  return index < modes_.size() ? modes_[index].get() : nullptr;
+// The delayed work of a mode, which is a mode to cancel in from now on.
+DelayedPerforms& RunLoop::delayedIn(std::string_view mode) {
+  if (mode == NSDefaultRunLoopMode) return defaultMode_->delayed;
+  RunLoopMode* named = modesFor(mode).named;
+  if (std::find(delayedModes_.begin(), delayedModes_.end(), named) == delayedModes_.end()) {
+    delayedModes_.push_back(named);
+  }
+  return named->delayed;
 }
 
 bool RunLoop::runMode(std::string_view mode, double limit) {
@@ -265,13 +271,15 @@ double RunLoop::deadlineAfter(double delaySeconds) {
 void RunLoop::performAfterDelay(const PerformKey& key, double delaySeconds, Work work, std::string_view mode) {
   if (ended_) return;
   const DueTime due{deadlineAfter(delaySeconds), nextRank_++};
-  const Modes modes = mode == NSDefaultRunLoopMode ? Modes{defaultMode_, nullptr} : modesFor(mode);
-  modes.named->delayed.schedule(key, due, std::move(work));
+  delayedIn(mode).schedule(key, due, std::move(work));
   tellHost(due.deadline);
 }
 
 bool RunLoop::postponePerform(const void* target, const void* selector, double delaySeconds) {
   if (ended_) return false;
+  for (const RunLoopMode* mode : delayedModes_) {
+    if (mode != defaultMode_ && mode->delayed.holds(target, selector)) return false;
+  }
   const DueTime due{deadlineAfter(delaySeconds), nextRank_++};
   if (!defaultMode_->delayed.postpone(target, selector, due)) return false;
   tellHost(due.deadline);
@@ -279,11 +287,12 @@ bool RunLoop::postponePerform(const void* target, const void* selector, double d
 }
 
 void RunLoop::cancelPerforms(const PerformKey& key, BlockView<bool(const void*)> sameArgument) {
-  for (std::size_t index = 0; RunLoopMode* mode = modeAt(index); ++index) mode->delayed.cancel(key, sameArgument);
+  // By index: what is called or destroyed may arrange work in a further mode.
+  for (std::size_t i = 0; i < delayedModes_.size(); ++i) delayedModes_[i]->delayed.cancel(key, sameArgument);
 }
 
 void RunLoop::cancelPerforms(const void* target) {
-  for (std::size_t index = 0; RunLoopMode* mode = modeAt(index); ++index) mode->delayed.cancel(target);
+  for (std::size_t i = 0; i < delayedModes_.size(); ++i) delayedModes_[i]->delayed.cancel(target);
 }
 
 std::optional<double> RunLoop::nextDeadline(std::string_view mode) {

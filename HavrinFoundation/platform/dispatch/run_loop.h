@@ -35,6 +35,7 @@
 
 namespace havrin::inline platform {
 
+class DelayedPerforms;
 class HostDescriptor;
 class NSThread;
 class RunLoopMode;
@@ -87,7 +88,8 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
                          std::string_view mode = NSDefaultRunLoopMode);
   /// Moves the only request of the default mode with this target, this selector and no argument to `delaySeconds` from
   /// now, as if it had been cancelled and arranged again.
-  /// Result: false, and nothing has changed, when there is none, or another with this target and selector.
+  /// Result: false, and nothing has changed, when there is none, when another request of the default mode has this
+  /// target and selector, or when one of another mode has them and no argument.
   /// Cost: the clock and one look-up; when it moves later, no other request is touched. Threads: the loop's own.
   bool postponePerform(const void* target, const void* selector, double delaySeconds);
   /// Takes away every request, of any mode, with this target, this selector and the same argument, and destroys its
@@ -140,7 +142,7 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   void end();
 
   [[nodiscard]] RunLoopMode& modeNamed(std::string_view name);  // with the lock held
-  [[nodiscard]] RunLoopMode* modeAt(std::size_t index);
+  [[nodiscard]] DelayedPerforms& delayedIn(std::string_view mode);
   [[nodiscard]] Modes modesFor(std::string_view name);
   [[nodiscard]] bool isAttached(const Modes& modes);
   [[nodiscard]] bool hasPosted(const Modes& modes);
@@ -159,6 +161,7 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   const bool isMain_;
   std::uint64_t nextRank_ = 0;  // of delayed work, over all modes
   RunLoopMode* defaultMode_;
+  std::vector<RunLoopMode*> delayedModes_;  // those that have held delayed work; the loop's thread only
 
   os_unfair_lock lock_;                              // guards what follows; the loop's thread alone writes `ended_`
   std::vector<std::unique_ptr<RunLoopMode>> modes_;  // only ever added to; the first is what is common
