@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
+#include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
@@ -217,6 +218,30 @@ TEST_F(Throttle, ReachesItsDictionaryByMessages) {
 TEST_F(Throttle, AMessageThatThrowsLeavesNoTime) {
   EXPECT_THROW(throttle(selector<"fail">, 100), std::runtime_error);
   EXPECT_THROW(throttle(selector<"fail">, 100), std::runtime_error) << "not dropped";
+}
+
+TEST_F(RateLimits, ReachTheLayersOwnMethods) {
+  const auto array = make<NSMutableArray>();
+  const auto dictionary = make<NSMutableDictionary>();
+  const auto set = make<NSMutableSet>();
+  const auto counts = [&] { return std::array{array->count(), dictionary->count(), set->count()}; };
+  const auto fill = [&] {
+    for (const char* each : {"a", "b", "c"}) {
+      array->addObject(s(each));
+      dictionary->setObject(s(each), s(each));
+      set->addObject(s(each));
+    }
+  };
+  fill();
+  send<"h_throttle:delay:">(array, selector<"removeLastObject">, 1);
+  send<"h_throttle:delay:">(array, selector<"removeLastObject">, 1);
+  EXPECT_EQ(array->count(), 2u);
+  for (const Strong<NSObject>& each : {Strong<NSObject>(array), Strong<NSObject>(dictionary), Strong<NSObject>(set)}) {
+    send<"h_debounce:delay:">(each, selector<"removeAllObjects">, 1);
+  }
+  EXPECT_EQ(counts(), (std::array<std::uint64_t, 3>{2, 3, 3}));
+  clock.advance(1);
+  EXPECT_EQ(counts(), (std::array<std::uint64_t, 3>{0, 0, 0}));
 }
 
 TEST_F(RateLimits, LeaveAloneWhatDoesNotRespondAndRefuseTwoArguments) {

@@ -160,6 +160,9 @@ class HAVRIN_EXPORT NSMutableArray : public Object<NSMutableArray, NSArray> {
 
   [[nodiscard]] const std::uint64_t& mutations() const override { return mutations_; }
 
+  using Members = List<Method<"removeLastObject", &NSMutableArray::removeLastObject>,
+                       Method<"removeAllObjects", &NSMutableArray::removeAllObjects>>;
+
  private:
   friend class NSArray;
   void makeWritable(std::uint64_t capacity);

@@ -113,6 +113,8 @@ class HAVRIN_EXPORT NSMutableDictionary : public Object<NSMutableDictionary, NSD
   [[nodiscard]] Strong<NSObject> copy() const override;
   [[nodiscard]] const std::uint64_t& mutations() const override { return mutations_; }
 
+  using Members = List<Method<"removeAllObjects", &NSMutableDictionary::removeAllObjects>>;
+
  private:
   std::uint64_t mutations_ = 0;
 };

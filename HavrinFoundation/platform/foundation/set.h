@@ -100,6 +100,8 @@ class HAVRIN_EXPORT NSMutableSet : public Object<NSMutableSet, NSSet> {
   [[nodiscard]] Strong<NSObject> copy() const override;
   [[nodiscard]] const std::uint64_t& mutations() const override { return mutations_; }
 
+  using Members = List<Method<"removeAllObjects", &NSMutableSet::removeAllObjects>>;
+
  private:
   std::uint64_t mutations_ = 0;
 };
