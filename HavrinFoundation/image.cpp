@@ -3,7 +3,7 @@
 #include <HavrinFoundation/image.h>
 
 #include <HavrinFoundation/frame/identity.h>
-#include <HavrinFoundation/frame/main_queue.h>
+#include <HavrinFoundation/frame/main_queue_mark.h>
 
 namespace havrin {
 

@@ -1,8 +1,10 @@
 #include <HavrinFoundation/frame/main_queue.h>
 
+#include <HavrinFoundation/frame/main_queue_mark.h>
 #include <HavrinFoundation/image.h>  // its initialisers mark the main queue: without them every call would be queued
 #include <HavrinFoundation/platform/dispatch/once.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
+#include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin {
 
@@ -17,6 +19,7 @@ void SetMainQueueIdentifier() {
 }
 
 void GuaranteeMainQueue(const Block<void()>& block) {
+  if (!block) throw NSException(NSInvalidArgumentException, "GuaranteeMainQueue: expected a block, got null");
   if (dispatch_get_specific(kMainQueueKey) == kMainQueueValue) {
     const Block<void()> kept = block;
     kept();

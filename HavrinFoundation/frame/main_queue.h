@@ -19,11 +19,4 @@ namespace havrin {
 /// Threads: any.
 HAVRIN_EXPORT void GuaranteeMainQueue(const Block<void()>& block) __asm__("GuaranteeMainQueue");
 
-// Internal: how the main queue is known. Each of the two pointers holds its own address, so that it equals no other
-// key or value in the process.
-extern void* const kMainQueueKey;
-extern void* const kMainQueueValue;
-/// Marks the main queue, at the first call; run when the library is loaded.
-void SetMainQueueIdentifier();
-
 }  // namespace havrin

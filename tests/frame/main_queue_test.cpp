@@ -1,5 +1,6 @@
 #include <HavrinFoundation/frame/main_queue.h>
 
+#include <HavrinFoundation/frame/main_queue_mark.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/testkit/test_clock.h>
@@ -105,7 +106,12 @@ TEST(GuaranteeMainQueue, KeepsTheBlockForTheCallAndPassesOnWhatItThrows) {
   GuaranteeMainQueue(block);
   EXPECT_EQ(read, "still here");
   EXPECT_THROW(GuaranteeMainQueue([] { throw std::runtime_error("out"); }), std::runtime_error);
-  EXPECT_THROW(GuaranteeMainQueue(nullptr), NSException);
+  try {
+    GuaranteeMainQueue(nullptr);
+    ADD_FAILURE() << "a null block";
+  } catch (const NSException& exception) {
+    EXPECT_NE(std::string_view(exception.what()).find("GuaranteeMainQueue"), std::string_view::npos);
+  }
 }
 
 }  // namespace

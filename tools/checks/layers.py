@@ -26,6 +26,7 @@ PLATFORM_SOURCES = {
 # Facilities that build on another room's facility, or on another of their own room.
 FACILITY_LINKS = {
     ("frame/locked", "frame/unfair_lock"): "the box is guarded by the typed lock",
+    ("frame/main_queue", "frame/main_queue_mark"): "asks for the mark, which the image sets",
     ("observation/key_value_observation", "frame/main_queue"): "a token delivers on the main queue",
     ("observation/responder_observations", "observation/key_value_observation"): "the registry creates and owns tokens",
     ("collections/set_blocks", "collections/array_blocks"): "sets send the array operations",

@@ -8,7 +8,7 @@
 //
 // Work waits in a *mode*; a loop that runs in one mode leaves the others' alone. Modes are names; the common modes are
 // the default mode and those that were added to them, and the main queue is run in these. Times are readings of
-// monotonicSeconds.
+// monotonicSeconds (clock.h).
 //
 // A run loop ends with its thread: work that waits is destroyed there and never run. The main thread's never ends.
 //
@@ -40,9 +40,9 @@ class HostDescriptor;
 class NSThread;
 class RunLoopMode;
 
-inline constexpr std::string_view NSDefaultRunLoopMode = "kCFRunLoopDefaultMode";
+inline constexpr std::string_view NSDefaultRunLoopMode = "havrin.default";
 /// Not a mode of its own: what waits in it is run in each common mode.
-inline constexpr std::string_view NSRunLoopCommonModes = "kCFRunLoopCommonModes";
+inline constexpr std::string_view NSRunLoopCommonModes = "havrin.common";
 
 /// What a delayed perform is known by when it is cancelled: three addresses. Its work keeps alive what they point to.
 struct PerformKey {
