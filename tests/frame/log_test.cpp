@@ -2,6 +2,7 @@
 
 #include <HavrinFoundation/platform/log/log_seam.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/testkit/test_clock.h>
 
 #include "../testing.h"
 
@@ -55,10 +56,12 @@ TEST_F(Log, RefusesATextThatIsMissing) {
 }
 
 TEST_F(Log, WritesOneLineAtATime) {
+  TestClock clock;
+  clock.setWallSecondsSince1970(1'709'649'015.25);
   testing::internal::CaptureStderr();
   os_log(hlog_create_with_category("network"), "two\nlines", os_log_type_t::error);
   const std::string line = testing::internal::GetCapturedStderr();
-  EXPECT_NE(line.find(" com.havrin:network error: two lines\n"), std::string::npos) << line;
+  EXPECT_NE(line.find("15.250 com.havrin:network error: two lines\n"), std::string::npos) << line;
 }
 
 }  // namespace

@@ -1,16 +1,23 @@
 #include <HavrinFoundation/platform/base/clock.h>
 
 #include <atomic>
+#include <cmath>
 #include <ctime>
 
 namespace havrin::inline platform {
 namespace {
 
 constinit std::atomic<ClockSource*> installedSource{nullptr};
+constinit std::atomic<std::uint64_t> installations{0};
 
-double secondsOf(clockid_t clock) {
+timespec readingOf(clockid_t clock) {
   timespec reading;
   clock_gettime(clock, &reading);
+  return reading;
+}
+
+double secondsOf(clockid_t clock) {
+  const timespec reading = readingOf(clock);
   return static_cast<double>(reading.tv_sec) + static_cast<double>(reading.tv_nsec) * 1e-9;
 }
 
@@ -28,7 +35,20 @@ double wallSecondsSince1970() {
   return source == nullptr ? secondsOf(CLOCK_REALTIME) : source->wallSecondsSince1970();
 }
 
+std::int64_t coarseTick() {
+  constexpr std::int64_t kPerSecond = 1'000'000'000;
+  if (const ClockSource* source = installedSource.load(std::memory_order_acquire)) {
+    // Two sources may begin at the same reading: their ticks lie years apart.
+    constexpr int kYears = 52;
+    const auto reading = static_cast<std::uint64_t>(std::llround(source->monotonicSeconds() * kPerSecond));
+    return static_cast<std::int64_t>(reading + (installations.load(std::memory_order_relaxed) << kYears));
+  }
+  const timespec reading = readingOf(CLOCK_MONOTONIC_COARSE);
+  return static_cast<std::int64_t>(reading.tv_sec) * kPerSecond + reading.tv_nsec;
+}
+
 ClockSource* installClockSource(ClockSource* source) {
+  installations.fetch_add(1, std::memory_order_relaxed);
   return installedSource.exchange(source, std::memory_order_acq_rel);
 }
 

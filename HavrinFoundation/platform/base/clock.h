@@ -5,12 +5,15 @@
 //   double took = monotonicSeconds() - start;      never negative, whatever happens to the date
 //   wallSecondsSince1970()                         1709649000.25 on 5 March 2024 at 14:30:00.25 GMT
 //
-// Everything in the library that asks for the time asks here: dates, delayed performs, throttling, run loops.
+// Dates, delayed performs, throttling, run loops, log lines and the look-up of the system's time zone read the time here.
+// Waiting without a deadline of this clock uses the system's: a run loop in waitForWake, idle worker threads.
 //
-// Left out: the coarse clock, time zones, and waiting (a run loop waits).
+// Left out: time zones, and waiting (a run loop waits).
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 
@@ -21,6 +24,11 @@ namespace havrin::inline platform {
 
 /// Seconds since the first instant of 1970, GMT, without leap seconds; moves when the date is set.
 [[nodiscard]] HAVRIN_EXPORT double wallSecondsSince1970();
+
+/// A number that changes as time passes: about every 4 ms with the system's clocks; with an installed source whenever
+/// its monotonic clock moves, and when a source is installed. For answers that may be some milliseconds old.
+/// Cost: a quarter of monotonicSeconds with the system's clocks.
+[[nodiscard]] HAVRIN_EXPORT std::int64_t coarseTick();
 
 /// What a test installs to own both clocks.
 class HAVRIN_EXPORT ClockSource {

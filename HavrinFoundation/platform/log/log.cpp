@@ -1,10 +1,11 @@
 #include <HavrinFoundation/platform/log/log.h>
 
-#include <sys/time.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -12,6 +13,7 @@
 #include <string>
 #include <utility>
 
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/log/log_seam.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -49,13 +51,14 @@ std::string_view levelText(os_log_type_t type) {
 }
 
 std::string timeText() {
-  timeval now{};
-  gettimeofday(&now, nullptr);
+  const auto milliseconds = static_cast<std::int64_t>(std::floor(wallSecondsSince1970() * 1000));
+  const std::int64_t sinceSecond = (milliseconds % 1000 + 1000) % 1000;
+  const time_t second = (milliseconds - sinceSecond) / 1000;
   tm local{};
-  localtime_r(&now.tv_sec, &local);
+  localtime_r(&second, &local);
   char text[64];
   const std::size_t length = strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-  std::snprintf(text + length, sizeof text - length, ".%03d ", static_cast<int>(now.tv_usec / 1000));
+  std::snprintf(text + length, sizeof text - length, ".%03d ", static_cast<int>(sinceSecond));
   return text;
 }
 

@@ -1,5 +1,6 @@
 #include <HavrinFoundation/platform/time/system_zone.h>
 
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/time/text_cache.h>
 
 #include <sys/stat.h>
@@ -9,7 +10,6 @@
 #include <array>
 #include <atomic>
 #include <climits>
-#include <ctime>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -66,13 +66,6 @@ SystemZoneState look(const std::string& systemLink) {
     state.link.assign(target.data(), static_cast<std::size_t>(length));
   }
   return state;
-}
-
-/// The coarse clock of the system, which moves about every 4 ms and costs a quarter of the exact one.
-std::int64_t coarseTick() {
-  timespec now;
-  clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
-  return static_cast<std::int64_t>(now.tv_sec) * 1'000'000'000 + now.tv_nsec;
 }
 
 /// Every zone that was read, and the system's zone as it was last seen. Never destroyed: rules are handed out for good.

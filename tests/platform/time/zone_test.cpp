@@ -4,13 +4,14 @@
 #include <HavrinFoundation/platform/time/civil.h>
 #include <HavrinFoundation/platform/time/system_zone.h>
 #include <HavrinFoundation/platform/time/zone_rules.h>
+#include <HavrinFoundation/testkit/test_clock.h>
 
 #include <sys/stat.h>
 
 #include <atomic>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 
 #include "../../temporary_folder.h"
 #include "../../testing.h"
@@ -147,13 +148,6 @@ class SystemZone : public ::testing::Test {
     resetSystemTimeZone();
   }
 
-  static void waitForTheCoarseClock() {
-    timespec before, now;
-    clock_gettime(CLOCK_MONOTONIC_COARSE, &before);
-    do clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
-    while (now.tv_sec == before.tv_sec && now.tv_nsec == before.tv_nsec);
-  }
-
   const PinnedEnvironment environment_;
   const TemporaryFolder folder_;
   const ZonePaths former_ = setZonePaths({kZones.string(), link().string()});
@@ -183,15 +177,22 @@ TEST_F(SystemZone, IsWhatTheLinkNames) {
   EXPECT_EQ(fs::path(former_.systemLink), "/etc/localtime");
 }
 
-TEST_F(SystemZone, FollowsTheLinkOnceTheCoarseClockHasTicked) {
+TEST_F(SystemZone, FollowsTheLinkOnceTheClockHasMoved) {
+  auto clock = std::make_unique<TestClock>();
   relink(kZones / "Europe/Paris");
   resetSystemTimeZone();
   EXPECT_EQ(TimeZone::current().name(), "Europe/Paris");
   relink(kZones / "Asia/Tokyo");
-  waitForTheCoarseClock();
+  EXPECT_EQ(TimeZone::current().name(), "Europe/Paris") << "not looked at again before";
+  clock->spend(0.004);
   EXPECT_EQ(TimeZone::current().name(), "Asia/Tokyo");
+  relink(kZones / "Asia/Kolkata");
+  clock = nullptr;
+  clock = std::make_unique<TestClock>();
+  clock->spend(0.004);
+  EXPECT_EQ(TimeZone::current().name(), "Asia/Kolkata") << "another clock with the same reading";
   fs::remove(link());
-  waitForTheCoarseClock();
+  clock->spend(0.004);
   EXPECT_EQ(TimeZone::current(), TimeZone::gmt()) << "no link at all";
   relink(kZones / "Asia/Tokyo");
   resetSystemTimeZone();
