@@ -2,7 +2,7 @@
 // call, as its users do. "engine" is what stands under the message.
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 #include <HavrinFoundation/platform/base/clock.h>
-#include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/dispatch/perform_selector.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 #include <benchmark/benchmark.h>
@@ -51,23 +51,22 @@ void debounceMessage(benchmark::State& state) {
     send<"h_debounce:delay:">(*fields[next], selector<"search">, kDelaySeconds);
     if (++next == fields.size()) next = 0;
   }
-  for (auto& field : fields) RunLoop::current().cancelPerforms(field.get());
+  for (auto& field : fields) cancelPreviousPerformRequests(*field);
 }
 
 void debounceEngine(benchmark::State& state) {
   std::vector<Strong<Field>> fields(keys(state));
-  const void* const name = Selector(selector<"search">).key();
-  RunLoop& loop = RunLoop::current();
+  const Selector name = selector<"search">;
   for (auto& field : fields) {
     field = make<Field>();
-    loop.performAfterDelay({field.get(), name}, kDelaySeconds, Work([] {}));
+    performSelectorAfterDelay(*field, name, nullptr, kDelaySeconds);
   }
   std::size_t next = 0;
   for (auto _ : state) {
-    loop.postponePerform(fields[next].get(), name, kDelaySeconds);
+    reperformSelectorAfterDelay(*fields[next], name, kDelaySeconds);
     if (++next == fields.size()) next = 0;
   }
-  for (auto& field : fields) loop.cancelPerforms(field.get());
+  for (auto& field : fields) cancelPreviousPerformRequests(*field);
 }
 
 // A deadline for each key, and a heap that learns of the later ones only when the old ones come.

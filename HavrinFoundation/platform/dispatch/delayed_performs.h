@@ -6,8 +6,8 @@
 // sets itself right when such a place comes to its top, or when they have become too many.
 #pragma once
 
-#include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/platform/dispatch/work.h>
+#include <HavrinFoundation/platform/object/block.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +15,13 @@
 #include <vector>
 
 namespace havrin::inline platform {
+
+/// What a delayed perform is known by when it is cancelled: three addresses. Its work keeps alive what they point to.
+struct PerformKey {
+  const void* target = nullptr;
+  const void* selector = nullptr;
+  const void* argument = nullptr;
+};
 
 /// When work is due, and its rank among what is due at the same time.
 struct DueTime {

@@ -3,14 +3,14 @@
 #include <HavrinFoundation/platform/base/misuse.h>
 #include <HavrinFoundation/platform/dispatch/host_descriptor.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
-#include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 
 namespace havrin::inline platform {
 namespace {
 
-RunLoop& mainLoop(const char* function) {
+RunLoopState& mainLoop(const char* function) {
   if (!isMainThread()) abortOnMisuse(function, "called on another thread than the main thread");
-  return RunLoop::main();
+  return RunLoopState::of(RunLoop::main());
 }
 
 }  // namespace
@@ -18,11 +18,11 @@ RunLoop& mainLoop(const char* function) {
 int mainLoopDescriptor() { return mainLoop("mainLoopDescriptor").hostDescriptor().descriptor(); }
 
 void drainMainLoop() {
-  RunLoop& loop = mainLoop("drainMainLoop");
+  RunLoopState& loop = mainLoop("drainMainLoop");
   // Cleared first: what comes from now on makes the descriptor readable again.
   loop.hostDescriptor().clear();
   struct ReportAfterwards {
-    RunLoop& loop;
+    RunLoopState& loop;
     ~ReportAfterwards() { loop.reportToHost(); }
   } const report{loop};
   loop.runDue();

@@ -1,5 +1,6 @@
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
 
+#include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <algorithm>
@@ -43,25 +44,25 @@ PerformKey keyOf(NSObject& target, Selector selector, NSObject* argument) {
 void performSelectorAfterDelay(NSObject& target, Selector selector, NSObject* argument, double delaySeconds,
                                std::string_view mode) {
   refuseSelector(selector);
-  RunLoop::current().performAfterDelay(keyOf(target, selector, argument), delaySeconds,
-                                       Work(Send{&target, selector, argument}), mode);
+  RunLoopState::current().performAfterDelay(keyOf(target, selector, argument), delaySeconds,
+                                            Work(Send{&target, selector, argument}), mode);
 }
 
 void cancelPreviousPerformRequests(NSObject& target, Selector selector, NSObject* argument) {
   const Strong<NSObject> held(&target);
   const Strong<NSObject> heldArgument(argument);
-  RunLoop::current().cancelPerforms(keyOf(target, selector, argument), [argument](const void* other) {
+  RunLoopState::current().cancelPerforms(keyOf(target, selector, argument), [argument](const void* other) {
     return static_cast<const NSObject*>(other)->isEqual(argument);
   });
 }
 
 void cancelPreviousPerformRequests(NSObject& target) {
   const Strong<NSObject> held(&target);
-  RunLoop::current().cancelPerforms(&target);
+  RunLoopState::current().cancelPerforms(&target);
 }
 
 void reperformSelectorAfterDelay(NSObject& target, Selector selector, double delaySeconds) {
-  if (RunLoop::current().postponePerform(&target, selector.key(), delaySeconds)) return;
+  if (RunLoopState::current().postponePerform(&target, selector.key(), delaySeconds)) return;
   refuseSelector(selector);
   const Strong<NSObject> held(&target);
   cancelPreviousPerformRequests(target, selector, nullptr);

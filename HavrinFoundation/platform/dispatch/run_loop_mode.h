@@ -23,4 +23,10 @@ class RunLoopMode {
   std::size_t sources = 0;
 };
 
+/// What a loop that runs in one mode looks at.
+struct RunLoopModes {
+  RunLoopMode* named;
+  RunLoopMode* common;  // null when the named mode is none of the common ones
+};
+
 }  // namespace havrin::inline platform

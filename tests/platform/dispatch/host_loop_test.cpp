@@ -2,7 +2,7 @@
 
 #include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
-#include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include <poll.h>
@@ -55,7 +55,7 @@ TEST(HostLoop, TheDescriptorIsReadableWhileTheMainQueueHasWork) {
 }
 
 TEST(HostLoop, TheDescriptorIsReadableWhenADelayedPerformIsDue) {
-  RunLoop& loop = RunLoop::main();
+  RunLoopState& loop = RunLoopState::of(RunLoop::main());
   bool ran = false;
   loop.performAfterDelay({&otherTarget, &selectorA}, 1000, Work([] {}));
   loop.performAfterDelay({&target, &selectorA}, 0.002, Work([&] { ran = true; }));

@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
 
 #include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/dispatch/run_loop_source.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 

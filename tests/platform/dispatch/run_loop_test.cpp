@@ -2,6 +2,8 @@
 
 #include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
+#include <HavrinFoundation/platform/dispatch/run_loop_source.h>
+#include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
@@ -26,7 +28,7 @@ int selectorB;
 // The loop of this thread, under a clock of the test's.
 struct OnThisLoop : testing::Test {
   TestClock clock;
-  RunLoop& loop = RunLoop::current();
+  RunLoopState& loop = RunLoopState::current();
   std::string ran;
 
   // Work that notes that it ran.
@@ -36,7 +38,7 @@ struct OnThisLoop : testing::Test {
   std::string take() { return std::exchange(ran, ""); }
   // Arguments are compared by what they point to, like objects that are equal.
   void cancel(const PerformKey& key) {
-    RunLoop::current().cancelPerforms(key, [&key](const void* other) {
+    RunLoopState::current().cancelPerforms(key, [&key](const void* other) {
       return *static_cast<const std::string*>(other) == *static_cast<const std::string*>(key.argument);
     });
   }
@@ -212,13 +214,13 @@ TEST(RunLoopThreads, DropTheirWorkAndLetGoOfWhatItHeldWhenTheyEnd) {
       const std::shared_ptr<void> witness(nullptr, [&released, self](void*) {
         // What is destroyed late may still turn to its run loop.
         RunLoop::current().performAfter(0, [] {});
-        RunLoop::current().cancelPerforms({&target, &selectorB}, nullptr);
+        RunLoopState::current().cancelPerforms({&target, &selectorB}, nullptr);
         RunLoop::current().perform([] {});
         released += std::this_thread::get_id() == self;
       });
       return [witness] { ADD_FAILURE() << "it ran"; };
     };
-    RunLoop& loop = RunLoop::current();
+    RunLoopState& loop = RunLoopState::current();
     loop.performAfterDelay({&target, &selectorA}, 5, Work(held()));
     loop.performAfter(5, held(), "tracking");
     loop.perform(held());

@@ -1,0 +1,34 @@
+// How one thread sleeps until there is work for it. Internal to the layer.
+#pragma once
+
+#include <HavrinFoundation/platform/base/futex.h>
+
+#include <atomic>
+#include <concepts>
+#include <cstdint>
+
+namespace havrin::inline platform {
+
+class LoopSleep {
+ public:
+  /// Sleeps until woken, `seconds` at most; returns at once when `hasWork()`. Threads: the one that sleeps.
+  // First it is made known that the thread sleeps, then it looks once more: callers of wake have added their work
+  // before, so that one of the two sees the other.
+  template <std::predicate HasWork>
+  void sleep(double seconds, HasWork hasWork) {
+    state_.store(kAsleep, std::memory_order_seq_cst);
+    if (!hasWork()) futex::wait(state_, kAsleep, seconds);
+    state_.store(kAwake, std::memory_order_relaxed);
+  }
+  /// Ends the sleep, if there is one. Threads: any.
+  void wake() {
+    if (state_.exchange(kAwake, std::memory_order_seq_cst) == kAsleep) futex::wake(state_, 1);
+  }
+
+ private:
+  enum State : std::uint32_t { kAwake, kAsleep };
+
+  std::atomic<std::uint32_t> state_{kAwake};
+};
+
+}  // namespace havrin::inline platform

@@ -1,0 +1,34 @@
+// Something outside that a run loop waits for.
+//
+//   RunLoopSource arrived([&] { read(); });       the calling thread's loop waits, also when it has no work
+//   arrived.signal();                             on any thread: read() runs on the loop's thread
+#pragma once
+
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/block.h>
+
+#include <memory>
+#include <string_view>
+
+namespace havrin::inline platform {
+
+/// A source: it keeps its mode attached, and its handler runs after a signal.
+class HAVRIN_EXPORT RunLoopSource {
+ public:
+  /// Attaches a source to the calling thread's loop.
+  explicit RunLoopSource(Block<void()> handler, std::string_view mode = NSDefaultRunLoopMode);
+  /// Detaches it; a signal that has not been handled is dropped. Threads: the loop's own.
+  ~RunLoopSource();
+  RunLoopSource(const RunLoopSource&) = delete;
+  RunLoopSource& operator=(const RunLoopSource&) = delete;
+
+  /// Lets the handler run once, on the loop's thread; signals before it begins count as one. Threads: any.
+  void signal();
+
+ private:
+  struct State;
+  const std::shared_ptr<State> state_;
+};
+
+}  // namespace havrin::inline platform
