@@ -2,6 +2,8 @@
 // which finds its way by number, over what was read from XML. For the project's own sources.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
 #include <HavrinFoundation/platform/documents/property_list.h>
 
@@ -13,7 +15,7 @@
 
 namespace havrin::inline platform {
 
-class NumberedTree {
+class HAVRIN_EXPORT NumberedTree {
  public:
   /// The root is 0. Shared parts are numbered each time they occur.
   explicit NumberedTree(PropertyList root);

@@ -90,8 +90,8 @@ struct HeldMemberTrampoline;
 template <class C, auto Member, class R, class... A>
 struct HeldMemberTrampoline<C, Member, R(A...)> : MemberTrampoline<C, Member, R(A...)> {
   static R call(NSObject* self, A... arguments) {
-    return callHeld<A...>([&]() -> R { return (static_cast<C*>(self)->*Member)(std::forward<A>(arguments)...); }, self,
-                          arguments...);
+    return callHeld<A...>([&]() -> R { return (static_cast<C*>(self)->*Member)(std::forward<A>(arguments)...); },
+                          mayRunProgram(self), self, arguments...);
   }
 };
 template <class C, auto Field, class T>
