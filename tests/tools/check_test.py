@@ -7,7 +7,7 @@ import tempfile
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
-from checks import format, layers, names, tree, words  # noqa: E402
+from checks import format, layers, licence, names, tree, words  # noqa: E402
 from checks.source_tree import SourceTree  # noqa: E402
 
 HEADER = "// What it is.\n#pragma once\n"
@@ -83,8 +83,30 @@ def problems_of(check, files):
         return check.check(SourceTree(folder))
 
 
-def main():
+def licence_lines():
+    """What is wrong when the licence lines of the sound tree are written: each once, and nothing else is harmed."""
     wrong = []
+    with tempfile.TemporaryDirectory() as folder:
+        subprocess.run(["git", "init", "--quiet", folder], check=True)
+        for name, text in (SOUND | {"tools/run": "#!/bin/sh\nexit 0\n"}).items():
+            path = pathlib.Path(folder, name)
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text(text)
+        for changed in (14, 0):  # .clang-format, faults.txt and the page are no sources
+            if (count := licence.add(SourceTree(folder))) != changed:
+                wrong.append(f"licence changes {count} files, not {changed}")
+        if pathlib.Path(folder, "tools/run").read_text() != f"#!/bin/sh\n# {licence.TAG}\nexit 0\n":
+            wrong.append("licence does not keep the interpreter first")
+        wrong += [f"{check.__name__} with licence lines: {problem}" for check in (words, tree, layers, names, format)
+                  for problem in check.check(SourceTree(folder))]
+        pathlib.Path(folder, "HavrinFoundation/text/hex.h").write_text(HEADER)
+        if len(licence.check(SourceTree(folder))) != 1:
+            wrong.append("licence does not name the one file without its line")
+    return wrong
+
+
+def main():
+    wrong = licence_lines()
     for check in (words, tree, layers, names, format):
         wrong += [f"{check.__name__} in the sound tree: {problem}" for problem in problems_of(check, SOUND)]
     for check, planted, says in PLANTED:
