@@ -36,3 +36,10 @@ function(havrin_pkg_config library)
 endfunction()
 havrin_pkg_config(HavrinTyped AS Typed DESCRIPTION "The typed forms of HavrinFoundation, without objects")
 havrin_pkg_config(HavrinFoundation AS HavrinFoundation DESCRIPTION "${PROJECT_DESCRIPTION}" REQUIRES HavrinTyped)
+
+# gdb looks for a library's script by the library's own path, below its folder for such scripts.
+foreach(library IN ITEMS HavrinTyped HavrinFoundation)
+  install(FILES ${PROJECT_SOURCE_DIR}/tools/gdb/havrin_printers.py
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load/${CMAKE_INSTALL_FULL_LIBDIR}
+    RENAME lib${library}.so.${PROJECT_VERSION}-gdb.py COMPONENT ${library})
+endforeach()

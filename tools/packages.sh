@@ -8,10 +8,11 @@ packages_run=(
   libicu-dev libcctz-dev libssl-dev libsimdjson-dev libexpat1-dev
 )
 
-# The tests: the other compiler with its sanitizers, the test framework, the oracles, the event loops tried.
+# The tests: the other compiler with its sanitizers, the test framework, the oracles, the event loops tried, the
+# debugger.
 packages_test=(
   "${packages_run[@]}"
-  clang libclang-rt-14-dev libgtest-dev libgmock-dev liburiparser-dev libglib2.0-dev python3
+  clang libclang-rt-14-dev libgtest-dev libgmock-dev liburiparser-dev libglib2.0-dev python3 gdb
 )
 
 # The benchmarks: the framework and every peer.
