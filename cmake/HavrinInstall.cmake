@@ -8,8 +8,17 @@ if(TARGET HavrinTestKit)
   list(APPEND havrin_installed HavrinTestKit)
 endif()
 
-install(TARGETS ${havrin_installed} EXPORT HavrinFoundationTargets FILE_SET HEADERS)
-install(EXPORT HavrinFoundationTargets NAMESPACE HavrinFoundation:: DESTINATION ${havrin_config_dir})
+# The components are the Debian packages: each shared library by itself, what building needs, and what people read.
+foreach(target IN LISTS havrin_installed)
+  install(TARGETS ${target} EXPORT HavrinFoundationTargets
+    LIBRARY COMPONENT ${target} NAMELINK_COMPONENT dev
+    ARCHIVE COMPONENT dev
+    FILE_SET HEADERS COMPONENT dev)
+endforeach()
+install(EXPORT HavrinFoundationTargets NAMESPACE HavrinFoundation:: DESTINATION ${havrin_config_dir} COMPONENT dev)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT doc
+  FILES_MATCHING PATTERN *.md)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 
 configure_package_config_file(
   ${PROJECT_SOURCE_DIR}/cmake/HavrinFoundationConfig.cmake.in ${PROJECT_BINARY_DIR}/HavrinFoundationConfig.cmake
@@ -18,7 +27,7 @@ write_basic_package_version_file(
   ${PROJECT_BINARY_DIR}/HavrinFoundationConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES
   ${PROJECT_BINARY_DIR}/HavrinFoundationConfig.cmake ${PROJECT_BINARY_DIR}/HavrinFoundationConfigVersion.cmake
-  DESTINATION ${havrin_config_dir})
+  DESTINATION ${havrin_config_dir} COMPONENT dev)
 
 # pkg-config: the prefix is found from where the file lies.
 file(RELATIVE_PATH havrin_prefix_from_pc /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
@@ -32,7 +41,7 @@ function(havrin_pkg_config library)
   list(TRANSFORM linker_names PREPEND -l)
   list(JOIN linker_names " " private_libraries)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/library.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 endfunction()
 havrin_pkg_config(HavrinTyped AS Typed DESCRIPTION "The typed forms of HavrinFoundation, without objects")
 havrin_pkg_config(HavrinFoundation AS HavrinFoundation DESCRIPTION "${PROJECT_DESCRIPTION}" REQUIRES HavrinTyped)
@@ -43,3 +52,7 @@ foreach(library IN ITEMS HavrinTyped HavrinFoundation)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load/${CMAKE_INSTALL_FULL_LIBDIR}
     RENAME lib${library}.so.${PROJECT_VERSION}-gdb.py COMPONENT ${library})
 endforeach()
+
+if(PROJECT_IS_TOP_LEVEL)
+  include(HavrinPackages)
+endif()

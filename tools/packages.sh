@@ -23,6 +23,9 @@ packages_bench=(
   libsigc++-3.0-dev
 )
 
+# tools/package_test.
+packages_package=("${packages_run[@]}" dpkg-dev lintian debootstrap)
+
 # tools/check.
 packages_check=("${packages_test[@]}" clang-format-14 clang-tidy-14 git)
 
