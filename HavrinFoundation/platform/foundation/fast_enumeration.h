@@ -19,6 +19,7 @@
 #include <span>
 
 #include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/call_hold.h>
 #include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {
@@ -47,6 +48,17 @@ class HAVRIN_EXPORT NSFastEnumeration {
  protected:
   ~NSFastEnumeration() = default;
 };
+
+namespace detail {
+
+// A collection that is an argument is held as the object that it is a base of.
+template <>
+struct Held<NSFastEnumeration*> : Held<NSObject*> {
+  Held(NSFastEnumeration* argument, bool hold) : Held<NSObject*>(dynamic_cast<NSObject*>(argument), hold) {}
+  static bool mayRunProgram(const NSFastEnumeration* argument) noexcept { return argument != nullptr; }
+};
+
+}  // namespace detail
 
 /// Throws NSException (Generic): `collection`, which may be null where it is no NSObject, was changed while its elements
 /// were being handed out.
