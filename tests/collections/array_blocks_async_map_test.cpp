@@ -77,12 +77,8 @@ class Meter : public Object<Meter, NSArray> {
     send<"asyncMap:result:">(*this, transform_, result);
   }
   void step(std::uint64_t index, const AsyncTransform&, NSArray* partial, const AsyncResult& result) {
-    constexpr auto& kStep = selector<"asyncMapAux:block:currentResult:result:">;
-    using Types = void(std::uint64_t, const AsyncTransform&, NSArray*, const AsyncResult&);
-    const Implementation inherited = classObject<NSArray>()->resolve(kStep, typeid(Types), this);
     const AsyncTransform own = [this](NSObject* element, const AsyncCompletion& done) { transform_(element, done); };
-    reinterpret_cast<void (*)(NSObject*, std::uint64_t, const AsyncTransform&, NSArray*, const AsyncResult&)>(
-        inherited)(this, index, own, partial, result);
+    sendSuper<"asyncMapAux:block:currentResult:result:">(*this, index, own, partial, result);
   }
   using Members = List<Method<"asyncMapAux:block:currentResult:result:", &Meter::step>>;
 

@@ -166,20 +166,6 @@ TEST(ArrayBlocks, ThrowWhenABlockChangesTheReceiver) {
   EXPECT_EQ(calls, 4);
 }
 
-TEST(ArrayBlocks, OutliveTheLastReferenceToReceiverAndBlock) {
-  for (Kind& kind : everyKind("abc")) {
-    SCOPED_TRACE(kind.why);
-    Strong<NSArray> only = std::exchange(kind.array, nullptr);
-    Block<Strong<NSObject>(NSObject*)> transform;
-    transform = [&only, &transform, capture = makeNumber(7)](NSObject* object) {
-      only = nullptr;
-      transform = nullptr;
-      return capture->boolValue() ? Strong<NSObject>(object) : nullptr;
-    };
-    EXPECT_EQ(text(send<"map:">(only, transform)), "(a, b, c)");
-  }
-}
-
 TEST(ArrayBlocks, HoldNothingAfterAnException) {
   const auto list = makeMutableArray({});
   for (int i = 0; i < 100; ++i) list->addObject(makeNumber(i));

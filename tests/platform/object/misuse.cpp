@@ -24,6 +24,24 @@ struct Shouter : Object<Shouter, Listener> {
 };
 #endif
 
+struct Echo : Object<Echo, Listener> {
+  std::int64_t age() {
+#if HAVRIN_CASE == 0
+    return sendSuper<"age">(*this);
+#elif HAVRIN_CASE == 9
+    return sendSuper<"aeg">(*this);
+#elif HAVRIN_CASE == 10
+    return sendSuper<"age">(*this, 7);
+#elif HAVRIN_CASE == 11
+    return sendSuper<"own">(*this);
+#else
+    return 0;
+#endif
+  }
+  std::int64_t own() { return 1; }
+  using Members = List<Method<"age", &Echo::age>, Method<"own", &Echo::own>>;
+};
+
 Strong<NSString> greet(NSObject&, NSString* word) { return word; }
 std::int64_t wrong(NSObject&, std::int64_t number) { return number; }
 

@@ -1,4 +1,5 @@
 // The object runtime as applications meet it: messages, overrides, categories, references, destruction.
+// Length: its parts are tested on the same few classes.
 #include <atomic>
 #include <cstring>
 
@@ -108,6 +109,44 @@ TEST(Messages, OfCategoriesReachEveryObjectAndEveryClass) {
   EXPECT_TRUE(isKind<Relay>(relay));
   const Strong<Plain> plain = send<"test_made">(classOf<Plain>());
   EXPECT_EQ(classOf(*plain).name(), "Plain");
+}
+
+namespace {
+
+// Three levels, of which each goes on to the one above; the last one's own static class decides where it begins.
+class First : public Object<First, Station> {
+ public:
+  Strong<NSString> announce() { return makeString("1 " + text(sendSuper<"announce">(*this))); }
+  Strong<Station> self() { return sendSuper<"test_same">(*this); }
+  static Strong<NSString> kind(ClassOf<First> self) { return makeString("1 " + text(sendSuper<"kind">(self))); }
+  using Members = List<Method<"announce", &First::announce>, Method<"test_same", &First::self>>;
+  using ClassMembers = List<ClassMethod<"kind", &First::kind>>;
+};
+class Second : public Object<Second, First> {};
+class Third : public Object<Third, Second> {
+ public:
+  Strong<NSString> announce() { return makeString("3 " + text(sendSuper<"announce">(*this))); }
+  Strong<NSString> label(NSString* prefix) {
+    send<"setTitle:">(*this, prefix);
+    return sendSuper<"test_label:">(*this, prefix);
+  }
+  static Strong<NSString> kind(ClassOf<Third> self) { return makeString("3 " + text(sendSuper<"kind">(self))); }
+  using Members = List<Method<"announce", &Third::announce>, Method<"test_label:", &Third::label>>;
+  using ClassMembers = List<ClassMethod<"kind", &Third::kind>>;
+};
+class Fourth : public Object<Fourth, Third> {};
+
+}  // namespace
+
+TEST(Messages, ToTheSuperclassReachTheMethodThatAnOverrideReplaces) {
+  const auto fourth = make<Fourth>();
+  EXPECT_EQ(text(send<"test_label:">(fourth, makeString("a "))), "a Fourth") << "the object stays what it is";
+  EXPECT_EQ(text(send<"announce">(fourth)), "3 1 here is a ");
+  EXPECT_EQ(text(send<"kind">(classOf<Fourth>())), "3 1 kind of Fourth");
+  const Strong<Fourth> same = send<"test_same">(fourth);
+  EXPECT_EQ(same.get(), fourth.get());
+  static_assert(std::is_same_v<decltype(sendSuper<"test_same">(*fourth)), Strong<Station>>,
+                "what the superclass returns is not known to be of the override's class");
 }
 
 TEST(Messages, ToNullGiveTheZeroOfTheirResult) {
