@@ -164,6 +164,7 @@ TEST(Messages, ThatNobodyAnswersSayReceiverAndSelector) {
   } catch (const NSException& exception) {
     EXPECT_EQ(exception.name(), NSInvalidArgumentException);
     EXPECT_EQ(exception.reason().find("-[Station test_nobodyAnswers]: unrecognized selector sent to instance 0x"), 0U);
+    EXPECT_NE(exception.reason().find("the image whose category has it is not loaded"), std::string::npos);
   }
 }
 

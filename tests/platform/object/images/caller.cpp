@@ -7,6 +7,15 @@ using namespace havrin;
 
 namespace {
 class Private : public Object<Private, NSObject> {};
+
+Strong<NSString> owner(NSObject&) { return makeString("caller"); }
+
+constexpr MethodRow kRows[] = {row<NSObject, "img_owner", owner>()};
+constinit const Category kOwner{classObject<NSObject>, "Caller", kRows, {}};
+const Category* const kCategories[] = {&kOwner};
+const Image kImage{
+    .name = "caller", .identification = nullptr, .strings = {}, .categories = kCategories, .initialisers = {}};
+const Loader kLoader{kImage};
 }  // namespace
 
 std::string greetFromCaller(NSObject* object) { return utf8(*send<"img_greet:">(object, makeString("Welcome"))); }

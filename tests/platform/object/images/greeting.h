@@ -1,5 +1,5 @@
-// What the two libraries and the program of this test share: a message, and a class that each of them sees through its
-// own copy of this header.
+// What the two libraries and the program of this test share: messages, and a class that each of them sees through its own
+// copy of this header.
 #pragma once
 
 #include <HavrinFoundation/platform/foundation/string.h>
@@ -7,6 +7,9 @@
 
 template <>
 struct havrin::Message<havrin::NSObject, "img_greet:"> : Signature<Strong<NSString>(NSString*)> {};
+/// Every image has a category that answers it, with the image's name.
+template <>
+struct havrin::Message<havrin::NSObject, "img_owner"> : Signature<Strong<NSString>()> {};
 
 class Guest : public havrin::Object<Guest, havrin::NSObject> {
  public:

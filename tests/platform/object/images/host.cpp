@@ -9,9 +9,14 @@ Strong<NSString> greet(NSObject& self, NSString* word) {
   return makeString(utf8(*word) + ", " + std::string(classOf(self).name()));
 }
 
-constexpr MethodRow kRows[] = {row<NSObject, "img_greet:", greet>()};
+Strong<NSString> firstOwner(NSObject&) { return makeString("first in the list of host"); }
+Strong<NSString> owner(NSObject&) { return makeString("host"); }
+
+constexpr MethodRow kFirstRows[] = {row<NSObject, "img_owner", firstOwner>()};
+constexpr MethodRow kRows[] = {row<NSObject, "img_greet:", greet>(), row<NSObject, "img_owner", owner>()};
+constinit const Category kFirst{classObject<NSObject>, "First", kFirstRows, {}};
 constinit const Category kGreeting{classObject<NSObject>, "Greeting", kRows, {}};
-const Category* const kCategories[] = {&kGreeting};
+const Category* const kCategories[] = {&kFirst, &kGreeting};
 const Image kImage{
     .name = "host", .identification = nullptr, .strings = {}, .categories = kCategories, .initialisers = {}};
 const Loader kLoader{kImage};
