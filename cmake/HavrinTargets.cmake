@@ -122,13 +122,14 @@ endfunction()
 
 # havrin_compile_failure(<name> SOURCE x.cpp EXPECT "text" ...): a test that compiles the file once for each EXPECT, with
 # HAVRIN_CASE set to 1, 2, ..., and wants the compiler to refuse it with that text ("one piece ... another" asks for
-# both); with HAVRIN_CASE 0 the file must compile, so that a refusal is about the case and nothing else.
+# both); with HAVRIN_CASE 0 the file must compile, so that a refusal is about the case and nothing else. FLAGS are added in
+# the cases from 1 on.
 function(havrin_compile_failure name)
-  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "SOURCE" "EXPECT")
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "SOURCE" "EXPECT;FLAGS")
   list(JOIN ARG_EXPECT "\t" expected)
   add_test(NAME ${name} COMMAND ${CMAKE_COMMAND}
     -D compiler=${CMAKE_CXX_COMPILER} -D include=${PROJECT_SOURCE_DIR}
-    -D source=${CMAKE_CURRENT_SOURCE_DIR}/${ARG_SOURCE} -D expected=${expected}
+    -D source=${CMAKE_CURRENT_SOURCE_DIR}/${ARG_SOURCE} -D expected=${expected} -D flags=${ARG_FLAGS}
     -P ${PROJECT_SOURCE_DIR}/cmake/compile_failure.cmake)
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
 endfunction()

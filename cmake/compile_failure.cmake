@@ -3,8 +3,12 @@ string(REPLACE "\t" ";" expected "${expected}")
 
 # try_case(<number> <variable for the status> <variable for the text>)
 function(try_case number status text)
+  set(added)
+  if(number GREATER 0)
+    set(added ${flags})
+  endif()
   execute_process(
-    COMMAND ${compiler} -std=c++20 -fsyntax-only -I ${include} -D HAVRIN_CASE=${number} ${source}
+    COMMAND ${compiler} -std=c++20 ${added} -fsyntax-only -I ${include} -D HAVRIN_CASE=${number} ${source}
     RESULT_VARIABLE result ERROR_VARIABLE error OUTPUT_QUIET)
   set(${status} ${result} PARENT_SCOPE)
   set(${text} "${error}" PARENT_SCOPE)

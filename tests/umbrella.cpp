@@ -1,0 +1,2 @@
+// The whole library, for the ways of compiling it that tests/CMakeLists.txt tries.
+#include <HavrinFoundation/HavrinFoundation.h>
