@@ -64,8 +64,9 @@ class Writer {
  public:
   void append(std::int64_t channel) {
     if (channel >= 0 && channel <= 255) {
-      *end_++ = kUpperHexDigits[channel >> 4];
-      *end_++ = kUpperHexDigits[channel & 15];
+      const auto byte = static_cast<std::size_t>(channel);
+      *end_++ = kUpperHexDigits[byte >> 4];
+      *end_++ = kUpperHexDigits[byte & 15];
     } else {
       end_ += std::snprintf(end_, 9, "%02X", static_cast<unsigned>(channel));
     }
