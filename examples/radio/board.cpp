@@ -8,20 +8,19 @@
 
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
-#include <HavrinFoundation/colours/colour_arithmetic.h>
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/dates/date_arithmetic.h>
 #include <HavrinFoundation/dates/shared_formatter.h>
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 #include <HavrinFoundation/links/app_identity.h>
-#include <HavrinFoundation/links/utm_parameters.h>
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 #include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/text/base36.h>
+#include <HavrinFoundation/runtime/clamp.h>
 #include <HavrinFoundation/text/friendly_number.h>
-#include <HavrinFoundation/text/sha256.h>
 #include <HavrinFoundation/text/string_helpers.h>
+
+#include "detail.h"
 
 namespace radio {
 
@@ -31,7 +30,18 @@ namespace {
 
 constexpr double kSearchDelaySeconds = 0.2;
 constexpr double kRefreshIntervalSeconds = 0.1;
-constexpr double kDimmed = 0.65;
+constexpr std::size_t kWide = 150;  // from here on the station is shown beside the list
+
+constexpr const char* kKeys[] = {"/              search: letters, digits and blanks; Enter keeps it, Escape leaves",
+                                 "arrows, wheel  move, as do Page Up, Page Down, Home and End",
+                                 "Enter          opens the station; Escape or Enter closes it",
+                                 "+              makes the station a favourite, or no favourite",
+                                 "*              shows favourites only",
+                                 "#              gives the genre another colour",
+                                 "Tab            shuffles",
+                                 "Escape         closes what is open, then clears the search",
+                                 "Ctrl-Z         suspends the board (fg brings it back)",
+                                 "q, Ctrl-C      ends"};
 
 // What a genre may be given: told apart from one another on light and dark grounds.
 constexpr std::string_view kColourCodes[] = {"#B03A2E", "#CA6F1E", "#A67C00", "#3E7C59",
@@ -56,14 +66,6 @@ bool isSearchText(std::string_view text) {
   return containsOnlyCharacters(text, kAllowed);
 }
 
-std::string onAirText(Date since, Date now) {
-  const std::int64_t days = numberOfCalendarDays(since, now);
-  if (days < 0) return "soon";
-  if (days == 0) return "today";
-  if (days == 1) return "yesterday";
-  return std::to_string(days) + " days";
-}
-
 std::string greeting(Date lastOpen, Date now) {
   const std::int64_t days = numberOfCalendarDays(lastOpen, now);
   return "Last open " + onAirText(lastOpen, now) + (days > 1 ? " ago." : ".");
@@ -78,18 +80,6 @@ void insertOrErase(std::set<std::string>& set, const std::string& element, bool 
 }
 
 std::string httpDate() { return "Date: " + utf8(*rfc1123<NSDateFormatter>()->stringFromDate(NSDate::date())); }
-
-// The link as it is shared: with the campaign that the sharing is counted under.
-std::string shareLink(const Station& station) {
-  UTMParameters campaign;
-  campaign.campaign = "board";
-  campaign.medium = "share";
-  campaign.source = "havrin-radio";
-  campaign.term = station.entry().genre;
-  auto link = URL::fromString(station.entry().link);
-  if (link) add(*link, campaign);
-  return link ? std::string(link->relativeString()) : station.entry().link;
-}
 
 }  // namespace
 
@@ -153,34 +143,94 @@ void Board::note(Station& station, const NSDictionary& change) {
   send<"h_throttle:delay:">(*this, selector<"refresh">, kRefreshIntervalSeconds);
 }
 
-bool Board::press(std::string_view key) {
+bool Board::press(const Keystroke& key) {
   note_.clear();
-  if (key == "\x04" || (key == "q" && search_.empty())) return false;
-  if (key == "\x1b") {
-    search_.clear();
-    favouritesOnly_ = false;
-  } else if (key == "\x7f" || key == "\b") {
+  if (key.key == Key::endOfInput || (key.text == "q" && !searching_)) return false;
+  if (searching_ && (key.key == Key::text || key.key == Key::erase)) {
+    type(key);
+  } else {
+    command(key);
+  }
+  refresh();
+  return true;
+}
+
+// The key is shown at once, the search runs when the typing pauses.
+void Board::type(const Keystroke& key) {
+  if (key.key == Key::erase) {
     while (!search_.empty() && (static_cast<unsigned char>(search_.back()) & 0xC0) == 0x80) search_.pop_back();
     if (!search_.empty()) search_.pop_back();
-  } else if (key == "\t") {
-    send<"shuffle">(order_);
-  } else if (key == "*") {
-    favouritesOnly_ = !favouritesOnly_;
-  } else if (key == "+") {
-    mark();
-  } else if (key == "#") {
-    recolour();
-  } else if (key == "\r" || key == "\n") {
-    share();
-  } else if (isSearchText(key)) {
-    search_ += key;
+  } else if (isSearchText(key.text)) {
+    search_ += key.text;
   } else {
     note_ = "Search for letters, digits and blanks.";
   }
-  // The key is shown at once, the search runs when the typing pauses.
   send<"h_debounce:delay:">(*this, selector<"applySearch">, kSearchDelaySeconds);
-  refresh();
-  return true;
+}
+
+void Board::command(const Keystroke& key) {
+  const auto page = static_cast<std::int64_t>(page_);
+  const auto row = static_cast<std::int64_t>(cursor_);
+  switch (key.key) {
+    case Key::up:
+      return moveTo(row - 1);
+    case Key::down:
+      return moveTo(row + 1);
+    case Key::pageUp:
+      return moveTo(row - page);
+    case Key::pageDown:
+      return moveTo(row + page);
+    case Key::home:
+      return moveTo(0);
+    case Key::end:
+      return moveTo(static_cast<std::int64_t>(visible_->count()) - 1);
+    case Key::escape:
+      return leave();
+    case Key::tab:
+      send<"shuffle">(order_);
+      return applySearch();
+    case Key::enter:
+      applySearch();  // what is typed counts, also before the typing has paused
+      if (!std::exchange(searching_, false)) showsDetail_ = selected() && !showsDetail_;
+      return;
+    case Key::text:
+      return runCommand(key.text);
+    default:
+      return;
+  }
+}
+
+void Board::runCommand(std::string_view letter) {
+  if (letter == "/") {
+    searching_ = true;
+    showsDetail_ = showsKeys_ = false;
+  } else if (letter == "?") {
+    showsKeys_ = !showsKeys_;
+  } else if (letter == "*") {
+    favouritesOnly_ = !favouritesOnly_;
+    applySearch();
+  } else if (letter == "+") {
+    mark();
+  } else if (letter == "#") {
+    recolour();
+  } else {
+    note_ = "? shows the keys.";
+  }
+}
+
+// Closes the innermost of what is open.
+void Board::leave() {
+  if (std::exchange(showsKeys_, false) || std::exchange(showsDetail_, false)) return;
+  searching_ = false;
+  favouritesOnly_ = false;
+  search_.clear();
+  applySearch();
+}
+
+void Board::moveTo(std::int64_t row) {
+  const auto count = static_cast<std::int64_t>(visible_->count());
+  cursor_ =
+      static_cast<std::size_t>(havrin::clamp(row, ClosedRange<std::int64_t>{0, std::max<std::int64_t>(0, count - 1)}));
 }
 
 void Board::say(std::string text) {
@@ -201,24 +251,20 @@ void Board::applySearch() {
     found = kept->snapshot();
   }
   visible_ = found;
+  moveTo(static_cast<std::int64_t>(cursor_));
   refresh();
 }
 
 void Board::refresh() { redraw_(); }
 
-Station* Board::firstFound() {
-  applySearch();  // what is typed counts, also before the typing has paused
-  auto* first = static_cast<Station*>(visible_->firstObject().get());
-  if (!first) note_ = "The search finds no station.";
-  return first;
-}
-
-void Board::share() {
-  if (const Station* station = firstFound()) note_ = shareLink(*station);
+Station* Board::selected() {
+  if (cursor_ < visible_->count()) return static_cast<Station*>(visible_->objectAtIndex(cursor_).get());
+  note_ = "The search finds no station.";
+  return nullptr;
 }
 
 void Board::mark() {
-  Station* station = firstFound();
+  Station* station = selected();
   if (!station) return;
   station->setFavourite(!station->isFavourite());
   note_ = station->entry().name + (station->isFavourite() ? " is a favourite now." : " is no favourite any more.");
@@ -226,7 +272,7 @@ void Board::mark() {
 
 // The code after the genre's own one, or the first where that is another.
 void Board::recolour() {
-  const Station* station = firstFound();
+  const Station* station = selected();
   if (!station) return;
   const auto* const found = std::find(std::begin(kColourCodes), std::end(kColourCodes), hexString(station->colour()));
   const bool isLast = found == std::end(kColourCodes) || found + 1 == std::end(kColourCodes);
@@ -245,74 +291,91 @@ void Board::paintGenre(const std::string& genre, std::string_view code) {
   }
 }
 
-std::string Board::row(const Station& station, std::size_t width, const Paint& paint) const {
-  const StationEntry& entry = station.entry();
-  const Shown& shown = shown_.at(&station);
-  const bool onAir = !shown.song.empty();
-  const Date now = Date::now();
-  const Date since = fromMillisecondsSince1970<Date>(entry.onAirSince);
-  const std::string birthday = isSameMonthAndDayAsToday(since) ? " *" : "";
-
-  const std::size_t name = std::clamp<std::size_t>(width / 4, 14, 30);
-  const std::string song = onAir ? shown.song : "off the air";
-  const std::string left = fitted(station.isFavourite() ? "★" : "", 2) + fitted(base36Value(entry.identifier), 6) +
-                           fitted(groupedSHA256(entry.link).value_or("").substr(0, 8), 9) + fitted(entry.name, name) +
-                           " ";
-  const std::size_t room = width - (2 + 6 + 9 + name + 1) - 12;
-  const std::string right =
-      fitted(" " + fitted(friendlyNumber(shown.listeners), 7, true) + fitted(friendlyNumber(entry.plays), 7, true) +
-                 " " + fitted(onAirText(since, now) + birthday, 12) + " " + song,
-             room);
-  const std::string genre = " " + fitted(entry.genre, 10) + " ";
-  if (onAir) return left + paint.swatch(genre, station.colour()) + right;
-  // Off the air: the colour is mixed with grey, the rest is faint.
-  const Strong<UIColor> dimmed = blend(station.colour(), *UIColor::grayColor(), kDimmed);
-  return paint.faint(left) + paint.swatch(genre, *dimmed) + paint.faint(right);
-}
-
 std::vector<std::string> Board::footer(std::size_t width, const Paint& paint) const {
   std::vector<std::string> lines;
   lines.push_back(paint.faint(std::string(width, '-')));
-  // A link is shown whole, so that it can be copied.
   for (std::string& line : linesOf(note_, width)) lines.push_back(std::move(line));
-  lines.push_back(
-      paint.faint(fitted("type to search  Enter share  Tab shuffle  * favourites  + mark  # colour  q end", width)));
+  lines.push_back(paint.faint(
+      fitted(searching_ ? "type to search  Enter keep  Esc leave"
+                        : "/ search  Enter open  ? keys  q end  + mark  * favourites  # colour  Tab shuffle",
+             width)));
   lines.push_back(paint.faint(fitted(httpDate(), width)));
   lines.push_back(paint.faint(fitted(havrinAppUserAgentString(*NSBundle::mainBundle()), width)));
   return lines;
 }
 
-std::vector<std::string> Board::lines(Terminal::Size size, const Paint& paint) const {
-  const std::size_t width = std::clamp<std::size_t>(size.width, 60, 160);
+std::vector<std::string> Board::header(std::size_t width, const Paint& paint) const {
   const Strong<NSObject> listeners =
       send<"reduce:withBlock:">(visible_, makeNumber(0), [this](const NSNumber& sum, const Station& station) {
         return Strong<NSObject>(makeNumber(sum.integerValue() + shown_.at(&station).listeners));
       });
   const Strong<NSArray> onAir =
       send<"select:">(visible_, [this](const Station& station) { return !shown_.at(&station).song.empty(); });
-
-  std::vector<std::string> lines;
   const std::string counts = std::to_string(visible_->count()) + " of " + std::to_string(all_->count()) +
                              " stations, " + std::to_string(onAir->count()) + " on the air, " +
                              friendlyNumber(cast<NSNumber>(listeners.get())->integerValue()) + " listeners";
-  lines.push_back(paint.bold("HAVRIN RADIO  ") + fitted(counts, width > 14 ? width - 14 : 0));
-  const std::string filter = "search: " + search_ + "_" + (favouritesOnly_ ? "   favourites only" : "");
+  const std::string search = searching_        ? "search: " + search_ + "_"
+                             : search_.empty() ? "/ to search"
+                                               : "search: " + search_;
+  const std::string filter = search + (favouritesOnly_ ? "   favourites only" : "");
   const std::string file = source_ + (skipped_ ? ": " + std::to_string(skipped_) + " entries skipped" : "");
-  const std::size_t half = width / 2;
-  lines.push_back(fitted(filter, half) + paint.faint(fitted(file, width - half, true)));
-  lines.emplace_back();
+  constexpr std::size_t kTitle = 14;
+  // The search is what one types: the file gives way.
+  const std::size_t typed = std::max(width / 2, std::min(width, columns(filter) + 1));
+  return {paint.bold(fitted("HAVRIN RADIO  ", std::min(width, kTitle))) +
+              fitted(counts, width > kTitle ? width - kTitle : 0),
+          fitted(filter, typed) + paint.faint(fitted(file, width - typed, true)), ""};
+}
 
-  const std::size_t name = std::clamp<std::size_t>(width / 4, 14, 30);
-  lines.push_back(
-      paint.bold(fitted("  No.   Key      " + fitted("Station", name) + " Genre        " + fitted("Listen", 7, true) +
-                            fitted("Plays", 7, true) + " " + fitted("On air", 12) + " Playing",
-                        width)));
-  const std::vector<std::string> end = footer(width, paint);
-  const std::size_t room = size.height > lines.size() + end.size() ? size.height - lines.size() - end.size() : 1;
-  for (std::uint64_t i = 0; i < std::min<std::uint64_t>(room, visible_->count()); ++i) {
-    lines.push_back(row(static_cast<const Station&>(*visible_->objectAtIndex(i)), width, paint));
+std::vector<std::string> Board::list(std::size_t width, std::size_t rows, const Paint& paint) {
+  const Layout layout(width);
+  std::vector<std::string> lines{layout.heading(paint)};
+  page_ = std::max<std::size_t>(1, rows - 1);
+  const std::size_t count = visible_->count();
+  top_ = std::min({top_, cursor_, count > page_ ? count - page_ : 0});
+  if (cursor_ >= top_ + page_) top_ = cursor_ - page_ + 1;
+  for (std::size_t i = top_; i < std::min(top_ + page_, count); ++i) {
+    const auto& station = static_cast<const Station&>(*visible_->objectAtIndex(i));
+    lines.push_back(layout.row(station, shown_.at(&station), i == cursor_, paint));
   }
+  return lines;
+}
+
+std::vector<std::string> Board::detail(std::size_t width, std::size_t rows, const Paint& paint) {
+  std::vector<std::string> lines;
+  if (cursor_ < visible_->count()) {
+    const auto& station = static_cast<const Station&>(*visible_->objectAtIndex(cursor_));
+    lines = detailLines(station, shown_.at(&station), width, paint);
+  }
+  lines.resize(std::min(lines.size(), rows));
+  return lines;
+}
+
+std::vector<std::string> Board::lines(Terminal::Size size, const Paint& paint) {
+  const std::size_t width = havrin::clamp(size.width, ClosedRange<std::size_t>{20, 240});
+  std::vector<std::string> lines = header(width, paint);
+  const std::vector<std::string> end = footer(width, paint);
+  const std::size_t taken = lines.size() + end.size();
+  const std::size_t room = size.height > taken + 2 ? size.height - taken : 2;
+  std::vector<std::string> middle;
+  if (showsKeys_) {
+    for (const char* key : kKeys) middle.push_back(fitted(key, width));
+    middle.resize(std::min(middle.size(), room));
+  } else if (width >= kWide) {
+    const std::size_t pane = width * 2 / 5;
+    const std::size_t left = width - pane - 2;
+    middle = list(left, room, paint);
+    const std::vector<std::string> side = detail(pane, room, paint);
+    for (std::size_t i = 0; i < side.size(); ++i) {
+      if (i == middle.size()) middle.emplace_back(left, ' ');
+      middle[i] += "  " + side[i];
+    }
+  } else {
+    middle = showsDetail_ ? detail(width, room, paint) : list(width, room, paint);
+  }
+  lines.insert(lines.end(), middle.begin(), middle.end());
   lines.insert(lines.end(), end.begin(), end.end());
+  lines.resize(std::min(lines.size(), std::max<std::size_t>(1, size.height)));
   return lines;
 }
 

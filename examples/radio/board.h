@@ -12,9 +12,12 @@
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/interface/responder.h>
 
+#include "keys.h"
+#include "layout.h"
 #include "saved_state.h"
 #include "screen.h"
 #include "station.h"
+#include "terminal.h"
 
 namespace radio {
 
@@ -31,10 +34,11 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   /// Starts to observe the stations. Before any studio works on them.
   void observe();
 
-  /// A key that was typed: one character, or a control code. Result: false when the board is to end.
-  bool press(std::string_view key);
+  /// A key that was typed. Result: false when the board is to end.
+  bool press(const Keystroke& key);
 
-  [[nodiscard]] std::vector<std::string> lines(Terminal::Size size, const Paint& paint) const;
+  /// What is on the screen now: as many lines as it has room for.
+  [[nodiscard]] std::vector<std::string> lines(Terminal::Size size, const Paint& paint);
 
   /// Shows a line of text until a key is typed.
   void say(std::string text);
@@ -42,21 +46,21 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   [[nodiscard]] havrin::Strong<havrin::NSArray> stations() const { return all_; }
 
  private:
-  // What is shown of a station; kept up to date from the changes that are observed.
-  struct Shown {
-    std::int64_t listeners;
-    std::string song;
-  };
-
   void note(Station& station, const havrin::NSDictionary& change);
   void applySearch();
   void refresh();
-  void share();
+  void type(const Keystroke& key);
+  void command(const Keystroke& key);
+  void runCommand(std::string_view letter);
+  void moveTo(std::int64_t row);
+  void leave();
   void mark();
   void recolour();
-  [[nodiscard]] Station* firstFound();
+  [[nodiscard]] Station* selected();
   void paintGenre(const std::string& genre, std::string_view code);
-  [[nodiscard]] std::string row(const Station& station, std::size_t width, const Paint& paint) const;
+  [[nodiscard]] std::vector<std::string> header(std::size_t width, const Paint& paint) const;
+  [[nodiscard]] std::vector<std::string> list(std::size_t width, std::size_t rows, const Paint& paint);
+  [[nodiscard]] std::vector<std::string> detail(std::size_t width, std::size_t rows, const Paint& paint);
   [[nodiscard]] std::vector<std::string> footer(std::size_t width, const Paint& paint) const;
 
   havrin::Strong<havrin::NSArray> all_;
@@ -70,6 +74,12 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   std::string search_;
   std::string note_;
   bool favouritesOnly_ = false;
+  bool searching_ = false;  // letters go to the search
+  bool showsKeys_ = false;
+  bool showsDetail_ = false;
+  std::size_t cursor_ = 0;  // in what is visible
+  std::size_t top_ = 0;     // the first row on the screen
+  std::size_t page_ = 1;    // the rows on the screen when it was last drawn
 
  public:
   using Members =

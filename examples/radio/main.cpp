@@ -19,14 +19,15 @@
 #include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/host_loop.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
-#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include "board.h"
+#include "keys.h"
 #include "options.h"
 #include "saved_state.h"
 #include "screen.h"
 #include "station_file.h"
 #include "studios.h"
+#include "terminal.h"
 
 namespace {
 
@@ -60,23 +61,18 @@ int showLink(const std::string& text) {
   return 0;
 }
 
-// Typed bytes as keys: one character each, Enter and Escape included. What follows Escape at once is a function key's,
-// and dropped.
-std::vector<std::string> keysOf(std::string_view typed) {
-  std::vector<std::string> keys;
-  while (!typed.empty()) {
-    if (typed.size() > 1 && typed[0] == '\x1b') return keys;
-    const std::size_t length = havrin::scalarAt(typed, 0).length;
-    keys.emplace_back(typed.substr(0, length));
-    typed.remove_prefix(length);
-  }
+// The keys that a script types.
+std::vector<Keystroke> keysOf(std::string_view typed) {
+  KeyReader reader;
+  std::vector<Keystroke> keys = reader.read(typed);
+  for (Keystroke& key : reader.finish()) keys.push_back(std::move(key));
   return keys;
 }
 
 // Without a terminal: the script's keys are typed, the studios work for a moment, the final state is printed.
 void runOnce(Board& board, const Options& options, const Paint& paint) {
   bool goesOn = true;
-  for (const std::string& key : keysOf(options.keys.value_or(""))) goesOn = goesOn && board.press(key);
+  for (const Keystroke& key : keysOf(options.keys.value_or(""))) goesOn = goesOn && board.press(key);
   constexpr double kMomentSeconds = 0.6;
   {
     const Studios studios(*board.stations());
@@ -87,27 +83,31 @@ void runOnce(Board& board, const Options& options, const Paint& paint) {
   for (const std::string& line : board.lines({Terminal::size().width, 40}, paint)) std::printf("%s\n", line.c_str());
 }
 
-// The board in place until q or until its time is over. The main queue lives inside this loop over descriptors.
+// The board in place until somebody ends it. The main queue lives inside this loop over descriptors.
 void runOnTerminal(Board& board, const Options& options, const Paint& paint, bool& changed) {
-  const Terminal terminal;
+  Terminal terminal;
   const Studios studios(*board.stations());
-  std::vector<std::string> script = keysOf(options.keys.value_or(""));
-  const double end = options.seconds > 0 ? havrin::monotonicSeconds() + options.seconds : HUGE_VAL;
-  terminal.draw(board.lines(Terminal::size(), paint));
+  KeyReader reader;
+  std::vector<Keystroke> keys = keysOf(options.keys.value_or(""));
+  const double end = options.seconds ? havrin::monotonicSeconds() + *options.seconds : HUGE_VAL;
   for (double now = 0; (now = havrin::monotonicSeconds()) < end && Terminal::endedBy() == 0;) {
-    pollfd descriptors[] = {{havrin::mainLoopDescriptor(), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}};
-    constexpr double kLongestWait = 0.5;  // the clock on the board moves on
-    poll(descriptors, 2, static_cast<int>(1000 * std::min(kLongestWait, end - now)));
-    havrin::drainMainLoop();
-    std::vector<std::string> keys = std::exchange(script, {});
-    if (descriptors[1].revents & ~POLLIN) return;  // the terminal is gone
-    if (descriptors[1].revents) {
-      for (std::string& key : keysOf(terminal.typed())) keys.push_back(std::move(key));
-    }
-    for (const std::string& key : keys) {
+    for (const Keystroke& key : std::exchange(keys, {})) {
       if (!board.press(key)) return;
     }
-    if (std::exchange(changed, false)) terminal.draw(board.lines(Terminal::size(), paint));
+    changed = false;
+    terminal.draw(board.lines(Terminal::size(), paint));
+    pollfd descriptors[] = {{havrin::mainLoopDescriptor(), POLLIN, 0},
+                            {Terminal::signalDescriptor(), POLLIN, 0},
+                            {STDIN_FILENO, POLLIN, 0}};
+    constexpr double kLongestWait = 0.5;  // the clock on the board moves on
+    constexpr double kKeyWait = 0.05;     // what follows Escape in a function key comes at once
+    const double wait = std::min(reader.isWaiting() ? kKeyWait : kLongestWait, end - now);
+    const int ready = poll(descriptors, 3, static_cast<int>(1000 * wait));
+    terminal.takeSignals();
+    havrin::drainMainLoop();
+    if (ready == 0) keys = reader.finish();
+    if (ready > 0 && (descriptors[2].revents & ~POLLIN)) return;  // the terminal is gone
+    if (ready > 0 && descriptors[2].revents) keys = reader.read(terminal.typed());
   }
 }
 

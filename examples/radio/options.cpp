@@ -18,7 +18,7 @@ constexpr const char* kHelp =
   radio [options] [STATIONS.json]
 
   --once                        draw the final state and exit (as without a terminal, or on a dumb one)
-  --seconds N                   how long the board runs; 0: until q (30)
+  --seconds N                   ends the board by itself after N seconds
   --verbose                     say why entries of the stations file were skipped
   --colours never|always|auto   auto: on a terminal, unless NO_COLOR is set
   --keys TEXT                   keys typed by a script, for runs without a keyboard
@@ -28,9 +28,9 @@ constexpr const char* kHelp =
                                 ~/.local/state/havrin-radio/board.state)
   --no-state                    neither restore nor save it
 
-Keys: type to search, Backspace takes back, Enter shares the first station, Tab shuffles, * hides all but favourites,
-      + makes the first station a favourite, # gives its genre another colour, Esc clears,
-      q (with an empty search), Ctrl-D or Ctrl-C ends.
+Keys: / searches (Enter keeps what was typed, Escape leaves), arrows, Page Up, Page Down, Home, End and the wheel move,
+      Enter opens the station, + makes it a favourite, # gives its genre another colour, * shows favourites only,
+      Tab shuffles, ? shows the keys, Ctrl-Z suspends, q or Ctrl-C ends.
 )";
 
 Answer misuse(const std::string& what) { return {"radio: " + what + " (radio --help)\n", 2}; }
@@ -67,7 +67,7 @@ std::variant<Options, Answer> readOptions(int count, const char* const* words) {
     } else if (word == "--seconds") {
       const char* text = value();
       const char* end = text ? text + std::strlen(text) : nullptr;
-      if (!text || std::from_chars(text, end, options.seconds).ptr != end || !(options.seconds >= 0)) {
+      if (!text || std::from_chars(text, end, options.seconds.emplace()).ptr != end || !(*options.seconds >= 0)) {
         return misuse("--seconds takes a number that is not negative");
       }
     } else if (word == "--colours") {

@@ -17,7 +17,7 @@ struct Options {
   bool keepsNoState = false;
   bool once = false;
   bool verbose = false;
-  double seconds = 30;  // 0: until q
+  std::optional<double> seconds;  // until it is ended, when it is not said
   Colours colours = Colours::automatic;
 };
 

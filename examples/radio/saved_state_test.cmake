@@ -12,18 +12,18 @@ function(run why wanted_status wanted)
 endfunction()
 set(board ${RADIO} --once --colours always)
 
-run("it marks" 0 "search: jazz_.*★ WX .*Lantern Radio is a favourite now" ${board} --state ${state} --keys "jazz+")
-run("it restores marks and search" 0 "search: jazz_.*★ WX .*Last open (today|yesterday)" ${board} --state ${state})
+run("it marks" 0 "search: jazz .*★ WX .*Lantern Radio is a favourite now" ${board} --state ${state} --keys "/jazz\n+")
+run("it restores marks and search" 0 "search: jazz .*★ WX .*Last open (today|yesterday)" ${board} --state ${state})
 run("it gives a genre another colour" 0 "jazz is #B03A2E now" ${board} --state ${state} --keys "#")
 run("it restores colours" 0 "48;2;176;58;46;38;2;255;255;255m jazz" ${board} --state ${state})
 string(ASCII 27 escape)
-run("it restores an empty search" 0 "search: _" ${board} --state ${state} --keys ${escape})
-run("it takes a mark away" 0 "is no favourite any more" ${board} --state ${state} --keys "orchard vinyl 174+")
-run("the stations file does not bring it back" 0 "\n  5QM .*Orchard Vinyl 174" ${board} --state ${state})
-run("it neither reads nor writes" 0 "search: _" ${board} --no-state --keys "jazz${escape}")
-run("it keeps its state in a place of its own" 0 "search: jazz_"
-    ${CMAKE_COMMAND} -E env XDG_STATE_HOME=${FOLDER}/xdg ${board} --keys "jazz")
-run("it finds it there" 0 "search: jazz_" ${board} --state ${FOLDER}/xdg/havrin-radio/board.state)
+run("it restores an empty search" 0 "/ to search" ${board} --state ${state} --keys ${escape})
+run("it takes a mark away" 0 "is no favourite any more" ${board} --state ${state} --keys "/orchard vinyl 174\n+")
+run("the stations file does not bring it back" 0 "▸  5QM .*Orchard Vinyl 174" ${board} --state ${state})
+run("it neither reads nor writes" 0 "/ to search" ${board} --no-state --keys "/jazz${escape}")
+run("it keeps its state in a place of its own" 0 "search: jazz "
+    ${CMAKE_COMMAND} -E env XDG_STATE_HOME=${FOLDER}/xdg ${board} --keys "/jazz\n")
+run("it finds it there" 0 "search: jazz " ${board} --state ${FOLDER}/xdg/havrin-radio/board.state)
 
 # What is damaged is named and set aside, each under a name of its own, and the board starts fresh.
 execute_process(COMMAND head -c 100 ${state} OUTPUT_FILE ${FOLDER}/truncated)
@@ -33,7 +33,7 @@ set(damages truncated text empty)
 set(asides ${state}.damaged ${state}.damaged.2 ${state}.damaged.3)
 foreach(damage aside IN ZIP_LISTS damages asides)
   file(COPY_FILE ${FOLDER}/${damage} ${state})
-  run("${damage}" 0 "^radio: the saved state ${state} is damaged [^\n]* set aside as ${aside}\n.*search: _.*Starting fresh"
+  run("${damage}" 0 "^radio: the saved state ${state} is damaged [^\n]* set aside as ${aside}\n.*/ to search.*Starting fresh"
       ${board} --state ${state})
   file(READ ${FOLDER}/${damage} before HEX)
   file(READ ${aside} after HEX)

@@ -1,17 +1,11 @@
 #include "screen.h"
 
-#include <sys/ioctl.h>
-#include <termios.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
-#include <csignal>
-#include <cstdlib>
 #include <cwchar>
 
-#include <HavrinFoundation/platform/application/process_info.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
+#include <HavrinFoundation/runtime/clamp.h>
 
 namespace radio {
 
@@ -33,7 +27,7 @@ std::string withoutControls(std::string_view text) {
   return visible;
 }
 
-int byteOf(double component) { return static_cast<int>(std::clamp(component, 0.0, 1.0) * 255.0); }
+int byteOf(double component) { return static_cast<int>(havrin::clamp(component, {0.0, 1.0}) * 255.0); }
 
 std::string rgbCode(const char* kind, const havrin::RGBA& colour) {
   return std::string(kind) + ";2;" + std::to_string(byteOf(colour.red)) + ";" + std::to_string(byteOf(colour.green)) +
@@ -43,32 +37,11 @@ std::string rgbCode(const char* kind, const havrin::RGBA& colour) {
 // Relative luminance. Source: WCAG 2.1.
 double luminance(const havrin::RGBA& colour) {
   const auto linear = [](double c) {
-    c = std::clamp(c, 0.0, 1.0);
+    c = havrin::clamp(c, {0.0, 1.0});
     return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
   };
   return 0.2126 * linear(colour.red) + 0.7152 * linear(colour.green) + 0.0722 * linear(colour.blue);
 }
-
-void writeAll(std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = ::write(STDOUT_FILENO, text.data(), text.size());
-    if (count <= 0) return;
-    text.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
-
-termios before;
-bool changed = false;
-
-void restore() {
-  if (!std::exchange(changed, false)) return;
-  tcsetattr(STDIN_FILENO, TCSANOW, &before);
-  writeAll("\x1b[?25h\x1b[?1049l");
-}
-
-volatile std::sig_atomic_t endingSignal = 0;
-
-void noteSignal(int signal) { endingSignal = signal; }
 
 }  // namespace
 
@@ -139,51 +112,6 @@ std::string Paint::swatch(std::string_view text, const havrin::UIColor& ground) 
   constexpr double kBothReadAlike = 0.1791;
   const char* ink = luminance(*colour) > kBothReadAlike ? "38;2;0;0;0" : "38;2;255;255;255";
   return wrapped(rgbCode("48", *colour) + ";" + ink, text);
-}
-
-Terminal::Terminal() {
-  tcgetattr(STDIN_FILENO, &before);
-  changed = true;
-  termios raw = before;
-  raw.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
-  raw.c_cc[VMIN] = 0;
-  raw.c_cc[VTIME] = 0;
-  tcsetattr(STDIN_FILENO, TCSANOW, &raw);
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, noteSignal);
-  std::atexit(restore);
-  writeAll("\x1b[?1049h\x1b[?25l");
-}
-
-Terminal::~Terminal() { restore(); }
-
-int Terminal::endedBy() { return endingSignal; }
-
-bool Terminal::takesControls() {
-  const auto kind = havrin::NSProcessInfo::processInfo()->environmentValue("TERM");
-  return isatty(STDOUT_FILENO) && kind && *kind != "dumb";
-}
-
-bool Terminal::isPresent() { return isatty(STDIN_FILENO) && takesControls(); }
-
-Terminal::Size Terminal::size() {
-  winsize window{};
-  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &window) != 0 || window.ws_col == 0) return {100, 30};
-  return {window.ws_col, window.ws_row};
-}
-
-void Terminal::draw(const std::vector<std::string>& lines) const {
-  std::string frame = "\x1b[H";
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    frame += lines[i] + "\x1b[K";
-    if (i + 1 < lines.size()) frame += "\r\n";
-  }
-  writeAll(frame + "\x1b[J");
-}
-
-std::string Terminal::typed() const {
-  char bytes[64];
-  const ssize_t count = ::read(STDIN_FILENO, bytes, sizeof bytes);
-  return count > 0 ? std::string(bytes, static_cast<std::size_t>(count)) : std::string();
 }
 
 }  // namespace radio

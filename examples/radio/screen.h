@@ -1,8 +1,7 @@
-// Text on a terminal: columns, colours, frames drawn in place.
+// Text on a terminal: columns and colours.
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +27,7 @@ class Paint {
 
   [[nodiscard]] bool isOn() const { return on_; }
   [[nodiscard]] std::string bold(std::string_view text) const { return wrapped("1", text); }
+  [[nodiscard]] std::string marked(std::string_view text) const { return wrapped("1;7", text); }
   [[nodiscard]] std::string faint(std::string_view text) const { return wrapped("2", text); }
   /// In true colour: the text's, and the ground behind it.
   [[nodiscard]] std::string inked(std::string_view text, const havrin::UIColor& ink) const;
@@ -38,33 +38,6 @@ class Paint {
   [[nodiscard]] std::string wrapped(const std::string& code, std::string_view text) const;
 
   bool on_;
-};
-
-/// The terminal while the board runs on it: keys one by one, frames in place; as it was again when this ends.
-class Terminal {
- public:
-  Terminal();
-  ~Terminal();
-  Terminal(const Terminal&) = delete;
-  Terminal& operator=(const Terminal&) = delete;
-
-  /// True when the output is a terminal that follows control sequences, as a "dumb" one does not.
-  static bool takesControls();
-  /// True when both input and output are such a terminal.
-  static bool isPresent();
-  struct Size {
-    std::size_t width;
-    std::size_t height;
-  };
-  /// The size now; 100 by 30 where there is no terminal.
-  static Size size();
-
-  void draw(const std::vector<std::string>& lines) const;
-  /// The signal that has asked the program to end, 0 for none. It does not end it by itself, so that state can be saved.
-  static int endedBy();
-
-  /// The bytes that have been typed; empty when none have.
-  [[nodiscard]] std::string typed() const;
 };
 
 }  // namespace radio

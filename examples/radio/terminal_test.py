@@ -1,0 +1,225 @@
+"""Drives the board in a pseudo terminal, through a shell, and compares screens.
+
+  terminal_test.py PROGRAM FOLDER        the board, and a folder of the test's own
+
+Nothing waits for a time: each step waits until the screen shows what is expected, for at most a minute.
+"""
+import fcntl, os, pty, re, select, shutil, signal, struct, subprocess, sys, termios, time, unicodedata
+
+LIMIT_SECONDS = 60
+PROMPT = "ready> "
+
+
+class Screen:
+    """What a terminal shows: the main screen and the alternate one, without colours."""
+
+    def __init__(self, width, height):
+        self.resize(width, height)
+        self.rest = ""
+
+    def resize(self, width, height):
+        self.width, self.height = width, height
+        self.alternate = False
+        self.cells = [[" "] * width for _ in range(height)]
+        self.row = self.column = 0
+
+    def feed(self, text):
+        text = self.rest + text
+        self.rest = ""
+        at = 0
+        while at < len(text):
+            if text[at] == "\x1b":
+                match = re.compile(r"\x1b(\[[?0-9;]*[@-~]|\][^\x07]*\x07|[^\[\]])").match(text, at)
+                if not match:
+                    self.rest = text[at:]
+                    return
+                self.control(match.group())
+                at = match.end()
+            else:
+                self.put(text[at])
+                at += 1
+
+    def control(self, sequence):
+        numbers = [int(number or 0) for number in re.findall(r"\d+", sequence)]
+        kind = sequence[-1]
+        if kind == "H":
+            self.row, self.column = (numbers + [1, 1])[0] - 1, (numbers + [1, 1])[1] - 1
+        elif kind == "K":
+            self.cells[self.row][self.column:] = [" "] * (self.width - self.column)
+        elif kind == "J":
+            for row in range(self.row, self.height):
+                self.cells[row] = [" "] * self.width
+        elif kind in "hl" and 1049 in numbers:
+            self.alternate = kind == "h"
+            self.cells = [[" "] * self.width for _ in range(self.height)]
+            self.row = self.column = 0
+
+    def put(self, character):
+        if character == "\r":
+            self.column = 0
+        elif character == "\n":
+            self.row += 1
+            if self.row == self.height:
+                self.cells = self.cells[1:] + [[" "] * self.width]
+                self.row -= 1
+        elif character == "\b":
+            self.column = max(0, self.column - 1)
+        elif character >= " ":
+            wide = unicodedata.east_asian_width(character) in "WF"
+            if unicodedata.combining(character):
+                return
+            if self.column + 1 + wide > self.width and not self.alternate:
+                self.put("\r")
+                self.put("\n")
+            if self.column + 1 + wide <= self.width and self.row < self.height:
+                self.cells[self.row][self.column] = character
+                if wide:
+                    self.cells[self.row][self.column + 1] = ""
+                self.column += 1 + wide
+
+    def lines(self):
+        return ["".join(row).rstrip() for row in self.cells]
+
+    def text(self):
+        return "\n".join(self.lines())
+
+
+class Shell:
+    """A shell in a pseudo terminal that the board is started from."""
+
+    def __init__(self, width, height):
+        environment = {"PATH": os.environ["PATH"], "HOME": os.environ.get("HOME", "/"), "TERM": "xterm-256color",
+                       "LANG": "C.UTF-8", "PS1": PROMPT, "HISTFILE": "/dev/null"}
+        self.process, self.terminal = pty.fork()
+        if self.process == 0:
+            os.execvpe("bash", ["bash", "--norc", "--noprofile", "--noediting", "-i"], environment)
+        self.screen = Screen(width, height)
+        self.resize(width, height)
+        self.wait("a prompt", lambda screen: PROMPT.strip() in screen.text())
+
+    def resize(self, width, height):
+        alternate = self.screen.alternate
+        self.screen.resize(width, height)
+        self.screen.alternate = alternate
+        fcntl.ioctl(self.terminal, termios.TIOCSWINSZ, struct.pack("HHHH", height, width, 0, 0))
+
+    def type(self, keys):
+        os.write(self.terminal, keys.encode())
+
+    def wait(self, what, holds):
+        end = time.monotonic() + LIMIT_SECONDS
+        while not holds(self.screen):
+            left = end - time.monotonic()
+            if left <= 0 or not select.select([self.terminal], [], [], left)[0]:
+                sys.exit(f"no {what} on the screen:\n{self.screen.text()}")
+            self.screen.feed(os.read(self.terminal, 65536).decode(errors="replace"))
+
+    def shows(self, pattern):
+        self.wait(pattern, lambda screen: re.search(pattern, screen.text(), re.M))
+
+    def ended(self, status):
+        """The board has ended: the shell is back, on its own screen, and nothing of what was typed is in it."""
+        self.wait("shell", lambda screen: not screen.alternate and screen.text().rstrip().endswith(PROMPT.strip()))
+        self.type("echo status $?\n")
+        self.shows(rf"^status {status}$")
+
+    def close(self):
+        os.kill(self.process, signal.SIGHUP)
+        os.close(self.terminal)
+        os.waitpid(self.process, 0)
+
+
+def selected(screen):
+    return next((line for line in screen.lines() if line.startswith("▸")), "")
+
+
+def test_keys(board, state):
+    shell = Shell(100, 30)
+    shell.type(f"{board} --state {state}\n")
+    shell.shows("288 of 288 stations")
+    shell.wait("first station", lambda screen: "Quartz Eins" in selected(screen))
+    shell.type("\x1b[B")
+    shell.wait("second station", lambda screen: "Маяк Свет" in selected(screen))
+    shell.type("\x1b[F")
+    shell.wait("last station", lambda screen: selected(screen) and "Quartz Eins" not in screen.text())
+    shell.type("\x1b[5~\x1b[H")
+    shell.wait("first station", lambda screen: "Quartz Eins" in selected(screen))
+    shell.type("\x1b[6~")
+    shell.wait("next page", lambda screen: selected(screen) and "Quartz Eins" not in selected(screen))
+    shell.type("?")
+    shell.shows("Ctrl-Z +suspends")
+    shell.type("\x1b")
+    shell.shows("Station +Genre")
+    shell.type("/quartz")
+    shell.shows("^search: quartz_")
+    shell.shows(r"^HAVRIN RADIO +\d+ of 288 stations")
+    shell.type("\x1b")
+    shell.shows("^/ to search")
+    shell.type("/jazz\r")
+    shell.shows("^HAVRIN RADIO +20 of 288")
+    shell.type("\x1b[H\r")
+    shell.shows("^campaign +board")
+    shell.type("\x1b+")
+    shell.shows("is a favourite now")
+    for width in (200, 40, 80):
+        shell.resize(width, 30)
+        shell.wait(f"board of {width} columns",
+                   lambda screen: "Lantern Radio" in selected(screen) and "Playing" in screen.text() and
+                   ("campaign" in screen.text()) == (width == 200))
+    shell.type("\x1a")
+    shell.wait("stopped board", lambda screen: not screen.alternate and "Stopped" in screen.text()
+               and screen.text().rstrip().endswith(PROMPT.strip()))
+    shell.type("fg\n")
+    shell.wait("board", lambda screen: screen.alternate and "20 of 288" in screen.text())
+    shell.type("q")
+    shell.ended(0)
+    shell.close()
+
+
+def test_state(board, state, folder):
+    shell = Shell(100, 30)
+    for ending, status in (("\x03", 130), ("q", 0)):
+        shell.type(f"clear; {board} --state {state}\n")
+        shell.shows("★ WX ")
+        shell.type(ending)
+        shell.ended(status)
+    with open(state, "wb") as file:
+        file.write(b"no archive")
+    shell.type(f"{board} --state {state}\n")
+    shell.shows("Starting fresh")
+    shell.type("q")
+    shell.ended(0)
+    # No file may grow: as on a disk that is full.
+    shell.type(f"(trap '' XFSZ; ulimit -f 0; {board} --state {folder}/full/board.state)\n")
+    shell.shows("288 of 288 stations")
+    shell.type("q")
+    shell.wait("reason", lambda screen: "Filetoolarge" in re.sub(r"\s", "", screen.text()))
+    shell.ended(1)
+    shell.close()
+
+
+def test_signal(board, folder):
+    state = f"{folder}/signal.state"
+    shell = Shell(100, 30)
+    shell.type(f"{board} --state {state} --keys /jazz & echo; fg\n")
+    shell.shows("search: jazz_")
+    children = subprocess.run(["ps", "-o", "pid=", "--ppid", str(shell.process)], capture_output=True, text=True)
+    os.kill(int(children.stdout.split()[0]), signal.SIGTERM)
+    shell.wait("shell", lambda screen: not screen.alternate)
+    shell.ended(143)
+    shell.close()
+    if not os.path.exists(state):
+        sys.exit("a board that was ended by a signal has not saved its state")
+
+
+def main():
+    board, folder = sys.argv[1:]
+    shutil.rmtree(folder, ignore_errors=True)
+    os.makedirs(folder)
+    state = f"{folder}/board.state"
+    test_keys(board, state)
+    test_state(board, state, folder)
+    test_signal(board, folder)
+
+
+main()
