@@ -7,7 +7,7 @@
 
 #include <map>
 
-#include <HavrinFoundation/platform/coding/keyed_archiver.h>
+#include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include "objects.h"

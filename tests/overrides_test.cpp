@@ -1,6 +1,6 @@
 // Overrides that go on to the method they override: one for every message that the library itself sends.
 #include <HavrinFoundation/HavrinFoundation.h>
-#include <HavrinFoundation/platform/coding/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 
 #include <HavrinFoundation/testkit/main_bundle.h>
 
