@@ -48,28 +48,28 @@ struct HexCode {
 /// Choice: components are not held to 0...1: 1.2 writes 132, and of a negative number the low 32 bits (FFFFFFCD).
 [[nodiscard]] HAVRIN_EXPORT std::optional<std::string> hexString(const UIColor& color);
 
-/// The colour that a code stands for, an instance of C. Accepted are 6 to 11 characters that leave 6 or 8 hexadecimal
-/// digits once "0x" at the very start and every other character are dropped.
+/// The colour that a code stands for, an instance of ClassType. Accepted are 6 to 11 characters that leave 6 or 8
+/// hexadecimal digits once "0x" at the very start and every other character are dropped.
 /// Empty when (null): there is no code; it has fewer than 6 or more than 11 characters before anything is dropped, or
 /// leaves another number of digits; an override of `initWithRed` answers null or a colour of another class.
 /// Choice: "0x" is a prefix by characters: followed by a combining mark it is none.
-template <std::derived_from<UIColor> C>
-[[nodiscard]] Strong<C> fromHexString(std::optional<std::string_view> code) {
+template <std::derived_from<UIColor> ClassType>
+[[nodiscard]] Strong<ClassType> fromHexString(std::optional<std::string_view> code) {
   const auto components = code ? library_detail::readHexCode(*code) : std::nullopt;
   if (!components) return nullptr;
-  const Strong<C> allocated = alloc<C>();
-  return cast<C>(static_cast<NSObject*>(
+  const Strong<ClassType> allocated = alloc<ClassType>();
+  return cast<ClassType>(static_cast<NSObject*>(
       allocated->initWithRed(components->red, components->green, components->blue, components->alpha)));
 }
 
 // A null pointer is not a text: std::nullopt is the absent code.
-template <std::derived_from<UIColor> C, std::same_as<std::nullptr_t> N>
-Strong<C> fromHexString(N code) = delete;
+template <std::derived_from<UIColor> ClassType, std::same_as<std::nullptr_t> Null>
+Strong<ClassType> fromHexString(Null code) = delete;
 
 /// As `fromHexString<UIColor>`.
 [[nodiscard]] HAVRIN_EXPORT Strong<UIColor> colorWithHexString(std::optional<std::string_view> code);
-template <std::same_as<std::nullptr_t> N>
-Strong<UIColor> colorWithHexString(N code) = delete;
+template <std::same_as<std::nullptr_t> Null>
+Strong<UIColor> colorWithHexString(Null code) = delete;
 
 /// An opaque colour, each of its three bytes equally likely, from the system's secure source.
 [[nodiscard]] HAVRIN_EXPORT Strong<UIColor> randomColor();

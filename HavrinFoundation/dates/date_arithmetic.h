@@ -18,8 +18,8 @@
 namespace havrin {
 
 /// The instant `milliseconds` after 1970-01-01 00:00:00 UTC, the fraction of a second kept as well as a double can.
-template <std::same_as<Date> C>
-[[nodiscard]] constexpr C fromMillisecondsSince1970(std::int64_t milliseconds) {
+template <std::same_as<Date> ClassType>
+[[nodiscard]] constexpr ClassType fromMillisecondsSince1970(std::int64_t milliseconds) {
   return Date::fromTimeIntervalSince1970(static_cast<double>(milliseconds) / 1000.0);
 }
 
@@ -43,7 +43,7 @@ template <std::same_as<Date> C>
 [[nodiscard]] HAVRIN_EXPORT std::int64_t numberOfCalendarDays(Date from, Date to);
 
 /// Whole minutes from `first` to `second`, negative when `second` is earlier; a part of a minute does not count.
-template <std::same_as<Date> C>
+template <std::same_as<Date> ClassType>
 [[nodiscard]] std::int64_t numberOfCalendarMinutes(Date first, Date second);
 
 template <>

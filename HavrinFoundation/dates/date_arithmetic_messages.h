@@ -50,13 +50,13 @@ template <>
 struct platform::ClassMessage<NSDate, "hav_numberOfCalendarMinutesBetweenDate:andDate:">
     : Signature<std::int64_t(NSDate* first, NSDate* second)> {};
 
-/// A date of the class C, which is sent `initWithMillisecondsSince1970:`.
+/// A date of the class ClassType, which is sent `initWithMillisecondsSince1970:`.
 /// Result: never null, unless an override answers null or a date of another class.
-template <std::derived_from<NSDate> C>
-[[nodiscard]] Strong<C> fromMillisecondsSince1970(std::int64_t milliseconds) {
-  const Strong<C> allocated = alloc<C>();
+template <std::derived_from<NSDate> ClassType>
+[[nodiscard]] Strong<ClassType> fromMillisecondsSince1970(std::int64_t milliseconds) {
+  const Strong<ClassType> allocated = alloc<ClassType>();
   const Strong<NSObject> made = send<"initWithMillisecondsSince1970:">(static_cast<NSDate&>(*allocated), milliseconds);
-  return cast<C>(made);
+  return cast<ClassType>(made);
 }
 
 [[nodiscard]] HAVRIN_EXPORT std::int64_t millisecondsSince1970(const NSDate& date);
@@ -70,7 +70,7 @@ template <std::derived_from<NSDate> C>
 [[nodiscard]] HAVRIN_EXPORT std::int64_t numberOfCalendarDays(const NSDate& from, Date to);
 
 /// As `numberOfCalendarMinutes<Date>`.
-template <std::derived_from<NSDate> C>
+template <std::derived_from<NSDate> ClassType>
 [[nodiscard]] std::int64_t numberOfCalendarMinutes(Date first, Date second) {
   return numberOfCalendarMinutes<Date>(first, second);
 }

@@ -13,15 +13,15 @@
 namespace havrin {
 
 /// The one formatter object for dates of RFC 1123: made at the first call, alive until the process ends. It is changeable,
-/// and a change that one caller makes is seen by all. A subclass C gives the same object.
+/// and a change that one caller makes is seen by all. A subclass ClassType gives the same object.
 /// Choice: it writes in the POSIX locale, the Gregorian calendar and GMT, whatever the user's are, so that its text is
 /// valid in a protocol on every machine.
 /// Threads: any; exactly one of the callers that race for the first use makes it.
-template <std::derived_from<NSDateFormatter> C>
+template <std::derived_from<NSDateFormatter> ClassType>
 [[nodiscard]] Strong<NSDateFormatter> rfc1123();
 template <>
 [[nodiscard]] HAVRIN_EXPORT Strong<NSDateFormatter> rfc1123<NSDateFormatter>();
-template <std::derived_from<NSDateFormatter> C>
+template <std::derived_from<NSDateFormatter> ClassType>
 Strong<NSDateFormatter> rfc1123() {
   return rfc1123<NSDateFormatter>();
 }

@@ -10,8 +10,8 @@
 namespace havrin {
 
 /// The identifier whose 128 bits are all zero.
-template <std::same_as<UUID> C>
-[[nodiscard]] constexpr C zero() {
+template <std::same_as<UUID> ClassType>
+[[nodiscard]] constexpr ClassType zero() {
   return UUID();
 }
 

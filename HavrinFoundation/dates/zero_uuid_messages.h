@@ -13,12 +13,12 @@
 namespace havrin {
 
 /// The one identifier object whose 128 bits are all zero: made at the first call, alive until the
-/// process ends. A subclass C gives the same object.
-template <std::derived_from<NSUUID> C>
+/// process ends. A subclass ClassType gives the same object.
+template <std::derived_from<NSUUID> ClassType>
 [[nodiscard]] Strong<NSUUID> zero();
 template <>
 [[nodiscard]] HAVRIN_EXPORT Strong<NSUUID> zero<NSUUID>();
-template <std::derived_from<NSUUID> C>
+template <std::derived_from<NSUUID> ClassType>
 Strong<NSUUID> zero() {
   return zero<NSUUID>();
 }

@@ -15,18 +15,18 @@
 
 namespace havrin {
 
-template <typename T>
+template <typename Type>
 class Locked {
  public:
   /// A box that takes `content` over by moving it.
-  explicit Locked(T content) : content_(std::move(content)) {}
+  explicit Locked(Type content) : content_(std::move(content)) {}
   Locked(const Locked&) = delete;
   Locked& operator=(const Locked&) = delete;
 
   /// The operation's result, by value; it gets the content to read, change or replace, and is called once, on the
   /// calling thread, with the lock held. What it leaves in the content stays, also when it throws.
   /// Throws: what the operation throws, unchanged, after the lock has been freed.
-  template <std::invocable<T&> Operation>
+  template <std::invocable<Type&> Operation>
   auto perform(Operation&& operation) {
     UnfairLockGuard guard(*lock_.cell_);
     return std::invoke(std::forward<Operation>(operation), content_);
@@ -35,7 +35,7 @@ class Locked {
  private:
   // The lock is made before the content is taken over, and outlives it.
   UnfairLock lock_;
-  T content_;
+  Type content_;
 };
 
 }  // namespace havrin

@@ -43,7 +43,7 @@ class [[clang::capability("mutex")]] UnfairLock {
   }
 
  private:
-  template <typename T>
+  template <typename Type>
   friend class Locked;
 
   // A cell of its own, so that the word's address does not depend on where the lock object lives.

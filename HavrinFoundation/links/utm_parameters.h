@@ -48,9 +48,9 @@ struct UTMParameters {
 /// Result: each field holds the percent-decoded value of the last item that bears its key. An item with nothing behind
 /// its "=" sets the empty text, one without "=" sets the field back to absent.
 /// Empty when: there is no link, it cannot be decomposed, it has no query, or every field would be absent.
-template <class C>
-requires std::same_as<C, UTMParameters>
-[[nodiscard]] std::optional<C> fromUrl(const std::optional<URL>& url);
+template <class ClassType>
+requires std::same_as<ClassType, UTMParameters>
+[[nodiscard]] std::optional<ClassType> fromUrl(const std::optional<URL>& url);
 template <>
 HAVRIN_EXPORT std::optional<UTMParameters> fromUrl<UTMParameters>(const std::optional<URL>& url);
 

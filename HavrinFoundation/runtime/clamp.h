@@ -16,24 +16,24 @@ namespace havrin {
 
 /// The nearest value to `value` that lies in `range`. Only "<" and ">" of the type are asked: a not-a-number comes back
 /// as it is, and strings compare as std::string does, which is the order of their scalars in well-formed UTF-8.
-template <class T>
-[[nodiscard]] constexpr T clamp(const T& value, const ClosedRange<T>& range) {
+template <class Type>
+[[nodiscard]] constexpr Type clamp(const Type& value, const ClosedRange<Type>& range) {
   if (value < range.lowerBound) return range.lowerBound;
   if (value > range.upperBound) return range.upperBound;
   return value;
 }
 
 /// A type that steps by whole numbers: an integer, or a position in a sequence.
-template <class T>
-concept Stepping = (std::integral<T> && !std::same_as<T, bool>) || std::random_access_iterator<T>;
+template <class Type>
+concept Stepping = (std::integral<Type> && !std::same_as<Type, bool>) || std::random_access_iterator<Type>;
 
 /// The nearest value to `value` that lies in `range`, of which the last is one step below the upper bound. An empty
 /// range has none: the result is then its bound, which is not in it.
-template <Stepping T>
-[[nodiscard]] constexpr T clamp(const T& value, const Range<T>& range) {
+template <Stepping Type>
+[[nodiscard]] constexpr Type clamp(const Type& value, const Range<Type>& range) {
   if (range.isEmpty()) return range.upperBound;  // first: below the lowest integer there is no step back
   if (value < range.lowerBound) return range.lowerBound;
-  const T last = static_cast<T>(range.upperBound - 1);
+  const Type last = static_cast<Type>(range.upperBound - 1);
   if (value > last) return last;
   return value;
 }

@@ -46,37 +46,38 @@ struct NoReport {
   void operator()(const SkippedElement&) const {}
 };
 
-/// The elements of type T from the position of `container` to its end, where it then stands. Empty when: no element
+/// The elements of type Type from the position of `container` to its end, where it then stands. Empty when: no element
 /// decodes, or none is left.
 /// Throws: what stepping past an element that failed throws; what was decoded until then is lost.
-/// Cost: no exception is thrown for a skipped element, unless T or the format itself throws.
-template <Decodable T, SkippedElementReport Report = NoReport>
-[[nodiscard]] std::vector<T> decodeSkippingInvalidElements(UnkeyedDecodingContainer& container, Report&& report = {});
-template <Decodable T, SkippedElementReport Report = NoReport>
-[[nodiscard]] Decoded<std::vector<T>> tryDecodeSkippingInvalidElements(UnkeyedDecodingContainer& container,
-                                                                       Report&& report = {});
+/// Cost: no exception is thrown for a skipped element, unless Type or the format itself throws.
+template <Decodable Type, SkippedElementReport Report = NoReport>
+[[nodiscard]] std::vector<Type> decodeSkippingInvalidElements(UnkeyedDecodingContainer& container,
+                                                              Report&& report = {});
+template <Decodable Type, SkippedElementReport Report = NoReport>
+[[nodiscard]] Decoded<std::vector<Type>> tryDecodeSkippingInvalidElements(UnkeyedDecodingContainer& container,
+                                                                          Report&& report = {});
 
-/// The elements of type T of the array under `key`.
+/// The elements of type Type of the array under `key`.
 /// Throws: what opening the array throws (keyNotFound; typeMismatch where no array stands; valueNotFound for null), and
 /// what stepping past an element that failed throws.
-template <Decodable T, CodingKeyType Key, SkippedElementReport Report = NoReport>
-[[nodiscard]] std::vector<T> decodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
-                                                                const std::type_identity_t<Key>& key,
-                                                                Report&& report = {});
-template <Decodable T, CodingKeyType Key, SkippedElementReport Report = NoReport>
-[[nodiscard]] Decoded<std::vector<T>> tryDecodeArraySkippingInvalidElements(
+template <Decodable Type, CodingKeyType Key, SkippedElementReport Report = NoReport>
+[[nodiscard]] std::vector<Type> decodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
+                                                                   const std::type_identity_t<Key>& key,
+                                                                   Report&& report = {});
+template <Decodable Type, CodingKeyType Key, SkippedElementReport Report = NoReport>
+[[nodiscard]] Decoded<std::vector<Type>> tryDecodeArraySkippingInvalidElements(
     const KeyedDecodingContainer<Key>& container, const std::type_identity_t<Key>& key, Report&& report = {});
 
-template <Decodable T, SkippedElementReport Report>
-Decoded<std::vector<T>> tryDecodeSkippingInvalidElements(UnkeyedDecodingContainer& container, Report&& report) {
-  Decoded<std::vector<T>> elements(std::in_place);
+template <Decodable Type, SkippedElementReport Report>
+Decoded<std::vector<Type>> tryDecodeSkippingInvalidElements(UnkeyedDecodingContainer& container, Report&& report) {
+  Decoded<std::vector<Type>> elements(std::in_place);
   if (container.isAtEnd()) return elements;
   if (const auto count = container.count()) {
-    elements->reserve(std::min(*count - container.currentIndex(), detail::kReservedElements<T>));
+    elements->reserve(std::min(*count - container.currentIndex(), detail::kReservedElements<Type>));
   }
   constexpr bool kIsReported = !std::same_as<std::remove_cvref_t<Report>, NoReport>;
   do {
-    auto element = container.template tryDecode<T>(kIsReported ? ErrorDetail::full : ErrorDetail::none);
+    auto element = container.template tryDecode<Type>(kIsReported ? ErrorDetail::full : ErrorDetail::none);
     if (element) {
       elements->push_back(*std::move(element));
       continue;
@@ -94,27 +95,28 @@ Decoded<std::vector<T>> tryDecodeSkippingInvalidElements(UnkeyedDecodingContaine
   return elements;
 }
 
-template <Decodable T, SkippedElementReport Report>
-std::vector<T> decodeSkippingInvalidElements(UnkeyedDecodingContainer& container, Report&& report) {
-  auto elements = tryDecodeSkippingInvalidElements<T>(container, std::forward<Report>(report));
+template <Decodable Type, SkippedElementReport Report>
+std::vector<Type> decodeSkippingInvalidElements(UnkeyedDecodingContainer& container, Report&& report) {
+  auto elements = tryDecodeSkippingInvalidElements<Type>(container, std::forward<Report>(report));
   if (!elements) elements.failure().complete(container.codingPath());
   return std::move(elements).value();
 }
 
-template <Decodable T, CodingKeyType Key, SkippedElementReport Report>
-Decoded<std::vector<T>> tryDecodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
-                                                              const std::type_identity_t<Key>& key, Report&& report) {
+template <Decodable Type, CodingKeyType Key, SkippedElementReport Report>
+Decoded<std::vector<Type>> tryDecodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
+                                                                 const std::type_identity_t<Key>& key,
+                                                                 Report&& report) {
   auto array = container.tryNestedUnkeyedContainer(key);
   if (!array) return std::move(array.failure());
-  auto elements = tryDecodeSkippingInvalidElements<T>(*array, std::forward<Report>(report));
+  auto elements = tryDecodeSkippingInvalidElements<Type>(*array, std::forward<Report>(report));
   if (!elements) elements.failure().prepend(stringValue(key));
   return elements;
 }
 
-template <Decodable T, CodingKeyType Key, SkippedElementReport Report>
-std::vector<T> decodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
-                                                  const std::type_identity_t<Key>& key, Report&& report) {
-  auto elements = tryDecodeArraySkippingInvalidElements<T>(container, key, std::forward<Report>(report));
+template <Decodable Type, CodingKeyType Key, SkippedElementReport Report>
+std::vector<Type> decodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
+                                                     const std::type_identity_t<Key>& key, Report&& report) {
+  auto elements = tryDecodeArraySkippingInvalidElements<Type>(container, key, std::forward<Report>(report));
   if (!elements) elements.failure().complete(container.codingPath());
   return std::move(elements).value();
 }

@@ -26,24 +26,24 @@ HAVRIN_EXPORT Strong<NSAttributedString> initialised(NSAttributedString& allocat
 /// {0, the text's length}, in UTF-16 units.
 [[nodiscard]] HAVRIN_EXPORT NSRange entireRange(const NSAttributedString& string);
 
-/// An instance of C, made by the message `initWithOptionalString:`, or with attributes by
+/// An instance of ClassType, made by the message `initWithOptionalString:`, or with attributes by
 /// `initWithOptionalString:attributes:`: an override takes part. Missing text counts as empty text, missing attributes
 /// as none.
 /// Result: never null, unless an override answers null or an object of another class.
-template <std::derived_from<NSAttributedString> C>
-[[nodiscard]] Strong<C> fromOptionalString(std::optional<std::string_view> string) {
-  const Strong<NSObject> made = library_detail::initialised(*alloc<C>(), string);
-  return cast<C>(made);
+template <std::derived_from<NSAttributedString> ClassType>
+[[nodiscard]] Strong<ClassType> fromOptionalString(std::optional<std::string_view> string) {
+  const Strong<NSObject> made = library_detail::initialised(*alloc<ClassType>(), string);
+  return cast<ClassType>(made);
 }
-template <std::derived_from<NSAttributedString> C>
-[[nodiscard]] Strong<C> fromOptionalString(std::optional<std::string_view> string, NSDictionary* attributes) {
-  const Strong<NSObject> made = library_detail::initialised(*alloc<C>(), string, attributes);
-  return cast<C>(made);
+template <std::derived_from<NSAttributedString> ClassType>
+[[nodiscard]] Strong<ClassType> fromOptionalString(std::optional<std::string_view> string, NSDictionary* attributes) {
+  const Strong<NSObject> made = library_detail::initialised(*alloc<ClassType>(), string, attributes);
+  return cast<ClassType>(made);
 }
 // A null pointer is not a text: std::nullopt is the absent one.
-template <std::derived_from<NSAttributedString> C, std::same_as<std::nullptr_t> N>
-Strong<C> fromOptionalString(N string) = delete;
-template <std::derived_from<NSAttributedString> C, std::same_as<std::nullptr_t> N>
-Strong<C> fromOptionalString(N string, NSDictionary* attributes) = delete;
+template <std::derived_from<NSAttributedString> ClassType, std::same_as<std::nullptr_t> Null>
+Strong<ClassType> fromOptionalString(Null string) = delete;
+template <std::derived_from<NSAttributedString> ClassType, std::same_as<std::nullptr_t> Null>
+Strong<ClassType> fromOptionalString(Null string, NSDictionary* attributes) = delete;
 
 }  // namespace havrin

@@ -19,9 +19,10 @@ namespace havrin {
 
 /// `integer` in radix 36, upper case, with the fewest digits and, below zero, a "-".
 [[nodiscard]] HAVRIN_EXPORT std::string base36Value(std::int64_t integer);
-template <OtherThanInt64 T>
-std::string base36Value(T) {
-  static_assert(kFitsInt64<T>, "base36Value takes an integer that fits std::int64_t; convert the argument explicitly");
+template <OtherThanInt64 Type>
+std::string base36Value(Type) {
+  static_assert(kFitsInt64<Type>,
+                "base36Value takes an integer that fits std::int64_t; convert the argument explicitly");
   return {};
 }
 

@@ -27,47 +27,47 @@ HAVRIN_EXPORT CharacterSet& validSubhavrinNameSet();
 }  // namespace library_detail
 
 /// 0-9, a-f, A-F: 22 characters.
-template <std::same_as<CharacterSet> C>
-[[nodiscard]] C hexadecimal() {
+template <std::same_as<CharacterSet> ClassType>
+[[nodiscard]] ClassType hexadecimal() {
   return library_detail::hexadecimalSet();
 }
 
 /// a-z, A-Z: 52 characters.
-template <std::same_as<CharacterSet> C>
-[[nodiscard]] C asciiAlphabet() {
+template <std::same_as<CharacterSet> ClassType>
+[[nodiscard]] ClassType asciiAlphabet() {
   return library_detail::asciiAlphabetSet();
 }
 
 /// At first asciiAlphabet, 0-9, "+", "-" and ".": 65 characters, those that a link's scheme may have. Which of them may
 /// stand first is not asked.
 /// Source: RFC 3986, 3.1.
-template <std::same_as<CharacterSet> C>
-[[nodiscard]] C urlSchemeAllowed() {
+template <std::same_as<CharacterSet> ClassType>
+[[nodiscard]] ClassType urlSchemeAllowed() {
   return library_detail::urlSchemeAllowedSet();
 }
-template <std::same_as<CharacterSet> C>
-void setUrlSchemeAllowed(C value) {
+template <std::same_as<CharacterSet> ClassType>
+void setUrlSchemeAllowed(ClassType value) {
   library_detail::urlSchemeAllowedSet() = std::move(value);
 }
 /// Calls `change(CharacterSet&)` with the set itself.
-template <std::same_as<CharacterSet> C, std::invocable<C&> F>
-void changeUrlSchemeAllowed(F&& change) {
-  std::invoke(std::forward<F>(change), library_detail::urlSchemeAllowedSet());
+template <std::same_as<CharacterSet> ClassType, std::invocable<ClassType&> Function>
+void changeUrlSchemeAllowed(Function&& change) {
+  std::invoke(std::forward<Function>(change), library_detail::urlSchemeAllowedSet());
 }
 
 /// At first asciiAlphabet, 0-9 and "_": 63 characters.
-template <std::same_as<CharacterSet> C>
-[[nodiscard]] C validSubhavrinName() {
+template <std::same_as<CharacterSet> ClassType>
+[[nodiscard]] ClassType validSubhavrinName() {
   return library_detail::validSubhavrinNameSet();
 }
-template <std::same_as<CharacterSet> C>
-void setValidSubhavrinName(C value) {
+template <std::same_as<CharacterSet> ClassType>
+void setValidSubhavrinName(ClassType value) {
   library_detail::validSubhavrinNameSet() = std::move(value);
 }
 /// Calls `change(CharacterSet&)` with the set itself.
-template <std::same_as<CharacterSet> C, std::invocable<C&> F>
-void changeValidSubhavrinName(F&& change) {
-  std::invoke(std::forward<F>(change), library_detail::validSubhavrinNameSet());
+template <std::same_as<CharacterSet> ClassType, std::invocable<ClassType&> Function>
+void changeValidSubhavrinName(Function&& change) {
+  std::invoke(std::forward<Function>(change), library_detail::validSubhavrinNameSet());
 }
 
 }  // namespace havrin

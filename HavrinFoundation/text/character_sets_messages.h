@@ -14,20 +14,20 @@
 
 namespace havrin {
 
-/// The `CharacterSet` member of the same name, as an object: a plain NSCharacterSet, also for a subclass C.
-template <std::derived_from<NSCharacterSet> C>
+/// The `CharacterSet` member of the same name, as an object: a plain NSCharacterSet, also for a subclass ClassType.
+template <std::derived_from<NSCharacterSet> ClassType>
 [[nodiscard]] Strong<NSCharacterSet> hexadecimal() {
   return makeCharacterSet(hexadecimal<CharacterSet>());
 }
-template <std::derived_from<NSCharacterSet> C>
+template <std::derived_from<NSCharacterSet> ClassType>
 [[nodiscard]] Strong<NSCharacterSet> asciiAlphabet() {
   return makeCharacterSet(asciiAlphabet<CharacterSet>());
 }
-template <std::derived_from<NSCharacterSet> C>
+template <std::derived_from<NSCharacterSet> ClassType>
 [[nodiscard]] Strong<NSCharacterSet> urlSchemeAllowed() {
   return makeCharacterSet(urlSchemeAllowed<CharacterSet>());
 }
-template <std::derived_from<NSCharacterSet> C>
+template <std::derived_from<NSCharacterSet> ClassType>
 [[nodiscard]] Strong<NSCharacterSet> validSubhavrinName() {
   return makeCharacterSet(validSubhavrinName<CharacterSet>());
 }

@@ -23,20 +23,20 @@ namespace havrin {
 /// Result: what printf's "%.1f" or "%.0f" writes for the quotient as a double, computed without it; an exact tie goes
 /// to the even digit. The smallest integer is written from its magnitude: "-9223372036855m".
 [[nodiscard]] HAVRIN_EXPORT std::string friendlyNumber(std::int64_t number);
-template <OtherThanInt64 T>
-std::string friendlyNumber(T) {
-  static_assert(kFitsInt64<T>,
+template <OtherThanInt64 Type>
+std::string friendlyNumber(Type) {
+  static_assert(kFitsInt64<Type>,
                 "friendlyNumber takes an integer that fits std::int64_t; convert the argument explicitly");
   return {};
 }
 
 /// The same, as the string class's own function.
-template <std::derived_from<NSString> C>
+template <std::derived_from<NSString> ClassType>
 [[nodiscard]] std::string friendlyNumber(std::int64_t number) {
   return friendlyNumber(number);
 }
-template <std::derived_from<NSString> C, OtherThanInt64 T>
-std::string friendlyNumber(T number) {
+template <std::derived_from<NSString> ClassType, OtherThanInt64 Type>
+std::string friendlyNumber(Type number) {
   return friendlyNumber(number);
 }
 

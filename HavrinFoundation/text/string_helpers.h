@@ -48,21 +48,21 @@ HAVRIN_EXPORT std::string repeatedText(std::string_view text, std::int64_t times
 /// `text` as often as `times` says, with `joinedBy` between neighbours; an absent separator counts as the empty one.
 /// Result: the empty text for no repetition, and for fewer than none.
 /// Throws: std::length_error where no string could hold the result.
-template <std::derived_from<NSString> C>
+template <std::derived_from<NSString> ClassType>
 [[nodiscard]] std::string repeating(std::string_view text, std::int64_t times,
                                     std::optional<std::string_view> joinedBy) {
   return library_detail::repeatedText(text, times, joinedBy.value_or(std::string_view()));
 }
-template <std::derived_from<NSString> C, OtherThanInt64 T>
-std::string repeating(std::string_view, T, std::optional<std::string_view>) {
-  static_assert(kFitsInt64<T>, "repeating takes an integer that fits std::int64_t; convert the argument explicitly");
+template <std::derived_from<NSString> ClassType, OtherThanInt64 Type>
+std::string repeating(std::string_view, Type, std::optional<std::string_view>) {
+  static_assert(kFitsInt64<Type>, "repeating takes an integer that fits std::int64_t; convert the argument explicitly");
   return {};
 }
 
-template <std::derived_from<NSString> C>
+template <std::derived_from<NSString> ClassType>
 std::string repeating(std::nullptr_t, std::int64_t times, std::optional<std::string_view> joinedBy) = delete;
 // A null pointer is not a text: std::nullopt is the absent separator.
-template <std::derived_from<NSString> C, std::same_as<std::nullptr_t> N>
-std::string repeating(std::string_view text, std::int64_t times, N joinedBy) = delete;
+template <std::derived_from<NSString> ClassType, std::same_as<std::nullptr_t> Null>
+std::string repeating(std::string_view text, std::int64_t times, Null joinedBy) = delete;
 
 }  // namespace havrin

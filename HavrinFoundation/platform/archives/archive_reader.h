@@ -40,11 +40,11 @@ class ArchiveReader {
   [[nodiscard]] NSObject* objectOfLayersOwn(std::string_view key) {
     return objectOfClasses(key, allowedAndLayersOwn());
   }
-  /// The object under `key` as a T. A failure when: it is none, or null.
-  template <class T>
-  [[nodiscard]] T* object(std::string_view key) {
-    T* const found = cast<T>(objectOfClasses(key, {.cls = classOf<T>()}));
-    if (!found) failWithValue(key, typeName<T>());
+  /// The object under `key` as a Type. A failure when: it is none, or null.
+  template <class Type>
+  [[nodiscard]] Type* object(std::string_view key) {
+    Type* const found = cast<Type>(objectOfClasses(key, {.cls = classOf<Type>()}));
+    if (!found) failWithValue(key, typeName<Type>());
     return found;
   }
 

@@ -9,8 +9,8 @@ class ArchiveReader;
 class ArchiveWriter;
 class NSObject;
 
-/// See ArchivedForm. C is NSAttributedString or NSMutableAttributedString.
-template <class C>
+/// See ArchivedForm. ClassType is NSAttributedString or NSMutableAttributedString.
+template <class ClassType>
 [[nodiscard]] Strong<NSObject> decodeAttributedString(ArchiveReader& reader);
 void encodeAttributedString(const NSObject& object, ArchiveWriter& writer);
 

@@ -96,12 +96,12 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
   /// Good until the coder has finished decoding or ends.
   [[nodiscard]] virtual std::span<const std::byte> decodeBytesForKey(std::string_view key);
 
-  /// The object under `key` as a T. A failure when it is of another class, whether or not secure coding is required.
-  template <class T>
-  [[nodiscard]] Strong<T> decodeObject(std::string_view key) {
-    Strong<NSObject> object = decodeObjectOfClass(classOf<T>(), key);
-    if (!object || isKind<T>(object)) return Strong<T>::adopt(static_cast<T*>(object.detach()));
-    failWithWrongClass(object, typeName<T>(), key);
+  /// The object under `key` as a Type. A failure when it is of another class, whether or not secure coding is required.
+  template <class Type>
+  [[nodiscard]] Strong<Type> decodeObject(std::string_view key) {
+    Strong<NSObject> object = decodeObjectOfClass(classOf<Type>(), key);
+    if (!object || isKind<Type>(object)) return Strong<Type>::adopt(static_cast<Type*>(object.detach()));
+    failWithWrongClass(object, typeName<Type>(), key);
     return nullptr;
   }
 

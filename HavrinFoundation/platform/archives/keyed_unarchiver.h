@@ -104,12 +104,14 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
   bool requiresSecureCoding_ = true;
 };
 
-/// Makes the class T known to archives before the program begins, as a constant beside the class.
-template <class T>
+/// Makes the class Type known to archives before the program begins, as a constant beside the class.
+template <class Type>
 struct ArchivedClass {
-  static_assert(std::is_default_constructible_v<T>,
+  static_assert(std::is_default_constructible_v<Type>,
                 "ArchivedClass: archives make objects before they know their values");
-  explicit ArchivedClass(std::string_view name = typeName<T>()) { NSKeyedUnarchiver::setClass(classOf<T>(), name); }
+  explicit ArchivedClass(std::string_view name = typeName<Type>()) {
+    NSKeyedUnarchiver::setClass(classOf<Type>(), name);
+  }
 };
 
 }  // namespace havrin::inline platform

@@ -27,32 +27,32 @@ namespace detail {
 /// The half-open range from `lowerBound` up to, and without, `upperBound`. A range whose lower bound is not less than
 /// or equal to its upper bound (a not-a-number bound included) ends the process; in a constant expression it does not
 /// compile.
-template <std::totally_ordered T>
+template <std::totally_ordered Type>
 struct Range {
-  constexpr Range(T lower, T upper) : lowerBound(std::move(lower)), upperBound(std::move(upper)) {
+  constexpr Range(Type lower, Type upper) : lowerBound(std::move(lower)), upperBound(std::move(upper)) {
     if (!(lowerBound <= upperBound)) detail::abortInvalidRange();
   }
 
   [[nodiscard]] constexpr bool isEmpty() const { return lowerBound == upperBound; }
-  [[nodiscard]] constexpr bool contains(const T& value) const { return lowerBound <= value && value < upperBound; }
+  [[nodiscard]] constexpr bool contains(const Type& value) const { return lowerBound <= value && value < upperBound; }
   friend constexpr bool operator==(const Range&, const Range&) = default;
 
-  T lowerBound;
-  T upperBound;
+  Type lowerBound;
+  Type upperBound;
 };
 
 /// The range from `lowerBound` to `upperBound`, both included. An invalid one ends the process, as for `Range`.
-template <std::totally_ordered T>
+template <std::totally_ordered Type>
 struct ClosedRange {
-  constexpr ClosedRange(T lower, T upper) : lowerBound(std::move(lower)), upperBound(std::move(upper)) {
+  constexpr ClosedRange(Type lower, Type upper) : lowerBound(std::move(lower)), upperBound(std::move(upper)) {
     if (!(lowerBound <= upperBound)) detail::abortInvalidRange();
   }
 
-  [[nodiscard]] constexpr bool contains(const T& value) const { return lowerBound <= value && value <= upperBound; }
+  [[nodiscard]] constexpr bool contains(const Type& value) const { return lowerBound <= value && value <= upperBound; }
   friend constexpr bool operator==(const ClosedRange&, const ClosedRange&) = default;
 
-  T lowerBound;
-  T upperBound;
+  Type lowerBound;
+  Type upperBound;
 };
 
 /// What a search answers in place of a position it did not find: 2^63 - 1.

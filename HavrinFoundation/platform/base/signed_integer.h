@@ -1,8 +1,8 @@
 // The types that count as whole numbers where a function takes std::int64_t and must not quietly convert anything else.
 //
 //   std::string base36Value(std::int64_t integer);
-//   template <OtherThanInt64 T>
-//   std::string base36Value(T) { static_assert(kFitsInt64<T>, "..."); }      1.5, true, 'a', 7ull do not compile
+//   template <OtherThanInt64 Type>
+//   std::string base36Value(Type) { static_assert(kFitsInt64<Type>, "..."); }      1.5, true, 'a', 7ull do not compile
 #pragma once
 
 #include <cstdint>
@@ -10,15 +10,15 @@
 
 namespace havrin::inline platform {
 
-/// Whether T is an integer type (truth values and characters are not) all of whose values fit std::int64_t.
-template <class T>
+/// Whether Type is an integer type (truth values and characters are not) all of whose values fit std::int64_t.
+template <class Type>
 inline constexpr bool kFitsInt64 =
-    std::is_same_v<T, signed char> || std::is_same_v<T, short> || std::is_same_v<T, int> || std::is_same_v<T, long> ||
-    std::is_same_v<T, long long> || std::is_same_v<T, unsigned char> || std::is_same_v<T, unsigned short> ||
-    std::is_same_v<T, unsigned int>;
+    std::is_same_v<Type, signed char> || std::is_same_v<Type, short> || std::is_same_v<Type, int> ||
+    std::is_same_v<Type, long> || std::is_same_v<Type, long long> || std::is_same_v<Type, unsigned char> ||
+    std::is_same_v<Type, unsigned short> || std::is_same_v<Type, unsigned int>;
 
 /// Arithmetic types that lose something as std::int64_t: truth values, characters, fractions, the highest bit.
-template <class T>
-concept OtherThanInt64 = std::is_arithmetic_v<T> && !kFitsInt64<T>;
+template <class Type>
+concept OtherThanInt64 = std::is_arithmetic_v<Type> && !kFitsInt64<Type>;
 
 }  // namespace havrin::inline platform

@@ -10,13 +10,13 @@
 
 namespace havrin::inline platform {
 
-template <std::size_t N>
+template <std::size_t Size>
 struct Text {
-  char text[N]{};
+  char text[Size]{};
 
   constexpr Text() = default;
-  constexpr Text(const char (&literal)[N]) { std::copy_n(literal, N, text); }
-  [[nodiscard]] constexpr std::string_view view() const { return {text, N - 1}; }
+  constexpr Text(const char (&literal)[Size]) { std::copy_n(literal, Size, text); }
+  [[nodiscard]] constexpr std::string_view view() const { return {text, Size - 1}; }
 };
 
 /// The number of colons, which is the number of a selector's arguments.
@@ -31,13 +31,13 @@ struct Text {
 }
 
 namespace detail {
-template <std::size_t N>
-constexpr auto setterSelectorOf(const Text<N>& key) {
-  Text<N + 4> selector;
+template <std::size_t Size>
+constexpr auto setterSelectorOf(const Text<Size>& key) {
+  Text<Size + 4> selector;
   std::copy_n("set", 3, selector.text);
-  std::copy_n(key.text, N - 1, selector.text + 3);
+  std::copy_n(key.text, Size - 1, selector.text + 3);
   if (selector.text[3] >= 'a' && selector.text[3] <= 'z') selector.text[3] = static_cast<char>(selector.text[3] - 32);
-  selector.text[N + 2] = ':';
+  selector.text[Size + 2] = ':';
   return selector;
 }
 }  // namespace detail

@@ -29,8 +29,9 @@
 
 namespace havrin::inline platform {
 
-/// The way to decode a type whose class cannot be changed: specialise it with a `static Decoded<T> fromDecoder(Decoder&)`.
-template <class T>
+/// The way to decode a type whose class cannot be changed: specialise it with a `static Decoded<Type>
+/// fromDecoder(Decoder&)`.
+template <class Type>
 struct DecodingTraits;
 
 /// One field of a type: the key under which it stands, and the member it fills. A member that is an optional stays empty
@@ -47,77 +48,77 @@ struct FieldList {};
 
 namespace detail {
 
-template <class T>
+template <class Type>
 inline constexpr bool kIsVector = false;
-template <class T, class Allocator>
-inline constexpr bool kIsVector<std::vector<T, Allocator>> = true;
-template <class T>
+template <class Type, class Allocator>
+inline constexpr bool kIsVector<std::vector<Type, Allocator>> = true;
+template <class Type>
 inline constexpr bool kIsTextMap = false;
-template <class T, class Order, class Allocator>
-inline constexpr bool kIsTextMap<std::map<std::string, T, Order, Allocator>> = true;
-template <class T, class Hash, class Equal, class Allocator>
-inline constexpr bool kIsTextMap<std::unordered_map<std::string, T, Hash, Equal, Allocator>> = true;
+template <class Type, class Order, class Allocator>
+inline constexpr bool kIsTextMap<std::map<std::string, Type, Order, Allocator>> = true;
+template <class Type, class Hash, class Equal, class Allocator>
+inline constexpr bool kIsTextMap<std::unordered_map<std::string, Type, Hash, Equal, Allocator>> = true;
 
-template <class T>
+template <class Type>
 concept DecodesByTraits = requires(Decoder& decoder) {
-  { DecodingTraits<T>::fromDecoder(decoder) } -> std::same_as<Decoded<T>>;
+  { DecodingTraits<Type>::fromDecoder(decoder) } -> std::same_as<Decoded<Type>>;
 };
-template <class T>
+template <class Type>
 concept DecodesByFunction = requires(Decoder& decoder) {
-  { T::fromDecoder(decoder) } -> std::same_as<Decoded<T>>;
+  { Type::fromDecoder(decoder) } -> std::same_as<Decoded<Type>>;
 };
-template <class T>
-concept DecodesByConstructor = !std::is_aggregate_v<T> && std::constructible_from<T, Decoder&>;
-template <class T>
+template <class Type>
+concept DecodesByConstructor = !std::is_aggregate_v<Type> && std::constructible_from<Type, Decoder&>;
+template <class Type>
 concept DecodesByFields = requires {
-  typename T::Fields;
+  typename Type::Fields;
 }
-&&std::default_initializable<T>;
+&&std::default_initializable<Type>;
 
 }  // namespace detail
 
 /// A type that decodes: each of the four ways and the built-in types at the head of decoding.h.
-template <class T>
-concept Decodable = DecodableScalar<T> || detail::kIsOptional<T> || detail::kIsVector<T> || detail::kIsTextMap<T> ||
-    detail::DecodesByTraits<T> || detail::DecodesByFunction<T> || detail::DecodesByConstructor<T> ||
-    detail::DecodesByFields<T>;
+template <class Type>
+concept Decodable = DecodableScalar<Type> || detail::kIsOptional<Type> || detail::kIsVector<Type> ||
+    detail::kIsTextMap<Type> || detail::DecodesByTraits<Type> || detail::DecodesByFunction<Type> ||
+    detail::DecodesByConstructor<Type> || detail::DecodesByFields<Type>;
 
-/// A T filled as its list `Fields` says: for a `fromDecoder` that only adds a check to it.
-template <class T>
-[[nodiscard]] Decoded<T> decodeFields(Decoder& decoder);
+/// A Type filled as its list `Fields` says: for a `fromDecoder` that only adds a check to it.
+template <class Type>
+[[nodiscard]] Decoded<Type> decodeFields(Decoder& decoder);
 
 namespace detail {
 
 // What growing ahead of decoding may cost, whatever a document claims about its counts.
-template <class T>
-inline constexpr std::size_t kReservedElements = (std::size_t{64} << 20) / sizeof(T);
+template <class Type>
+inline constexpr std::size_t kReservedElements = (std::size_t{64} << 20) / sizeof(Type);
 
 // Decodes a member that is not a scalar.
-template <class T>
+template <class Type>
 ErrorHolder decodeMember(const void* container, std::string_view key, void* member) {
   const auto& core = *static_cast<const KeyedContainerCore*>(container);
   auto value = [&] {
-    if constexpr (kIsOptional<T>)
-      return core.decodeIfPresent<typename T::value_type>(key);
+    if constexpr (kIsOptional<Type>)
+      return core.decodeIfPresent<typename Type::value_type>(key);
     else
-      return core.decode<T>(key);
+      return core.decode<Type>(key);
   }();
   if (!value) return std::move(value.failure());
-  *static_cast<T*>(member) = *std::move(value);
+  *static_cast<Type*>(member) = *std::move(value);
   return {};
 }
 
-template <class T>
-DecodingSource::Field fieldOf(std::string_view key, T& member) {
-  if constexpr (DecodableScalar<T>) {
-    return {key, ScalarTarget::typeOf<T>(), &member, nullptr};
+template <class Type>
+DecodingSource::Field fieldOf(std::string_view key, Type& member) {
+  if constexpr (DecodableScalar<Type>) {
+    return {key, ScalarTarget::typeOf<Type>(), &member, nullptr};
   } else {
-    return {key, {}, &member, decodeMember<T>};
+    return {key, {}, &member, decodeMember<Type>};
   }
 }
 
-template <class T, class... Fields>
-ErrorHolder decodeMembers(const KeyedContainerCore& container, T& value, FieldList<Fields...>) {
+template <class Type, class... Fields>
+ErrorHolder decodeMembers(const KeyedContainerCore& container, Type& value, FieldList<Fields...>) {
   const DecodingSource::Field fields[] = {fieldOf(Fields::kName, value.*Fields::kMember)...};
   return container.readFields(fields);
 }
@@ -158,45 +159,45 @@ Decoded<Map> decodeEntries(Decoder& decoder) {
 
 }  // namespace detail
 
-template <class T>
-Decoded<T> decodeFields(Decoder& decoder) {
-  Decoded<T> value(std::in_place);
+template <class Type>
+Decoded<Type> decodeFields(Decoder& decoder) {
+  Decoded<Type> value(std::in_place);
   auto container = detail::KeyedContainerCore::of(decoder);
   detail::ErrorHolder failure =
-      container ? detail::decodeMembers(*container, *value, typename T::Fields{}) : std::move(container.failure());
+      container ? detail::decodeMembers(*container, *value, typename Type::Fields{}) : std::move(container.failure());
   if (failure) value.fail(std::move(failure));
   return value;
 }
 
-template <class T>
-Decoded<T> decodeValue(Decoder& decoder) {
+template <class Type>
+Decoded<Type> decodeValue(Decoder& decoder) {
   static_assert(
-      Decodable<T>,
+      Decodable<Type>,
       "This type does not decode: give it a FieldList named Fields, a fromDecoder, a constructor from Decoder&, "
       "or specialise DecodingTraits (decoding.h shows each).");
-  if constexpr (DecodableScalar<T>) {
-    Decoded<T> value(std::in_place);
+  if constexpr (DecodableScalar<Type>) {
+    Decoded<Type> value(std::in_place);
     ScalarTarget target(*value, decoder.errorDetail());
     decoder.source().read(decoder.value(), target);
     if (target.failure()) value.fail(std::move(target.failure()));
     return value;
-  } else if constexpr (detail::DecodesByTraits<T>) {
-    return DecodingTraits<T>::fromDecoder(decoder.describingErrors());
-  } else if constexpr (detail::DecodesByFunction<T>) {
-    return T::fromDecoder(decoder.describingErrors());
-  } else if constexpr (detail::kIsOptional<T>) {
-    if (decoder.isNull()) return T();
-    auto value = decodeValue<typename T::value_type>(decoder);
+  } else if constexpr (detail::DecodesByTraits<Type>) {
+    return DecodingTraits<Type>::fromDecoder(decoder.describingErrors());
+  } else if constexpr (detail::DecodesByFunction<Type>) {
+    return Type::fromDecoder(decoder.describingErrors());
+  } else if constexpr (detail::kIsOptional<Type>) {
+    if (decoder.isNull()) return Type();
+    auto value = decodeValue<typename Type::value_type>(decoder);
     if (!value) return std::move(value.failure());
-    return T(*std::move(value));
-  } else if constexpr (detail::kIsVector<T>) {
-    return detail::decodeElements<T>(decoder);
-  } else if constexpr (detail::kIsTextMap<T>) {
-    return detail::decodeEntries<T>(decoder);
-  } else if constexpr (detail::DecodesByConstructor<T>) {
-    return detail::captured([&] { return Decoded<T>(std::in_place, decoder.describingErrors()); });
+    return Type(*std::move(value));
+  } else if constexpr (detail::kIsVector<Type>) {
+    return detail::decodeElements<Type>(decoder);
+  } else if constexpr (detail::kIsTextMap<Type>) {
+    return detail::decodeEntries<Type>(decoder);
+  } else if constexpr (detail::DecodesByConstructor<Type>) {
+    return detail::captured([&] { return Decoded<Type>(std::in_place, decoder.describingErrors()); });
   } else {
-    return decodeFields<T>(decoder);
+    return decodeFields<Type>(decoder);
   }
 }
 

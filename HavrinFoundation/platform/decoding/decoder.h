@@ -35,18 +35,18 @@ class UnkeyedDecodingContainer;
 /// What the caller of a decoder tells the types that are decoded.
 using UserInfo = std::map<std::string, std::any, std::less<>>;
 
-/// Decodes a T from what `decoder` stands on: every other operation ends here.
-template <class T>
-[[nodiscard]] Decoded<T> decodeValue(Decoder& decoder);
+/// Decodes a ValueType from what `decoder` stands on: every other operation ends here.
+template <class ValueType>
+[[nodiscard]] Decoded<ValueType> decodeValue(Decoder& decoder);
 
 namespace detail {
 
 class KeyedContainerCore;
 
-template <class T>
+template <class ValueType>
 inline constexpr bool kIsOptional = false;
-template <class T>
-inline constexpr bool kIsOptional<std::optional<T>> = true;
+template <class ValueType>
+inline constexpr bool kIsOptional<std::optional<ValueType>> = true;
 
 // One link of the path to the value that is being decoded: it stands on the stack of the call that decodes it.
 struct CodingStep {
@@ -84,8 +84,8 @@ auto captured(Body&& body) -> std::invoke_result_t<Body> {
   }
 }
 
-template <class T>
-T valueOrThrow(Decoded<T>&& outcome, const CodingStep* step) {
+template <class ValueType>
+ValueType valueOrThrow(Decoded<ValueType>&& outcome, const CodingStep* step) {
   if (!outcome) outcome.failure().complete(pathOf(step));
   return std::move(outcome).value();
 }
@@ -153,15 +153,15 @@ class HAVRIN_EXPORT SingleValueDecodingContainer {
   /// Whether null stands here.
   [[nodiscard]] bool decodeNil() const { return decoder_->isNull(); }
 
-  template <class T>
-  [[nodiscard]] T decode() const {
-    auto outcome = tryDecode<T>();
+  template <class ValueType>
+  [[nodiscard]] ValueType decode() const {
+    auto outcome = tryDecode<ValueType>();
     if (!outcome) outcome.failure().complete(codingPath());
     return std::move(outcome).value();
   }
-  template <class T>
-  [[nodiscard]] Decoded<T> tryDecode() const {
-    return detail::captured([this] { return decodeValue<T>(*decoder_); });
+  template <class ValueType>
+  [[nodiscard]] Decoded<ValueType> tryDecode() const {
+    return detail::captured([this] { return decodeValue<ValueType>(*decoder_); });
   }
 
  private:

@@ -39,20 +39,20 @@ class HAVRIN_EXPORT JSONDecoder {
   /// Larger documents are refused. Choice: 256 MiB; never more than 1 GiB, whatever is set.
   std::size_t maximumSize = std::size_t{256} << 20;
 
-  /// A T from the whole document. `text` must stay as it is during the call.
+  /// A Type from the whole document. `text` must stay as it is during the call.
   /// Throws: DecodingError; whatever a type of the caller's throws; std::bad_alloc.
-  template <Decodable T>
-  [[nodiscard]] T decode(std::string_view text) {
-    return tryDecode<T>(text).value();
+  template <Decodable Type>
+  [[nodiscard]] Type decode(std::string_view text) {
+    return tryDecode<Type>(text).value();
   }
   /// The same, with the error as a value.
-  template <Decodable T>
-  [[nodiscard]] Decoded<T> tryDecode(std::string_view text) {
+  template <Decodable Type>
+  [[nodiscard]] Decoded<Type> tryDecode(std::string_view text) {
     const Document document(*this);
     auto source = document.open(text);
     if (!source) return std::move(source.failure());
     Decoder decoder(**source, 0, userInfo);
-    return decoder.singleValueContainer().template tryDecode<T>();
+    return decoder.singleValueContainer().template tryDecode<Type>();
   }
   /// What `body` gives for a decoder of the whole document, which is valid until `body` returns.
   /// Throws: DecodingError for a malformed document; whatever `body` throws.

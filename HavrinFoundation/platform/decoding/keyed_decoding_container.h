@@ -42,13 +42,13 @@ class HAVRIN_EXPORT KeyedContainerCore {
   [[nodiscard]] Decoded<UnkeyedDecodingContainer> nestedUnkeyedContainer(std::string_view key) const;
   [[nodiscard]] Decoded<Decoder> superDecoder(std::string_view key) const;
 
-  template <class T>
-  [[nodiscard]] Decoded<T> decode(std::string_view key) const;
-  template <class T>
-  [[nodiscard]] Decoded<std::optional<T>> decodeIfPresent(std::string_view key) const;
+  template <class ValueType>
+  [[nodiscard]] Decoded<ValueType> decode(std::string_view key) const;
+  template <class ValueType>
+  [[nodiscard]] Decoded<std::optional<ValueType>> decodeIfPresent(std::string_view key) const;
   // Decodes into `scalar`; the error, or nothing.
-  template <DecodableScalar T>
-  [[nodiscard]] ErrorHolder readInto(std::string_view key, T& scalar) const {
+  template <DecodableScalar ValueType>
+  [[nodiscard]] ErrorHolder readInto(std::string_view key, ValueType& scalar) const {
     ScalarTarget target(scalar, errorDetail_);
     if (!read(key, target)) return DecodingError::keyNotFound(key).holder();
     return std::move(target.failure());
@@ -60,11 +60,11 @@ class HAVRIN_EXPORT KeyedContainerCore {
  private:
   // Hands the value under `key` to `target`. False when: there is no such key.
   [[nodiscard]] bool read(std::string_view key, ScalarTarget& target) const;
-  template <class T>
-  [[nodiscard]] Decoded<T> nested(std::string_view key) const;
+  template <class ValueType>
+  [[nodiscard]] Decoded<ValueType> nested(std::string_view key) const;
   // What `use` gives for a decoder of the value under `key`; what `absent` gives when there is no such key.
-  template <class T, class Use, class Absent>
-  [[nodiscard]] Decoded<T> withDecoder(std::string_view key, Use&& use, Absent&& absent) const;
+  template <class ValueType, class Use, class Absent>
+  [[nodiscard]] Decoded<ValueType> withDecoder(std::string_view key, Use&& use, Absent&& absent) const;
 
   const DecodingSource* source_;
   mutable DecodingSource::ObjectCursor cursor_;
@@ -75,7 +75,7 @@ class HAVRIN_EXPORT KeyedContainerCore {
 }  // namespace detail
 
 /// The values of an object. A key may be decoded any number of times, in any order; keys that nobody asks for are
-/// ignored. A missing key is keyNotFound; null is valueNotFound unless T is an optional.
+/// ignored. A missing key is keyNotFound; null is valueNotFound unless ValueType is an optional.
 template <CodingKeyType Key = std::string_view>
 class KeyedDecodingContainer {
  public:
@@ -102,23 +102,23 @@ class KeyedDecodingContainer {
   /// Whether null stands under `key`. Throws: keyNotFound.
   [[nodiscard]] bool decodeNil(const Key& key) const { return orThrow(core_.decodeNil(stringValue(key))); }
 
-  template <class T>
-  [[nodiscard]] T decode(const Key& key) const {
-    return orThrow(tryDecode<T>(key));
+  template <class ValueType>
+  [[nodiscard]] ValueType decode(const Key& key) const {
+    return orThrow(tryDecode<ValueType>(key));
   }
-  template <class T>
-  [[nodiscard]] Decoded<T> tryDecode(const Key& key) const {
-    return core_.template decode<T>(stringValue(key));
+  template <class ValueType>
+  [[nodiscard]] Decoded<ValueType> tryDecode(const Key& key) const {
+    return core_.template decode<ValueType>(stringValue(key));
   }
 
   /// The value under `key`. Empty when: there is no such key, or null stands there.
-  template <class T>
-  [[nodiscard]] std::optional<T> decodeIfPresent(const Key& key) const {
-    return orThrow(tryDecodeIfPresent<T>(key));
+  template <class ValueType>
+  [[nodiscard]] std::optional<ValueType> decodeIfPresent(const Key& key) const {
+    return orThrow(tryDecodeIfPresent<ValueType>(key));
   }
-  template <class T>
-  [[nodiscard]] Decoded<std::optional<T>> tryDecodeIfPresent(const Key& key) const {
-    return core_.template decodeIfPresent<T>(stringValue(key));
+  template <class ValueType>
+  [[nodiscard]] Decoded<std::optional<ValueType>> tryDecodeIfPresent(const Key& key) const {
+    return core_.template decodeIfPresent<ValueType>(stringValue(key));
   }
 
   /// The object under `key`. Throws: keyNotFound; valueNotFound for null; typeMismatch.
@@ -146,8 +146,8 @@ class KeyedDecodingContainer {
   [[nodiscard]] Decoder superDecoder(const Key& key) const { return orThrow(core_.superDecoder(stringValue(key))); }
 
  private:
-  template <class T>
-  [[nodiscard]] T orThrow(Decoded<T>&& outcome) const {
+  template <class ValueType>
+  [[nodiscard]] ValueType orThrow(Decoded<ValueType>&& outcome) const {
     return detail::valueOrThrow(std::move(outcome), core_.step());
   }
 
@@ -156,10 +156,10 @@ class KeyedDecodingContainer {
 
 namespace detail {
 
-template <class T, class Use, class Absent>
-Decoded<T> KeyedContainerCore::withDecoder(std::string_view key, Use&& use, Absent&& absent) const {
+template <class ValueType, class Use, class Absent>
+Decoded<ValueType> KeyedContainerCore::withDecoder(std::string_view key, Use&& use, Absent&& absent) const {
   bool isMissing = false;
-  Decoded<T> outcome = captured([&]() -> Decoded<T> {
+  Decoded<ValueType> outcome = captured([&]() -> Decoded<ValueType> {
     auto value = source_->find(cursor_, key);
     if (!value) return std::move(value.failure());
     isMissing = *value == DecodingSource::kNone;
@@ -183,22 +183,23 @@ inline bool KeyedContainerCore::read(std::string_view key, ScalarTarget& target)
   return isThere;
 }
 
-template <class T>
-Decoded<T> KeyedContainerCore::decode(std::string_view key) const {
-  if constexpr (DecodableScalar<T>) {
-    Decoded<T> scalar(std::in_place);
+template <class ValueType>
+Decoded<ValueType> KeyedContainerCore::decode(std::string_view key) const {
+  if constexpr (DecodableScalar<ValueType>) {
+    Decoded<ValueType> scalar(std::in_place);
     if (auto failure = readInto(key, *scalar)) scalar.fail(std::move(failure));
     return scalar;
   } else {
-    return withDecoder<T>(key, decodeValue<T>, [&]() -> Decoded<T> { return DecodingError::keyNotFound(key); });
+    return withDecoder<ValueType>(key, decodeValue<ValueType>,
+                                  [&]() -> Decoded<ValueType> { return DecodingError::keyNotFound(key); });
   }
 }
 
-template <class T>
-Decoded<std::optional<T>> KeyedContainerCore::decodeIfPresent(std::string_view key) const {
-  using Result = std::optional<T>;
-  if constexpr (DecodableScalar<T>) {
-    T scalar{};
+template <class ValueType>
+Decoded<std::optional<ValueType>> KeyedContainerCore::decodeIfPresent(std::string_view key) const {
+  using Result = std::optional<ValueType>;
+  if constexpr (DecodableScalar<ValueType>) {
+    ValueType scalar{};
     bool isNull = false;
     ScalarTarget target(scalar, isNull, errorDetail_);
     const bool isThere = read(key, target);

@@ -26,26 +26,26 @@ class HAVRIN_EXPORT PropertyListDecoder {
   /// What the types that are decoded get as `decoder.userInfo()`.
   UserInfo userInfo;
 
-  /// A T from the whole property list.
+  /// A Type from the whole property list.
   /// Throws: DecodingError, for malformed bytes with the place in its text; whatever a type of the caller's throws.
-  template <Decodable T>
-  [[nodiscard]] T decode(std::span<const std::byte> bytes) const {
-    return tryDecode<T>(bytes).value();
+  template <Decodable Type>
+  [[nodiscard]] Type decode(std::span<const std::byte> bytes) const {
+    return tryDecode<Type>(bytes).value();
   }
-  template <Decodable T>
-  [[nodiscard]] T decode(const PropertyList& list) const {
-    return tryDecode<T>(list).value();
+  template <Decodable Type>
+  [[nodiscard]] Type decode(const PropertyList& list) const {
+    return tryDecode<Type>(list).value();
   }
   /// The same, with the error as a value.
-  template <Decodable T>
-  [[nodiscard]] Decoded<T> tryDecode(std::span<const std::byte> bytes) const {
+  template <Decodable Type>
+  [[nodiscard]] Decoded<Type> tryDecode(std::span<const std::byte> bytes) const {
     const auto list = listIn(bytes);
     if (!list) return list.error();
-    return tryDecode<T>(*list);
+    return tryDecode<Type>(*list);
   }
-  template <Decodable T>
-  [[nodiscard]] Decoded<T> tryDecode(const PropertyList& list) const {
-    return read(list, [](Decoder& decoder) { return decoder.singleValueContainer().tryDecode<T>(); });
+  template <Decodable Type>
+  [[nodiscard]] Decoded<Type> tryDecode(const PropertyList& list) const {
+    return read(list, [](Decoder& decoder) { return decoder.singleValueContainer().tryDecode<Type>(); });
   }
   /// What `body` gives for a decoder of the whole property list, which is valid until `body` returns.
   /// Throws: DecodingError for malformed bytes; whatever `body` throws.

@@ -28,15 +28,17 @@
 namespace havrin::inline platform {
 
 namespace detail {
-template <class T>
-inline constexpr bool kIsCharacter = std::same_as<T, char> || std::same_as<T, wchar_t> || std::same_as<T, char8_t> ||
-                                     std::same_as<T, char16_t> || std::same_as<T, char32_t>;
+template <class ValueType>
+inline constexpr bool kIsCharacter =
+    std::same_as<ValueType, char> || std::same_as<ValueType, wchar_t> || std::same_as<ValueType, char8_t> ||
+    std::same_as<ValueType, char16_t> || std::same_as<ValueType, char32_t>;
 }  // namespace detail
 
 /// The types that a single step decodes: bool, integers of 8 to 64 bits, float, double and std::string.
-template <class T>
-concept DecodableScalar = std::same_as<T, std::string> || std::same_as<T, float> || std::same_as<T, double> ||
-    (std::integral<T> && sizeof(T) <= 8 && !detail::kIsCharacter<T>);
+template <class ValueType>
+concept DecodableScalar = std::same_as<ValueType, std::string> || std::same_as<ValueType, float> ||
+    std::same_as<ValueType, double> ||
+    (std::integral<ValueType> && sizeof(ValueType) <= 8 && !detail::kIsCharacter<ValueType>);
 
 /// A typed reference to a scalar of the caller's, to be filled once. Each `put` stores the value, or leaves the scalar as
 /// it is and keeps the error.
@@ -59,13 +61,13 @@ class HAVRIN_EXPORT ScalarTarget {
     array
   };
 
-  template <DecodableScalar T>
-  explicit ScalarTarget(T& scalar, ErrorDetail detail = ErrorDetail::full)
-      : scalar_(&scalar), type_(typeOf<T>()), detail_(detail) {}
+  template <DecodableScalar ValueType>
+  explicit ScalarTarget(ValueType& scalar, ErrorDetail detail = ErrorDetail::full)
+      : scalar_(&scalar), type_(typeOf<ValueType>()), detail_(detail) {}
   /// A nullable target: null sets `isNull` and leaves the scalar alone.
-  template <DecodableScalar T>
-  ScalarTarget(T& scalar, bool& isNull, ErrorDetail detail = ErrorDetail::full)
-      : scalar_(&scalar), isNull_(&isNull), type_(typeOf<T>()), detail_(detail) {}
+  template <DecodableScalar ValueType>
+  ScalarTarget(ValueType& scalar, bool& isNull, ErrorDetail detail = ErrorDetail::full)
+      : scalar_(&scalar), isNull_(&isNull), type_(typeOf<ValueType>()), detail_(detail) {}
   /// A target of a type that `typeOf` gave, or one that takes nothing: for the error about what is not a container.
   explicit ScalarTarget(Type type, void* scalar = nullptr, ErrorDetail detail = ErrorDetail::full)
       : scalar_(scalar), type_(type), detail_(detail) {}
@@ -73,19 +75,19 @@ class HAVRIN_EXPORT ScalarTarget {
   ScalarTarget& operator=(const ScalarTarget&) = delete;
 
   /// The type of a scalar.
-  template <DecodableScalar T>
+  template <DecodableScalar ValueType>
   [[nodiscard]] static constexpr Type typeOf() {
-    if constexpr (std::same_as<T, std::string>)
+    if constexpr (std::same_as<ValueType, std::string>)
       return Type::text;
-    else if constexpr (std::same_as<T, bool>)
+    else if constexpr (std::same_as<ValueType, bool>)
       return Type::boolean;
-    else if constexpr (std::same_as<T, float>)
+    else if constexpr (std::same_as<ValueType, float>)
       return Type::float32;
-    else if constexpr (std::same_as<T, double>)
+    else if constexpr (std::same_as<ValueType, double>)
       return Type::float64;
     else {
-      constexpr int width = sizeof(T) == 1 ? 0 : sizeof(T) == 2 ? 1 : sizeof(T) == 4 ? 2 : 3;
-      return static_cast<Type>(width + static_cast<int>(std::signed_integral<T> ? Type::int8 : Type::uint8));
+      constexpr int width = sizeof(ValueType) == 1 ? 0 : sizeof(ValueType) == 2 ? 1 : sizeof(ValueType) == 4 ? 2 : 3;
+      return static_cast<Type>(width + static_cast<int>(std::signed_integral<ValueType> ? Type::int8 : Type::uint8));
     }
   }
 

@@ -35,27 +35,27 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
   [[nodiscard]] bool decodeNil() { return orThrow(tryDecodeNil()); }
   [[nodiscard]] Decoded<bool> tryDecodeNil();
 
-  template <class T>
-  [[nodiscard]] T decode() {
-    return orThrow(tryDecode<T>());
+  template <class Type>
+  [[nodiscard]] Type decode() {
+    return orThrow(tryDecode<Type>());
   }
-  template <class T>
-  [[nodiscard]] Decoded<T> tryDecode() {
-    return tryDecode<T>(errorDetail_);
+  template <class Type>
+  [[nodiscard]] Decoded<Type> tryDecode() {
+    return tryDecode<Type>(errorDetail_);
   }
   /// The same; the error is described only as far as the caller will look at it.
-  template <class T>
-  [[nodiscard]] Decoded<T> tryDecode(ErrorDetail detail);
+  template <class Type>
+  [[nodiscard]] Decoded<Type> tryDecode(ErrorDetail detail);
 
   /// The value. Empty when: null stands here (the position moves past it), or the array has ended.
-  template <class T>
-  [[nodiscard]] std::optional<T> decodeIfPresent() {
-    return orThrow(tryDecodeIfPresent<T>());
+  template <class Type>
+  [[nodiscard]] std::optional<Type> decodeIfPresent() {
+    return orThrow(tryDecodeIfPresent<Type>());
   }
-  template <class T>
-  [[nodiscard]] Decoded<std::optional<T>> tryDecodeIfPresent() {
-    if (isAtEnd()) return std::optional<T>();
-    return tryDecode<std::optional<T>>();
+  template <class Type>
+  [[nodiscard]] Decoded<std::optional<Type>> tryDecodeIfPresent() {
+    if (isAtEnd()) return std::optional<Type>();
+    return tryDecode<std::optional<Type>>();
   }
 
   /// The object that stands here; the position moves past it. Throws: valueNotFound for null; typeMismatch.
@@ -76,11 +76,11 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
 
  private:
   // What `use` gives for the value at the position, with the position in the path of its error. `use` moves on.
-  template <class T, class Use>
-  [[nodiscard]] Decoded<T> passing(Use&& use);
+  template <class Type, class Use>
+  [[nodiscard]] Decoded<Type> passing(Use&& use);
   // What `open` makes of a decoder of the value at the position, which is then passed.
-  template <class T, class Open>
-  [[nodiscard]] Decoded<T> opening(Open&& open);
+  template <class Type, class Open>
+  [[nodiscard]] Decoded<Type> opening(Open&& open);
   [[nodiscard]] Decoded<detail::KeyedContainerCore> nestedCore();
   [[nodiscard]] Decoded<void> advance() {
     auto moved = source_->advance(cursor_);
@@ -88,8 +88,8 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
     return moved;
   }
 
-  template <class T>
-  [[nodiscard]] T orThrow(Decoded<T>&& outcome) const {
+  template <class Type>
+  [[nodiscard]] Type orThrow(Decoded<Type>&& outcome) const {
     return detail::valueOrThrow(std::move(outcome), place_.step);
   }
 
@@ -100,9 +100,9 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
   mutable bool isBeforeEnd_ = false;  // known from the last `isAtEnd`, for the position it was asked at
 };
 
-template <class T, class Use>
-Decoded<T> UnkeyedDecodingContainer::passing(Use&& use) {
-  Decoded<T> outcome = detail::captured([&]() -> Decoded<T> {
+template <class Type, class Use>
+Decoded<Type> UnkeyedDecodingContainer::passing(Use&& use) {
+  Decoded<Type> outcome = detail::captured([&]() -> Decoded<Type> {
     if (!isBeforeEnd_ && isAtEnd()) return DecodingError::valueNotFound("a value", Found::nothing);
     isBeforeEnd_ = false;
     return use();
@@ -111,11 +111,11 @@ Decoded<T> UnkeyedDecodingContainer::passing(Use&& use) {
   return outcome;
 }
 
-template <class T>
-Decoded<T> UnkeyedDecodingContainer::tryDecode(ErrorDetail detail) {
-  return passing<T>([this, detail]() -> Decoded<T> {
-    if constexpr (DecodableScalar<T>) {
-      Decoded<T> scalar(std::in_place);
+template <class Type>
+Decoded<Type> UnkeyedDecodingContainer::tryDecode(ErrorDetail detail) {
+  return passing<Type>([this, detail]() -> Decoded<Type> {
+    if constexpr (DecodableScalar<Type>) {
+      Decoded<Type> scalar(std::in_place);
       ScalarTarget target(*scalar, detail);
       source_->readElement(cursor_, target);
       if (target.failure()) {
@@ -129,7 +129,7 @@ Decoded<T> UnkeyedDecodingContainer::tryDecode(ErrorDetail detail) {
       if (!element) return element.error();
       const detail::CodingStep step{place_.step, {}, static_cast<std::int64_t>(currentIndex()), place_.step->userInfo};
       Decoder decoder(*source_, *element, detail::Place{&step, nullptr}, detail);
-      Decoded<T> value = decodeValue<T>(decoder);
+      Decoded<Type> value = decodeValue<Type>(decoder);
       if (!value) return value;
       if (auto moved = advance(); !moved) value.fail(std::move(moved.failure()));
       return value;

@@ -5,7 +5,7 @@
 //   valueNotFound at stations[4].name: expected a string, found null
 //   dataCorrupted at stations[7].plays: expected a 64-bit integer, found the number 99999999999999999999
 //
-// Decoding itself throws nothing: each step gives a `Decoded<T>`, which holds a value or the error. Where a caller
+// Decoding itself throws nothing: each step gives a `Decoded<Type>`, which holds a value or the error. Where a caller
 // asked for exceptions (`decode`, as against `tryDecode`), the error is thrown as a `DecodingError`.
 #pragma once
 
@@ -27,7 +27,7 @@ namespace havrin::inline platform {
 /// What stands in decoded data where a value was looked for. `nothing` is the end of an array, or an empty document.
 enum class Found : std::uint8_t { nothing, null, boolean, number, string, array, object, date, data, uid };
 
-template <class T>
+template <class Type>
 class Decoded;
 
 /// Whether an error is described. Who drops errors unseen asks for none, and pays nothing for them.
@@ -135,27 +135,27 @@ class HAVRIN_EXPORT DecodingError : public std::exception {
 };
 
 namespace detail {
-template <class T>
-inline constexpr bool kIsOutcome = std::same_as<T, DecodingError> || std::same_as<T, ErrorHolder>;
-template <class T>
-inline constexpr bool kIsOutcome<Decoded<T>> = true;
+template <class Type>
+inline constexpr bool kIsOutcome = std::same_as<Type, DecodingError> || std::same_as<Type, ErrorHolder>;
+template <class Type>
+inline constexpr bool kIsOutcome<Decoded<Type>> = true;
 }  // namespace detail
 
 /// A value, or the error that stands in its place. Used like an optional: test it, then dereference it.
-template <class T>
+template <class Type>
 class [[nodiscard]] Decoded {
  public:
-  using value_type = T;
+  using value_type = Type;
 
-  template <class U = T>
-  requires(std::convertible_to<U&&, T> && !detail::kIsOutcome<std::remove_cvref_t<U>>) Decoded(U&& value)
-      : value_(std::forward<U>(value)), hasValue_(true) {}
+  template <class Other = Type>
+  requires(std::convertible_to<Other&&, Type> && !detail::kIsOutcome<std::remove_cvref_t<Other>>) Decoded(Other&& value)
+      : value_(std::forward<Other>(value)), hasValue_(true) {}
   template <class... Arguments>
   explicit Decoded(std::in_place_t, Arguments&&... arguments)
       : value_(std::forward<Arguments>(arguments)...), hasValue_(true) {}
   Decoded(DecodingError error) : failure_(std::move(error).holder()), hasValue_(false) {}
   Decoded(detail::ErrorHolder failure) : failure_(std::move(failure)), hasValue_(false) {}
-  Decoded(Decoded&& other) noexcept(std::is_nothrow_move_constructible_v<T>) : hasValue_(other.hasValue_) {
+  Decoded(Decoded&& other) noexcept(std::is_nothrow_move_constructible_v<Type>) : hasValue_(other.hasValue_) {
     if (hasValue_) {
       std::construct_at(&value_, std::move(other.value_));
     } else {
@@ -168,11 +168,11 @@ class [[nodiscard]] Decoded {
   [[nodiscard]] explicit operator bool() const { return hasValue_; }
 
   /// The value. Only after a test that it is there.
-  [[nodiscard]] T& operator*() & { return value_; }
-  [[nodiscard]] const T& operator*() const& { return value_; }
-  [[nodiscard]] T&& operator*() && { return std::move(value_); }
-  [[nodiscard]] T* operator->() { return &value_; }
-  [[nodiscard]] const T* operator->() const { return &value_; }
+  [[nodiscard]] Type& operator*() & { return value_; }
+  [[nodiscard]] const Type& operator*() const& { return value_; }
+  [[nodiscard]] Type&& operator*() && { return std::move(value_); }
+  [[nodiscard]] Type* operator->() { return &value_; }
+  [[nodiscard]] const Type* operator->() const { return &value_; }
 
   /// The error. Only after a test that the value is not there.
   [[nodiscard]] DecodingError error() const { return DecodingError(failure_); }
@@ -187,14 +187,14 @@ class [[nodiscard]] Decoded {
 
   /// The value.
   /// Throws: the DecodingError, or the exception that a type of the caller's threw, as it came.
-  [[nodiscard]] T value() && {
+  [[nodiscard]] Type value() && {
     if (!hasValue_) failure_.raise();
     return std::move(value_);
   }
 
  private:
   union {
-    T value_;
+    Type value_;
     detail::ErrorHolder failure_;
   };
   bool hasValue_;

@@ -54,10 +54,10 @@ class HAVRIN_EXPORT PropertyList {
   using Data = std::vector<std::byte>;
   class Dictionary;
 
-  template <std::same_as<bool> T>
-  explicit PropertyList(T value) : value_(value) {}
-  template <std::integral T>
-  requires(!std::same_as<T, bool> && sizeof(T) <= sizeof(std::int64_t)) explicit PropertyList(T value)
+  template <std::same_as<bool> Type>
+  explicit PropertyList(Type value) : value_(value) {}
+  template <std::integral Type>
+  requires(!std::same_as<Type, bool> && sizeof(Type) <= sizeof(std::int64_t)) explicit PropertyList(Type value)
       : value_(integerOf(value)) {}
   explicit PropertyList(double value) : value_(value) {}
   explicit PropertyList(Date value) : value_(value) {}
@@ -101,25 +101,25 @@ class HAVRIN_EXPORT PropertyList {
   }
 
  private:
-  template <class T>
-  using Shared = std::shared_ptr<const T>;
+  template <class Type>
+  using Shared = std::shared_ptr<const Type>;
   // An unsigned integer stands here only where a signed one cannot hold the value. The order is that of Kind, but for it.
   using Value = std::variant<bool, std::int64_t, double, Date, UID, Shared<std::string>, Shared<Data>, Shared<Array>,
                              Shared<Dictionary>, std::uint64_t>;
 
-  template <class T>
-  static Value integerOf(T value) {
+  template <class Type>
+  static Value integerOf(Type value) {
     if (std::in_range<std::int64_t>(value)) return static_cast<std::int64_t>(value);
     return static_cast<std::uint64_t>(value);
   }
-  template <class T>
-  [[nodiscard]] std::optional<T> get() const noexcept {
-    const T* value = std::get_if<T>(&value_);
-    return value ? std::optional<T>(*value) : std::nullopt;
+  template <class Type>
+  [[nodiscard]] std::optional<Type> get() const noexcept {
+    const Type* value = std::get_if<Type>(&value_);
+    return value ? std::optional<Type>(*value) : std::nullopt;
   }
-  template <class T>
-  [[nodiscard]] const T* at() const noexcept {
-    const Shared<T>* value = std::get_if<Shared<T>>(&value_);
+  template <class Type>
+  [[nodiscard]] const Type* at() const noexcept {
+    const Shared<Type>* value = std::get_if<Shared<Type>>(&value_);
     return value ? value->get() : nullptr;
   }
 

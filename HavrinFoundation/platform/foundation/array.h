@@ -119,9 +119,9 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
   // The elements stand behind the object, in one allocation with it.
   NSArray(Behind, std::uint64_t length) noexcept : slots_(reinterpret_cast<Slot*>(this + 1)), length_(length) {}
 
-  template <class C>
+  template <class ClassType>
   [[nodiscard]] bool isExactly() const {
-    return dispatchClass(this) == classObject<C>();
+    return dispatchClass(this) == classObject<ClassType>();
   }
   [[nodiscard]] Strong<NSArray> copied() const;
   void adopt(ArrayBuffer* buffer, std::uint64_t length) noexcept;

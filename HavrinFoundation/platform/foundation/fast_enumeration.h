@@ -116,20 +116,20 @@ class HAVRIN_EXPORT FastEnumeration {
 
 /// The objects of `collection`, for a `for` loop; none for null. The objects are borrowed, the collection is held.
 /// Throws, from the step after the change: NSException (Generic) when the collection was mutated in the loop.
-template <std::derived_from<NSFastEnumeration> C>
-[[nodiscard]] FastEnumeration each(const C* collection) {
-  if constexpr (std::derived_from<C, NSObject>) {
-    return FastEnumeration(collection, const_cast<C*>(collection));
+template <std::derived_from<NSFastEnumeration> ClassType>
+[[nodiscard]] FastEnumeration each(const ClassType* collection) {
+  if constexpr (std::derived_from<ClassType, NSObject>) {
+    return FastEnumeration(collection, const_cast<ClassType*>(collection));
   } else {
     return FastEnumeration(collection, nullptr);
   }
 }
-template <std::derived_from<NSFastEnumeration> C>
-[[nodiscard]] FastEnumeration each(const Strong<C>& collection) {
-  return each(static_cast<const C*>(collection.get()));
+template <std::derived_from<NSFastEnumeration> ClassType>
+[[nodiscard]] FastEnumeration each(const Strong<ClassType>& collection) {
+  return each(static_cast<const ClassType*>(collection.get()));
 }
-template <std::derived_from<NSFastEnumeration> C>
-[[nodiscard]] FastEnumeration each(const C& collection) {
+template <std::derived_from<NSFastEnumeration> ClassType>
+[[nodiscard]] FastEnumeration each(const ClassType& collection) {
   return each(&collection);
 }
 

@@ -15,17 +15,18 @@
 
 namespace havrin::inline platform {
 
-template <class... A>
+template <class... Arguments>
 struct NilTerminatedValues {
-  std::array<NSObject*, sizeof...(A)> objects;
+  std::array<NSObject*, sizeof...(Arguments)> objects;
 };
 
 /// The objects of a list before its first null. Borrows them, and the list: for the length of the call that takes it.
-template <std::derived_from<NSObject> C>
+template <std::derived_from<NSObject> ClassType>
 class NilTerminated {
  public:
-  template <class... A>
-  requires(std::convertible_to<A, C*>&&...) NilTerminated(const NilTerminatedValues<A...>& values)
+  template <class... Arguments>
+  requires(std::convertible_to<Arguments, ClassType*>&&...)
+      NilTerminated(const NilTerminatedValues<Arguments...>& values)
   noexcept : objects_(values.objects) {
     std::size_t count = 0;
     while (count < objects_.size() && objects_[count]) ++count;
@@ -35,7 +36,7 @@ class NilTerminated {
   class Iterator {
    public:
     explicit Iterator(NSObject* const* object) noexcept : object_(object) {}
-    C* operator*() const noexcept { return static_cast<C*>(*object_); }
+    ClassType* operator*() const noexcept { return static_cast<ClassType*>(*object_); }
     Iterator& operator++() noexcept {
       ++object_;
       return *this;
@@ -53,23 +54,23 @@ class NilTerminated {
 };
 
 /// The list, from pointers, `Strong`s and null.
-template <class... A>
-requires(std::convertible_to<const A&, NSObject*>&&...)
-    [[nodiscard]] NilTerminatedValues<A...> nilTerminated(const A&... objects) {
+template <class... Arguments>
+requires(std::convertible_to<const Arguments&, NSObject*>&&...)
+    [[nodiscard]] NilTerminatedValues<Arguments...> nilTerminated(const Arguments&... objects) {
   return {{static_cast<NSObject*>(objects)...}};
 }
 
 namespace detail {
 
-template <class C>
-struct Held<NilTerminated<C>> {
+template <class ClassType>
+struct Held<NilTerminated<ClassType>> {
   std::vector<Strong<NSObject>> objects;
 
-  Held(const NilTerminated<C>& argument, bool hold) {
+  Held(const NilTerminated<ClassType>& argument, bool hold) {
     if (!hold) return;
     for (NSObject* object : argument) objects.emplace_back(object);
   }
-  static bool mayRunProgram(const NilTerminated<C>& argument) {
+  static bool mayRunProgram(const NilTerminated<ClassType>& argument) {
     for (const NSObject* object : argument) {
       if (detail::mayRunProgram(object)) return true;
     }

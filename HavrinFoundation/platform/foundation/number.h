@@ -59,9 +59,9 @@ class HAVRIN_EXPORT NSNumber : public Object<NSNumber, NSObject> {
 };
 
 [[nodiscard]] inline Strong<NSNumber> makeNumber(bool value) { return make<NSNumber>(value); }
-template <std::integral T>
-[[nodiscard]] Strong<NSNumber> makeNumber(T value) {
-  if constexpr (std::is_signed_v<T>) {
+template <std::integral Type>
+[[nodiscard]] Strong<NSNumber> makeNumber(Type value) {
+  if constexpr (std::is_signed_v<Type>) {
     return make<NSNumber>(static_cast<std::int64_t>(value));
   } else {
     return make<NSNumber>(static_cast<std::uint64_t>(value));

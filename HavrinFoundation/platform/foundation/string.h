@@ -157,9 +157,9 @@ class HAVRIN_EXPORT NSMutableString : public Object<NSMutableString, NSString> {
 /// An image lists its constant strings (see `Image`), so that they have their class before anything runs.
 class ConstantString {
  public:
-  template <std::size_t N>
-  consteval explicit ConstantString(const char (&text)[N])
-      : header_(nullptr, ObjectHeader::kImmortal), string_(NSString::Placed{}, text, N - 1) {}
+  template <std::size_t Size>
+  consteval explicit ConstantString(const char (&text)[Size])
+      : header_(nullptr, ObjectHeader::kImmortal), string_(NSString::Placed{}, text, Size - 1) {}
   constexpr ~ConstantString() {}  // string_ is a member of a union, so that it is not destroyed
 
   constexpr operator NSString*() const& { return &string_; }

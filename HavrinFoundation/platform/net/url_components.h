@@ -114,8 +114,8 @@ class HAVRIN_EXPORT URLComponents {
 
   /// Calls `visit(item)` with each item of queryItems() as a URLQueryItemView, without making the list.
   /// Result: whether there is a query.
-  template <class F>
-  bool forEachQueryItem(F&& visit) const {
+  template <class Function>
+  bool forEachQueryItem(Function&& visit) const {
     const std::optional<std::string_view> query = percentEncodedQuery();
     if (!query || query->empty()) return query.has_value();
     std::size_t escape = query->find('%');  // the first at or behind `begin`

@@ -37,13 +37,14 @@ class BlockView;
 /// Throws NSException (InvalidArgument): a borrowed callable that cannot be copied was to be kept.
 [[noreturn]] HAVRIN_EXPORT void throwUncopiableBlock();
 
-/// `object` as a D, as `cast`, but an object of another class throws NSException (InvalidArgument); null stays null.
+/// `object` as a Derived, as `cast`, but an object of another class throws NSException (InvalidArgument); null stays
+/// null.
 /// Defined in class.h, which every header of a class includes.
-template <class D>
-D* checkedCast(NSObject* object);
+template <class Derived>
+Derived* checkedCast(NSObject* object);
 /// As above, as a reference: null throws as well.
-template <class D>
-D& checkedReference(NSObject* object);
+template <class Derived>
+Derived& checkedReference(NSObject* object);
 
 namespace detail {
 
@@ -51,26 +52,29 @@ template <class...>
 struct ParameterList {};
 
 // The parameter list of a function object with one, non-template call operator.
-template <class F>
+template <class Function>
 struct CallableParameters;
-template <class F>
-requires requires { &F::operator(); }
-struct CallableParameters<F> : CallableParameters<decltype(&F::operator())> {};
-template <class R, class C, class... A>
-struct CallableParameters<R (C::*)(A...)> {
-  using Result = R;
-  using List = ParameterList<A...>;
+template <class Function>
+requires requires { &Function::operator(); }
+struct CallableParameters<Function> : CallableParameters<decltype(&Function::operator())> {};
+template <class ResultType, class ClassType, class... Arguments>
+struct CallableParameters<ResultType (ClassType::*)(Arguments...)> {
+  using Result = ResultType;
+  using List = ParameterList<Arguments...>;
 };
-template <class R, class C, class... A>
-struct CallableParameters<R (C::*)(A...) const> : CallableParameters<R (C::*)(A...)> {};
-template <class R, class C, class... A>
-struct CallableParameters<R (C::*)(A...) noexcept> : CallableParameters<R (C::*)(A...)> {};
-template <class R, class C, class... A>
-struct CallableParameters<R (C::*)(A...) const noexcept> : CallableParameters<R (C::*)(A...)> {};
-template <class R, class... A>
-struct CallableParameters<R (*)(A...)> {
-  using Result = R;
-  using List = ParameterList<A...>;
+template <class ResultType, class ClassType, class... Arguments>
+struct CallableParameters<ResultType (ClassType::*)(Arguments...) const>
+    : CallableParameters<ResultType (ClassType::*)(Arguments...)> {};
+template <class ResultType, class ClassType, class... Arguments>
+struct CallableParameters<ResultType (ClassType::*)(Arguments...) noexcept>
+    : CallableParameters<ResultType (ClassType::*)(Arguments...)> {};
+template <class ResultType, class ClassType, class... Arguments>
+struct CallableParameters<ResultType (ClassType::*)(Arguments...) const noexcept>
+    : CallableParameters<ResultType (ClassType::*)(Arguments...)> {};
+template <class ResultType, class... Arguments>
+struct CallableParameters<ResultType (*)(Arguments...)> {
+  using Result = ResultType;
+  using List = ParameterList<Arguments...>;
 };
 
 // Hands `argument` to a parameter of type Wanted: as it is where it converts, through the class test where the block
@@ -100,88 +104,91 @@ requires(sizeof...(Given) == sizeof...(Wanted)) struct AllFit<ParameterList<Give
     : std::bool_constant<(fits<Wanted, Given> && ...)> {
 };
 
-template <class F>
+template <class Function>
 concept PlainCallable = requires {
-  typename CallableParameters<std::decay_t<F>>::List;
+  typename CallableParameters<std::decay_t<Function>>::List;
 };
 
-template <class R, class F, class... A>
-R callFitted(F& callable, A&&... arguments) {
-  if constexpr (std::is_invocable_v<F&, A...>) {
-    return static_cast<R>(std::invoke(callable, std::forward<A>(arguments)...));
+template <class ResultType, class Function, class... Arguments>
+ResultType callFitted(Function& callable, Arguments&&... arguments) {
+  if constexpr (std::is_invocable_v<Function&, Arguments...>) {
+    return static_cast<ResultType>(std::invoke(callable, std::forward<Arguments>(arguments)...));
   } else {
-    using Wanted = typename CallableParameters<std::decay_t<F>>::List;
-    return [&]<class... W>(ParameterList<W...>) -> R {
-      return static_cast<R>(std::invoke(callable, fitArgument<W>(std::forward<A>(arguments))...));
+    using Wanted = typename CallableParameters<std::decay_t<Function>>::List;
+    return [&]<class... WantedTypes>(ParameterList<WantedTypes...>) -> ResultType {
+      return static_cast<ResultType>(
+          std::invoke(callable, fitArgument<WantedTypes>(std::forward<Arguments>(arguments))...));
     }(Wanted{});
   }
 }
 
-template <class R, class Given>
-concept GivesResult = std::is_void_v<R> || requires(Given (*call)()) {
-  static_cast<R>(call());
+template <class ResultType, class Given>
+concept GivesResult = std::is_void_v<ResultType> || requires(Given (*call)()) {
+  static_cast<ResultType>(call());
 };
 
-template <class R, class F, class... A>
+template <class ResultType, class Function, class... Arguments>
 consteval bool fittable() {
-  if constexpr (std::is_invocable_v<F&, A...>) {
-    return GivesResult<R, std::invoke_result_t<F&, A...>>;
-  } else if constexpr (PlainCallable<F>) {
-    using Plain = CallableParameters<std::decay_t<F>>;
-    return AllFit<ParameterList<A...>, typename Plain::List>::value && GivesResult<R, typename Plain::Result>;
+  if constexpr (std::is_invocable_v<Function&, Arguments...>) {
+    return GivesResult<ResultType, std::invoke_result_t<Function&, Arguments...>>;
+  } else if constexpr (PlainCallable<Function>) {
+    using Plain = CallableParameters<std::decay_t<Function>>;
+    return AllFit<ParameterList<Arguments...>, typename Plain::List>::value &&
+           GivesResult<ResultType, typename Plain::Result>;
   } else {
     return false;
   }
 }
 
-template <class T>
+template <class Type>
 inline constexpr bool isBlock = false;
-template <class S>
-inline constexpr bool isBlock<Block<S>> = true;
-template <class S>
-inline constexpr bool isBlock<BlockView<S>> = true;
+template <class Name>
+inline constexpr bool isBlock<Block<Name>> = true;
+template <class Name>
+inline constexpr bool isBlock<BlockView<Name>> = true;
 
-template <class R, class... A>
+template <class ResultType, class... Arguments>
 struct BlockBody {
   std::atomic<std::uint32_t> references{1};
-  R (*call)(BlockBody*, A...);
+  ResultType (*call)(BlockBody*, Arguments...);
   void (*destroy)(BlockBody*);
 };
 
-template <class F, class R, class... A>
-struct BlockBodyOf : BlockBody<R, A...> {
-  F callable;
+template <class Function, class ResultType, class... Arguments>
+struct BlockBodyOf : BlockBody<ResultType, Arguments...> {
+  Function callable;
 
-  template <class G>
-  explicit BlockBodyOf(G&& source) : callable(std::forward<G>(source)) {
-    this->call = [](BlockBody<R, A...>* body, A... arguments) -> R {
-      return callFitted<R>(static_cast<BlockBodyOf*>(body)->callable, std::forward<A>(arguments)...);
+  template <class OtherSignature>
+  explicit BlockBodyOf(OtherSignature&& source) : callable(std::forward<OtherSignature>(source)) {
+    this->call = [](BlockBody<ResultType, Arguments...>* body, Arguments... arguments) -> ResultType {
+      return callFitted<ResultType>(static_cast<BlockBodyOf*>(body)->callable, std::forward<Arguments>(arguments)...);
     };
-    this->destroy = [](BlockBody<R, A...>* body) { delete static_cast<BlockBodyOf*>(body); };
+    this->destroy = [](BlockBody<ResultType, Arguments...>* body) { delete static_cast<BlockBodyOf*>(body); };
   }
 };
 
 }  // namespace detail
 
 /// A callable that a block of this signature can be made of.
-template <class F, class Signature>
+template <class Function, class Signature>
 inline constexpr bool blockCallable = false;
-template <class F, class R, class... A>
-inline constexpr bool blockCallable<F, R(A...)> =
-    !detail::isBlock<std::remove_cvref_t<F>> && !std::is_same_v<std::remove_cvref_t<F>, std::nullptr_t> &&
-    detail::fittable<R, std::decay_t<F>, A...>();
+template <class Function, class ResultType, class... Arguments>
+inline constexpr bool blockCallable<Function, ResultType(Arguments...)> =
+    !detail::isBlock<std::remove_cvref_t<Function>> && !std::is_same_v<std::remove_cvref_t<Function>, std::nullptr_t> &&
+    detail::fittable<ResultType, std::decay_t<Function>, Arguments...>();
 
 /// A shared, nullable closure.
 /// Cost: one allocation when made from a callable; a copy is one count.
 /// Threads: copies may be used from any thread; what the closure captures is the caller's affair.
-template <class R, class... A>
-class Block<R(A...)> {
+template <class ResultType, class... Arguments>
+class Block<ResultType(Arguments...)> {
  public:
   constexpr Block() noexcept = default;
   constexpr Block(std::nullptr_t) noexcept {}
-  template <class F>
-  requires blockCallable<F, R(A...)> Block(F&& callable)
-      : body_(new detail::BlockBodyOf<std::decay_t<F>, R, A...>(std::forward<F>(callable))) {}
+  template <class Function>
+  requires blockCallable<Function, ResultType(Arguments...)> Block(Function&& callable)
+      : body_(new detail::BlockBodyOf<std::decay_t<Function>, ResultType, Arguments...>(
+            std::forward<Function>(callable))) {}
   Block(const Block& other) noexcept : body_(other.body_) {
     if (body_) body_->references.fetch_add(1, std::memory_order_relaxed);
   }
@@ -195,90 +202,95 @@ class Block<R(A...)> {
   }
 
   /// Throws: what the closure throws; NSException (InvalidArgument) when the block is null.
-  R operator()(A... arguments) const {
+  ResultType operator()(Arguments... arguments) const {
     if (!body_) throwNullBlock();
-    return body_->call(body_, std::forward<A>(arguments)...);
+    return body_->call(body_, std::forward<Arguments>(arguments)...);
   }
   explicit operator bool() const noexcept { return body_ != nullptr; }
   /// True for two references to one closure, and for two nulls.
   friend bool operator==(const Block& a, const Block& b) noexcept { return a.body_ == b.body_; }
 
  private:
-  friend class BlockView<R(A...)>;
-  detail::BlockBody<R, A...>* body_ = nullptr;
+  friend class BlockView<ResultType(Arguments...)>;
+  detail::BlockBody<ResultType, Arguments...>* body_ = nullptr;
 };
 
 /// A borrowed block or callable, good for the length of a call.
 /// Cost: no allocation, four words.
-template <class R, class... A>
-class BlockView<R(A...)> {
+template <class ResultType, class... Arguments>
+class BlockView<ResultType(Arguments...)> {
  public:
   constexpr BlockView() noexcept = default;
   constexpr BlockView(std::nullptr_t) noexcept {}
-  BlockView(const Block<R(A...)>& block) noexcept
+  BlockView(const Block<ResultType(Arguments...)>& block) noexcept
       : object_(block.body_),
-        call_([](void* object, A... arguments) -> R {
-          auto* body = static_cast<detail::BlockBody<R, A...>*>(object);
-          return body->call(body, std::forward<A>(arguments)...);
+        call_([](void* object, Arguments... arguments) -> ResultType {
+          auto* body = static_cast<detail::BlockBody<ResultType, Arguments...>*>(object);
+          return body->call(body, std::forward<Arguments>(arguments)...);
         }),
         copy_([](void* object) {
-          auto* body = static_cast<detail::BlockBody<R, A...>*>(object);
+          auto* body = static_cast<detail::BlockBody<ResultType, Arguments...>*>(object);
           body->references.fetch_add(1, std::memory_order_relaxed);
-          Block<R(A...)> shared;
+          Block<ResultType(Arguments...)> shared;
           shared.body_ = body;
           return shared;
         }),
         shared_(true) {}
-  template <class F>
-  requires blockCallable<F, R(A...)> BlockView(F&& callable)
+  template <class Function>
+  requires blockCallable<Function, ResultType(Arguments...)> BlockView(Function&& callable)
   noexcept
       : object_(addressOf(callable)),
-        call_([](void* object, A... arguments) -> R {
-          return detail::callFitted<R>(borrowed<std::remove_reference_t<F>>(object), std::forward<A>(arguments)...);
+        call_([](void* object, Arguments... arguments) -> ResultType {
+          return detail::callFitted<ResultType>(borrowed<std::remove_reference_t<Function>>(object),
+                                                std::forward<Arguments>(arguments)...);
         }),
-        copy_([](void* object) { return copyOf<std::remove_reference_t<F>>(object); }) {}
+        copy_([](void* object) { return copyOf<std::remove_reference_t<Function>>(object); }) {}
 
   /// Throws: what the callable throws; NSException (InvalidArgument) when there is none.
-  R operator()(A... arguments) const {
+  ResultType operator()(Arguments... arguments) const {
     if (!object_) throwNullBlock();
-    return call_(object_, std::forward<A>(arguments)...);
+    return call_(object_, std::forward<Arguments>(arguments)...);
   }
   explicit operator bool() const noexcept { return object_ != nullptr; }
   /// A share of the block that was passed; null for a plain callable, which the caller keeps alive. No allocation.
-  [[nodiscard]] Block<R(A...)> share() const { return object_ && shared_ ? copy_(object_) : Block<R(A...)>(); }
+  [[nodiscard]] Block<ResultType(Arguments...)> share() const {
+    return object_ && shared_ ? copy_(object_) : Block<ResultType(Arguments...)>();
+  }
   /// A block that outlives the call: shares the block that was passed, or copies the callable. Null for none.
-  [[nodiscard]] Block<R(A...)> copy() const { return object_ ? copy_(object_) : Block<R(A...)>(); }
+  [[nodiscard]] Block<ResultType(Arguments...)> copy() const {
+    return object_ ? copy_(object_) : Block<ResultType(Arguments...)>();
+  }
 
  private:
   // A callable by its address, functions included.
-  template <class F>
-  static void* addressOf(F& callable) noexcept {
-    if constexpr (std::is_function_v<F>) {
+  template <class Function>
+  static void* addressOf(Function& callable) noexcept {
+    if constexpr (std::is_function_v<Function>) {
       return reinterpret_cast<void*>(&callable);
     } else {
       return const_cast<void*>(static_cast<const volatile void*>(std::addressof(callable)));
     }
   }
-  template <class F>
-  static F& borrowed(void* object) noexcept {
-    if constexpr (std::is_function_v<F>) {
-      return *reinterpret_cast<F*>(object);
+  template <class Function>
+  static Function& borrowed(void* object) noexcept {
+    if constexpr (std::is_function_v<Function>) {
+      return *reinterpret_cast<Function*>(object);
     } else {
-      return *static_cast<F*>(object);
+      return *static_cast<Function*>(object);
     }
   }
-  template <class F>
-  static Block<R(A...)> copyOf(void* object) {
-    if constexpr (std::is_copy_constructible_v<std::decay_t<F>>) {
-      return Block<R(A...)>(std::as_const(borrowed<F>(object)));
+  template <class Function>
+  static Block<ResultType(Arguments...)> copyOf(void* object) {
+    if constexpr (std::is_copy_constructible_v<std::decay_t<Function>>) {
+      return Block<ResultType(Arguments...)>(std::as_const(borrowed<Function>(object)));
     } else {
       throwUncopiableBlock();
     }
   }
 
   void* object_ = nullptr;
-  R (*call_)(void*, A...) = nullptr;
-  Block<R(A...)> (*copy_)(void*) = nullptr;
+  ResultType (*call_)(void*, Arguments...) = nullptr;
+  Block<ResultType(Arguments...)> (*copy_)(void*) = nullptr;
   bool shared_ = false;
 };
 

@@ -22,7 +22,7 @@ namespace havrin::inline platform {
 [[nodiscard]] HAVRIN_EXPORT double unboxReal(NSObject* object);
 
 /// How a type travels as an object; types without a specialisation cannot.
-template <class T>
+template <class Type>
 struct Boxing;
 
 template <>
@@ -30,40 +30,40 @@ struct Boxing<bool> {
   static Strong<NSObject> box(bool value) { return boxBoolean(value); }
   static bool unbox(NSObject* object) { return unboxBoolean(object); }
 };
-template <std::floating_point T>
-struct Boxing<T> {
-  static Strong<NSObject> box(T value) { return boxReal(static_cast<double>(value)); }
-  static T unbox(NSObject* object) { return static_cast<T>(unboxReal(object)); }
+template <std::floating_point Type>
+struct Boxing<Type> {
+  static Strong<NSObject> box(Type value) { return boxReal(static_cast<double>(value)); }
+  static Type unbox(NSObject* object) { return static_cast<Type>(unboxReal(object)); }
 };
-template <std::signed_integral T>
-struct Boxing<T> {
-  static Strong<NSObject> box(T value) { return boxInteger(value); }
-  static T unbox(NSObject* object) { return static_cast<T>(unboxInteger(object)); }
+template <std::signed_integral Type>
+struct Boxing<Type> {
+  static Strong<NSObject> box(Type value) { return boxInteger(value); }
+  static Type unbox(NSObject* object) { return static_cast<Type>(unboxInteger(object)); }
 };
-template <std::unsigned_integral T>
-struct Boxing<T> {
-  static Strong<NSObject> box(T value) { return boxUnsigned(value); }
-  static T unbox(NSObject* object) { return static_cast<T>(unboxUnsigned(object)); }
+template <std::unsigned_integral Type>
+struct Boxing<Type> {
+  static Strong<NSObject> box(Type value) { return boxUnsigned(value); }
+  static Type unbox(NSObject* object) { return static_cast<Type>(unboxUnsigned(object)); }
 };
-template <std::derived_from<NSObject> T>
-struct Boxing<T*> {
-  static Strong<NSObject> box(T* value) { return value; }
-  static T* unbox(NSObject* object) { return checkedCast<T>(object); }
+template <std::derived_from<NSObject> Type>
+struct Boxing<Type*> {
+  static Strong<NSObject> box(Type* value) { return value; }
+  static Type* unbox(NSObject* object) { return checkedCast<Type>(object); }
 };
-template <std::derived_from<NSObject> T>
-struct Boxing<Strong<T>> {
-  static Strong<NSObject> box(Strong<T> value) { return value; }
-  static Strong<T> unbox(NSObject* object) { return checkedCast<T>(object); }
+template <std::derived_from<NSObject> Type>
+struct Boxing<Strong<Type>> {
+  static Strong<NSObject> box(Strong<Type> value) { return value; }
+  static Strong<Type> unbox(NSObject* object) { return checkedCast<Type>(object); }
 };
 
-template <class T>
-concept Boxable = std::is_void_v<T> || requires(T value) {
-  Boxing<T>::box(value);
+template <class Type>
+concept Boxable = std::is_void_v<Type> || requires(Type value) {
+  Boxing<Type>::box(value);
 };
 
 /// What the runtime knows of a message's types.
 struct SignatureInfo {
-  const std::type_info* type;  // of the function type R(A...): equal across images
+  const std::type_info* type;  // of the function type Result(Arguments...): equal across images
   std::size_t argumentCount;
   bool takesNull;  // every argument is an object
   /// Calls an implementation of this signature with objects. Null when some type of it cannot be boxed.
@@ -72,33 +72,33 @@ struct SignatureInfo {
 
 namespace detail {
 
-template <class R, class... A>
+template <class Result, class... Arguments>
 Strong<NSObject> callBoxed(Implementation implementation, NSObject* self, [[maybe_unused]] NSObject* const* arguments) {
-  const auto function = reinterpret_cast<R (*)(NSObject*, A...)>(implementation);
-  return [&]<std::size_t... I>(std::index_sequence<I...>)->Strong<NSObject> {
-    if constexpr (std::is_void_v<R>) {
-      function(self, Boxing<A>::unbox(arguments[I])...);
+  const auto function = reinterpret_cast<Result (*)(NSObject*, Arguments...)>(implementation);
+  return [&]<std::size_t... Index>(std::index_sequence<Index...>)->Strong<NSObject> {
+    if constexpr (std::is_void_v<Result>) {
+      function(self, Boxing<Arguments>::unbox(arguments[Index])...);
       return nullptr;
     } else {
-      return Boxing<R>::box(function(self, Boxing<A>::unbox(arguments[I])...));
+      return Boxing<Result>::box(function(self, Boxing<Arguments>::unbox(arguments[Index])...));
     }
   }
-  (std::index_sequence_for<A...>{});
+  (std::index_sequence_for<Arguments...>{});
 }
 
-template <class F>
+template <class Function>
 struct SignatureInfoOf;
-template <class R, class... A>
-struct SignatureInfoOf<R(A...)> {
+template <class Result, class... Arguments>
+struct SignatureInfoOf<Result(Arguments...)> {
   static constexpr auto call() -> decltype(SignatureInfo::call) {
-    if constexpr (Boxable<R> && (Boxable<A> && ...)) {
-      return &callBoxed<R, A...>;
+    if constexpr (Boxable<Result> && (Boxable<Arguments> && ...)) {
+      return &callBoxed<Result, Arguments...>;
     } else {
       return nullptr;
     }
   }
-  static constexpr SignatureInfo info{&typeid(R(A...)), sizeof...(A), (std::is_convertible_v<std::nullptr_t, A> && ...),
-                                      call()};
+  static constexpr SignatureInfo info{&typeid(Result(Arguments...)), sizeof...(Arguments),
+                                      (std::is_convertible_v<std::nullptr_t, Arguments> && ...), call()};
 };
 
 }  // namespace detail

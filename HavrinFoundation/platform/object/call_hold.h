@@ -28,42 +28,43 @@ struct Held {
   static bool mayRunProgram(const Argument&) noexcept { return false; }
 };
 
-template <std::derived_from<NSObject> T>
-struct Held<T*> {
+template <std::derived_from<NSObject> Type>
+struct Held<Type*> {
   Strong<NSObject> object;
 
-  Held(T* argument, bool hold) noexcept : object(hold ? const_cast<std::remove_cv_t<T>*>(argument) : nullptr) {}
-  static bool mayRunProgram(T* argument) noexcept { return detail::mayRunProgram(argument); }
+  Held(Type* argument, bool hold) noexcept : object(hold ? const_cast<std::remove_cv_t<Type>*>(argument) : nullptr) {}
+  static bool mayRunProgram(Type* argument) noexcept { return detail::mayRunProgram(argument); }
 };
 
-template <class F>
-struct Held<Block<F>> {
-  Block<F> block;
+template <class Function>
+struct Held<Block<Function>> {
+  Block<Function> block;
 
-  Held(const Block<F>& argument, bool) noexcept : block(argument) {}
-  static bool mayRunProgram(const Block<F>&) noexcept { return true; }
+  Held(const Block<Function>& argument, bool) noexcept : block(argument) {}
+  static bool mayRunProgram(const Block<Function>&) noexcept { return true; }
 };
 
-template <class F>
-struct Held<BlockView<F>> {
-  Block<F> block;
+template <class Function>
+struct Held<BlockView<Function>> {
+  Block<Function> block;
 
-  Held(const BlockView<F>& argument, bool) noexcept : block(argument.share()) {}
-  static bool mayRunProgram(const BlockView<F>&) noexcept { return true; }
+  Held(const BlockView<Function>& argument, bool) noexcept : block(argument.share()) {}
+  static bool mayRunProgram(const BlockView<Function>&) noexcept { return true; }
 };
 
-template <class Body, class... H>
-decltype(auto) whileHolding(Body&& body, const H&...) {
+template <class Body, class... Holders>
+decltype(auto) whileHolding(Body&& body, const Holders&...) {
   return body();
 }
 
 /// Calls `body` while the arguments, and the receiver where there is one to hold, are held. `runsProgram`: the method may
 /// run code of the program whatever the objects are.
-template <class... A, class Body>
-decltype(auto) callHeld(Body&& body, bool runsProgram, NSObject* receiver, const std::remove_cvref_t<A>&... arguments) {
-  const bool hold = runsProgram || (Held<std::remove_cvref_t<A>>::mayRunProgram(arguments) || ...);
+template <class... Arguments, class Body>
+decltype(auto) callHeld(Body&& body, bool runsProgram, NSObject* receiver,
+                        const std::remove_cvref_t<Arguments>&... arguments) {
+  const bool hold = runsProgram || (Held<std::remove_cvref_t<Arguments>>::mayRunProgram(arguments) || ...);
   return whileHolding(std::forward<Body>(body), Held<NSObject*>(receiver, hold),
-                      Held<std::remove_cvref_t<A>>(arguments, hold)...);
+                      Held<std::remove_cvref_t<Arguments>>(arguments, hold)...);
 }
 
 }  // namespace detail

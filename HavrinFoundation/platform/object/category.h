@@ -65,87 +65,91 @@ namespace detail {
 
 // The twin of a setter that the notifying class of an observed object answers. The setter of the class below is called,
 // so that a subclass's override takes part inside the notification.
-template <Text S, class A>
-void notifyingSetter(NSObject* self, A value) {
+template <Text Name, class Arguments>
+void notifyingSetter(NSObject* self, Arguments value) {
   struct Change {
     NSObject* self;
-    A& value;
+    Arguments& value;
   } change{self, value};
   notifyChange(
-      self, selector<S>,
+      self, selector<Name>,
       [](void* context) {
         auto& [object, argument] = *static_cast<Change*>(context);
         ClassObject* below = dispatchClass(object)->shown();
-        Implementation setter = below->cached(selector<S>.number.load(std::memory_order_relaxed));
-        if (!setter) setter = below->resolve(selector<S>, typeid(void(A)), object);
-        reinterpret_cast<void (*)(NSObject*, A)>(setter)(object, std::forward<A>(argument));
+        Implementation setter = below->cached(selector<Name>.number.load(std::memory_order_relaxed));
+        if (!setter) setter = below->resolve(selector<Name>, typeid(void(Arguments)), object);
+        reinterpret_cast<void (*)(NSObject*, Arguments)>(setter)(object, std::forward<Arguments>(argument));
       },
       &change);
 }
 
-template <Text S, class F>
+template <Text Name, class FunctionType>
 struct Twin {
   static constexpr bool exists = false;
 };
-template <Text S, class A>
-requires(isSetterSelector(S.view())) struct Twin<S, void(A)> {
+template <Text Name, class Arguments>
+requires(isSetterSelector(Name.view())) struct Twin<Name, void(Arguments)> {
   static constexpr bool exists = true;
-  static Implementation get() { return reinterpret_cast<Implementation>(&notifyingSetter<S, A>); }
+  static Implementation get() { return reinterpret_cast<Implementation>(&notifyingSetter<Name, Arguments>); }
 };
 
 // Answers the function Trampoline::call, or its notifying twin.
-template <Text S, class F, class Trampoline>
+template <Text Name, class FunctionType, class Trampoline>
 Implementation implementationOf(bool observed) {
-  if constexpr (Twin<S, F>::exists) {
-    if (observed) return Twin<S, F>::get();
+  if constexpr (Twin<Name, FunctionType>::exists) {
+    if (observed) return Twin<Name, FunctionType>::get();
   }
   return reinterpret_cast<Implementation>(&Trampoline::call);
 }
 
-template <class C, auto Function, class F>
+template <class ClassType, auto Function, class FunctionType>
 struct CategoryTrampoline;
-template <class C, auto Function, class R, class... A>
-struct CategoryTrampoline<C, Function, R(A...)> {
-  static constexpr bool fits = std::is_invocable_r_v<R, decltype(Function), C&, A...>;
-  static R call(NSObject* self, A... arguments) {
-    return callHeld<A...>([&]() -> R { return Function(static_cast<C&>(*self), std::forward<A>(arguments)...); },
-                          mayRunProgram(self), self, arguments...);
+template <class ClassType, auto Function, class Result, class... Arguments>
+struct CategoryTrampoline<ClassType, Function, Result(Arguments...)> {
+  static constexpr bool fits = std::is_invocable_r_v<Result, decltype(Function), ClassType&, Arguments...>;
+  static Result call(NSObject* self, Arguments... arguments) {
+    return callHeld<Arguments...>(
+        [&]() -> Result { return Function(static_cast<ClassType&>(*self), std::forward<Arguments>(arguments)...); },
+        mayRunProgram(self), self, arguments...);
   }
 };
-template <class C, auto Function, class F>
+template <class ClassType, auto Function, class FunctionType>
 struct ClassTrampoline;
-template <class C, auto Function, class R, class... A>
-struct ClassTrampoline<C, Function, R(A...)> {
-  static constexpr bool fits = std::is_invocable_r_v<R, decltype(Function), ClassOf<C>, A...>;
-  static R call(NSObject* self, A... arguments) {
-    return callHeld<A...>(
-        [&]() -> R { return Function(ClassOf<C>(static_cast<ClassObject*>(self)), std::forward<A>(arguments)...); },
+template <class ClassType, auto Function, class Result, class... Arguments>
+struct ClassTrampoline<ClassType, Function, Result(Arguments...)> {
+  static constexpr bool fits = std::is_invocable_r_v<Result, decltype(Function), ClassOf<ClassType>, Arguments...>;
+  static Result call(NSObject* self, Arguments... arguments) {
+    return callHeld<Arguments...>(
+        [&]() -> Result {
+          return Function(ClassOf<ClassType>(static_cast<ClassObject*>(self)), std::forward<Arguments>(arguments)...);
+        },
         !static_cast<ClassObject*>(self)->isLeaf(), nullptr, arguments...);  // a class outlives every call
   }
 };
 
-template <Text S, class Declaration, class Trampoline>
+template <Text Name, class Declaration, class Trampoline>
 constexpr MethodRow rowOf() {
   static_assert(Trampoline::fits, "row: the function differs from the declared message");
-  return {&selector<S>, &implementationOf<S, typename Declaration::Type, Trampoline>,
+  return {&selector<Name>, &implementationOf<Name, typename Declaration::Type, Trampoline>,
           &SignatureInfoOf<typename Declaration::Type>::info};
 }
 
 }  // namespace detail
 
-/// The row that gives instances of C the method `Function` for the declared message S.
-template <class C, Text S, auto Function>
+/// The row that gives instances of ClassType the method `Function` for the declared message Name.
+template <class ClassType, Text Name, auto Function>
 [[nodiscard]] constexpr MethodRow row() {
-  using Declaration = detail::MessageOf<C, S>;
+  using Declaration = detail::MessageOf<ClassType, Name>;
   static_assert(!std::is_same_v<Declaration, detail::NotFound>, "row: the class declares no such message");
-  return detail::rowOf<S, Declaration, detail::CategoryTrampoline<C, Function, typename Declaration::Type>>();
+  return detail::rowOf<Name, Declaration,
+                       detail::CategoryTrampoline<ClassType, Function, typename Declaration::Type>>();
 }
-/// The row that gives the class C itself the method `Function` for the declared class message S.
-template <class C, Text S, auto Function>
+/// The row that gives the class ClassType itself the method `Function` for the declared class message Name.
+template <class ClassType, Text Name, auto Function>
 [[nodiscard]] constexpr MethodRow classRow() {
-  using Declaration = detail::ClassMessageOf<C, S>;
+  using Declaration = detail::ClassMessageOf<ClassType, Name>;
   static_assert(!std::is_same_v<Declaration, detail::NotFound>, "classRow: the class declares no such message");
-  return detail::rowOf<S, Declaration, detail::ClassTrampoline<C, Function, typename Declaration::Type>>();
+  return detail::rowOf<Name, Declaration, detail::ClassTrampoline<ClassType, Function, typename Declaration::Type>>();
 }
 
 }  // namespace havrin::inline platform

@@ -103,7 +103,7 @@ T& made(std::atomic<T*>& place, T* missing) {
 
 template <class T>
 std::atomic<T>& ClassObject::ownSlot(Pages<T>& pages, std::uint32_t number, Page<T>* missing) {
-  return made(pages[number / kPageSlots], missing).slots[number % kPageSlots];
+  return made(pages[number / kPageSlots], missing).entries[number % kPageSlots];
 }
 
 ClassObject* ClassObject::place(std::string_view name, ClassObject* superclass, ClassObject* metaclass) {
@@ -194,7 +194,7 @@ const MethodRow* ClassObject::row(Selector selector) const {
   const std::uint32_t number = selector.number();
   if (const auto* asked = askedRows_.load(std::memory_order_acquire)) {
     if (const auto* page = (*asked)[number / kPageSlots].load(std::memory_order_acquire)) {
-      if (const MethodRow* known = page->slots[number % kPageSlots].load(std::memory_order_acquire)) return known;
+      if (const MethodRow* known = page->entries[number % kPageSlots].load(std::memory_order_acquire)) return known;
     }
   }
   if (!selector) return nullptr;

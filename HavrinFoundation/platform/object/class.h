@@ -82,7 +82,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   [[nodiscard]] Implementation cached(std::uint32_t number) const {
     return methods_[number / kPageSlots]
         .load(std::memory_order_acquire)
-        ->slots[number % kPageSlots]
+        ->entries[number % kPageSlots]
         .load(std::memory_order_acquire);
   }
   /// The method that answers `selector` with exactly this signature. Throws: NSException (InvalidArgument) when there
@@ -110,16 +110,16 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   friend struct Runtime;
   ClassObject(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
   static ClassObject* place(std::string_view name, ClassObject* superclass, ClassObject* metaclass);
-  template <class T>
+  template <class Type>
   struct Page {
-    std::array<std::atomic<T>, kPageSlots> slots{};
+    std::array<std::atomic<Type>, kPageSlots> entries{};
   };
-  template <class T>
-  using Pages = std::array<std::atomic<Page<T>*>, kPages>;
+  template <class Type>
+  using Pages = std::array<std::atomic<Page<Type>*>, kPages>;
   /// What every entry of a new table refers to, so that a read needs no test for a missing page. Stays empty.
   static Page<Implementation> noMethods;
-  template <class T>
-  static std::atomic<T>& ownSlot(Pages<T>& pages, std::uint32_t number, Page<T>* missing);
+  template <class Type>
+  static std::atomic<Type>& ownSlot(Pages<Type>& pages, std::uint32_t number, Page<Type>* missing);
   [[nodiscard]] bool inheritsDeep(const ClassObject* other) const;
   [[nodiscard]] const MethodRow* findRow(const SelectorRecord* record) const;
 
@@ -166,75 +166,75 @@ class HAVRIN_EXPORT Class {
   ClassObject* object_ = nullptr;
 };
 
-/// A class whose instances are known to be of C or a subclass.
-template <class C>
+/// A class whose instances are known to be of ClassType or a subclass.
+template <class ClassType>
 class ClassOf : public Class {
  public:
-  using Instance = C;
+  using Instance = ClassType;
   using Class::Class;
-  template <class D>
-  requires std::derived_from<D, C> ClassOf(ClassOf<D> other) : Class(other.object()) {}
+  template <class Derived>
+  requires std::derived_from<Derived, ClassType> ClassOf(ClassOf<Derived> other) : Class(other.object()) {}
 };
 
 /// A new object of a class known at run time, in its empty state. Throws: NSException (InvalidArgument) when the class
 /// cannot be made without arguments.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSObject> alloc(Class cls);
-template <class C>
-[[nodiscard]] Strong<C> alloc(ClassOf<C> cls) {
-  return Strong<C>::adopt(static_cast<C*>(alloc(static_cast<Class>(cls)).detach()));
+template <class ClassType>
+[[nodiscard]] Strong<ClassType> alloc(ClassOf<ClassType> cls) {
+  return Strong<ClassType>::adopt(static_cast<ClassType*>(alloc(static_cast<Class>(cls)).detach()));
 }
 
-template <class T>
+template <class Type>
 inline constinit std::atomic<ClassObject*> classCache{nullptr};
 
-template <class T>
+template <class Type>
 ClassObject* buildClass();  // members.h
 
-/// The class object of T, built at first use.
-template <class T>
+/// The class object of Type, built at first use.
+template <class Type>
 [[nodiscard]] ClassObject* classObject() {
-  if (ClassObject* cls = classCache<T>.load(std::memory_order_acquire)) [[likely]]
+  if (ClassObject* cls = classCache<Type>.load(std::memory_order_acquire)) [[likely]]
     return cls;
-  return buildClass<T>();
+  return buildClass<Type>();
 }
 
-template <class T>
-[[nodiscard]] ClassOf<T> classOf() {
-  return ClassOf<T>(classObject<T>());
+template <class Type>
+[[nodiscard]] ClassOf<Type> classOf() {
+  return ClassOf<Type>(classObject<Type>());
 }
 /// The class of an object as the program sees it, observed or not.
-template <std::derived_from<NSObject> T>
-[[nodiscard]] ClassOf<T> classOf(const T& object) {
-  return ClassOf<T>(dispatchClass(&object)->shown());
+template <std::derived_from<NSObject> Type>
+[[nodiscard]] ClassOf<Type> classOf(const Type& object) {
+  return ClassOf<Type>(dispatchClass(&object)->shown());
 }
 
-/// True when `object` is a T; false for null. Not asked as a message: casts that overrides may answer are messages.
-template <class T>
+/// True when `object` is a Type; false for null. Not asked as a message: casts that overrides may answer are messages.
+template <class Type>
 [[nodiscard]] bool isKind(const NSObject* object) {
-  return object && dispatchClass(object)->inheritsFrom(classObject<T>());
+  return object && dispatchClass(object)->inheritsFrom(classObject<Type>());
 }
-/// `object` as a T, or null when it is null or none. Cost: two loads and a compare.
-template <class T>
-[[nodiscard]] T* cast(NSObject* object) {
-  return isKind<T>(object) ? static_cast<T*>(object) : nullptr;
+/// `object` as a Type, or null when it is null or none. Cost: two loads and a compare.
+template <class Type>
+[[nodiscard]] Type* cast(NSObject* object) {
+  return isKind<Type>(object) ? static_cast<Type*>(object) : nullptr;
 }
-template <class T>
-[[nodiscard]] const T* cast(const NSObject* object) {
-  return isKind<T>(object) ? static_cast<const T*>(object) : nullptr;
+template <class Type>
+[[nodiscard]] const Type* cast(const NSObject* object) {
+  return isKind<Type>(object) ? static_cast<const Type*>(object) : nullptr;
 }
 
 /// Throws NSException (InvalidArgument): an object of one class came where another was asked for.
 [[noreturn]] HAVRIN_EXPORT void throwWrongClass(const NSObject* object, std::string_view wanted);
 
-template <class D>
-D* checkedCast(NSObject* object) {
-  if (object && !isKind<D>(object)) throwWrongClass(object, typeName<D>());
-  return static_cast<D*>(object);
+template <class Derived>
+Derived* checkedCast(NSObject* object) {
+  if (object && !isKind<Derived>(object)) throwWrongClass(object, typeName<Derived>());
+  return static_cast<Derived*>(object);
 }
-template <class D>
-D& checkedReference(NSObject* object) {
-  if (!isKind<D>(object)) throwWrongClass(object, typeName<D>());
-  return *static_cast<D*>(object);
+template <class Derived>
+Derived& checkedReference(NSObject* object) {
+  if (!isKind<Derived>(object)) throwWrongClass(object, typeName<Derived>());
+  return *static_cast<Derived*>(object);
 }
 
 }  // namespace havrin::inline platform

@@ -30,134 +30,140 @@
 
 namespace havrin::inline platform {
 
-template <class... T>
+template <class... ValueType>
 struct List {};
 
 namespace detail {
 
-template <class F>
+template <class FunctionType>
 struct MemberType;
-template <class R, class C, class... A>
-struct MemberType<R (C::*)(A...)> {
-  using Type = R(A...);
+template <class Result, class ClassType, class... Arguments>
+struct MemberType<Result (ClassType::*)(Arguments...)> {
+  using Type = Result(Arguments...);
 };
-template <class R, class C, class... A>
-struct MemberType<R (C::*)(A...) const> : MemberType<R (C::*)(A...)> {};
-template <class R, class C, class... A>
-struct MemberType<R (C::*)(A...) noexcept> : MemberType<R (C::*)(A...)> {};
-template <class R, class C, class... A>
-struct MemberType<R (C::*)(A...) const noexcept> : MemberType<R (C::*)(A...)> {};
-template <class T, class C>
-requires(!std::is_function_v<T>) struct MemberType<T C::*> {
-  using Type = T;
+template <class Result, class ClassType, class... Arguments>
+struct MemberType<Result (ClassType::*)(Arguments...) const> : MemberType<Result (ClassType::*)(Arguments...)> {};
+template <class Result, class ClassType, class... Arguments>
+struct MemberType<Result (ClassType::*)(Arguments...) noexcept> : MemberType<Result (ClassType::*)(Arguments...)> {};
+template <class Result, class ClassType, class... Arguments>
+struct MemberType<Result (ClassType::*)(Arguments...) const noexcept>
+    : MemberType<Result (ClassType::*)(Arguments...)> {};
+template <class ValueType, class ClassType>
+requires(!std::is_function_v<ValueType>) struct MemberType<ValueType ClassType::*> {
+  using Type = ValueType;
 };
 
 // How a property's field travels: references as Strong out and plain pointer in, everything else by value.
-template <class T>
+template <class ValueType>
 struct FieldTypes {
-  using Out = T;
-  using In = T;
-  static Out read(const T& field) { return field; }
+  using Out = ValueType;
+  using In = ValueType;
+  static Out read(const ValueType& field) { return field; }
 };
-template <class T>
-struct FieldTypes<Strong<T>> {
-  using Out = Strong<T>;
-  using In = T*;
-  static Out read(const Strong<T>& field) { return field; }
+template <class ValueType>
+struct FieldTypes<Strong<ValueType>> {
+  using Out = Strong<ValueType>;
+  using In = ValueType*;
+  static Out read(const Strong<ValueType>& field) { return field; }
 };
-template <class T>
-struct FieldTypes<Weak<T>> {
-  using Out = Strong<T>;
-  using In = T*;
-  static Out read(const Weak<T>& field) { return field.lock(); }
+template <class ValueType>
+struct FieldTypes<Weak<ValueType>> {
+  using Out = Strong<ValueType>;
+  using In = ValueType*;
+  static Out read(const Weak<ValueType>& field) { return field.lock(); }
 };
 
-template <Text A, Text B>
-inline constexpr bool sameText = A.view() == B.view();
+template <Text Arguments, Text Second>
+inline constexpr bool sameText = Arguments.view() == Second.view();
 
-template <class C, auto Member, class F>
+template <class ClassType, auto Member, class FunctionType>
 struct MemberTrampoline;
-template <class C, auto Member, class R, class... A>
-struct MemberTrampoline<C, Member, R(A...)> {
-  static constexpr bool fits = std::is_invocable_r_v<R, decltype(Member), C&, A...>;
-  static R call(NSObject* self, A... arguments) {
-    return (static_cast<C*>(self)->*Member)(std::forward<A>(arguments)...);
+template <class ClassType, auto Member, class Result, class... Arguments>
+struct MemberTrampoline<ClassType, Member, Result(Arguments...)> {
+  static constexpr bool fits = std::is_invocable_r_v<Result, decltype(Member), ClassType&, Arguments...>;
+  static Result call(NSObject* self, Arguments... arguments) {
+    return (static_cast<ClassType*>(self)->*Member)(std::forward<Arguments>(arguments)...);
   }
 };
 // As MemberTrampoline, and receiver and arguments are kept alive for the call.
-template <class C, auto Member, class F>
+template <class ClassType, auto Member, class FunctionType>
 struct HeldMemberTrampoline;
-template <class C, auto Member, class R, class... A>
-struct HeldMemberTrampoline<C, Member, R(A...)> : MemberTrampoline<C, Member, R(A...)> {
-  static R call(NSObject* self, A... arguments) {
-    return callHeld<A...>([&]() -> R { return (static_cast<C*>(self)->*Member)(std::forward<A>(arguments)...); },
-                          mayRunProgram(self), self, arguments...);
+template <class ClassType, auto Member, class Result, class... Arguments>
+struct HeldMemberTrampoline<ClassType, Member, Result(Arguments...)>
+    : MemberTrampoline<ClassType, Member, Result(Arguments...)> {
+  static Result call(NSObject* self, Arguments... arguments) {
+    return callHeld<Arguments...>(
+        [&]() -> Result { return (static_cast<ClassType*>(self)->*Member)(std::forward<Arguments>(arguments)...); },
+        mayRunProgram(self), self, arguments...);
   }
 };
-template <class C, auto Field, class T>
+template <class ClassType, auto Field, class ValueType>
 struct GetterTrampoline {
   static constexpr bool fits = true;
-  static typename FieldTypes<T>::Out call(NSObject* self) { return FieldTypes<T>::read(static_cast<C*>(self)->*Field); }
+  static typename FieldTypes<ValueType>::Out call(NSObject* self) {
+    return FieldTypes<ValueType>::read(static_cast<ClassType*>(self)->*Field);
+  }
 };
-template <class C, auto Field, class T>
+template <class ClassType, auto Field, class ValueType>
 struct SetterTrampoline {
   static constexpr bool fits = true;
-  static void call(NSObject* self, typename FieldTypes<T>::In value) {
-    static_cast<C*>(self)->*Field = T(std::move(value));
+  static void call(NSObject* self, typename FieldTypes<ValueType>::In value) {
+    static_cast<ClassType*>(self)->*Field = ValueType(std::move(value));
   }
 };
 
 }  // namespace detail
 
-/// A method: the message `S` calls the member function.
-template <Text S, auto Member>
+/// A method: the message `Name` calls the member function.
+template <Text Name, auto Member>
 struct Method {
   template <Text Other>
-  static constexpr bool declares = detail::sameText<S, Other>;
+  static constexpr bool declares = detail::sameText<Name, Other>;
   template <Text>
   using Lookup = detail::MemberType<decltype(Member)>;
   static constexpr std::size_t kRowCount = 1;
-  template <class C>
+  template <class ClassType>
   static constexpr std::array<MethodRow, 1> rows() {
-    using Declared = detail::MessageOf<C, S>;
-    return {detail::rowOf<S, Declared, detail::MemberTrampoline<C, Member, typename Declared::Type>>()};
+    using Declared = detail::MessageOf<ClassType, Name>;
+    return {detail::rowOf<Name, Declared, detail::MemberTrampoline<ClassType, Member, typename Declared::Type>>()};
   }
 };
 
 /// A method that calls blocks or sends messages while it works with its receiver or arguments: as `Method`, and both are
 /// kept alive for the call, whatever the code it runs drops. Cost: two atomic counts for each object.
-template <Text S, auto Member>
-struct HeldMethod : Method<S, Member> {
-  template <class C>
+template <Text Name, auto Member>
+struct HeldMethod : Method<Name, Member> {
+  template <class ClassType>
   static constexpr std::array<MethodRow, 1> rows() {
-    using Declared = detail::MessageOf<C, S>;
-    return {detail::rowOf<S, Declared, detail::HeldMemberTrampoline<C, Member, typename Declared::Type>>()};
+    using Declared = detail::MessageOf<ClassType, Name>;
+    return {detail::rowOf<Name, Declared, detail::HeldMemberTrampoline<ClassType, Member, typename Declared::Type>>()};
   }
 };
 
-/// A class method: the message `S` to the class calls the static function, which takes the receiving `ClassOf` first.
-template <Text S, auto Function>
+/// A class method: the message `Name` to the class calls the static function, which takes the receiving `ClassOf`
+/// first.
+template <Text Name, auto Function>
 struct ClassMethod {
-  template <class F>
+  template <class FunctionType>
   struct Types;
-  template <class R, class C, class... A>
-  struct Types<R (*)(ClassOf<C>, A...)> {
-    using Type = R(A...);
+  template <class Result, class ClassType, class... Arguments>
+  struct Types<Result (*)(ClassOf<ClassType>, Arguments...)> {
+    using Type = Result(Arguments...);
   };
   template <Text Other>
-  static constexpr bool declares = detail::sameText<S, Other>;
+  static constexpr bool declares = detail::sameText<Name, Other>;
   template <Text>
   using Lookup = Types<decltype(Function)>;
   static constexpr std::size_t kRowCount = 1;
-  template <class C>
+  template <class ClassType>
   static constexpr std::array<MethodRow, 1> rows() {
-    using Declared = detail::ClassMessageOf<C, S>;
-    return {detail::rowOf<S, Declared, detail::ClassTrampoline<C, Function, typename Declared::Type>>()};
+    using Declared = detail::ClassMessageOf<ClassType, Name>;
+    return {detail::rowOf<Name, Declared, detail::ClassTrampoline<ClassType, Function, typename Declared::Type>>()};
   }
 };
 
-/// A property over a field: "title" and "setTitle:". A field `Strong<T>` or `Weak<T>` is read as `Strong<T>` and set
-/// from `T*`; other fields travel by value.
+/// A property over a field: "title" and "setTitle:". A field `Strong<ValueType>` or `Weak<ValueType>` is read as
+/// `Strong<ValueType>` and set from `ValueType*`; other fields travel by value.
 template <Text Key, auto Field>
 struct Property {
   using Value = typename detail::MemberType<decltype(Field)>::Type;
@@ -174,31 +180,31 @@ struct Property {
   template <Text Other>
   using Lookup = std::conditional_t<detail::sameText<Key, Other>, Getter, Setter>;
   static constexpr std::size_t kRowCount = 2;
-  template <class C>
+  template <class ClassType>
   static constexpr std::array<MethodRow, 2> rows() {
     constexpr auto kSetter = setterSelector<Key>;
-    using Get = detail::MessageOf<C, Key>;
-    using Set = detail::MessageOf<C, kSetter>;
+    using Get = detail::MessageOf<ClassType, Key>;
+    using Set = detail::MessageOf<ClassType, kSetter>;
     static_assert(std::is_same_v<typename Get::Type, Out()> && std::is_same_v<typename Set::Type, void(In)>,
                   "Property: a superclass declares this key with another type");
-    return {detail::rowOf<Key, Get, detail::GetterTrampoline<C, Field, Value>>(),
-            detail::rowOf<kSetter, Set, detail::SetterTrampoline<C, Field, Value>>()};
+    return {detail::rowOf<Key, Get, detail::GetterTrampoline<ClassType, Field, Value>>(),
+            detail::rowOf<kSetter, Set, detail::SetterTrampoline<ClassType, Field, Value>>()};
   }
 };
 
 namespace detail {
 
-template <class C, class L>
+template <class ClassType, class Lists>
 struct RowsOf;
-template <class C, class... M>
-struct RowsOf<C, List<M...>> {
-  static constexpr std::size_t kCount = (M::kRowCount + ... + 0);
+template <class ClassType, class... Entries>
+struct RowsOf<ClassType, List<Entries...>> {
+  static constexpr std::size_t kCount = (Entries::kRowCount + ... + 0);
   static constexpr std::array<MethodRow, kCount> make() {
     std::array<MethodRow, kCount> all{};
     [[maybe_unused]] std::size_t next = 0;
     (
         [&] {
-          for (const MethodRow& one : M::template rows<C>()) all[next++] = one;
+          for (const MethodRow& one : Entries::template rows<ClassType>()) all[next++] = one;
         }(),
         ...);
     return all;
@@ -206,25 +212,25 @@ struct RowsOf<C, List<M...>> {
   static constexpr std::array<MethodRow, kCount> rows = make();
 };
 
-template <class... P>
-std::span<const AnyProtocol* const> protocolList(List<P...>) {
-  return ParentProtocols<P...>::list();
+template <class... Parent>
+std::span<const AnyProtocol* const> protocolList(List<Parent...>) {
+  return ParentProtocols<Parent...>::list();
 }
 
 // A class says of itself, and of none of its subclasses, that its methods run no code of the program: `using Leaf = Me;`.
-template <class T>
+template <class ValueType>
 constexpr bool isLeaf() {
-  if constexpr (requires { typename T::Leaf; }) {
-    return std::is_same_v<typename T::Leaf, T>;
+  if constexpr (requires { typename ValueType::Leaf; }) {
+    return std::is_same_v<typename ValueType::Leaf, ValueType>;
   } else {
     return false;
   }
 }
 
-template <class T>
+template <class ValueType>
 constexpr auto creator() -> Strong<NSObject> (*)() {
-  if constexpr (std::is_default_constructible_v<T> && !std::is_abstract_v<T>) {
-    return [] { return Strong<NSObject>(make<T>()); };
+  if constexpr (std::is_default_constructible_v<ValueType> && !std::is_abstract_v<ValueType>) {
+    return [] { return Strong<NSObject>(make<ValueType>()); };
   } else {
     return nullptr;
   }
@@ -232,25 +238,26 @@ constexpr auto creator() -> Strong<NSObject> (*)() {
 
 }  // namespace detail
 
-/// What the runtime is told of the class T.
-template <class T>
+/// What the runtime is told of the class ValueType.
+template <class ValueType>
 ClassDescription describeClass(ClassObject* superclass) {
-  return {.type = &typeid(T),
-          .name = typeName<T>(),
+  return {.type = &typeid(ValueType),
+          .name = typeName<ValueType>(),
           .superclass = superclass,
-          .isLeaf = detail::isLeaf<T>(),
-          .create = detail::creator<T>(),
-          .rows = detail::RowsOf<T, typename T::Members>::rows,
-          .classRows = detail::RowsOf<T, typename T::ClassMembers>::rows,
-          .protocols = detail::protocolList(typename T::Protocols{})};
+          .isLeaf = detail::isLeaf<ValueType>(),
+          .create = detail::creator<ValueType>(),
+          .rows = detail::RowsOf<ValueType, typename ValueType::Members>::rows,
+          .classRows = detail::RowsOf<ValueType, typename ValueType::ClassMembers>::rows,
+          .protocols = detail::protocolList(typename ValueType::Protocols{})};
 }
 
-template <class T>
+template <class ValueType>
 ClassObject* buildClass() {
   ClassObject* superclass = nullptr;
-  if constexpr (!std::is_void_v<typename T::Superclass>) superclass = classObject<typename T::Superclass>();
-  ClassObject* cls = ClassObject::build(describeClass<T>(superclass));
-  classCache<T>.store(cls, std::memory_order_release);
+  if constexpr (!std::is_void_v<typename ValueType::Superclass>)
+    superclass = classObject<typename ValueType::Superclass>();
+  ClassObject* cls = ClassObject::build(describeClass<ValueType>(superclass));
+  classCache<ValueType>.store(cls, std::memory_order_release);
   return cls;
 }
 
@@ -275,8 +282,9 @@ class HAVRIN_EXPORT Object : public Super {
 
  protected:
   Object() requires(std::is_same_v<Super, NSObject>) : Super(NSObject::Named{typeName<Me>()}) { become<Me>(); }
-  template <class... A>
-  requires(!std::is_same_v<Super, NSObject>) explicit Object(A&&... arguments) : Super(std::forward<A>(arguments)...) {
+  template <class... Arguments>
+  requires(!std::is_same_v<Super, NSObject>) explicit Object(Arguments&&... arguments)
+      : Super(std::forward<Arguments>(arguments)...) {
     // An object that a base class's constructor has made observed stays so.
     const bool observed = dispatchClass(this)->isNotifying();
     become<Me>();
@@ -286,15 +294,15 @@ class HAVRIN_EXPORT Object : public Super {
   constexpr explicit Object(NSObject::Placed placed) noexcept : Super(placed) {}
 
   /// Sets the property `Key` by its message, so that overrides and observers take part.
-  template <Text Key, class V>
-  void set(V&& value) {
-    send<setterSelector<Key>>(static_cast<Me&>(*this), std::forward<V>(value));
+  template <Text Key, class Given>
+  void set(Given&& value) {
+    send<setterSelector<Key>>(static_cast<Me&>(*this), std::forward<Given>(value));
   }
 
  private:
-  template <class T>
+  template <class ValueType>
   void become() {
-    headerOf(this).cls.store(classObject<T>(), std::memory_order_relaxed);
+    headerOf(this).cls.store(classObject<ValueType>(), std::memory_order_relaxed);
   }
 };
 

@@ -31,27 +31,28 @@ namespace havrin::inline platform {
 struct Self;
 
 /// The types of a message, without its receiver.
-template <class F>
+template <class FunctionType>
 struct Signature {
-  using Type = F;
+  using Type = FunctionType;
 };
 
-/// Declares a message that instances of C and its subclasses answer. Specialise it with a Signature as its base.
-template <class C, Text S>
+/// Declares a message that instances of ClassType and its subclasses answer. Specialise it with a Signature as its
+/// base.
+template <class ClassType, Text Name>
 struct Message;
-/// Declares a message that the class C and its subclasses answer.
-template <class C, Text S>
+/// Declares a message that the class ClassType and its subclasses answer.
+template <class ClassType, Text Name>
 struct ClassMessage;
 
 namespace detail {
 
-template <class R, class C>
+template <class ResultType, class ClassType>
 struct ReplaceSelf {
-  using Type = R;
+  using Type = ResultType;
 };
-template <class C>
-struct ReplaceSelf<Strong<Self>, C> {
-  using Type = Strong<C>;
+template <class ClassType>
+struct ReplaceSelf<Strong<Self>, ClassType> {
+  using Type = Strong<ClassType>;
 };
 
 struct NotFound {};
@@ -70,24 +71,24 @@ decltype(auto) asParameter(Given&& given) {
   }
 }
 
-template <class Owner, class F>
+template <class Owner, class FunctionType>
 struct FoundMessage;
 // A message as found in a superclass chain: declared for Owner, so that every implementation has Owner's types.
-template <class Owner, class R, class... A>
-struct FoundMessage<Owner, R(A...)> {
-  using Result = typename ReplaceSelf<R, Owner>::Type;
-  using Type = Result(A...);
-  using Function = Result (*)(NSObject*, A...);
+template <class Owner, class ResultType, class... Arguments>
+struct FoundMessage<Owner, ResultType(Arguments...)> {
+  using Result = typename ReplaceSelf<ResultType, Owner>::Type;
+  using Type = Result(Arguments...);
+  using Function = Result (*)(NSObject*, Arguments...);
   template <class Receiver>
-  using ResultFor = typename ReplaceSelf<R, Receiver>::Type;
+  using ResultFor = typename ReplaceSelf<ResultType, Receiver>::Type;
   template <class... Given>
   static Result call(Implementation implementation, NSObject* receiver, Given&&... given) {
-    return reinterpret_cast<Function>(implementation)(receiver, asParameter<A>(std::forward<Given>(given))...);
+    return reinterpret_cast<Function>(implementation)(receiver, asParameter<Arguments>(std::forward<Given>(given))...);
   }
   template <class... Given>
   static constexpr bool accepts() {
-    if constexpr (sizeof...(Given) == sizeof...(A)) {
-      return (fitsParameter<A, Given> && ...);
+    if constexpr (sizeof...(Given) == sizeof...(Arguments)) {
+      return (fitsParameter<Arguments, Given> && ...);
     } else {
       return false;
     }
@@ -102,91 +103,92 @@ struct NotNarrowed : Found {
   using ResultFor = typename Found::Result;
 };
 
-template <class List, Text S>
+template <class List, Text Name>
 struct MemberSignature {
   using Type = void;
 };
-template <class First, class... Rest, Text S>
-struct MemberSignature<List<First, Rest...>, S> {
-  using Type = typename std::conditional_t<First::template declares<S>, typename First::template Lookup<S>,
-                                           MemberSignature<List<Rest...>, S>>::Type;
+template <class First, class... Rest, Text Name>
+struct MemberSignature<List<First, Rest...>, Name> {
+  using Type = typename std::conditional_t<First::template declares<Name>, typename First::template Lookup<Name>,
+                                           MemberSignature<List<Rest...>, Name>>::Type;
 };
 
-// The declaration that holds for C: its own where there is one, else a superclass's, else what its list of members says.
+// The declaration that holds for ClassType: its own where there is one, else a superclass's, else what its list of
+// members says.
 // A list comes last, so that an override in a list is held to what it overrides.
-template <class C, Text S>
+template <class ClassType, Text Name>
 constexpr auto findMessage() {
-  if constexpr (std::is_void_v<C>) {
+  if constexpr (std::is_void_v<ClassType>) {
     return NotFound{};
-  } else if constexpr (requires { sizeof(Message<C, S>); }) {
-    return FoundMessage<C, typename Message<C, S>::Type>{};
+  } else if constexpr (requires { sizeof(Message<ClassType, Name>); }) {
+    return FoundMessage<ClassType, typename Message<ClassType, Name>::Type>{};
   } else {
-    constexpr auto above = findMessage<typename C::Superclass, S>();
-    using Own = typename MemberSignature<typename C::Members, S>::Type;
+    constexpr auto above = findMessage<typename ClassType::Superclass, Name>();
+    using Own = typename MemberSignature<typename ClassType::Members, Name>::Type;
     if constexpr (std::is_same_v<decltype(above), const NotFound> && !std::is_void_v<Own>) {
-      return FoundMessage<C, Own>{};
+      return FoundMessage<ClassType, Own>{};
     } else {
       return above;
     }
   }
 }
-template <class C, Text S>
+template <class ClassType, Text Name>
 constexpr auto findClassMessage() {
-  if constexpr (std::is_void_v<C>) {
-    using OfObjects = decltype(findMessage<NSObject, S>());  // a class object is an object
+  if constexpr (std::is_void_v<ClassType>) {
+    using OfObjects = decltype(findMessage<NSObject, Name>());  // a class object is an object
     if constexpr (std::is_same_v<OfObjects, NotFound>) {
       return NotFound{};
     } else {
       return NotNarrowed<OfObjects>{};
     }
-  } else if constexpr (requires { sizeof(ClassMessage<C, S>); }) {
-    return FoundMessage<C, typename ClassMessage<C, S>::Type>{};
+  } else if constexpr (requires { sizeof(ClassMessage<ClassType, Name>); }) {
+    return FoundMessage<ClassType, typename ClassMessage<ClassType, Name>::Type>{};
   } else {
-    constexpr auto above = findClassMessage<typename C::Superclass, S>();
-    using Own = typename MemberSignature<typename C::ClassMembers, S>::Type;
+    constexpr auto above = findClassMessage<typename ClassType::Superclass, Name>();
+    using Own = typename MemberSignature<typename ClassType::ClassMembers, Name>::Type;
     if constexpr (std::is_same_v<decltype(above), const NotFound> && !std::is_void_v<Own>) {
-      return FoundMessage<C, Own>{};
+      return FoundMessage<ClassType, Own>{};
     } else {
       return above;
     }
   }
 }
 
-template <class C, Text S>
-using MessageOf = decltype(findMessage<C, S>());
-template <class C, Text S>
-using ClassMessageOf = decltype(findClassMessage<C, S>());
+template <class ClassType, Text Name>
+using MessageOf = decltype(findMessage<ClassType, Name>());
+template <class ClassType, Text Name>
+using ClassMessageOf = decltype(findClassMessage<ClassType, Name>());
 
 // What may stand as a receiver: `Static` is the class that the declaration is looked up in.
-template <class T>
+template <class ValueType>
 struct Receiver {
   static constexpr bool isObject = false;
 };
-template <class T>
-requires std::derived_from<T, NSObject>
-struct Receiver<T> {
+template <class ValueType>
+requires std::derived_from<ValueType, NSObject>
+struct Receiver<ValueType> {
   static constexpr bool isObject = true;
   static constexpr bool canBeNull = false;
-  using Static = T;
-  template <Text S>
-  using Declaration = MessageOf<T, S>;
-  static NSObject* pointer(const T& object) { return const_cast<T*>(&object); }
+  using Static = ValueType;
+  template <Text Name>
+  using Declaration = MessageOf<ValueType, Name>;
+  static NSObject* pointer(const ValueType& object) { return const_cast<ValueType*>(&object); }
 };
-template <class T>
-requires std::derived_from<std::remove_cv_t<T>, NSObject>
-struct Receiver<T*> : Receiver<std::remove_cv_t<T>> {
+template <class ValueType>
+requires std::derived_from<std::remove_cv_t<ValueType>, NSObject>
+struct Receiver<ValueType*> : Receiver<std::remove_cv_t<ValueType>> {
   static constexpr bool canBeNull = true;
-  static NSObject* pointer(const T* object) { return const_cast<std::remove_cv_t<T>*>(object); }
+  static NSObject* pointer(const ValueType* object) { return const_cast<std::remove_cv_t<ValueType>*>(object); }
 };
-template <class T>
-struct Receiver<Strong<T>> : Receiver<T*> {};
-template <class C>
-struct Receiver<ClassOf<C>> {
+template <class ValueType>
+struct Receiver<Strong<ValueType>> : Receiver<ValueType*> {};
+template <class ClassType>
+struct Receiver<ClassOf<ClassType>> {
   static constexpr bool isObject = true;
   static constexpr bool canBeNull = true;
-  using Static = C;
-  template <Text S>
-  using Declaration = ClassMessageOf<C, S>;
+  using Static = ClassType;
+  template <Text Name>
+  using Declaration = ClassMessageOf<ClassType, Name>;
   static NSObject* pointer(const Class& cls) { return cls; }
 };
 template <>
@@ -198,22 +200,23 @@ inline constexpr bool never = false;
 template <class Declared, class... Given>
 inline constexpr bool takes = false;
 
-// Calls the method that `cls` has for S.
-template <Text S, class Declaration, class Static, class... A>
+// Calls the method that `cls` has for Name.
+template <Text Name, class Declaration, class Static, class... Arguments>
 inline typename Declaration::template ResultFor<Static> dispatchIn(ClassObject* cls, NSObject* receiver,
-                                                                   A&&... arguments) {
+                                                                   Arguments&&... arguments) {
   using Result = typename Declaration::template ResultFor<Static>;
-  Implementation implementation = cls->cached(selector<S>.number.load(std::memory_order_relaxed));
+  Implementation implementation = cls->cached(selector<Name>.number.load(std::memory_order_relaxed));
   if (!implementation) [[unlikely]] {
-    implementation = cls->resolve(selector<S>, typeid(typename Declaration::Type), receiver);
+    implementation = cls->resolve(selector<Name>, typeid(typename Declaration::Type), receiver);
   }
   if constexpr (std::is_same_v<Result, typename Declaration::Result>) {
-    return Declaration::call(implementation, receiver, std::forward<A>(arguments)...);
+    return Declaration::call(implementation, receiver, std::forward<Arguments>(arguments)...);
   } else {
     // `Self` is narrowed to the receiver's static class. The object's own word decides, as everywhere: one that claims a
     // class without being of it is handed out as that class all the same.
     using Narrow = typename Result::Object;
-    typename Declaration::Result wide = Declaration::call(implementation, receiver, std::forward<A>(arguments)...);
+    typename Declaration::Result wide =
+        Declaration::call(implementation, receiver, std::forward<Arguments>(arguments)...);
     if (wide && !isKind<Narrow>(wide) && !wide->isKindOfClass(classOf<Narrow>())) {
       throwWrongClass(wide, typeName<Narrow>());
     }
@@ -221,77 +224,79 @@ inline typename Declaration::template ResultFor<Static> dispatchIn(ClassObject* 
   }
 }
 
-template <Text S, class Declaration, class Static, bool CanBeNull, class... A>
-inline typename Declaration::template ResultFor<Static> dispatch(NSObject* receiver, A&&... arguments) {
+template <Text Name, class Declaration, class Static, bool CanBeNull, class... Arguments>
+inline typename Declaration::template ResultFor<Static> dispatch(NSObject* receiver, Arguments&&... arguments) {
   if constexpr (CanBeNull) {
     if (!receiver) return typename Declaration::template ResultFor<Static>();
   }
-  return dispatchIn<S, Declaration, Static>(dispatchClass(receiver), receiver, std::forward<A>(arguments)...);
+  return dispatchIn<Name, Declaration, Static>(dispatchClass(receiver), receiver,
+                                               std::forward<Arguments>(arguments)...);
 }
 
 // Where a message to the superclass of the receiver's static class begins: the superclass, or its metaclass.
-template <class T>
-struct SuperReceiver : Receiver<T> {
-  using Superclass = typename T::Superclass;
-  template <Text S>
-  using DeclarationAbove = MessageOf<Superclass, S>;
+template <class ValueType>
+struct SuperReceiver : Receiver<ValueType> {
+  using Superclass = typename ValueType::Superclass;
+  template <Text Name>
+  using DeclarationAbove = MessageOf<Superclass, Name>;
   static ClassObject* start() { return classObject<Superclass>(); }
 };
-template <class C>
-struct SuperReceiver<ClassOf<C>> : Receiver<ClassOf<C>> {
-  using Superclass = typename C::Superclass;
-  template <Text S>
-  using DeclarationAbove = ClassMessageOf<Superclass, S>;
+template <class ClassType>
+struct SuperReceiver<ClassOf<ClassType>> : Receiver<ClassOf<ClassType>> {
+  using Superclass = typename ClassType::Superclass;
+  template <Text Name>
+  using DeclarationAbove = ClassMessageOf<Superclass, Name>;
   static ClassObject* start() { return dispatchClass(classObject<Superclass>()); }
 };
 
 }  // namespace detail
 
-/// True when a receiver of class C has a declared message S.
-template <class C, Text S>
-concept Answers = !std::is_same_v<detail::MessageOf<C, S>, detail::NotFound>;
-/// True when the class C itself has a declared message S.
-template <class C, Text S>
-concept ClassAnswers = !std::is_same_v<detail::ClassMessageOf<C, S>, detail::NotFound>;
+/// True when a receiver of class ClassType has a declared message Name.
+template <class ClassType, Text Name>
+concept Answers = !std::is_same_v<detail::MessageOf<ClassType, Name>, detail::NotFound>;
+/// True when the class ClassType itself has a declared message Name.
+template <class ClassType, Text Name>
+concept ClassAnswers = !std::is_same_v<detail::ClassMessageOf<ClassType, Name>, detail::NotFound>;
 
-/// Sends the message S to `receiver`. See the top of this file.
-template <Text S, class R, class... A>
-inline decltype(auto) send(R&& receiver, A&&... arguments) {
-  using Receiver = detail::Receiver<std::remove_cvref_t<R>>;
+/// Sends the message Name to `receiver`. See the top of this file.
+template <Text Name, class ResultType, class... Arguments>
+inline decltype(auto) send(ResultType&& receiver, Arguments&&... arguments) {
+  using Receiver = detail::Receiver<std::remove_cvref_t<ResultType>>;
   if constexpr (!Receiver::isObject) {
-    static_assert(detail::never<R>, "send: the receiver is neither an object nor a class");
+    static_assert(detail::never<ResultType>, "send: the receiver is neither an object nor a class");
   } else {
-    using Declaration = typename Receiver::template Declaration<S>;
+    using Declaration = typename Receiver::template Declaration<Name>;
     if constexpr (std::is_same_v<Declaration, detail::NotFound>) {
-      static_assert(detail::never<R>,
+      static_assert(detail::never<ResultType>,
                     "send: the receiver's class declares no such message: is the selector spelt right, and the header "
                     "that declares it included?");
-    } else if constexpr (!Declaration::template accepts<A...>()) {
-      static_assert(detail::takes<typename Declaration::Type, A...>,
+    } else if constexpr (!Declaration::template accepts<Arguments...>()) {
+      static_assert(detail::takes<typename Declaration::Type, Arguments...>,
                     "send: these arguments do not fit the message's declaration");
     } else {
-      return detail::dispatch<S, Declaration, typename Receiver::Static, Receiver::canBeNull>(
-          Receiver::pointer(receiver), std::forward<A>(arguments)...);
+      return detail::dispatch<Name, Declaration, typename Receiver::Static, Receiver::canBeNull>(
+          Receiver::pointer(receiver), std::forward<Arguments>(arguments)...);
     }
   }
 }
 
-/// Sends the message S as the superclass of the receiver's static class answers it: how an override goes on to the method
-/// that it overrides. The receiver is `*this`, or the ClassOf that a class method takes.
+/// Sends the message Name as the superclass of the receiver's static class answers it: how an override goes on to the
+/// method that it overrides. The receiver is `*this`, or the ClassOf that a class method takes.
 ///
 ///   Strong<NSArray> select(ElementPredicate p) { return sendSuper<"select:">(*this, p); }
-template <Text S, class R, class... A>
-inline decltype(auto) sendSuper(R& receiver, A&&... arguments) {
-  using Receiver = detail::SuperReceiver<std::remove_cv_t<R>>;
-  using Declaration = typename Receiver::template DeclarationAbove<S>;
+template <Text Name, class ResultType, class... Arguments>
+inline decltype(auto) sendSuper(ResultType& receiver, Arguments&&... arguments) {
+  using Receiver = detail::SuperReceiver<std::remove_cv_t<ResultType>>;
+  using Declaration = typename Receiver::template DeclarationAbove<Name>;
   if constexpr (std::is_same_v<Declaration, detail::NotFound>) {
-    static_assert(detail::never<R>, "sendSuper: the superclass declares no such message: is the selector spelt right?");
-  } else if constexpr (!Declaration::template accepts<A...>()) {
-    static_assert(detail::takes<typename Declaration::Type, A...>,
+    static_assert(detail::never<ResultType>,
+                  "sendSuper: the superclass declares no such message: is the selector spelt right?");
+  } else if constexpr (!Declaration::template accepts<Arguments...>()) {
+    static_assert(detail::takes<typename Declaration::Type, Arguments...>,
                   "sendSuper: these arguments do not fit the message's declaration");
   } else {
-    return detail::dispatchIn<S, detail::NotNarrowed<Declaration>, void>(Receiver::start(), Receiver::pointer(receiver),
-                                                                         std::forward<A>(arguments)...);
+    return detail::dispatchIn<Name, detail::NotNarrowed<Declaration>, void>(
+        Receiver::start(), Receiver::pointer(receiver), std::forward<Arguments>(arguments)...);
   }
 }
 

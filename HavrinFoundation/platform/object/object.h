@@ -5,9 +5,9 @@
 //   a->respondsToSelector(selector<"select:">)      false
 //   a->description()                                "<NSObject: 0x55d0c0ffee00>"
 //
-// Objects live on the heap and are made by `make<T>(...)` (or `alloc<T>()` before an init message). `new T` does not
-// compile; an object on the stack, or one whose NSObject is not its first base, ends the process with one line that names
-// the class.
+// Objects live on the heap and are made by `make<Type>(...)` (or `alloc<Type>()` before an init message). `new Type`
+// does not compile; an object on the stack, or one whose NSObject is not its first base, ends the process with one line
+// that names the class.
 // Left out: manual retain and release, zones, forwarding of unknown messages, method swizzling.
 #pragma once
 
@@ -30,7 +30,7 @@ class NSIndexSet;
 class NSMutableArray;
 class NSString;
 enum class NSKeyValueChange : std::uint64_t;
-template <class... T>
+template <class... Type>
 struct List;
 
 class HAVRIN_EXPORT NSObject {
@@ -126,25 +126,25 @@ class HAVRIN_EXPORT NSObject {
   static void freeUnborn(void* memory) noexcept;
 
  private:
-  template <class T, class... A>
-  friend Strong<T> make(A&&... arguments);
+  template <class Type, class... Arguments>
+  friend Strong<Type> make(Arguments&&... arguments);
   // For `make` alone: the count of a new object is 1, which a `Strong` constructed from a pointer would not release.
   static void* operator new(std::size_t size) { return allocateUnborn(size); }
   void releaseAttached() noexcept;
 };
 
 /// A new object, held.
-template <class T, class... A>
-[[nodiscard]] Strong<T> make(A&&... arguments) {
-  static_assert(alignof(T) <= alignof(std::max_align_t), "objects are not over-aligned");
-  return Strong<T>::adopt(new T(std::forward<A>(arguments)...));
+template <class Type, class... Arguments>
+[[nodiscard]] Strong<Type> make(Arguments&&... arguments) {
+  static_assert(alignof(Type) <= alignof(std::max_align_t), "objects are not over-aligned");
+  return Strong<Type>::adopt(new Type(std::forward<Arguments>(arguments)...));
 }
 
 /// A new object in its empty state, for an init message: send<"initWithOptionalString:">(alloc<NSAttributedString>(),
 /// t).
-template <class T>
-[[nodiscard]] Strong<T> alloc() {
-  return make<T>();
+template <class Type>
+[[nodiscard]] Strong<Type> alloc() {
+  return make<Type>();
 }
 
 }  // namespace havrin::inline platform

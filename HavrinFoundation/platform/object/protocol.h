@@ -41,17 +41,17 @@ struct Protocol {
 };
 
 /// The unqualified name of a type, as the source spells it.
-template <class T>
+template <class Type>
 [[nodiscard]] constexpr std::string_view typeName() {
   std::string_view name = __PRETTY_FUNCTION__;
-  name.remove_prefix(name.find("T = ") + 4);
+  name.remove_prefix(name.find(" = ") + 3);
   name = name.substr(0, name.find_first_of(";]"));
   const std::string_view plain = name.substr(0, name.find('<'));
   const auto scope = plain.rfind("::");
   return scope == std::string_view::npos ? name : name.substr(scope + 2);
 }
 
-template <class P>
+template <class Parent>
 [[nodiscard]] const AnyProtocol& protocolOf();
 
 namespace detail {
@@ -69,10 +69,10 @@ struct ParentProtocols {
 }  // namespace detail
 
 /// The run-time value of a protocol; lives as long as the process.
-template <class P>
+template <class Parent>
 const AnyProtocol& protocolOf() {
-  static const AnyProtocol kProtocol(typeid(P), typeName<P>(),
-                                     P::Inherited::template ParentsTo<detail::ParentProtocols>::list());
+  static const AnyProtocol kProtocol(typeid(Parent), typeName<Parent>(),
+                                     Parent::Inherited::template ParentsTo<detail::ParentProtocols>::list());
   return kProtocol;
 }
 

@@ -75,23 +75,23 @@ inline void releaseObject(NSObject* object) noexcept {
 /// An owning reference, or null.
 /// Cost: a copy and its end are one atomic count each. Threads: copies may live on any thread; one `Strong` is a
 /// variable like any other.
-template <class T>
+template <class Type>
 class Strong {
  public:
-  using Object = T;
+  using Object = Type;
 
   constexpr Strong() noexcept = default;
   constexpr Strong(std::nullptr_t) noexcept {}
-  Strong(T* object) noexcept : object_(object) {
+  Strong(Type* object) noexcept : object_(object) {
     if (object) retainObject(object);
   }
   Strong(const Strong& other) noexcept : Strong(other.object_) {}
   Strong(Strong&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
-  template <class U>
-  requires std::convertible_to<U*, T*> Strong(const Strong<U>& other)
-  noexcept : Strong(static_cast<T*>(other.get())) {}
-  template <class U>
-  requires std::convertible_to<U*, T*> Strong(Strong<U>&& other)
+  template <class Other>
+  requires std::convertible_to<Other*, Type*> Strong(const Strong<Other>& other)
+  noexcept : Strong(static_cast<Type*>(other.get())) {}
+  template <class Other>
+  requires std::convertible_to<Other*, Type*> Strong(Strong<Other>&& other)
   noexcept : object_(other.detach()) {}
   Strong& operator=(Strong other) noexcept {
     std::swap(object_, other.object_);
@@ -102,39 +102,39 @@ class Strong {
   }
 
   /// Takes over a share that the caller already holds.
-  [[nodiscard]] static Strong adopt(T* object) noexcept {
+  [[nodiscard]] static Strong adopt(Type* object) noexcept {
     Strong result;
     result.object_ = object;
     return result;
   }
   /// Gives the share away: the caller releases it.
-  [[nodiscard]] T* detach() noexcept { return std::exchange(object_, nullptr); }
+  [[nodiscard]] Type* detach() noexcept { return std::exchange(object_, nullptr); }
 
-  [[nodiscard]] T* get() const noexcept { return object_; }
-  operator T*() const noexcept { return object_; }
-  T* operator->() const noexcept { return object_; }
-  T& operator*() const noexcept { return *object_; }
+  [[nodiscard]] Type* get() const noexcept { return object_; }
+  operator Type*() const noexcept { return object_; }
+  Type* operator->() const noexcept { return object_; }
+  Type& operator*() const noexcept { return *object_; }
   explicit operator bool() const noexcept { return object_ != nullptr; }
 
  private:
-  T* object_ = nullptr;
+  Type* object_ = nullptr;
 };
 
 /// A zeroing reference: null from the moment the last strong reference goes, before any destructor runs.
 /// Cost: `lock` is one compare-exchange loop on the count; no table, no lock. Threads: as `Strong`.
-template <class T>
+template <class Type>
 class Weak {
  public:
-  using Object = T;
+  using Object = Type;
 
   constexpr Weak() noexcept = default;
   constexpr Weak(std::nullptr_t) noexcept {}
-  Weak(T* object) noexcept : object_(object) {
+  Weak(Type* object) noexcept : object_(object) {
     if (object_) headerOf(object_).weak.fetch_add(1, std::memory_order_relaxed);
   }
-  template <class U>
-  requires std::convertible_to<U*, T*> Weak(const Strong<U>& object)
-  noexcept : Weak(static_cast<T*>(object.get())) {}
+  template <class Other>
+  requires std::convertible_to<Other*, Type*> Weak(const Strong<Other>& object)
+  noexcept : Weak(static_cast<Type*>(object.get())) {}
   Weak(const Weak& other) noexcept : object_(other.object_) {
     if (object_) headerOf(object_).weak.fetch_add(1, std::memory_order_relaxed);
   }
@@ -152,9 +152,9 @@ class Weak {
   }
 
   /// The object, held; null when its last strong reference has gone.
-  [[nodiscard]] Strong<T> lock() const noexcept {
+  [[nodiscard]] Strong<Type> lock() const noexcept {
     if (!object_ || !tryRetainObject(object_)) return nullptr;
-    return Strong<T>::adopt(static_cast<T*>(object_));
+    return Strong<Type>::adopt(static_cast<Type*>(object_));
   }
   /// The address that was stored, whether or not the object lives: for comparison only. It is not reused while this
   /// reference stands.
@@ -166,7 +166,9 @@ class Weak {
 
 }  // namespace havrin::inline platform
 
-template <class T>
-struct std::hash<havrin::Strong<T>> {
-  std::size_t operator()(const havrin::Strong<T>& reference) const noexcept { return std::hash<T*>()(reference.get()); }
+template <class Type>
+struct std::hash<havrin::Strong<Type>> {
+  std::size_t operator()(const havrin::Strong<Type>& reference) const noexcept {
+    return std::hash<Type*>()(reference.get());
+  }
 };

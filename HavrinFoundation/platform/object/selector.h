@@ -29,8 +29,8 @@ struct SelectorConstant {
   constexpr explicit SelectorConstant(const char* text) : name(text) {}
 };
 
-template <Text S>
-inline constinit const SelectorConstant selector{S.text};
+template <Text Name>
+inline constinit const SelectorConstant selector{Name.text};
 
 struct SelectorRecord;
 

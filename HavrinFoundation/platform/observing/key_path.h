@@ -24,29 +24,29 @@ constexpr auto textPart() {
 }
 
 // `prefix` before a key whose first letter is made upper-case: "get", "title" gives "getTitle".
-template <std::size_t P, std::size_t N>
-constexpr auto prefixedKey(const char (&prefix)[P], const Text<N>& key, bool capital) {
-  Text<P + N - 1> name;
-  std::copy_n(prefix, P - 1, name.text);
-  std::copy_n(key.text, N, name.text + P - 1);
-  char& first = name.text[P - 1];
+template <std::size_t Parent, std::size_t Size>
+constexpr auto prefixedKey(const char (&prefix)[Parent], const Text<Size>& key, bool capital) {
+  Text<Parent + Size - 1> name;
+  std::copy_n(prefix, Parent - 1, name.text);
+  std::copy_n(key.text, Size, name.text + Parent - 1);
+  char& first = name.text[Parent - 1];
   if (capital && first >= 'a' && first <= 'z') first = static_cast<char>(first - 32);
   return name;
 }
 
-template <class C, Text Key>
+template <class ClassType, Text Key>
 constexpr auto findGetter() {
   constexpr auto kGet = prefixedKey("get", Key, true);
   constexpr auto kIs = prefixedKey("is", Key, true);
   constexpr auto kPrivate = prefixedKey("_", Key, false);
-  if constexpr (Answers<C, kGet>) {
-    return MessageOf<C, kGet>{};
-  } else if constexpr (Answers<C, Key>) {
-    return MessageOf<C, Key>{};
-  } else if constexpr (Answers<C, kIs>) {
-    return MessageOf<C, kIs>{};
+  if constexpr (Answers<ClassType, kGet>) {
+    return MessageOf<ClassType, kGet>{};
+  } else if constexpr (Answers<ClassType, Key>) {
+    return MessageOf<ClassType, Key>{};
+  } else if constexpr (Answers<ClassType, kIs>) {
+    return MessageOf<ClassType, kIs>{};
   } else {
-    return MessageOf<C, kPrivate>{};
+    return MessageOf<ClassType, kPrivate>{};
   }
 }
 
@@ -54,23 +54,23 @@ template <class Result>
 struct StepTarget {
   using Type = void;
 };
-template <class T>
-struct StepTarget<Strong<T>> {
-  using Type = T;
+template <class ValueType>
+struct StepTarget<Strong<ValueType>> {
+  using Type = ValueType;
 };
 
-template <class C, Text Path>
+template <class ClassType, Text Path>
 consteval bool checkedPath() {
   constexpr std::size_t kDot = Path.view().find('.');
   constexpr std::size_t kEnd = kDot == std::string_view::npos ? Path.view().size() : kDot;
-  if constexpr (std::is_void_v<C>) {
-    static_assert(never<C>, "keyPath: a step before the last is no object");
+  if constexpr (std::is_void_v<ClassType>) {
+    static_assert(never<ClassType>, "keyPath: a step before the last is no object");
   } else {
-    using Found = decltype(findGetter<C, textPart<Path, 0, kEnd>()>());
+    using Found = decltype(findGetter<ClassType, textPart<Path, 0, kEnd>()>());
     if constexpr (std::is_same_v<Found, NotFound>) {
-      static_assert(never<C>, "keyPath: the class has no message for a step: is the key spelt right?");
+      static_assert(never<ClassType>, "keyPath: the class has no message for a step: is the key spelt right?");
     } else if constexpr (!Found::template accepts<>() || std::is_void_v<typename Found::Result>) {
-      static_assert(never<C>, "keyPath: the message for a step takes an argument or returns nothing");
+      static_assert(never<ClassType>, "keyPath: the message for a step takes an argument or returns nothing");
     } else if constexpr (kDot != std::string_view::npos) {
       using Next = typename StepTarget<typename Found::Result>::Type;
       return checkedPath<Next, textPart<Path, kDot + 1, Path.view().size() - kDot - 1>()>();
@@ -79,15 +79,15 @@ consteval bool checkedPath() {
   return true;
 }
 
-template <class C, Text Path>
-requires(checkedPath<C, Path>()) struct CheckedPath {
+template <class ClassType, Text Path>
+requires(checkedPath<ClassType, Path>()) struct CheckedPath {
   static constexpr Text text = Path;
 };
 
 }  // namespace detail
 
 /// The key path as a string; converts to `NSString*`. Lives as long as the process.
-template <class C, Text Path>
-inline constinit const LazyString keyPath{detail::CheckedPath<C, Path>::text.text};
+template <class ClassType, Text Path>
+inline constinit const LazyString keyPath{detail::CheckedPath<ClassType, Path>::text.text};
 
 }  // namespace havrin::inline platform
