@@ -11,7 +11,8 @@
 //   utf8(*token->debugDescription())
 //           "<KeyValueObservation: 0x...>\n  observer: ...\n  object: ...\n  keypaths: [title]"
 //
-// A subclass takes part in every step by overriding its message.
+// A subclass takes part in every step by overriding its message, in its list of members; the C++ functions that send these
+// messages cannot be overridden.
 #pragma once
 
 #include <cstdint>
@@ -65,9 +66,9 @@ class HAVRIN_EXPORT KeyValueObservation : public Object<KeyValueObservation, NSO
 
   /// What key-value observing calls, on the thread that made the change. Does nothing for another context, a null object
   /// or an observer that is gone.
-  void observeValueForKeyPath(NSString* keyPath, NSObject* object, NSDictionary* change, void* context) override;
+  void observeValueForKeyPath(NSString* keyPath, NSObject* object, NSDictionary* change, void* context) final;
   /// The superclass's text, and a line each for the observer, the object and the key paths.
-  [[nodiscard]] Strong<NSString> debugDescription() const override;
+  [[nodiscard]] Strong<NSString> debugDescription() const final;
 
  private:
   Strong<KeyValueObservation> init(NSObject* observer, NSObject* object, NSArray* keyPaths, std::uint64_t options,

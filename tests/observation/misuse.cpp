@@ -1,0 +1,14 @@
+// Misuse that must not compile: HAVRIN_CASE chooses one.
+#include <HavrinFoundation/observation/key_value_observation_messages.h>
+
+using namespace havrin;
+
+// A C++ override would be passed over by the message of the same name.
+class Observation : public Object<Observation, KeyValueObservation> {
+ public:
+#if HAVRIN_CASE == 1
+  void observeValueForKeyPath(NSString*, NSObject*, NSDictionary*, void*) override {}
+#elif HAVRIN_CASE == 2
+  Strong<NSString> debugDescription() const override { return nullptr; }
+#endif
+};
