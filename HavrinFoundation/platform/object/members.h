@@ -20,6 +20,7 @@
 #include <array>
 #include <concepts>
 #include <cstddef>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -261,6 +262,12 @@ ClassObject* buildClass() {
   return cls;
 }
 
+namespace detail {
+// Read while compiling: the constructor of every object passes it on.
+template <class Me>
+inline constexpr std::string_view nameOf = typeName<Me>();
+}  // namespace detail
+
 /// The base of every class: tells the runtime which class an object is of while it is constructed and destroyed, level
 /// by level, as its virtual functions do.
 template <class Me, class Super>
@@ -281,7 +288,7 @@ class HAVRIN_EXPORT Object : public Super {
   }
 
  protected:
-  Object() requires(std::is_same_v<Super, NSObject>) : Super(NSObject::Named{typeName<Me>()}) { become<Me>(); }
+  Object() requires(std::is_same_v<Super, NSObject>) : Super(NSObject::Named{detail::nameOf<Me>}) { become<Me>(); }
   template <class... Arguments>
   requires(!std::is_same_v<Super, NSObject>) explicit Object(Arguments&&... arguments)
       : Super(std::forward<Arguments>(arguments)...) {
