@@ -160,6 +160,7 @@ class ConstantString {
   template <std::size_t Size>
   consteval explicit ConstantString(const char (&text)[Size])
       : header_(nullptr, ObjectHeader::kImmortal), string_(NSString::Placed{}, text, Size - 1) {}
+  // NOLINTNEXTLINE(modernize-use-equals-default): a defaulted one is deleted beside the union
   constexpr ~ConstantString() {}  // string_ is a member of a union, so that it is not destroyed
 
   constexpr operator NSString*() const& { return &string_; }

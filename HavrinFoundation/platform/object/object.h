@@ -49,6 +49,7 @@ class HAVRIN_EXPORT NSObject {
   }
 
   // Public for the destructors of subclasses; release ends an object.
+  // NOLINTNEXTLINE(misc-new-delete-overloads): the operator new is private, for make() alone
   static constexpr void operator delete(void* memory) {
     if (!std::is_constant_evaluated()) freeUnborn(memory);
   }
