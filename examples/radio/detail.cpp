@@ -56,7 +56,7 @@ class Pane {
 // The station's name as a link, then what it plays.
 Strong<NSMutableAttributedString> description(const Station& station, const Shown& shown) {
   const auto link = makeDictionary({{makeString("link"), makeString(station.entry().link)}});
-  const auto text = fromOptionalString<NSMutableAttributedString>(station.entry().name, link);
+  auto text = fromOptionalString<NSMutableAttributedString>(station.entry().name, link);
   const std::optional<std::string> song = shown.song.empty() ? std::nullopt : std::optional(" plays " + shown.song);
   text->appendAttributedString(fromOptionalString<NSAttributedString>(song).get());
   return text;
