@@ -2,6 +2,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
+
 #include <absl/synchronization/mutex.h>
 #include <benchmark/benchmark.h>
 

@@ -2,15 +2,13 @@
 // called with objects whose last outside reference goes while the row works with them: their overrides, the blocks and
 // the destructors that the row runs release what the test holds.
 // Length: one table with a row for each method of the library.
+#include "objects.h"
 #include <HavrinFoundation/HavrinFoundation.h>
 #include <HavrinFoundation/image.h>
-
-#include <map>
-
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include "objects.h"
+#include <map>
 
 using namespace havrin;
 

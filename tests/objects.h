@@ -1,13 +1,12 @@
 // What most tests of objects use: strings, numbers and arrays, and objects as texts, so that a row can say what is expected.
 #pragma once
 
+#include "testing.h"
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
-
-#include "testing.h"
 
 namespace havrin {
 

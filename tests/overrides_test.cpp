@@ -1,10 +1,8 @@
 // Overrides that go on to the method they override: one for every message that the library itself sends.
+#include "objects.h"
 #include <HavrinFoundation/HavrinFoundation.h>
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
-
 #include <HavrinFoundation/testkit/main_bundle.h>
-
-#include "objects.h"
 
 using namespace havrin;
 

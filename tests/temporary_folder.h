@@ -9,7 +9,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-
 #include <unistd.h>
 
 namespace havrin {

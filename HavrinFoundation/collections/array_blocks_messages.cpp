@@ -1,5 +1,9 @@
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
 #include <algorithm>
 #include <atomic>
 #include <exception>
@@ -7,10 +11,6 @@
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin {
 

@@ -17,10 +17,10 @@
 // after a block has changed the receiver; what a block throws.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/array.h>
+
+#include <cstdint>
 
 namespace havrin {
 

@@ -14,12 +14,12 @@
 // than 2^31.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/nil_terminated.h>
 #include <HavrinFoundation/platform/foundation/set.h>
+
+#include <cstdint>
 
 namespace havrin {
 

@@ -1,8 +1,8 @@
 #include <HavrinFoundation/colours/colour_arithmetic.h>
 
-#include <cmath>
-
 #include <HavrinFoundation/colours/colour_arithmetic_messages.h>
+
+#include <cmath>
 
 namespace havrin {
 

@@ -1,14 +1,14 @@
 #include <HavrinFoundation/colours/hex_codes.h>
 
-#include <algorithm>
-#include <array>
-#include <cstdint>
-#include <cstdio>
-
 #include <HavrinFoundation/platform/base/hex_digits.h>
 #include <HavrinFoundation/platform/base/random.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/character_sets.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
 
 namespace havrin {
 

@@ -11,15 +11,15 @@
 // A code that was read is written back the same, but for its case and the "#".
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/interface/ui_color.h>
+
 #include <array>
 #include <concepts>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/interface/ui_color.h>
 
 namespace havrin {
 

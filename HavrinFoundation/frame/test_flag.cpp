@@ -1,8 +1,8 @@
 #include <HavrinFoundation/frame/test_flag.h>
 
-#include <string_view>
-
 #include <HavrinFoundation/platform/foundation/string.h>
+
+#include <string_view>
 
 namespace havrin {
 

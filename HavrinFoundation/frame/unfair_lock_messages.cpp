@@ -1,8 +1,8 @@
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
 
-#include <atomic>
-
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
+
+#include <atomic>
 
 namespace havrin::message {
 

@@ -1,13 +1,13 @@
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 
-#include <string>
-#include <utility>
-
 #include <HavrinFoundation/frame/main_queue.h>
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
+
+#include <string>
+#include <utility>
 
 namespace havrin {
 

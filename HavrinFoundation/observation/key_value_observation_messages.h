@@ -15,14 +15,14 @@
 // messages cannot be overridden.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/block.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <cstdint>
 
 namespace havrin {
 

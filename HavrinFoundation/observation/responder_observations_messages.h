@@ -11,8 +11,6 @@
 // Registering returns nothing; the responder's list alone keeps an observation. Threads: one at a time per responder.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/platform/foundation/array.h>
@@ -20,6 +18,8 @@
 #include <HavrinFoundation/platform/interface/responder.h>
 #include <HavrinFoundation/platform/object/message.h>
 #include <HavrinFoundation/platform/observing/key_path.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 

@@ -5,13 +5,13 @@
 //   entireRange(*title)                                               {0, 6}
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
+
 #include <concepts>
 #include <cstddef>
 #include <optional>
 #include <string_view>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/attributed_string.h>
 
 namespace havrin {
 

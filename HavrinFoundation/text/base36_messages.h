@@ -8,12 +8,12 @@
 //   send<"base36Value">(makeNumber(36))        the string "10"
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/string.h>
+
+#include <cstdint>
+#include <string>
 
 namespace havrin {
 

@@ -6,11 +6,11 @@
 // Neither surface keeps a set of its own: what setUrlSchemeAllowed<CharacterSet> replaces is what they give from then on.
 #pragma once
 
-#include <concepts>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
 #include <HavrinFoundation/text/character_sets.h>
+
+#include <concepts>
 
 namespace havrin {
 

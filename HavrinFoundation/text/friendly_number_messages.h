@@ -1,10 +1,10 @@
 // NSString(HavrinFoundation), compact numbers: friendly_number.h as a message.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/string.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 

@@ -1,10 +1,10 @@
 // NSData(HavrinFoundation), hexadecimal text: hex.h on data, typed and as a message.
 #pragma once
 
-#include <string>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/data.h>
+
+#include <string>
 
 namespace havrin {
 

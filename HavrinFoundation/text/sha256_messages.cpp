@@ -1,9 +1,9 @@
 #include <HavrinFoundation/text/sha256_messages.h>
 
+#include <HavrinFoundation/text/sha256.h>
+
 #include <optional>
 #include <string>
-
-#include <HavrinFoundation/text/sha256.h>
 
 namespace havrin {
 

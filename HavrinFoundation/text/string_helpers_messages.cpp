@@ -1,12 +1,12 @@
 #include <HavrinFoundation/text/string_helpers_messages.h>
 
-#include <new>
-#include <stdexcept>
-#include <string>
-
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/text/string_helpers.h>
+
+#include <new>
+#include <stdexcept>
+#include <string>
 
 namespace havrin {
 

@@ -6,12 +6,12 @@
 //   send<"stringByRepeatingString:times:joinedBy:">(classOf<NSString>(), makeString("ab"), 3, nullptr)  "ababab"
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/foundation/value.h>
+
+#include <cstdint>
 
 namespace havrin {
 

@@ -1,10 +1,12 @@
 // Filtering and transforming arrays of counted objects. Every side reads one field of each element, which is as likely to
 // pass as not, and the time ends when the result has been destroyed.
+#include "benchmarks/second_thread.h"
 #include <HavrinFoundation/collections/array_blocks_messages.h>
+#include <HavrinFoundation/platform/foundation/number.h>
 
-#include <benchmark/benchmark.h>
 #include <QList>
 #include <QVariant>
+#include <benchmark/benchmark.h>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <boost/smart_ptr/intrusive_ref_counter.hpp>
 
@@ -18,10 +20,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/number.h>
-
-#include "benchmarks/second_thread.h"
 
 namespace {
 

@@ -1,18 +1,17 @@
 // Colour codes: read into four components, written from a colour, their characters counted.
 #include <HavrinFoundation/colours/hex_codes.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
+#include <QColor>
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
 #include <unicode/brkiter.h>
-#include <QColor>
 
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
-
-#include <HavrinFoundation/platform/unicode/unicode.h>
 
 namespace {
 

@@ -3,13 +3,13 @@
 #include <HavrinFoundation/dates/date_arithmetic.h>
 #include <HavrinFoundation/platform/time/calendar.h>
 
+#include <QDateTime>
+#include <QTimeZone>
 #include <absl/time/time.h>
 #include <benchmark/benchmark.h>
 #include <cctz/time_zone.h>
 #include <date/tz.h>
 #include <unicode/gregocal.h>
-#include <QDateTime>
-#include <QTimeZone>
 
 #include <array>
 #include <chrono>

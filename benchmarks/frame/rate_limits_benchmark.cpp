@@ -5,14 +5,14 @@
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
 #include <HavrinFoundation/platform/object/members.h>
 
-#include <benchmark/benchmark.h>
-#include <glib.h>
-#include <uv.h>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTimer>
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
+#include <benchmark/benchmark.h>
+#include <glib.h>
+#include <uv.h>
 
 #include <chrono>
 #include <cstdint>

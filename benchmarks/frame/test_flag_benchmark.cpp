@@ -1,11 +1,10 @@
 // Whether the application runs under a test harness, beside the look-up of an absent name.
 #include <HavrinFoundation/frame/test_flag.h>
+#include <HavrinFoundation/frame/test_flag_messages.h>
 
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
-
-#include <HavrinFoundation/frame/test_flag_messages.h>
 
 namespace {
 

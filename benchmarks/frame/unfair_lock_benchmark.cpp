@@ -1,20 +1,19 @@
 // The unfair lock and the locked box beside other locks. "pair" is lock and unlock without contention; "hot" is two
 // threads that do nothing else; "busy" works 28 ns inside and 112 ns outside the lock, on two threads and on four.
+#include "benchmarks/locks.h"
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/unfair_lock.h>
 
-#include <benchmark/benchmark.h>
-#include <pthread.h>
 #include <QMutex>
+#include <benchmark/benchmark.h>
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>
+#include <pthread.h>
 #include <thread>
-
-#include "benchmarks/locks.h"
 
 namespace {
 

@@ -2,13 +2,13 @@
 // the link's text; appending ends with it too.
 #include <HavrinFoundation/links/utm_parameters.h>
 
-#include <benchmark/benchmark.h>
-#include <curl/curl.h>
-#include <glib.h>
 #include <QString>
 #include <QUrl>
 #include <QUrlQuery>
+#include <benchmark/benchmark.h>
 #include <boost/url.hpp>
+#include <curl/curl.h>
+#include <glib.h>
 
 #include <cstdlib>
 #include <cstring>

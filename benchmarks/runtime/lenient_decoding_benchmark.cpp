@@ -2,17 +2,18 @@
 // elements and skips the bad ones; sizes are elements, the last part of a case is the share of bad ones in percent.
 #include <HavrinFoundation/platform/decoding/json_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
-#include <benchmark/benchmark.h>
-#include <simdjson.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <benchmark/benchmark.h>
+#include <nlohmann/json.hpp>
+#include <simdjson.h>
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>

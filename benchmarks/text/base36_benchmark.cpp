@@ -2,8 +2,8 @@
 // upper case on every side.
 #include <HavrinFoundation/text/base36.h>
 
-#include <benchmark/benchmark.h>
 #include <QString>
+#include <benchmark/benchmark.h>
 
 #include <charconv>
 #include <cstdint>

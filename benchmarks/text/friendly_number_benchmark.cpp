@@ -2,10 +2,10 @@
 // with a string of the same text.
 #include <HavrinFoundation/text/friendly_number.h>
 
+#include <QString>
 #include <absl/strings/str_format.h>
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
-#include <QString>
 
 #include <charconv>
 #include <cstdint>

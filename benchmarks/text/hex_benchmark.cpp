@@ -1,13 +1,13 @@
 // Bytes as hexadecimal text: every side ends with a new string.
 #include <HavrinFoundation/text/hex.h>
 
+#include <QByteArray>
 #include <absl/strings/escaping.h>
 #include <benchmark/benchmark.h>
+#include <boost/algorithm/hex.hpp>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <openssl/crypto.h>
-#include <QByteArray>
-#include <boost/algorithm/hex.hpp>
 
 #include <cstdint>
 #include <cstdio>

@@ -1,16 +1,15 @@
 // "Does this text hold only characters of that set?", asked of text for which the answer is yes, so that every side goes
 // through all of it. "ascii" is the set of 63 name characters; "letters" is text of many scripts against all letters.
+#include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/character_sets.h>
 #include <HavrinFoundation/text/string_helpers.h>
 
-#include <HavrinFoundation/platform/unicode/unicode.h>
-
-#include <absl/strings/ascii.h>
-#include <benchmark/benchmark.h>
-#include <unicode/uniset.h>
 #include <QRegularExpression>
 #include <QString>
+#include <absl/strings/ascii.h>
+#include <benchmark/benchmark.h>
 #include <boost/algorithm/string.hpp>
+#include <unicode/uniset.h>
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,6 @@
 #include "board.h"
 
-#include <algorithm>
-#include <cctype>
-#include <iterator>
-#include <set>
-#include <utility>
-
+#include "detail.h"
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
 #include <HavrinFoundation/colours/hex_codes.h>
@@ -20,7 +15,11 @@
 #include <HavrinFoundation/text/friendly_number.h>
 #include <HavrinFoundation/text/string_helpers.h>
 
-#include "detail.h"
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <set>
+#include <utility>
 
 namespace radio {
 

@@ -1,23 +1,22 @@
 // The board: a responder that observes its stations and says what is to be drawn. Everything here runs on the main queue.
 #pragma once
 
-#include <cstdint>
-#include <functional>
-#include <string>
-#include <string_view>
-#include <unordered_map>
-#include <vector>
-
-#include <HavrinFoundation/platform/foundation/array.h>
-#include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/interface/responder.h>
-
 #include "keys.h"
 #include "layout.h"
 #include "saved_state.h"
 #include "screen.h"
 #include "station.h"
 #include "terminal.h"
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/interface/responder.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace radio {
 

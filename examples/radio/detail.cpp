@@ -1,10 +1,5 @@
 #include "detail.h"
 
-#include <algorithm>
-#include <optional>
-#include <string_view>
-#include <utility>
-
 #include <HavrinFoundation/colours/colour_arithmetic.h>
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/dates/date_arithmetic.h>
@@ -14,6 +9,11 @@
 #include <HavrinFoundation/text/base36.h>
 #include <HavrinFoundation/text/friendly_number.h>
 #include <HavrinFoundation/text/sha256.h>
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
 
 namespace radio {
 

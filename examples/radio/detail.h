@@ -1,11 +1,11 @@
 // One station with everything that is known of it.
 #pragma once
 
+#include "layout.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
-
-#include "layout.h"
 
 namespace radio {
 

@@ -1,11 +1,11 @@
 #include "keys.h"
 
+#include <HavrinFoundation/platform/unicode/unicode.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <utility>
-
-#include <HavrinFoundation/platform/unicode/unicode.h>
 
 namespace radio {
 

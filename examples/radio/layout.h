@@ -1,14 +1,13 @@
 // Where things stand on a board of some width.
 #pragma once
 
+#include "screen.h"
+#include "station.h"
+#include <HavrinFoundation/platform/time/date.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
-
-#include <HavrinFoundation/platform/time/date.h>
-
-#include "screen.h"
-#include "station.h"
 
 namespace radio {
 

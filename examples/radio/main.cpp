@@ -1,25 +1,4 @@
 // A board of radio stations in a terminal: what an application does with the library, on one screen.
-#include <poll.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <clocale>
-#include <cmath>
-#include <csignal>
-#include <cstdio>
-#include <filesystem>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <system_error>
-#include <vector>
-
-#include <HavrinFoundation/links/utm_parameters.h>
-#include <HavrinFoundation/platform/application/process_info.h>
-#include <HavrinFoundation/platform/base/clock.h>
-#include <HavrinFoundation/platform/dispatch/host_loop.h>
-#include <HavrinFoundation/platform/dispatch/run_loop.h>
-
 #include "board.h"
 #include "keys.h"
 #include "options.h"
@@ -28,6 +7,25 @@
 #include "station_file.h"
 #include "studios.h"
 #include "terminal.h"
+#include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/platform/application/process_info.h>
+#include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/dispatch/host_loop.h>
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+
+#include <cerrno>
+#include <clocale>
+#include <cmath>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <poll.h>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
 
 namespace {
 

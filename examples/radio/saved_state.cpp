@@ -1,9 +1,5 @@
 #include "saved_state.h"
 
-#include <span>
-#include <string_view>
-#include <utility>
-
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/platform/application/process_info.h>
 #include <HavrinFoundation/platform/archives/coder.h>
@@ -17,6 +13,10 @@
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
+
+#include <span>
+#include <string_view>
+#include <utility>
 
 namespace radio {
 

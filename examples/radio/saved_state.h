@@ -1,14 +1,13 @@
 // What the board keeps from one run to the next: a keyed archive in a file.
 #pragma once
 
+#include "state_file.h"
+#include <HavrinFoundation/platform/time/date.h>
+
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
-
-#include <HavrinFoundation/platform/time/date.h>
-
-#include "state_file.h"
 
 namespace radio {
 

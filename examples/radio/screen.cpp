@@ -1,11 +1,11 @@
 #include "screen.h"
 
+#include <HavrinFoundation/platform/unicode/unicode.h>
+#include <HavrinFoundation/runtime/clamp.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cwchar>
-
-#include <HavrinFoundation/platform/unicode/unicode.h>
-#include <HavrinFoundation/runtime/clamp.h>
 
 namespace radio {
 

@@ -1,12 +1,12 @@
 // Text on a terminal: columns and colours.
 #pragma once
 
+#include <HavrinFoundation/platform/interface/ui_color.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <HavrinFoundation/platform/interface/ui_color.h>
 
 namespace radio {
 

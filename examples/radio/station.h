@@ -1,13 +1,13 @@
 // One radio station: as it stands in a file, and as the object that the board observes.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include <HavrinFoundation/platform/decoding/decoding.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/interface/ui_color.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <cstdint>
+#include <string>
 
 namespace radio {
 

@@ -1,15 +1,14 @@
 #include "station_file.h"
 
+#include "station.h"
+#include <HavrinFoundation/platform/decoding/json_decoder.h>
+#include <HavrinFoundation/runtime/lenient_decoding.h>
+
 #include <array>
 #include <cerrno>
 #include <cstddef>
 #include <fstream>
 #include <system_error>
-
-#include <HavrinFoundation/platform/decoding/json_decoder.h>
-#include <HavrinFoundation/runtime/lenient_decoding.h>
-
-#include "station.h"
 
 namespace radio {
 

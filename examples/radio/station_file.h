@@ -1,10 +1,10 @@
 // Reading stations from a JSON file: {"stations": [...]}.
 #pragma once
 
+#include <HavrinFoundation/platform/foundation/array.h>
+
 #include <string>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/array.h>
 
 namespace radio {
 

@@ -1,10 +1,10 @@
 #include "studios.h"
 
+#include "station.h"
+
 #include <algorithm>
 #include <chrono>
 #include <random>
-
-#include "station.h"
 
 namespace radio {
 

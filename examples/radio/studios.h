@@ -1,12 +1,12 @@
 // The studios: threads that change songs and listener counts while the board looks on.
 #pragma once
 
+#include <HavrinFoundation/platform/foundation/array.h>
+
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/array.h>
 
 namespace radio {
 

@@ -1,18 +1,17 @@
 #include "terminal.h"
 
-#include <sys/eventfd.h>
-#include <sys/ioctl.h>
-#include <termios.h>
-#include <unistd.h>
+#include <HavrinFoundation/platform/application/process_info.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
+#include <sys/eventfd.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
 #include <utility>
-
-#include <HavrinFoundation/platform/application/process_info.h>
 
 namespace radio {
 

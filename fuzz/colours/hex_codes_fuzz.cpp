@@ -1,14 +1,13 @@
 // Cleaning and reading colour codes: what is read is written back as the cleaned digits, and cleaning twice changes
 // nothing.
 #include <HavrinFoundation/colours/hex_codes.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <cctype>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <string_view>
-
-#include <HavrinFoundation/platform/unicode/unicode.h>
 
 using namespace havrin;
 

@@ -1,5 +1,6 @@
 // JSON under lenient decoding, against a plain reading of the same text: both take the same documents, and keep the same
 // elements of every array in them, as every type.
+#include "plain_value.h"
 #include <HavrinFoundation/platform/decoding/json_decoder.h>
 
 #include <algorithm>
@@ -8,8 +9,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "plain_value.h"
 
 namespace {
 

@@ -1,13 +1,12 @@
 // Property lists under lenient decoding, against a walk over the same tree: every array in it keeps the same elements, as
 // every type.
+#include "plain_value.h"
 #include <HavrinFoundation/platform/decoding/property_list_decoder.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
-
-#include "plain_value.h"
 
 namespace {
 

@@ -1,11 +1,10 @@
 // The asynchronous map: order, unwinding, independent continuations, threads.
-#include <future>
-
+#include "../objects.h"
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/foundation/array_buffer.h>
 
-#include "../objects.h"
+#include <future>
 
 using namespace havrin;
 

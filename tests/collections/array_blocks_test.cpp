@@ -1,7 +1,6 @@
 // The block operations that finish before they return. The asynchronous map: array_blocks_async_map_test.cpp.
-#include <HavrinFoundation/collections/array_blocks_messages.h>
-
 #include "../objects.h"
+#include <HavrinFoundation/collections/array_blocks_messages.h>
 
 using namespace havrin;
 

@@ -1,7 +1,6 @@
+#include "../objects.h"
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
 #include <HavrinFoundation/platform/base/random.h>
-
-#include "../objects.h"
 
 using namespace havrin;
 

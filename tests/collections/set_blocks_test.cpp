@@ -1,8 +1,6 @@
-#include <HavrinFoundation/collections/set_blocks_messages.h>
-
-#include <HavrinFoundation/collections/collection_helpers_messages.h>
-
 #include "../objects.h"
+#include <HavrinFoundation/collections/collection_helpers_messages.h>
+#include <HavrinFoundation/collections/set_blocks_messages.h>
 
 using namespace havrin;
 

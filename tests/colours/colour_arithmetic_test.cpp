@@ -1,8 +1,6 @@
-#include <HavrinFoundation/colours/colour_arithmetic.h>
-
-#include <HavrinFoundation/colours/colour_arithmetic_messages.h>
-
 #include "../testing.h"
+#include <HavrinFoundation/colours/colour_arithmetic.h>
+#include <HavrinFoundation/colours/colour_arithmetic_messages.h>
 
 using namespace havrin;
 

@@ -1,13 +1,11 @@
+#include "../testing.h"
 #include <HavrinFoundation/colours/hex_codes.h>
-
-#include <cmath>
-#include <set>
-
 #include <HavrinFoundation/colours/hex_codes_messages.h>
 #include <HavrinFoundation/platform/base/random.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
-#include "../testing.h"
+#include <cmath>
+#include <set>
 
 using namespace havrin;
 

@@ -1,11 +1,9 @@
+#include "../testing.h"
 #include <HavrinFoundation/dates/date_arithmetic.h>
-
 #include <HavrinFoundation/dates/date_arithmetic_messages.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 #include <tests/platform/time/pinned_environment.h>
-
-#include "../testing.h"
 
 namespace havrin {
 namespace {

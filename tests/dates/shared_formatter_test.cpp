@@ -1,12 +1,10 @@
+#include "../testing.h"
 #include <HavrinFoundation/dates/shared_formatter.h>
-
 #include <HavrinFoundation/dates/shared_formatter_messages.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <tests/platform/time/pinned_environment.h>
 
 #include <array>
-
-#include "../testing.h"
 
 namespace havrin {
 namespace {

@@ -1,11 +1,9 @@
+#include "../testing.h"
 #include <HavrinFoundation/dates/zero_uuid.h>
-
 #include <HavrinFoundation/dates/zero_uuid_messages.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 
 #include <array>
-
-#include "../testing.h"
 
 namespace havrin {
 namespace {

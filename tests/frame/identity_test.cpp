@@ -1,13 +1,11 @@
+#include "../testing.h"
 #include <HavrinFoundation/frame/identity.h>
-
-#include <fstream>
-#include <iterator>
-
 #include <HavrinFoundation/frame/not_localized.h>
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 
-#include "../testing.h"
+#include <fstream>
+#include <iterator>
 
 using namespace havrin;
 

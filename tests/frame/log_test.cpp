@@ -1,10 +1,8 @@
+#include "../testing.h"
 #include <HavrinFoundation/frame/log.h>
-
 #include <HavrinFoundation/platform/log/log_seam.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/testkit/test_clock.h>
-
-#include "../testing.h"
 
 using namespace havrin;
 

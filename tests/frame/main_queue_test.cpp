@@ -1,11 +1,9 @@
+#include "../testing.h"
 #include <HavrinFoundation/frame/main_queue.h>
-
 #include <HavrinFoundation/frame/main_queue_mark.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/testkit/test_clock.h>
-
-#include "../testing.h"
 
 namespace {
 

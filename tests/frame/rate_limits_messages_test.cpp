@@ -1,13 +1,11 @@
+#include "../objects.h"
 #include <HavrinFoundation/frame/rate_limits_messages.h>
-
-#include <cmath>
-
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include "../objects.h"
+#include <cmath>
 
 using namespace havrin;
 

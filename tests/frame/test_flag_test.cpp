@@ -1,8 +1,6 @@
-#include <HavrinFoundation/frame/test_flag.h>
-
-#include <HavrinFoundation/frame/test_flag_messages.h>
-
 #include "../objects.h"
+#include <HavrinFoundation/frame/test_flag.h>
+#include <HavrinFoundation/frame/test_flag_messages.h>
 
 using namespace havrin;
 

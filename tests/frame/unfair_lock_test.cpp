@@ -1,3 +1,4 @@
+#include "../testing.h"
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/unfair_lock.h>
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
@@ -5,8 +6,6 @@
 
 #include <future>
 #include <type_traits>
-
-#include "../testing.h"
 
 namespace {
 

@@ -1,11 +1,9 @@
+#include "../temporary_folder.h"
+#include "../testing.h"
 #include <HavrinFoundation/links/app_identity.h>
-
 #include <HavrinFoundation/links/app_identity_messages.h>
 #include <HavrinFoundation/platform/application/process_info.h>
 #include <HavrinFoundation/testkit/main_bundle.h>
-
-#include "../temporary_folder.h"
-#include "../testing.h"
 
 namespace {
 

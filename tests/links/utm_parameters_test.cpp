@@ -1,11 +1,9 @@
+#include "../testing.h"
 #include <HavrinFoundation/links/utm_parameters.h>
-
 #include <HavrinFoundation/platform/net/url_components.h>
 
 #include <concepts>
 #include <tuple>
-
-#include "../testing.h"
 
 namespace {
 

@@ -1,14 +1,12 @@
+#include "../platform/observing/observed_objects.h"
+#include "../testing.h"
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
-
-#include <cstdio>
-#include <cstdlib>
-
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/foundation/index_set.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include "../platform/observing/observed_objects.h"
-#include "../testing.h"
+#include <cstdio>
+#include <cstdlib>
 
 using namespace havrin;
 using namespace havrin_test;

@@ -1,11 +1,9 @@
+#include "../platform/observing/observed_objects.h"
+#include "../testing.h"
 #include <HavrinFoundation/observation/responder_observations_messages.h>
-
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/testkit/test_clock.h>
-
-#include "../platform/observing/observed_objects.h"
-#include "../testing.h"
 
 using namespace havrin;
 using namespace havrin_test;

@@ -1,6 +1,5 @@
-#include <HavrinFoundation/runtime/casts_messages.h>
-
 #include "../objects.h"
+#include <HavrinFoundation/runtime/casts_messages.h>
 
 using namespace havrin;
 

@@ -1,8 +1,7 @@
+#include "../testing.h"
 #include <HavrinFoundation/runtime/clamp.h>
 
 #include <cmath>
-
-#include "../testing.h"
 
 namespace {
 

@@ -1,10 +1,8 @@
-#include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
-
+#include "../objects.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-
-#include "../objects.h"
+#include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
 
 namespace havrin {
 namespace {

@@ -1,9 +1,8 @@
+#include "../platform/decoding/value_decoder.h"
+#include "../testing.h"
 #include <HavrinFoundation/platform/decoding/json_decoder.h>
 #include <HavrinFoundation/platform/decoding/property_list_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
-
-#include "../platform/decoding/value_decoder.h"
-#include "../testing.h"
 
 namespace {
 

@@ -1,8 +1,6 @@
-#include <HavrinFoundation/text/attributed_strings.h>
-
-#include <HavrinFoundation/text/attributed_strings_messages.h>
-
 #include "../objects.h"
+#include <HavrinFoundation/text/attributed_strings.h>
+#include <HavrinFoundation/text/attributed_strings_messages.h>
 
 using namespace havrin;
 

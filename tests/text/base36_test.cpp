@@ -1,3 +1,4 @@
+#include "../testing.h"
 #include <HavrinFoundation/text/base36.h>
 #include <HavrinFoundation/text/base36_messages.h>
 
@@ -5,8 +6,6 @@
 #include <cctype>
 #include <charconv>
 #include <iterator>
-
-#include "../testing.h"
 
 namespace {
 

@@ -1,7 +1,6 @@
+#include "../testing.h"
 #include <HavrinFoundation/text/character_sets.h>
 #include <HavrinFoundation/text/character_sets_messages.h>
-
-#include "../testing.h"
 
 namespace {
 

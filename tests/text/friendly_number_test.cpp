@@ -1,7 +1,6 @@
+#include "../testing.h"
 #include <HavrinFoundation/text/friendly_number.h>
 #include <HavrinFoundation/text/friendly_number_messages.h>
-
-#include "../testing.h"
 
 namespace {
 

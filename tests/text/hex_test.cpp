@@ -1,10 +1,9 @@
+#include "../testing.h"
 #include <HavrinFoundation/platform/base/wide_instructions.h>
 #include <HavrinFoundation/text/hex.h>
 #include <HavrinFoundation/text/hex_messages.h>
 
 #include <span>
-
-#include "../testing.h"
 
 namespace {
 

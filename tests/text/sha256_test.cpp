@@ -1,11 +1,10 @@
+#include "../testing.h"
+#include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/sha256.h>
 #include <HavrinFoundation/text/sha256_messages.h>
 
-#include <HavrinFoundation/platform/unicode/unicode.h>
 #include <sys/mman.h>
 #include <unistd.h>
-
-#include "../testing.h"
 
 namespace {
 

@@ -1,9 +1,7 @@
+#include "../objects.h"
+#include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/string_helpers.h>
 #include <HavrinFoundation/text/string_helpers_messages.h>
-
-#include <HavrinFoundation/platform/unicode/unicode.h>
-
-#include "../objects.h"
 
 namespace {
 

@@ -1,13 +1,12 @@
 #include <HavrinFoundation/platform/application/process_info.h>
 
-#include <sys/utsname.h>
-#include <unistd.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/string.h>
 
 #include <cstring>
 #include <fstream>
-
-#include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <sys/utsname.h>
+#include <unistd.h>
 
 namespace havrin::inline platform {
 

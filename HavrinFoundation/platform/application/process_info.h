@@ -6,14 +6,14 @@
 // Left out: arguments, host name, memory and processor counts, thermal and power states.
 #pragma once
 
-#include <optional>
-#include <string>
-#include <string_view>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace havrin::inline platform {
 

@@ -1,5 +1,4 @@
 #include <HavrinFoundation/platform/archives/archive_reader.h>
-
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>

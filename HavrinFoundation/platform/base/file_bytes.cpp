@@ -1,7 +1,6 @@
 #include <HavrinFoundation/platform/base/file_bytes.h>
 
 #include <cerrno>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

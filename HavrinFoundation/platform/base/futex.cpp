@@ -1,12 +1,11 @@
 #include <HavrinFoundation/platform/base/futex.h>
 
-#include <linux/futex.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace havrin::inline platform::futex {
 

@@ -1,9 +1,8 @@
 #include <HavrinFoundation/platform/base/misuse.h>
 
+#include <cstdlib>
 #include <sys/uio.h>
 #include <unistd.h>
-
-#include <cstdlib>
 
 namespace havrin::inline platform {
 namespace {

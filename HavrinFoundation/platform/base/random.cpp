@@ -1,12 +1,11 @@
 #include <HavrinFoundation/platform/base/random.h>
 
-#include <sys/random.h>
+#include <HavrinFoundation/platform/base/misuse.h>
 
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
-
-#include <HavrinFoundation/platform/base/misuse.h>
+#include <sys/random.h>
 
 namespace havrin::inline platform {
 

@@ -6,9 +6,9 @@
 // Left out: seeded generators, distributions, random bytes in bulk.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/platform/export.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 

@@ -4,10 +4,9 @@
 
 #if defined(__x86_64__)
 
+#include <bit>
 #include <cpuid.h>
 #include <immintrin.h>
-
-#include <bit>
 
 namespace havrin::inline platform::detail {
 namespace {

@@ -2,17 +2,16 @@
 
 #include <HavrinFoundation/platform/base/clock.h>
 
-#include <sys/epoll.h>
-#include <sys/eventfd.h>
-#include <sys/timerfd.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <ctime>
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <sys/timerfd.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace havrin::inline platform {
 namespace {

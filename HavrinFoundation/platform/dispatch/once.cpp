@@ -3,10 +3,9 @@
 #include <HavrinFoundation/platform/base/futex.h>
 #include <HavrinFoundation/platform/base/misuse.h>
 
-#include <unistd.h>
-
 #include <climits>
 #include <exception>
+#include <unistd.h>
 
 namespace havrin::inline platform::once {
 namespace {

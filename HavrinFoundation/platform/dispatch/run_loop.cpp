@@ -5,12 +5,11 @@
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/platform/dispatch/thread.h>
 
-#include <pthread.h>
-
 #include <algorithm>
 #include <limits>
 #include <memory>
 #include <new>
+#include <pthread.h>
 #include <utility>
 #include <vector>
 

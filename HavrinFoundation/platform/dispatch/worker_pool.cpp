@@ -3,17 +3,16 @@
 #include <HavrinFoundation/platform/base/futex.h>
 #include <HavrinFoundation/platform/dispatch/execution_frame.h>
 
-#include <fcntl.h>
-#include <pthread.h>
-#include <signal.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
 #include <string_view>
 #include <system_error>
 #include <thread>
+#include <unistd.h>
 
 namespace havrin::inline platform {
 namespace {

@@ -4,10 +4,9 @@
 #include <HavrinFoundation/platform/dispatch/queue_state.h>
 #include <HavrinFoundation/platform/dispatch/work_fifo.h>
 
-#include <sys/types.h>
-
 #include <atomic>
 #include <cstdint>
+#include <sys/types.h>
 #include <vector>
 
 namespace havrin::inline platform {

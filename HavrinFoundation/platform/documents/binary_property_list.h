@@ -12,9 +12,8 @@
 // objects that were read, each once, stays within the size of the data, or they overlap.
 #pragma once
 
-#include <HavrinFoundation/platform/export.h>
-
 #include <HavrinFoundation/platform/documents/property_list.h>
+#include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/time/date.h>
 
 #include <bit>

@@ -10,9 +10,8 @@
 // proportion to its size.
 #pragma once
 
-#include <HavrinFoundation/platform/export.h>
-
 #include <HavrinFoundation/platform/base/random.h>
+#include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/time/date.h>
 
 #include <cstddef>

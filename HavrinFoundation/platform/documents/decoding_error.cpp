@@ -1,9 +1,8 @@
 #include <HavrinFoundation/platform/documents/decoding_error.h>
 
-#include <cxxabi.h>
-
 #include <algorithm>
 #include <atomic>
+#include <cxxabi.h>
 #include <new>
 #include <utility>
 #include <vector>

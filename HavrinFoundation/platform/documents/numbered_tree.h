@@ -2,10 +2,9 @@
 // which finds its way by number, over what was read from XML. For the project's own sources.
 #pragma once
 
-#include <HavrinFoundation/platform/export.h>
-
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
 #include <HavrinFoundation/platform/documents/property_list.h>
+#include <HavrinFoundation/platform/export.h>
 
 #include <cstdint>
 #include <optional>

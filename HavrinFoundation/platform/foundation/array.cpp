@@ -1,17 +1,17 @@
 #include <HavrinFoundation/platform/foundation/array.h>
 
-#include <algorithm>
-#include <limits>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include <HavrinFoundation/platform/foundation/array_buffer.h>
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/collection_hash.h>
 #include <HavrinFoundation/platform/foundation/collection_nesting.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace havrin::inline platform {
 

@@ -19,6 +19,13 @@
 // elements at once, sparse and typed arrays.
 #pragma once
 
+#include <HavrinFoundation/platform/base/range.h>
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/fast_enumeration.h>
+#include <HavrinFoundation/platform/foundation/index_set.h>
+#include <HavrinFoundation/platform/object/members.h>
+
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -27,13 +34,6 @@
 #include <new>
 #include <span>
 #include <utility>
-
-#include <HavrinFoundation/platform/base/range.h>
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
-#include <HavrinFoundation/platform/foundation/fast_enumeration.h>
-#include <HavrinFoundation/platform/foundation/index_set.h>
-#include <HavrinFoundation/platform/object/members.h>
 
 namespace havrin::inline platform {
 

@@ -14,10 +14,10 @@
 // change while it lives; with one handle alone its owner may change them.
 #pragma once
 
+#include <HavrinFoundation/platform/object/object.h>
+
 #include <atomic>
 #include <cstdint>
-
-#include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {
 

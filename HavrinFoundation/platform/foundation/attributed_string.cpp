@@ -1,11 +1,11 @@
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
 #include <algorithm>
 #include <string>
 #include <utility>
-
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
-#include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin::inline platform {
 

@@ -10,16 +10,16 @@
 // Left out: single attributes by name, searches for them, text markup, what the attributes mean.
 #pragma once
 
-#include <cstdint>
-#include <span>
-#include <vector>
-
 #include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <cstdint>
+#include <span>
+#include <vector>
 
 namespace havrin::inline platform {
 

@@ -10,12 +10,12 @@
 // Left out: what the value leaves out (character_set.h), and members on the object that the value has.
 #pragma once
 
-#include <cstdint>
-#include <utility>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/unicode/character_set.h>
+
+#include <cstdint>
+#include <utility>
 
 namespace havrin::inline platform {
 

@@ -1,8 +1,8 @@
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 
-#include <string>
-
 #include <HavrinFoundation/platform/object/exception.h>
+
+#include <string>
 
 namespace havrin::inline platform {
 

@@ -1,12 +1,12 @@
 // What collections throw, with receiver and selector in the reason. For the project's own sources.
 #pragma once
 
-#include <cstdint>
-#include <string_view>
-
 #include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/object.h>
+
+#include <cstdint>
+#include <string_view>
 
 namespace havrin::inline platform {
 

@@ -1,9 +1,9 @@
 // What elements contribute to the hash of the collection that they are in. For the project's own sources.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/platform/object/object.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 

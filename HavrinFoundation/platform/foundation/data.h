@@ -10,17 +10,17 @@
 // Left out: files and links as sources, base-64, searching, ranges of data, bytes that are not copied.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/members.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/members.h>
 
 namespace havrin::inline platform {
 

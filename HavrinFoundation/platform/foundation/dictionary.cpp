@@ -1,12 +1,12 @@
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 
-#include <string>
-
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/collection_hash.h>
 #include <HavrinFoundation/platform/foundation/collection_nesting.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
+
+#include <string>
 
 namespace havrin::inline platform {
 

@@ -12,11 +12,6 @@
 // Left out: sorted keys, file and property-list reading (coding/ has that), key sets shared between dictionaries.
 #pragma once
 
-#include <cstdint>
-#include <initializer_list>
-#include <span>
-#include <utility>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
@@ -24,6 +19,11 @@
 #include <HavrinFoundation/platform/foundation/object_table.h>
 #include <HavrinFoundation/platform/object/block.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+#include <utility>
 
 namespace havrin::inline platform {
 

@@ -1,9 +1,9 @@
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 
-#include <string>
-
 #include <HavrinFoundation/platform/object/class.h>
 #include <HavrinFoundation/platform/object/exception.h>
+
+#include <string>
 
 namespace havrin::inline platform {
 

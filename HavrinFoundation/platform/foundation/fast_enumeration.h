@@ -12,15 +12,15 @@
 // Left out: enumerator objects, enumeration in reverse.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/call_hold.h>
+#include <HavrinFoundation/platform/object/object.h>
+
 #include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <span>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/object/call_hold.h>
-#include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {
 

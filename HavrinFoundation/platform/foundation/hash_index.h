@@ -12,12 +12,12 @@
 // Threads: one at a time, or readers alone.
 #pragma once
 
+#include <HavrinFoundation/platform/base/random.h>
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
-
-#include <HavrinFoundation/platform/base/random.h>
 
 namespace havrin::inline platform {
 

@@ -1,11 +1,11 @@
 #include <HavrinFoundation/platform/foundation/index_set.h>
 
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
 #include <algorithm>
 #include <string>
 #include <utility>
-
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin::inline platform {
 

@@ -9,14 +9,14 @@
 // Left out: mutable index sets, enumeration in reverse or within a range, index paths.
 #pragma once
 
+#include <HavrinFoundation/platform/base/range.h>
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/members.h>
+
 #include <cstdint>
 #include <initializer_list>
 #include <span>
 #include <vector>
-
-#include <HavrinFoundation/platform/base/range.h>
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/object/members.h>
 
 namespace havrin::inline platform {
 

@@ -4,10 +4,10 @@
 //   change->objectForKey(kKind)             converts to NSString*; the object is never destroyed
 #pragma once
 
-#include <atomic>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/string.h>
+
+#include <atomic>
 
 namespace havrin::inline platform {
 

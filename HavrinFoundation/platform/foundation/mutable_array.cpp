@@ -1,12 +1,12 @@
+#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/foundation/array_buffer.h>
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <memory>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/array.h>
-#include <HavrinFoundation/platform/foundation/array_buffer.h>
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
 
 namespace havrin::inline platform {
 

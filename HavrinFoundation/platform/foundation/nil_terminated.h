@@ -5,13 +5,13 @@
 // A null ends the list wherever it stands, and nothing behind it is read; so does the end of the list.
 #pragma once
 
+#include <HavrinFoundation/platform/object/call_hold.h>
+
 #include <array>
 #include <concepts>
 #include <cstddef>
 #include <span>
 #include <vector>
-
-#include <HavrinFoundation/platform/object/call_hold.h>
 
 namespace havrin::inline platform {
 

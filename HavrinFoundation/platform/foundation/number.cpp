@@ -1,12 +1,12 @@
 #include <HavrinFoundation/platform/foundation/number.h>
 
+#include <HavrinFoundation/platform/object/boxing.h>
+#include <HavrinFoundation/platform/object/exception.h>
+
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
-
-#include <HavrinFoundation/platform/object/boxing.h>
-#include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin::inline platform {
 

@@ -7,13 +7,13 @@
 // Left out: decimal numbers, comparing for order, text of reals in other than the shortest form.
 #pragma once
 
-#include <concepts>
-#include <cstdint>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <concepts>
+#include <cstdint>
 
 namespace havrin::inline platform {
 

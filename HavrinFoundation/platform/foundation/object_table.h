@@ -14,15 +14,15 @@
 // Threads: one at a time, or readers alone.
 #pragma once
 
+#include <HavrinFoundation/platform/foundation/hash_index.h>
+#include <HavrinFoundation/platform/object/object.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <utility>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/hash_index.h>
-#include <HavrinFoundation/platform/object/object.h>
 
 namespace havrin::inline platform {
 

@@ -1,9 +1,9 @@
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 
-#include <string>
-
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/string.h>
+
+#include <string>
 
 namespace havrin::inline platform {
 

@@ -11,16 +11,16 @@
 // Left out: exchanging, moving and sorting; set algebra.
 #pragma once
 
-#include <cstdint>
-#include <initializer_list>
-#include <span>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 #include <HavrinFoundation/platform/foundation/object_table.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <span>
 
 namespace havrin::inline platform {
 

@@ -1,12 +1,12 @@
 #include <HavrinFoundation/platform/foundation/set.h>
 
-#include <string>
-#include <utility>
-
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/collection_hash.h>
 #include <HavrinFoundation/platform/foundation/collection_nesting.h>
 #include <HavrinFoundation/platform/foundation/string.h>
+
+#include <string>
+#include <utility>
 
 namespace havrin::inline platform {
 

@@ -1,14 +1,14 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <limits>
-#include <new>
-
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
 #include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <new>
 
 namespace havrin::inline platform {
 

@@ -14,16 +14,16 @@
 // UTF-8 and UTF-16, normalisation, localised strings.
 #pragma once
 
+#include <HavrinFoundation/platform/base/range.h>
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/object/members.h>
+
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-
-#include <HavrinFoundation/platform/base/range.h>
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
-#include <HavrinFoundation/platform/object/members.h>
 
 namespace havrin::inline platform {
 

@@ -7,6 +7,8 @@
 // Left out: conversion between spaces (but for what UIColor reads), rendering intents, profiles, patterns' drawing.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <array>
 #include <cstddef>
 #include <initializer_list>
@@ -14,8 +16,6 @@
 #include <span>
 #include <string_view>
 #include <vector>
-
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

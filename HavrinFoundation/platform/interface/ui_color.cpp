@@ -1,11 +1,11 @@
 #include <HavrinFoundation/platform/interface/ui_color.h>
 
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+
 #include <bit>
 #include <cmath>
 #include <string>
-
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 
 namespace havrin::inline platform {
 

@@ -8,11 +8,11 @@
 // Left out: hue and saturation, dynamic colours that follow an appearance, images as patterns, drawing.
 #pragma once
 
-#include <optional>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/graphics/color.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <optional>
 
 namespace havrin::inline platform {
 

@@ -1,7 +1,8 @@
 #include <HavrinFoundation/platform/log/log.h>
 
-#include <time.h>
-#include <unistd.h>
+#include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/log/log_seam.h>
+#include <HavrinFoundation/platform/object/exception.h>
 
 #include <algorithm>
 #include <cmath>
@@ -11,11 +12,9 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <time.h>
+#include <unistd.h>
 #include <utility>
-
-#include <HavrinFoundation/platform/base/clock.h>
-#include <HavrinFoundation/platform/log/log_seam.h>
-#include <HavrinFoundation/platform/object/exception.h>
 
 namespace havrin::inline platform {
 

@@ -7,9 +7,9 @@
 // Left out: formats and privacy marks, levels that are switched on and off, signposts, a store of past lines.
 #pragma once
 
-#include <string_view>
-
 #include <HavrinFoundation/platform/export.h>
+
+#include <string_view>
 
 namespace havrin::inline platform {
 

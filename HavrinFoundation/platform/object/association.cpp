@@ -1,11 +1,11 @@
 #include <HavrinFoundation/platform/object/association.h>
 
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
+#include <HavrinFoundation/platform/object/runtime_internal.h>
+
 #include <array>
 #include <unordered_map>
 #include <vector>
-
-#include <HavrinFoundation/platform/base/unfair_lock_word.h>
-#include <HavrinFoundation/platform/object/runtime_internal.h>
 
 namespace havrin::inline platform {
 

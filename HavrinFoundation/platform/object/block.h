@@ -14,6 +14,8 @@
 // run time.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -21,8 +23,6 @@
 #include <memory>
 #include <type_traits>
 #include <utility>
-
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

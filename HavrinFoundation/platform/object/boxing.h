@@ -2,12 +2,12 @@
 // foundation's NSNumber.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/class.h>
+
 #include <concepts>
 #include <cstdint>
 #include <type_traits>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 

@@ -7,12 +7,12 @@
 // Cost: a load and a test for each object; two atomic counts for each object where they are held.
 #pragma once
 
+#include <HavrinFoundation/platform/object/block.h>
+#include <HavrinFoundation/platform/object/class.h>
+
 #include <concepts>
 #include <type_traits>
 #include <utility>
-
-#include <HavrinFoundation/platform/object/block.h>
-#include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 namespace detail {

@@ -20,16 +20,16 @@
 //   namespace { [[gnu::used]] const Image* const kPlayerImageIsNeeded = &kPlayerImage; }
 #pragma once
 
-#include <span>
-#include <string_view>
-#include <type_traits>
-#include <utility>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/boxing.h>
 #include <HavrinFoundation/platform/object/call_hold.h>
 #include <HavrinFoundation/platform/object/message.h>
 #include <HavrinFoundation/platform/object/observed.h>
+
+#include <span>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace havrin::inline platform {
 

@@ -1,10 +1,15 @@
 #include <HavrinFoundation/platform/object/class.h>
 
-#include <dlfcn.h>
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/runtime_internal.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <dlfcn.h>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -13,12 +18,6 @@
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/category.h>
-#include <HavrinFoundation/platform/object/exception.h>
-#include <HavrinFoundation/platform/object/members.h>
-#include <HavrinFoundation/platform/object/runtime_internal.h>
 
 namespace havrin::inline platform {
 

@@ -10,6 +10,11 @@
 // (archives register the names that they read).
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/block.h>
+#include <HavrinFoundation/platform/object/object.h>
+#include <HavrinFoundation/platform/object/protocol.h>
+
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -18,11 +23,6 @@
 #include <typeinfo>
 #include <utility>
 #include <vector>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/object/block.h>
-#include <HavrinFoundation/platform/object/object.h>
-#include <HavrinFoundation/platform/object/protocol.h>
 
 namespace havrin::inline platform {
 

@@ -5,11 +5,11 @@
 // Left out: userInfo, call stack symbols.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <exception>
 #include <string>
 #include <string_view>
-
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

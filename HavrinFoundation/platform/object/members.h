@@ -17,17 +17,17 @@
 // Left out: fields found by name (`_key`), attributes of properties (all are nonatomic; Strong or Weak says the rest).
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/boxing.h>
+#include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/object/message.h>
+
 #include <array>
 #include <concepts>
 #include <cstddef>
 #include <string_view>
 #include <type_traits>
 #include <utility>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/object/boxing.h>
-#include <HavrinFoundation/platform/object/category.h>
-#include <HavrinFoundation/platform/object/message.h>
 
 namespace havrin::inline platform {
 

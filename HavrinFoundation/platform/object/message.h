@@ -16,14 +16,14 @@
 // up and checks its signature. Throws: what the method throws; NSException (InvalidArgument) when no method answers.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/class.h>
+
 #include <concepts>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 

@@ -1,17 +1,17 @@
 #include <HavrinFoundation/platform/object/object.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <new>
-#include <string>
-#include <vector>
-
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/class.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/object/observed.h>
 #include <HavrinFoundation/platform/object/runtime_internal.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <string>
+#include <vector>
 
 namespace havrin::inline platform {
 

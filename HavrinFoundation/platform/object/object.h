@@ -11,15 +11,15 @@
 // Left out: manual retain and release, zones, forwarding of unknown messages, method swizzling.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+#include <HavrinFoundation/platform/object/reference.h>
+#include <HavrinFoundation/platform/object/selector.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <type_traits>
 #include <utility>
-
-#include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/object/reference.h>
-#include <HavrinFoundation/platform/object/selector.h>
 
 namespace havrin::inline platform {
 

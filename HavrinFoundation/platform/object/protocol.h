@@ -8,11 +8,11 @@
 // Left out: required and optional methods; adoption is declared, implementing the methods is not enough.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <span>
 #include <string_view>
 #include <typeinfo>
-
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

@@ -9,6 +9,8 @@
 // nothing. Left out: autorelease pools, unowned references, reference counts that the program may read.
 #pragma once
 
+#include <HavrinFoundation/platform/export.h>
+
 #include <atomic>
 #include <concepts>
 #include <cstddef>
@@ -16,8 +18,6 @@
 #include <functional>
 #include <type_traits>
 #include <utility>
-
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

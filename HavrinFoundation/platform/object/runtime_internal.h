@@ -1,9 +1,9 @@
 // What the runtime's own sources share.
 #pragma once
 
-#include <string_view>
-
 #include <HavrinFoundation/platform/object/class.h>
+
+#include <string_view>
 
 namespace havrin::inline platform {
 

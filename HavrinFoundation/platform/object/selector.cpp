@@ -1,14 +1,14 @@
 #include <HavrinFoundation/platform/object/selector.h>
 
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/class.h>
+
 #include <memory>
 #include <mutex>
 #include <shared_mutex>
 #include <string>
 #include <unordered_map>
 #include <utility>
-
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 

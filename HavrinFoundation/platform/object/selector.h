@@ -8,13 +8,13 @@
 // Left out: selectors for the argument types (signatures are checked where a message is first sent).
 #pragma once
 
+#include <HavrinFoundation/platform/base/text.h>
+#include <HavrinFoundation/platform/export.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
-
-#include <HavrinFoundation/platform/base/text.h>
-#include <HavrinFoundation/platform/export.h>
 
 namespace havrin::inline platform {
 

@@ -1,10 +1,10 @@
 #include <HavrinFoundation/platform/observing/change.h>
 
-#include <utility>
-
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/object/observed.h>
+
+#include <utility>
 
 namespace havrin::inline platform {
 

@@ -1,13 +1,13 @@
 // One change of one key on its way to the observers: what is read and told before it, and after it.
 #pragma once
 
-#include <array>
-#include <span>
-#include <vector>
-
 #include <HavrinFoundation/platform/foundation/index_set.h>
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
 #include <HavrinFoundation/platform/observing/watch_table.h>
+
+#include <array>
+#include <span>
+#include <vector>
 
 namespace havrin::inline platform {
 

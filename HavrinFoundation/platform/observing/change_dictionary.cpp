@@ -1,8 +1,8 @@
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
 
-#include <array>
-
 #include <HavrinFoundation/platform/foundation/number.h>
+
+#include <array>
 
 namespace havrin::inline platform {
 

@@ -6,11 +6,11 @@
 // It is an NSDictionary in every way: `count`, `allKeys`, equality, enumeration, `mutableCopy`.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 

@@ -1,6 +1,8 @@
 // What has been found out about a key of a class, kept until the methods of any class change.
 #pragma once
 
+#include <HavrinFoundation/platform/object/class.h>
+
 #include <array>
 #include <atomic>
 #include <cstddef>
@@ -8,8 +10,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-
-#include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 

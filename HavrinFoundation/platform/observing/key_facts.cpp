@@ -1,11 +1,11 @@
 #include <HavrinFoundation/platform/observing/key_facts.h>
 
-#include <string>
-
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/observing/class_key_cache.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
+
+#include <string>
 
 namespace havrin::inline platform {
 

@@ -1,11 +1,11 @@
 // What observing asks a class about a key.
 #pragma once
 
-#include <memory>
-#include <vector>
-
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/class.h>
+
+#include <memory>
+#include <vector>
 
 namespace havrin::inline platform {
 

@@ -1,12 +1,12 @@
 #include <HavrinFoundation/platform/observing/key_rows.h>
 
-#include <array>
-#include <span>
-#include <utility>
-
 #include <HavrinFoundation/platform/object/boxing.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/class_key_cache.h>
+
+#include <array>
+#include <span>
+#include <utility>
 
 namespace havrin::inline platform {
 

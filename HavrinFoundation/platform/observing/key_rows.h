@@ -1,13 +1,13 @@
 // What a class has for a key: the rows that key-value coding and observing go through.
 #pragma once
 
+#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/class.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/string.h>
-#include <HavrinFoundation/platform/object/class.h>
 
 namespace havrin::inline platform {
 

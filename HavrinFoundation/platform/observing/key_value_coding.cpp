@@ -1,16 +1,15 @@
 #include <HavrinFoundation/platform/observing/key_value_coding.h>
 
-#include <cxxabi.h>
-
-#include <cstdlib>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include <HavrinFoundation/platform/object/boxing.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/object.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
+
+#include <cstdlib>
+#include <cxxabi.h>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace havrin::inline platform {
 

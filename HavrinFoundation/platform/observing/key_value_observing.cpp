@@ -1,17 +1,17 @@
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
-#include <algorithm>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
 #include <HavrinFoundation/platform/observing/observable.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace havrin::inline platform {
 

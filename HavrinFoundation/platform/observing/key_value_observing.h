@@ -42,14 +42,14 @@
 // insertObject:in<Key>AtIndex: (go through `mutableArrayValueForKey`). Observing from a destructor does nothing.
 #pragma once
 
-#include <cstdint>
-
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/lazy_string.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/message.h>
 #include <HavrinFoundation/platform/observing/key_path.h>
+
+#include <cstdint>
 
 namespace havrin::inline platform {
 

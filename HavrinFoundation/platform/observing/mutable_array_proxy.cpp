@@ -1,13 +1,13 @@
 // The array that `mutableArrayValueForKey` hands out: it reads the property at every use, and every change goes to the
 // property with a notification that says what was inserted, removed or replaced.
-#include <string>
-#include <utility>
-
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
+
+#include <string>
+#include <utility>
 
 namespace havrin::inline platform {
 

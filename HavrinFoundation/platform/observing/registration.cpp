@@ -1,13 +1,13 @@
 #include <HavrinFoundation/platform/observing/registration.h>
 
-#include <algorithm>
-#include <string>
-#include <utility>
-
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
 #include <HavrinFoundation/platform/observing/observable.h>
 #include <HavrinFoundation/platform/observing/watch_table.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
 
 namespace havrin::inline platform {
 

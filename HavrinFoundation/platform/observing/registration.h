@@ -1,14 +1,14 @@
 // One call of `addObserver`, for as long as it stands.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <vector>
-
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/observing/key_facts.h>
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
 
 namespace havrin::inline platform {
 

@@ -1,13 +1,13 @@
 #include <HavrinFoundation/platform/observing/watch_table.h>
 
+#include <HavrinFoundation/platform/object/observed.h>
+#include <HavrinFoundation/platform/observing/key_rows.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+
 #include <array>
 #include <cstdlib>
 #include <new>
 #include <utility>
-
-#include <HavrinFoundation/platform/object/observed.h>
-#include <HavrinFoundation/platform/observing/key_rows.h>
-#include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 namespace havrin::inline platform {
 

@@ -17,13 +17,13 @@
 // it: under a bucket's lock, every object in its chain has a header that may be read.
 #pragma once
 
+#include <HavrinFoundation/platform/object/selector.h>
+#include <HavrinFoundation/platform/observing/registration.h>
+
 #include <atomic>
 #include <cstdint>
 #include <optional>
 #include <span>
-
-#include <HavrinFoundation/platform/object/selector.h>
-#include <HavrinFoundation/platform/observing/registration.h>
 
 namespace havrin::inline platform {
 

@@ -1,8 +1,7 @@
 #include <HavrinFoundation/platform/time/environment.h>
 
-#include <unistd.h>
-
 #include <string_view>
+#include <unistd.h>
 
 namespace havrin::inline platform {
 namespace {

@@ -3,9 +3,6 @@
 #include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/time/text_cache.h>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -14,6 +11,8 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace havrin::inline platform {

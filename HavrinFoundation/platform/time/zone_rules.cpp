@@ -2,14 +2,13 @@
 
 #include <cctz/time_zone.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <chrono>
+#include <fcntl.h>
 #include <limits>
 #include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 namespace havrin::inline platform {

@@ -1,10 +1,12 @@
 // Reading a keyed archive into objects, beside a property-list library that makes a tree of it first. The archive holds
 // an array of 3,333 instances, each with a name, a genre of its own and a number: 10,000 objects.
+#include "benchmarks/second_thread.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/string.h>
+
 #include <benchmark/benchmark.h>
 #include <plist/plist.h>
 
@@ -14,8 +16,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "benchmarks/second_thread.h"
 
 namespace {
 

@@ -1,17 +1,16 @@
 // The lock word, and references to objects, in a process that has one thread. There the standard library counts and
 // locks without locked instructions; ours are the same as ever. Nothing here may start a thread.
+#include "benchmarks/locks.h"
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/object/members.h>
 
-#include <benchmark/benchmark.h>
-#include <sys/single_threaded.h>
 #include <QMutex>
+#include <benchmark/benchmark.h>
 
 #include <cstdio>
 #include <memory>
 #include <mutex>
-
-#include "benchmarks/locks.h"
+#include <sys/single_threaded.h>
 
 namespace {
 

@@ -2,11 +2,11 @@
 #include <HavrinFoundation/platform/crypto/sha256.h>
 
 #define OPENSSL_SUPPRESS_DEPRECATED
+#include <QCryptographicHash>
 #include <benchmark/benchmark.h>
 #include <glib.h>
 #include <openssl/evp.h>
 #include <openssl/sha.h>
-#include <QCryptographicHash>
 
 #include <array>
 #include <cstdint>

@@ -6,14 +6,13 @@
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 
-#include <benchmark/benchmark.h>
-#include <glib.h>
-#include <sys/resource.h>
-#include <uv.h>
 #include <QCoreApplication>
 #include <QThread>
 #include <asio/io_context.hpp>
 #include <asio/post.hpp>
+#include <benchmark/benchmark.h>
+#include <glib.h>
+#include <uv.h>
 
 #include <atomic>
 #include <chrono>
@@ -23,6 +22,7 @@
 #include <limits>
 #include <mutex>
 #include <semaphore>
+#include <sys/resource.h>
 #include <thread>
 #include <vector>
 

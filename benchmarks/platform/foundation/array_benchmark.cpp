@@ -1,4 +1,5 @@
 // Copying, adding to and reading arrays of counted objects.
+#include "benchmarks/second_thread.h"
 #include <HavrinFoundation/platform/foundation/array.h>
 
 #include <benchmark/benchmark.h>
@@ -11,8 +12,6 @@
 #include <mutex>
 #include <thread>
 #include <vector>
-
-#include "benchmarks/second_thread.h"
 
 namespace {
 

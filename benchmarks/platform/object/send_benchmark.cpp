@@ -1,9 +1,13 @@
 // Sends, performs by name, class tests and references against what C++ and other object systems do.
 // "one" sends to one class, "mixed" to eight classes in random order.
-#include <benchmark/benchmark.h>
-#include <glib-object.h>
+#include "benchmarks/second_thread.h"
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/members.h>
+
 #include <QMetaMethod>
 #include <QObject>
+#include <benchmark/benchmark.h>
+#include <glib-object.h>
 
 #include <array>
 #include <cstdlib>
@@ -14,11 +18,6 @@
 #include <thread>
 #include <unordered_map>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/object/members.h>
-
-#include "benchmarks/second_thread.h"
 
 namespace {
 

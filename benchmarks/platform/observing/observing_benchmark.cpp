@@ -1,13 +1,18 @@
 // A change on its way to observers, against the signals of other systems. The property is an integer in all of them, set
 // through its setter; observers count.
-#include <benchmark/benchmark.h>
-#include <glib-object.h>
-#include <sigc++/sigc++.h>
+#include "benchmarks/second_thread.h"
+#include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/observing/change_dictionary.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
-
+#include <benchmark/benchmark.h>
 #include <boost/signals2.hpp>
+#include <glib-object.h>
+#include <sigc++/sigc++.h>
 
 #include <cstdlib>
 #include <map>
@@ -15,13 +20,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/observing/change_dictionary.h>
-#include <HavrinFoundation/platform/observing/key_value_coding.h>
-#include <HavrinFoundation/platform/observing/key_value_observing.h>
-
-#include "benchmarks/second_thread.h"
 
 namespace {
 

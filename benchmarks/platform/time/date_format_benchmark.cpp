@@ -1,13 +1,13 @@
 // The date line of a protocol header: random instants over nine years as "Tue, 05 Mar 2024 14:30:00 GMT".
 #include <HavrinFoundation/platform/time/date_format.h>
 
+#include <QDateTime>
+#include <QLocale>
+#include <QTimeZone>
 #include <absl/time/time.h>
 #include <benchmark/benchmark.h>
 #include <fmt/chrono.h>
 #include <unicode/smpdtfmt.h>
-#include <QDateTime>
-#include <QLocale>
-#include <QTimeZone>
 
 #include <array>
 #include <cstddef>

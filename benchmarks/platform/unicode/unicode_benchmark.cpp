@@ -1,10 +1,10 @@
 // Characters counted as a reader counts them: a colour code of nine units, and text of many scripts.
 #include <HavrinFoundation/platform/unicode/unicode.h>
 
-#include <benchmark/benchmark.h>
-#include <unicode/brkiter.h>
 #include <QString>
 #include <QTextBoundaryFinder>
+#include <benchmark/benchmark.h>
+#include <unicode/brkiter.h>
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,11 +1,11 @@
 // Objects of every class, made, nested, shared and changed as the input says, written and read back: they come back as
 // they were, shared where they were shared, or the archiver says what stands against it. What it writes is read.
+#include "archived_node.h"
+
 #include <bit>
 #include <span>
 #include <string>
 #include <unordered_map>
-
-#include "archived_node.h"
 
 using namespace havrin;
 using fuzz::Node;

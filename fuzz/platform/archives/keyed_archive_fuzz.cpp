@@ -1,10 +1,9 @@
 // Bytes of a keyed archive in either form, read with and without secure coding: objects come back or an error says why
 // not; what came back can be written, and from then on reading and writing change nothing; nothing leaks.
+#include "archived_node.h"
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <span>
-
-#include "archived_node.h"
 
 using namespace havrin;
 using fuzz::Node;

@@ -3,13 +3,12 @@
 #include <HavrinFoundation/platform/time/instant.h>
 #include <HavrinFoundation/platform/time/zone_rules.h>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <sys/mman.h>
+#include <unistd.h>
 
 using namespace havrin;
 

@@ -2,9 +2,8 @@
 // its exported names are found unadorned, and it stays when it is closed.
 #include <HavrinFoundation/Typed.h>
 
-#include <dlfcn.h>
-
 #include <cstdio>
+#include <dlfcn.h>
 
 int main(int argc, char** argv) {
   if (argc != 2 || havrin::friendlyNumber(1'000) != "1.0k") return 2;

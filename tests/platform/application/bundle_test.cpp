@@ -1,16 +1,13 @@
+#include "../../objects.h"
+#include "../../temporary_folder.h"
 #include <HavrinFoundation/platform/application/bundle.h>
-
 #include <HavrinFoundation/platform/documents/property_list.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/testkit/main_bundle.h>
 
-#include <sys/stat.h>
-
 #include <filesystem>
-
-#include "../../objects.h"
-#include "../../temporary_folder.h"
+#include <sys/stat.h>
 
 namespace {
 

@@ -1,9 +1,8 @@
 // Archives of the binary form, put together object by object.
 #pragma once
 
-#include <HavrinFoundation/platform/documents/binary_property_list_writer.h>
-
 #include "archive_samples.h"
+#include <HavrinFoundation/platform/documents/binary_property_list_writer.h>
 
 namespace havrin::samples {
 

@@ -1,4 +1,5 @@
 // What is written can be read, also where it is near a bound; what takes more memory than its archive is refused.
+#include "../../objects.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/documents/property_list.h>
@@ -7,8 +8,6 @@
 #include <HavrinFoundation/platform/foundation/ns_url.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-
-#include "../../objects.h"
 
 using namespace havrin;
 

@@ -1,12 +1,11 @@
 // Objects of the application that use the coder in ways they should not, while they are read and written: an error each
 // time, and an archive that can still be told from a good one.
+#include "../../objects.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-
-#include "../../objects.h"
 
 using namespace havrin;
 

@@ -1,14 +1,13 @@
 // Classes of an application that keeps its objects in keyed archives, and XML archives made by hand.
 #pragma once
 
+#include "tests/objects.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-
-#include "tests/objects.h"
 
 namespace havrin::samples {
 

@@ -1,13 +1,12 @@
 // Each archive is read in a process of its own, which tells what memory that took, and is let go with little stack.
+#include "hostile_archives.h"
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
+#include <HavrinFoundation/platform/foundation/ns_url.h>
+
+#include <fstream>
 #include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <fstream>
-
-#include <HavrinFoundation/platform/foundation/attributed_string.h>
-#include <HavrinFoundation/platform/foundation/ns_url.h>
-#include "hostile_archives.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define HAVRIN_SANITIZED 1

@@ -1,14 +1,13 @@
+#include "archive_samples.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/platform/foundation/ns_url.h>
 #include <HavrinFoundation/platform/foundation/ns_uuid.h>
-#include "archive_samples.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 
 namespace havrin {
 namespace {

@@ -1,9 +1,7 @@
+#include "archive_samples.h"
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
-
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/ns_url.h>
-
-#include "archive_samples.h"
 
 namespace havrin {
 namespace {

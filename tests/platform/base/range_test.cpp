@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/base/range.h>
-
 #include "../../testing.h"
+#include <HavrinFoundation/platform/base/range.h>
 
 namespace {
 

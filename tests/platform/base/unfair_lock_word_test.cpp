@@ -1,12 +1,10 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <future>
 #include <latch>
-
-#include "../../testing.h"
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 

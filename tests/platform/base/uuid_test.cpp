@@ -1,8 +1,7 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/base/uuid.h>
 
 #include <unordered_set>
-
-#include "../../testing.h"
 
 namespace havrin {
 namespace {

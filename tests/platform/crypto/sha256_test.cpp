@@ -1,11 +1,10 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/crypto/sha256.h>
 
 #include <openssl/evp.h>
 
 #include <cstring>
 #include <span>
-
-#include "../../testing.h"
 
 namespace {
 

@@ -1,11 +1,10 @@
+#include "../../testing.h"
+#include "value_decoder.h"
 #include <HavrinFoundation/platform/decoding/decoding.h>
 
 #include <map>
 #include <new>
 #include <unordered_map>
-
-#include "../../testing.h"
-#include "value_decoder.h"
 
 namespace {
 

@@ -1,11 +1,10 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/decoding/json_decoder.h>
 
 #include <cmath>
 #include <cstring>
 #include <map>
 #include <sstream>
-
-#include "../../testing.h"
 
 namespace {
 

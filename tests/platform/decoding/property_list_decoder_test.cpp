@@ -1,8 +1,7 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/decoding/property_list_decoder.h>
 
 #include <map>
-
-#include "../../testing.h"
 
 namespace {
 

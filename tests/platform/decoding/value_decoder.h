@@ -3,13 +3,12 @@
 // formats.
 #pragma once
 
+#include "../../testing.h"
 #include <HavrinFoundation/platform/decoding/decoding.h>
 
 #include <deque>
 #include <map>
 #include <variant>
-
-#include "../../testing.h"
 
 namespace value_decoder {
 

@@ -1,8 +1,7 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/dispatch/delayed_performs.h>
 
 #include <algorithm>
-
-#include "../../testing.h"
 
 namespace {
 

@@ -4,11 +4,10 @@
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 
-#include <sys/epoll.h>
-#include <unistd.h>
-
 #include <cstdio>
+#include <sys/epoll.h>
 #include <thread>
+#include <unistd.h>
 
 int main() {
   using namespace havrin;

@@ -1,13 +1,11 @@
-#include <HavrinFoundation/platform/dispatch/host_loop.h>
-
+#include "../../testing.h"
 #include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/dispatch/host_loop.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include <poll.h>
-
-#include "../../testing.h"
 
 namespace {
 

@@ -1,12 +1,10 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/dispatch/main_queue_state.h>
-
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include <algorithm>
 #include <atomic>
-
-#include "../../testing.h"
 
 namespace {
 

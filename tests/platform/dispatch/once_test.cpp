@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/dispatch/once.h>
-
 #include "../../testing.h"
+#include <HavrinFoundation/platform/dispatch/once.h>
 
 namespace {
 

@@ -1,14 +1,12 @@
-#include <HavrinFoundation/platform/dispatch/perform_selector.h>
-
+#include "../../objects.h"
 #include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/dispatch/perform_selector.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_source.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include <future>
 #include <latch>
-
-#include "../../objects.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/dispatch/queue.h>
-
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -8,8 +8,6 @@
 #include <barrier>
 #include <future>
 #include <latch>
-
-#include "../../testing.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include <HavrinFoundation/platform/dispatch/run_loop.h>
-
+#include "../../testing.h"
 #include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_source.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/platform/object/exception.h>
@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <atomic>
 #include <latch>
-
-#include "../../testing.h"
 
 using namespace havrin;
 

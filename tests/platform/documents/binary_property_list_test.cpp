@@ -1,9 +1,8 @@
+#include "../../testing.h"
+#include "property_list_samples.h"
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
 
 #include <cmath>
-
-#include "../../testing.h"
-#include "property_list_samples.h"
 
 namespace {
 

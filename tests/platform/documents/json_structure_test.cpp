@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/documents/json_structure.h>
-
 #include "../../testing.h"
+#include <HavrinFoundation/platform/documents/json_structure.h>
 
 namespace {
 

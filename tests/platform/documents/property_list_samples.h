@@ -1,9 +1,8 @@
 // The values of property_list_oracle.py, and bytes of the binary form made by hand.
 #pragma once
 
-#include <HavrinFoundation/platform/documents/property_list.h>
-
 #include "../../testing.h"
+#include <HavrinFoundation/platform/documents/property_list.h>
 
 namespace havrin::samples {
 

@@ -1,11 +1,10 @@
+#include "../../testing.h"
+#include "property_list_samples.h"
 #include <HavrinFoundation/platform/documents/property_list.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-
-#include "../../testing.h"
-#include "property_list_samples.h"
 
 namespace {
 

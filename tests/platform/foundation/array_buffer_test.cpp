@@ -1,7 +1,6 @@
 // What arrays share: which additions copy, how long elements live, and that threads may share too.
-#include <HavrinFoundation/platform/foundation/array_buffer.h>
-
 #include "../../objects.h"
+#include <HavrinFoundation/platform/foundation/array_buffer.h>
 
 using namespace havrin;
 

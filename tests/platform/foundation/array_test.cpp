@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/foundation/array.h>
-
 #include "../../objects.h"
+#include <HavrinFoundation/platform/foundation/array.h>
 
 using namespace havrin;
 

@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/foundation/attributed_string.h>
-
 #include "../../objects.h"
+#include <HavrinFoundation/platform/foundation/attributed_string.h>
 
 using namespace havrin;
 

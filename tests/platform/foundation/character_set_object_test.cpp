@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/foundation/character_set_object.h>
-
 #include "../../objects.h"
+#include <HavrinFoundation/platform/foundation/character_set_object.h>
 
 using namespace havrin;
 

@@ -1,9 +1,8 @@
+#include "../../objects.h"
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 
 #include <functional>
-
-#include "../../objects.h"
 
 using namespace havrin;
 

@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/foundation/data.h>
-
 #include "../../testing.h"
+#include <HavrinFoundation/platform/foundation/data.h>
 
 using namespace havrin;
 

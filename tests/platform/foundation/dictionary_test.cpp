@@ -1,10 +1,8 @@
+#include "../../objects.h"
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-
-#include <map>
-
 #include <HavrinFoundation/platform/foundation/set.h>
 
-#include "../../objects.h"
+#include <map>
 
 using namespace havrin;
 

@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/foundation/error.h>
-
 #include "../../objects.h"
+#include <HavrinFoundation/platform/foundation/error.h>
 
 namespace {
 

@@ -1,8 +1,7 @@
+#include "../../objects.h"
 #include <HavrinFoundation/platform/foundation/index_set.h>
 
 #include <set>
-
-#include "../../objects.h"
 
 using namespace havrin;
 

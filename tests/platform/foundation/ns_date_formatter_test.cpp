@@ -1,11 +1,9 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/foundation/ns_date_formatter.h>
-
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <tests/platform/time/pinned_environment.h>
 
 #include <set>
-
-#include "../../testing.h"
 
 namespace havrin {
 namespace {

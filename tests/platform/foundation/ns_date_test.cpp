@@ -1,8 +1,6 @@
-#include <HavrinFoundation/platform/foundation/ns_date.h>
-
-#include <HavrinFoundation/testkit/test_clock.h>
-
 #include "../../objects.h"
+#include <HavrinFoundation/platform/foundation/ns_date.h>
+#include <HavrinFoundation/testkit/test_clock.h>
 
 namespace havrin {
 namespace {

@@ -1,8 +1,6 @@
-#include <HavrinFoundation/platform/foundation/ns_url.h>
-
-#include <HavrinFoundation/platform/foundation/string.h>
-
 #include "../../testing.h"
+#include <HavrinFoundation/platform/foundation/ns_url.h>
+#include <HavrinFoundation/platform/foundation/string.h>
 
 namespace {
 

@@ -1,6 +1,5 @@
-#include <HavrinFoundation/platform/net/url_components.h>
-
 #include "../../testing.h"
+#include <HavrinFoundation/platform/net/url_components.h>
 
 namespace {
 

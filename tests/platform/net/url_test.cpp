@@ -1,12 +1,10 @@
-#include <HavrinFoundation/platform/net/url.h>
-
+#include "../../testing.h"
 #include <HavrinFoundation/platform/net/uri.h>
+#include <HavrinFoundation/platform/net/url.h>
 
 #include <uriparser/Uri.h>
 
 #include <sstream>
-
-#include "../../testing.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // What must not compile: one mistake a case, and none in case 0.
-#include <string>
-
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+
+#include <string>
 
 using namespace havrin;
 

@@ -1,14 +1,13 @@
 // The object runtime as applications meet it: messages, overrides, categories, references, destruction.
 // Length: its parts are tested on the same few classes.
-#include <atomic>
-#include <cstring>
-
+#include "../../objects.h"
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/platform/object/block.h>
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/object/members.h>
 
-#include "../../objects.h"
+#include <atomic>
+#include <cstring>
 
 using namespace havrin;
 

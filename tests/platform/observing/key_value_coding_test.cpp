@@ -1,8 +1,6 @@
-#include <HavrinFoundation/platform/observing/key_value_coding.h>
-
-#include <HavrinFoundation/platform/object/category.h>
-
 #include "../../objects.h"
+#include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
 
 using namespace havrin;
 

@@ -1,10 +1,8 @@
 // Registrations, what they are told, and how they end.
-#include <HavrinFoundation/platform/observing/key_value_observing.h>
-
-#include <HavrinFoundation/platform/observing/change_dictionary.h>
-
 #include "../../objects.h"
 #include "observed_objects.h"
+#include <HavrinFoundation/platform/observing/change_dictionary.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 using namespace havrin;
 using namespace havrin_test;

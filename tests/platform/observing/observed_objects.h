@@ -1,9 +1,8 @@
 // What the tests of key-value observing watch, and with what.
 #pragma once
 
-#include <HavrinFoundation/platform/observing/key_value_observing.h>
-
 #include "../../objects.h"
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 namespace havrin_test {
 

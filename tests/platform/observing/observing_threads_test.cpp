@@ -1,11 +1,10 @@
 // Observers and observed objects that come, change and go on several threads. Under the thread and address sanitizers
 // these are the proof that nothing is read after it has gone.
-#include <atomic>
-
+#include "../../testing.h"
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
-#include "../../testing.h"
+#include <atomic>
 
 using namespace havrin;
 

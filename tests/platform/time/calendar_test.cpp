@@ -1,9 +1,8 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/time/calendar.h>
 #include <tests/platform/time/pinned_environment.h>
 
 #include <unicode/gregocal.h>
-
-#include "../../testing.h"
 
 namespace havrin {
 namespace {

@@ -1,11 +1,9 @@
-#include <HavrinFoundation/platform/time/date_format.h>
-
+#include "../../testing.h"
 #include <HavrinFoundation/platform/time/civil.h>
+#include <HavrinFoundation/platform/time/date_format.h>
 #include <HavrinFoundation/platform/time/icu_format.h>
 #include <HavrinFoundation/platform/time/pattern_writer.h>
 #include <tests/platform/time/pinned_environment.h>
-
-#include "../../testing.h"
 
 namespace havrin {
 namespace {

@@ -1,11 +1,9 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/time/date.h>
-
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include <chrono>
 #include <cmath>
-
-#include "../../testing.h"
 
 namespace havrin {
 namespace {

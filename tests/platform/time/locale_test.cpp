@@ -1,7 +1,6 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/time/locale.h>
 #include <tests/platform/time/pinned_environment.h>
-
-#include "../../testing.h"
 
 namespace havrin {
 namespace {

@@ -1,21 +1,18 @@
-#include <HavrinFoundation/platform/time/zone.h>
-
+#include "../../temporary_folder.h"
+#include "../../testing.h"
+#include "pinned_environment.h"
 #include <HavrinFoundation/platform/time/calendar.h>
 #include <HavrinFoundation/platform/time/civil.h>
 #include <HavrinFoundation/platform/time/system_zone.h>
+#include <HavrinFoundation/platform/time/zone.h>
 #include <HavrinFoundation/platform/time/zone_rules.h>
 #include <HavrinFoundation/testkit/test_clock.h>
-
-#include <sys/stat.h>
 
 #include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <memory>
-
-#include "../../temporary_folder.h"
-#include "../../testing.h"
-#include "pinned_environment.h"
+#include <sys/stat.h>
 
 namespace havrin {
 namespace {

@@ -1,3 +1,4 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/base/wide_instructions.h>
 #include <HavrinFoundation/platform/unicode/character_set.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
@@ -5,8 +6,6 @@
 #include <unicode/uniset.h>
 
 #include <set>
-
-#include "../../testing.h"
 
 namespace {
 

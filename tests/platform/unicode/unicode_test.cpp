@@ -1,11 +1,10 @@
+#include "../../testing.h"
 #include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <unicode/brkiter.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
-
-#include "../../testing.h"
 
 namespace {
 

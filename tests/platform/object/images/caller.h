@@ -1,9 +1,9 @@
 #pragma once
 
+#include <HavrinFoundation/platform/object/object.h>
+
 #include <cstdint>
 #include <string>
-
-#include <HavrinFoundation/platform/object/object.h>
 
 #define CALLER_EXPORT __attribute__((visibility("default")))
 

@@ -1,13 +1,13 @@
 // Messages between images: a program, a library it links, one that it links statically, and one that it opens at run time
 // with its symbols kept local.
-#include <dlfcn.h>
-
-#include <HavrinFoundation/platform/object/exception.h>
-#include <gtest/gtest.h>
-
 #include "caller.h"
 #include "greeting.h"
 #include "player_messages.h"
+#include <HavrinFoundation/platform/object/exception.h>
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
 
 using namespace havrin;
 
