@@ -4,7 +4,8 @@
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/interface/ui_color.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// As `isEqual` with a tolerance; false for null.
 template <>
@@ -19,4 +20,5 @@ struct Message<UIColor, "inverseColor"> : Signature<Strong<UIColor>()> {};
 template <>
 struct Message<UIColor, "blendWithColor:weight:"> : Signature<Strong<UIColor>(UIColor*, double)> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -29,7 +29,7 @@ constexpr std::uint8_t kNotADigit = 0xFF;
 using DigitTable = std::array<std::uint8_t, 256>;
 
 DigitTable digitTable() {
-  const CharacterSet& digits = library_detail::hexadecimalSet();
+  const CharacterSet& digits = detail::hexadecimalSet();
   DigitTable table;
   table.fill(kNotADigit);
   for (std::uint8_t unit = 0; unit < 0x80; ++unit) {  // no byte of another character is a digit
@@ -80,7 +80,7 @@ class Writer {
 
 }  // namespace
 
-std::optional<library_detail::HexCode> library_detail::sanitizedHexCode(std::string_view code) noexcept {
+std::optional<detail::HexCode> detail::sanitizedHexCode(std::string_view code) noexcept {
   const std::size_t characters = characterCount(code);
   if (characters < kFewestCharacters || characters > kMostCharacters) return std::nullopt;
   if (beginsWithPrefix(code)) code.remove_prefix(2);
@@ -95,8 +95,8 @@ std::optional<library_detail::HexCode> library_detail::sanitizedHexCode(std::str
   return result;
 }
 
-std::optional<RGBA> library_detail::readHexCode(std::string_view code) noexcept {
-  const auto clean = library_detail::sanitizedHexCode(code);
+std::optional<RGBA> detail::readHexCode(std::string_view code) noexcept {
+  const auto clean = detail::sanitizedHexCode(code);
   if (!clean) return std::nullopt;
   const DigitTable& values = digitValues();
   const auto value = [&](std::size_t index) { return values[static_cast<unsigned char>(clean->digits[index])]; };

@@ -23,7 +23,7 @@
 
 namespace havrin {
 
-namespace library_detail {
+namespace detail {
 
 // Six or eight hexadecimal digits, their case kept.
 struct HexCode {
@@ -39,7 +39,7 @@ struct HexCode {
 // The components that a loosely written code stands for.
 [[nodiscard]] HAVRIN_EXPORT std::optional<RGBA> readHexCode(std::string_view code) noexcept;
 
-}  // namespace library_detail
+}  // namespace detail
 
 /// The code of a colour: "#" and six upper-case digits, or eight when alpha is below 1. Each component times 255,
 /// truncated: 0.5 gives 7F. Components are the colour's own: nothing is converted into another colour space.
@@ -55,7 +55,7 @@ struct HexCode {
 /// Choice: "0x" is a prefix by characters: followed by a combining mark it is none.
 template <std::derived_from<UIColor> ClassType>
 [[nodiscard]] Strong<ClassType> fromHexString(std::optional<std::string_view> code) {
-  const auto components = code ? library_detail::readHexCode(*code) : std::nullopt;
+  const auto components = code ? detail::readHexCode(*code) : std::nullopt;
   if (!components) return nullptr;
   const Strong<ClassType> allocated = alloc<ClassType>();
   return cast<ClassType>(static_cast<NSObject*>(

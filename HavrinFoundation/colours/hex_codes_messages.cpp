@@ -16,7 +16,7 @@ Strong<UIColor> colorWithHexStringMessage(ClassOf<UIColor>, NSString* code) {
 }
 
 Strong<NSString> sanitizedWithHexString(ClassOf<UIColor>, NSString* code) {
-  const auto clean = library_detail::sanitizedHexCode(code ? utf8(*code) : "");
+  const auto clean = detail::sanitizedHexCode(code ? utf8(*code) : "");
   return clean ? makeString(clean->view()) : nullptr;
 }
 

@@ -5,7 +5,8 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/interface/ui_color.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// As `hexString`.
 template <>
@@ -21,4 +22,5 @@ struct ClassMessage<UIColor, "sanitizedWithHexString:"> : Signature<Strong<NSStr
 template <>
 struct ClassMessage<UIColor, "randomColor"> : Signature<Strong<UIColor>()> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -14,7 +14,8 @@
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/object/message.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Sends the message later, once for all calls that come less than the delay after one another, from the default mode of
 /// the run loop of the thread that made the last call; never within the call. A delay that is zero, negative or not a
@@ -40,4 +41,5 @@ struct Message<NSObject, "h_throttleTimestamps"> : Signature<Strong<NSMutableDic
 template <>
 struct Message<NSObject, "setH_throttleTimestamps:"> : Signature<void(NSMutableDictionary*)> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -4,10 +4,12 @@
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/application/process_info.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// As `isExecutingTests(const NSProcessInfo&)`; false for null.
 template <>
 struct Message<NSProcessInfo, "isExecutingTests"> : Signature<bool()> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// As the typed forms of these names; never null.
 template <>
@@ -21,4 +22,5 @@ struct Message<NSBundle, "appAndBuildVersionString"> : Signature<Strong<NSString
 template <>
 struct Message<NSBundle, "havrinAppUserAgentString"> : Signature<Strong<NSString>()> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -13,7 +13,7 @@ namespace {
 
 struct Parameter {
   std::string_view key;
-  library_detail::OptionalText UTMParameters::*field;
+  detail::OptionalText UTMParameters::*field;
 };
 
 constexpr std::array<Parameter, 6> kParameters{{{"utm_campaign", &UTMParameters::campaign},

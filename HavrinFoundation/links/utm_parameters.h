@@ -19,7 +19,7 @@
 
 namespace havrin {
 
-namespace library_detail {
+namespace detail {
 // An optional text that a null pointer does not make: std::nullopt is the absent one.
 struct OptionalText : std::optional<std::string> {
   using std::optional<std::string>::optional;
@@ -32,16 +32,16 @@ struct OptionalText : std::optional<std::string> {
   friend bool operator==(const OptionalText& a, const OptionalText& b) { return a.optional() == b.optional(); }
   friend bool operator==(const OptionalText& a, const std::optional<std::string>& b) { return a.optional() == b; }
 };
-}  // namespace library_detail
+}  // namespace detail
 
 /// What a link says about the campaign it belongs to. A field that holds the empty text is present.
 struct UTMParameters {
-  library_detail::OptionalText campaign = std::nullopt;
-  library_detail::OptionalText content = std::nullopt;
-  library_detail::OptionalText medium = std::nullopt;
-  library_detail::OptionalText name = std::nullopt;
-  library_detail::OptionalText source = std::nullopt;
-  library_detail::OptionalText term = std::nullopt;
+  detail::OptionalText campaign = std::nullopt;
+  detail::OptionalText content = std::nullopt;
+  detail::OptionalText medium = std::nullopt;
+  detail::OptionalText name = std::nullopt;
+  detail::OptionalText source = std::nullopt;
+  detail::OptionalText term = std::nullopt;
 };
 
 /// The parameters in the query of `url`, taken from its own text: a base is not looked at.

@@ -21,7 +21,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Observes one key path with options 0. Nil: NSException (InvalidArgument) for a null key path; nothing is registered.
 template <>
@@ -53,4 +54,5 @@ struct Message<UIResponder, "keyValueObservations"> : Signature<Strong<NSArray>(
 template <>
 struct Message<UIResponder, "setKeyValueObservations:"> : Signature<void(NSArray*)> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -13,7 +13,8 @@
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 #include <HavrinFoundation/platform/object/members.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The object when it is an instance of the receiving class or of a subclass; null otherwise, and for null.
 template <>
@@ -28,4 +29,5 @@ struct Message<NSObject, "ifConformance:"> : Signature<Strong<Self>(const AnyPro
 template <>
 struct Message<NSObject, "isAnyKindOfClass:"> : Signature<bool(NSFastEnumeration*)> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

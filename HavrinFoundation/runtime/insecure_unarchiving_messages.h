@@ -12,7 +12,8 @@
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/object/message.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSData;
 
@@ -28,4 +29,5 @@ template <>
 struct ClassMessage<NSKeyedUnarchiver, "insecureUnarchivedObjectOfClasses:fromData:error:">
     : Signature<Strong<NSObject>(NSSet* classes, NSData* data, Strong<NSError>* error)> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

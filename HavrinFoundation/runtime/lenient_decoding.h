@@ -23,12 +23,12 @@
 
 namespace havrin {
 
-namespace library_detail {
+namespace detail {
 // Decodes from any value, null included, and reads nothing of it: the step past an element that did not decode.
 struct EmptyDecodable {
   static Decoded<EmptyDecodable> fromDecoder(Decoder&) { return EmptyDecodable(); }
 };
-}  // namespace library_detail
+}  // namespace detail
 
 /// An element that was skipped: its position, the path of the value that failed, and why it failed.
 struct SkippedElement {
@@ -87,7 +87,7 @@ Decoded<std::vector<Type>> tryDecodeSkippingInvalidElements(UnkeyedDecodingConta
       const DecodingError reason = element.error();
       report(SkippedElement{container.currentIndex(), reason.path(), reason});
     }
-    if (auto step = container.template tryDecode<library_detail::EmptyDecodable>(); !step) {
+    if (auto step = container.template tryDecode<detail::EmptyDecodable>(); !step) {
       elements.fail(std::move(step.failure()));
       break;
     }

@@ -12,14 +12,12 @@ Strong<NSString> stringOrNull(std::optional<std::string_view> string) {
 
 }  // namespace
 
-Strong<NSAttributedString> library_detail::initialised(NSAttributedString& allocated,
-                                                       std::optional<std::string_view> string) {
+Strong<NSAttributedString> detail::initialised(NSAttributedString& allocated, std::optional<std::string_view> string) {
   return send<"initWithOptionalString:">(allocated, stringOrNull(string));
 }
 
-Strong<NSAttributedString> library_detail::initialised(NSAttributedString& allocated,
-                                                       std::optional<std::string_view> string,
-                                                       NSDictionary* attributes) {
+Strong<NSAttributedString> detail::initialised(NSAttributedString& allocated, std::optional<std::string_view> string,
+                                               NSDictionary* attributes) {
   return send<"initWithOptionalString:attributes:">(allocated, stringOrNull(string), attributes);
 }
 

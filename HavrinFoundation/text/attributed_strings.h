@@ -15,13 +15,13 @@
 
 namespace havrin {
 
-namespace library_detail {
+namespace detail {
 // Send the allocated object its init message.
 HAVRIN_EXPORT Strong<NSAttributedString> initialised(NSAttributedString& allocated,
                                                      std::optional<std::string_view> string);
 HAVRIN_EXPORT Strong<NSAttributedString> initialised(NSAttributedString& allocated,
                                                      std::optional<std::string_view> string, NSDictionary* attributes);
-}  // namespace library_detail
+}  // namespace detail
 
 /// {0, the text's length}, in UTF-16 units.
 [[nodiscard]] HAVRIN_EXPORT NSRange entireRange(const NSAttributedString& string);
@@ -32,12 +32,12 @@ HAVRIN_EXPORT Strong<NSAttributedString> initialised(NSAttributedString& allocat
 /// Result: never null, unless an override answers null or an object of another class.
 template <std::derived_from<NSAttributedString> ClassType>
 [[nodiscard]] Strong<ClassType> fromOptionalString(std::optional<std::string_view> string) {
-  const Strong<NSObject> made = library_detail::initialised(*alloc<ClassType>(), string);
+  const Strong<NSObject> made = detail::initialised(*alloc<ClassType>(), string);
   return cast<ClassType>(made);
 }
 template <std::derived_from<NSAttributedString> ClassType>
 [[nodiscard]] Strong<ClassType> fromOptionalString(std::optional<std::string_view> string, NSDictionary* attributes) {
-  const Strong<NSObject> made = library_detail::initialised(*alloc<ClassType>(), string, attributes);
+  const Strong<NSObject> made = detail::initialised(*alloc<ClassType>(), string, attributes);
   return cast<ClassType>(made);
 }
 // A null pointer is not a text: std::nullopt is the absent one.

@@ -7,7 +7,8 @@
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/value.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// As `entireRange(const NSAttributedString&)`; {0, 0} for null. By key, an NSValue.
 template <>
@@ -20,4 +21,5 @@ template <>
 struct Message<NSAttributedString, "initWithOptionalString:attributes:">
     : Signature<Strong<Self>(NSString*, NSDictionary*)> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,7 @@ namespace {
 
 CharacterSet alphabetDigitsAnd(std::string_view more) {
   CharacterSet set;
-  set.formUnion(library_detail::asciiAlphabetSet());
+  set.formUnion(detail::asciiAlphabetSet());
   set.insert("0123456789");
   set.insert(more);
   return set;
@@ -16,22 +16,22 @@ CharacterSet alphabetDigitsAnd(std::string_view more) {
 
 }  // namespace
 
-const CharacterSet& library_detail::hexadecimalSet() {
+const CharacterSet& detail::hexadecimalSet() {
   static const auto& set = *new CharacterSet("0123456789abcdefABCDEF");
   return set;
 }
 
-const CharacterSet& library_detail::asciiAlphabetSet() {
+const CharacterSet& detail::asciiAlphabetSet() {
   static const auto& set = *new CharacterSet("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ");
   return set;
 }
 
-CharacterSet& library_detail::urlSchemeAllowedSet() {
+CharacterSet& detail::urlSchemeAllowedSet() {
   static auto& set = *new CharacterSet(alphabetDigitsAnd("+-."));
   return set;
 }
 
-CharacterSet& library_detail::validSubhavrinNameSet() {
+CharacterSet& detail::validSubhavrinNameSet() {
   static auto& set = *new CharacterSet(alphabetDigitsAnd("_"));
   return set;
 }

@@ -19,23 +19,23 @@
 
 namespace havrin {
 
-namespace library_detail {
+namespace detail {
 HAVRIN_EXPORT const CharacterSet& hexadecimalSet();
 HAVRIN_EXPORT const CharacterSet& asciiAlphabetSet();
 HAVRIN_EXPORT CharacterSet& urlSchemeAllowedSet();
 HAVRIN_EXPORT CharacterSet& validSubhavrinNameSet();
-}  // namespace library_detail
+}  // namespace detail
 
 /// 0-9, a-f, A-F: 22 characters.
 template <std::same_as<CharacterSet> ClassType>
 [[nodiscard]] ClassType hexadecimal() {
-  return library_detail::hexadecimalSet();
+  return detail::hexadecimalSet();
 }
 
 /// a-z, A-Z: 52 characters.
 template <std::same_as<CharacterSet> ClassType>
 [[nodiscard]] ClassType asciiAlphabet() {
-  return library_detail::asciiAlphabetSet();
+  return detail::asciiAlphabetSet();
 }
 
 /// At first asciiAlphabet, 0-9, "+", "-" and ".": 65 characters, those that a link's scheme may have. Which of them may
@@ -43,31 +43,31 @@ template <std::same_as<CharacterSet> ClassType>
 /// Source: RFC 3986, 3.1.
 template <std::same_as<CharacterSet> ClassType>
 [[nodiscard]] ClassType urlSchemeAllowed() {
-  return library_detail::urlSchemeAllowedSet();
+  return detail::urlSchemeAllowedSet();
 }
 template <std::same_as<CharacterSet> ClassType>
 void setUrlSchemeAllowed(ClassType value) {
-  library_detail::urlSchemeAllowedSet() = std::move(value);
+  detail::urlSchemeAllowedSet() = std::move(value);
 }
 /// Calls `change(CharacterSet&)` with the set itself.
 template <std::same_as<CharacterSet> ClassType, std::invocable<ClassType&> Function>
 void changeUrlSchemeAllowed(Function&& change) {
-  std::invoke(std::forward<Function>(change), library_detail::urlSchemeAllowedSet());
+  std::invoke(std::forward<Function>(change), detail::urlSchemeAllowedSet());
 }
 
 /// At first asciiAlphabet, 0-9 and "_": 63 characters.
 template <std::same_as<CharacterSet> ClassType>
 [[nodiscard]] ClassType validSubhavrinName() {
-  return library_detail::validSubhavrinNameSet();
+  return detail::validSubhavrinNameSet();
 }
 template <std::same_as<CharacterSet> ClassType>
 void setValidSubhavrinName(ClassType value) {
-  library_detail::validSubhavrinNameSet() = std::move(value);
+  detail::validSubhavrinNameSet() = std::move(value);
 }
 /// Calls `change(CharacterSet&)` with the set itself.
 template <std::same_as<CharacterSet> ClassType, std::invocable<ClassType&> Function>
 void changeValidSubhavrinName(Function&& change) {
-  std::invoke(std::forward<Function>(change), library_detail::validSubhavrinNameSet());
+  std::invoke(std::forward<Function>(change), detail::validSubhavrinNameSet());
 }
 
 }  // namespace havrin

@@ -6,10 +6,12 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// As `friendlyNumber`; never null.
 template <>
 struct ClassMessage<NSString, "friendlyStringWithNumber:"> : Signature<Strong<NSString>(std::int64_t)> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,7 @@ namespace havrin {
 
 NSRange nsrange(std::string_view text) noexcept { return {0, utf16Length(text)}; }
 
-std::string library_detail::repeatedText(std::string_view text, std::int64_t times, std::string_view joinedBy) {
+std::string detail::repeatedText(std::string_view text, std::int64_t times, std::string_view joinedBy) {
   if (times <= 0) return {};
   const std::size_t period = text.size() + joinedBy.size();
   std::string result;

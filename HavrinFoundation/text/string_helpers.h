@@ -41,9 +41,9 @@ bool containsAnyCharacters(std::nullptr_t, const CharacterSet&) = delete;
 }
 bool containsOnlyCharacters(std::nullptr_t, const CharacterSet&) = delete;
 
-namespace library_detail {
+namespace detail {
 HAVRIN_EXPORT std::string repeatedText(std::string_view text, std::int64_t times, std::string_view joinedBy);
-}  // namespace library_detail
+}  // namespace detail
 
 /// `text` as often as `times` says, with `joinedBy` between neighbours; an absent separator counts as the empty one.
 /// Result: the empty text for no repetition, and for fewer than none.
@@ -51,7 +51,7 @@ HAVRIN_EXPORT std::string repeatedText(std::string_view text, std::int64_t times
 template <std::derived_from<NSString> ClassType>
 [[nodiscard]] std::string repeating(std::string_view text, std::int64_t times,
                                     std::optional<std::string_view> joinedBy) {
-  return library_detail::repeatedText(text, times, joinedBy.value_or(std::string_view()));
+  return detail::repeatedText(text, times, joinedBy.value_or(std::string_view()));
 }
 template <std::derived_from<NSString> ClassType, OtherThanInt64 Type>
 std::string repeating(std::string_view, Type, std::optional<std::string_view>) {

@@ -24,10 +24,10 @@ void require(bool right) {
 }
 
 void readOurs(benchmark::State& state) {
-  require(library_detail::readHexCode(kCode)->red == 0x12 / 255.0);
+  require(detail::readHexCode(kCode)->red == 0x12 / 255.0);
   for (auto _ : state) {
     benchmark::DoNotOptimize(kCode);
-    benchmark::DoNotOptimize(library_detail::readHexCode(kCode));
+    benchmark::DoNotOptimize(detail::readHexCode(kCode));
   }
 }
 void readObject(benchmark::State& state) {

@@ -27,14 +27,14 @@ std::string upper(std::string_view digits) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view code(reinterpret_cast<const char*>(data), size);
-  const auto clean = library_detail::sanitizedHexCode(code);
+  const auto clean = detail::sanitizedHexCode(code);
   const Strong<UIColor> colour = fromHexString<UIColor>(code);
   require(static_cast<bool>(clean) == static_cast<bool>(colour));
   const std::size_t characters = characterCount(code);
   if (characters < 6 || characters > 11) require(!clean);
   if (!clean) return 0;
 
-  const auto again = library_detail::sanitizedHexCode(clean->view());
+  const auto again = detail::sanitizedHexCode(clean->view());
   require(again && again->view() == clean->view());
   std::string expected = "#" + upper(clean->view());
   if (expected.size() == 9 && expected.ends_with("FF")) expected.resize(7);

@@ -52,7 +52,7 @@ TEST(CharacterSets, FirstUseFromManyThreadsAndByAWriteBuildsOnce) {
 
   std::vector<const void*> built(4);
   onThreads(built.size(), [&built](std::size_t i) {
-    built[i] = &library_detail::urlSchemeAllowedSet();
+    built[i] = &detail::urlSchemeAllowedSet();
     EXPECT_TRUE(hexadecimal<CharacterSet>().contains(U'f') && asciiAlphabet<CharacterSet>().contains(U'z') &&
                 urlSchemeAllowed<CharacterSet>().contains(U'+'));
   });

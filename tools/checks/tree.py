@@ -15,8 +15,8 @@ LONGEST = 400
 LENGTH_REASON = re.compile(r"^(//|#|\"\"\"|\s).*\bLength: \S", re.MULTILINE)
 BAD_NAMES = re.compile(r"(^|_)(util|utils|common|misc|helper)$")
 NAME = re.compile(r"[a-z][a-z0-9_]*$")
-# Where a header keeps what no user calls. The layer's namespace is inline, so a `detail` of the rooms would be ambiguous.
-HIDDEN_NAMESPACE = re.compile(r"namespace .*\b(detail|internal|library_detail) \{")
+# Other names for the namespace `detail`, in which a header keeps what no user calls.
+HIDDEN_NAMESPACE = re.compile(r"namespace .*\b(\w+_detail|internal|impl|details) \{")
 SUFFIXES = {"tests": "_test", "fuzz": "_fuzz", "benchmarks": "_benchmark"}
 CXX_FOLDERS = (LIBRARY, "tests/", "fuzz/", "benchmarks/", "examples/")
 
@@ -118,10 +118,8 @@ def check_headers(tree):
         text = tree.text(name)
         if not text.startswith("//"):
             yield f"{name}:1: a header opens with what it is"
-        hidden = "detail" if name.startswith(PLATFORM) else "library_detail"
         for found in HIDDEN_NAMESPACE.findall(text):
-            if found != hidden:
-                yield f"{name}: what no user calls stands in the namespace {hidden}"
+            yield f"{name}: what no user calls is in the namespace detail, not {found}"
         if "#pragma once" not in text:
             yield f"{name}:1: no #pragma once"
         for number, line in enumerate(text.splitlines(), 1):

@@ -11,7 +11,8 @@
 #include <unordered_map>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::size_t kLargestInformation = std::size_t{16} << 20;
@@ -96,4 +97,5 @@ Strong<NSBundle> installMainBundle(NSBundle* bundle) {
   return std::exchange(bundles().installedMain, Strong<NSBundle>(bundle));
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -19,7 +19,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Equal only to itself.
 /// Threads: any.
@@ -59,4 +60,5 @@ class HAVRIN_EXPORT NSBundle : public Object<NSBundle, NSObject> {
 /// Threads: any; meant for test programs.
 HAVRIN_EXPORT Strong<NSBundle> installMainBundle(NSBundle* bundle);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -72,4 +73,5 @@ Strong<NSString> NSProcessInfo::operatingSystemVersionString() const {
   return makeString(*kName);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -15,7 +15,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSProcessInfo : public Object<NSProcessInfo, NSObject> {
  public:
@@ -32,4 +33,5 @@ class HAVRIN_EXPORT NSProcessInfo : public Object<NSProcessInfo, NSObject> {
   [[nodiscard]] virtual Strong<NSString> operatingSystemVersionString() const;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/archives/archive_limits.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 // The smallest archive may stand for so many bytes, and each of its own for so many more.
 ArchiveBudget::ArchiveBudget(std::uint64_t archiveSize)
@@ -26,4 +27,5 @@ std::uint64_t searchWork(std::span<SoughtObject> sought) {
   return all;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 #include <cstdint>
 #include <span>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// About what things take in memory, in bytes.
 inline constexpr std::uint64_t kArchivedObjectSize = 64;   // an object, whatever it holds
@@ -79,4 +80,5 @@ struct SoughtObject {
 /// is compared with another. Sorts the row.
 [[nodiscard]] std::uint64_t searchWork(std::span<SoughtObject> sought);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

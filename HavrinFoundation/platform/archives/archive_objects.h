@@ -8,7 +8,8 @@
 #include <cstdint>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ArchiveObjects {
  public:
@@ -50,4 +51,5 @@ class ArchiveObjects {
   std::vector<ClassEntry> classes_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

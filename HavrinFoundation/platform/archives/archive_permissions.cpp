@@ -10,7 +10,8 @@
 // Which classes may come while secure coding is required. Objects are made once and may be asked for again when other
 // classes may come.
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 // While it lives, these classes may come.
 class ArchiveReader::Allowing {
@@ -100,4 +101,5 @@ bool ArchiveReader::permitsAttributes(const NSAttributedString& text, std::size_
   return true;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

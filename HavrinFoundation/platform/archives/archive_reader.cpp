@@ -9,7 +9,8 @@
 
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 using Kind = BinaryObject::Kind;
 
 // While it lives, the values of one object are read. An object that is not made then is as if it had not been touched.
@@ -269,4 +270,5 @@ std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::entryForName(std
   return ArchivedClassEntry{cls, archivedFormForClass(cls), cls->row(selector<"awakeAfterUsingCoder:">) != nullptr};
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

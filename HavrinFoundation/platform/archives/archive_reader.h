@@ -16,7 +16,8 @@
 #include <string_view>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSAttributedString;
 
@@ -141,4 +142,5 @@ class ArchiveReader {
   ArchiveBudget budget_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -4,7 +4,8 @@
 
 // The rows of objects that collections are made of. What a collection does with a row bounds how long it may be.
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 using Kind = BinaryObject::Kind;
 
 bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought) {
@@ -94,4 +95,5 @@ std::vector<ArchiveReader::Part> ArchiveReader::partsOf(std::string_view key) {
   return parts;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 // While it lives, values are added to one object.
 class ArchiveWriter::Nested {
@@ -206,4 +207,5 @@ std::vector<std::byte> ArchiveWriter::finish() {
   return bytes;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

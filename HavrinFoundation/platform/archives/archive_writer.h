@@ -16,7 +16,8 @@
 #include <unordered_set>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ArchiveWriter {
  public:
@@ -110,4 +111,5 @@ class ArchiveWriter {
   std::unordered_map<const ClassObject*, Plan> plans_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

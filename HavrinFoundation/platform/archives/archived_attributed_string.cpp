@@ -10,7 +10,8 @@
 #include <optional>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using Runs = std::vector<NSAttributedString::Run>;
@@ -132,4 +133,5 @@ Strong<NSObject> decodeAttributedString(ArchiveReader& reader) {
 template Strong<NSObject> decodeAttributedString<NSAttributedString>(ArchiveReader&);
 template Strong<NSObject> decodeAttributedString<NSMutableAttributedString>(ArchiveReader&);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

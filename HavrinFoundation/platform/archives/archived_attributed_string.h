@@ -3,7 +3,8 @@
 
 #include <HavrinFoundation/platform/object/reference.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ArchiveReader;
 class ArchiveWriter;
@@ -14,4 +15,5 @@ template <class ClassType>
 [[nodiscard]] Strong<NSObject> decodeAttributedString(ArchiveReader& reader);
 void encodeAttributedString(const NSObject& object, ArchiveWriter& writer);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

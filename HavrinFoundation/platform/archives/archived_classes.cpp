@@ -10,7 +10,8 @@
 #include <shared_mutex>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 // The classes that programs have named. Never destroyed: threads may read archives until the process ends.
@@ -79,4 +80,5 @@ bool AllowedClasses::permits(const ClassObject* given) const {
   return false;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

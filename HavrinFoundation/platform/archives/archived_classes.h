@@ -8,7 +8,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ArchiveReader;
 class ArchiveWriter;
@@ -44,4 +45,5 @@ struct AllowedClasses {
   [[nodiscard]] bool permits(const ClassObject* given) const;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -38,7 +38,8 @@
 #include <optional>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using Kind = BinaryObject::Kind;
@@ -310,4 +311,5 @@ const ArchivedForm* archivedFormForClass(const ClassObject* cls) {
   return found == std::end(kForms) ? nullptr : found;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

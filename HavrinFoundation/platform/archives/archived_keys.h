@@ -4,7 +4,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A key that begins with "$", as the archive's own do, gets one more.
 class ArchivedKey {
@@ -21,4 +22,5 @@ class ArchivedKey {
   std::string_view key_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 #include <string>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 [[noreturn]] void throwOtherHalf(const NSCoder& coder, std::string_view selector) {
@@ -81,4 +82,5 @@ Strong<NSError> makeCodingError(std::int64_t code, std::string_view text) {
   return make<NSError>(NSCocoaErrorDomain, code, makeDictionary({{NSDebugDescriptionErrorKey, makeString(text)}}));
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -35,7 +35,8 @@
 #include <span>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSCoder;
 class NSSet;
@@ -124,4 +125,5 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
 /// An error of coding, in NSCocoaErrorDomain, with a text for developers.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSError> makeCodingError(std::int64_t code, std::string_view text);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

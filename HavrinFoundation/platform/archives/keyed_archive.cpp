@@ -2,7 +2,8 @@
 
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 using Kind = BinaryObject::Kind;
 
@@ -75,4 +76,5 @@ std::optional<BinaryObject> KeyedArchive::member(const BinaryObject& dictionary,
   return *object;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

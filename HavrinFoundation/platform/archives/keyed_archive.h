@@ -16,7 +16,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class KeyedArchive {
  public:
@@ -64,4 +65,5 @@ class KeyedArchive {
   BinaryObject top_{BinaryObject::Kind::dictionary, 0, 0, nullptr};
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -6,7 +6,8 @@
 
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 NSKeyedArchiver::NSKeyedArchiver() : writer_(std::make_unique<ArchiveWriter>(*this)) {}
 
@@ -55,4 +56,5 @@ Strong<NSData> NSKeyedArchiver::encodedData() {
   return hasFailed() ? nullptr : make<NSData>(std::move(bytes));
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

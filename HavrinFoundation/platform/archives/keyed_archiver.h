@@ -25,7 +25,8 @@
 #include <span>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ArchiveWriter;
 class NSData;
@@ -67,4 +68,5 @@ class HAVRIN_EXPORT NSKeyedArchiver : public Object<NSKeyedArchiver, NSCoder> {
   bool requiresSecureCoding_ = false;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using Kind = BinaryObject::Kind;
@@ -115,4 +116,5 @@ void NSKeyedUnarchiver::finishDecoding() {
   reader_.reset();
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

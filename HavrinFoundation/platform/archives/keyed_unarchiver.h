@@ -34,7 +34,8 @@
 #include <string_view>
 #include <type_traits>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ArchiveReader;
 class NSData;
@@ -114,4 +115,5 @@ struct ArchivedClass {
   }
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 
 #include <unordered_map>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 class Maker {
@@ -72,4 +73,5 @@ class Maker {
 
 Strong<NSObject> objectOf(const PropertyList& list) { return Maker().make(list); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -4,10 +4,12 @@
 #include <HavrinFoundation/platform/documents/property_list.h>
 #include <HavrinFoundation/platform/object/object.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// `list` as strings, numbers, dates, data, arrays and dictionaries; parts that are shared stay shared.
 /// Null when: it is a UID; UIDs are left out of arrays and dictionaries.
 [[nodiscard]] Strong<NSObject> objectOf(const PropertyList& list);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -4,7 +4,8 @@
 #include <cmath>
 #include <ctime>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constinit std::atomic<ClockSource*> installedSource{nullptr};
@@ -54,4 +55,5 @@ ClockSource* installClockSource(ClockSource* source) {
 
 ClockSource* installedClockSource() { return installedSource.load(std::memory_order_acquire); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

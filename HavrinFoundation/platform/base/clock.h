@@ -15,7 +15,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Seconds of a clock that only runs forwards and that no change of the date touches; its zero means nothing.
 /// Cost: one system clock reading without a system call, about 30 ns.
@@ -57,4 +58,5 @@ HAVRIN_EXPORT ClockSource* installClockSource(ClockSource* source);
 /// The installed source, null for the system's clocks.
 [[nodiscard]] HAVRIN_EXPORT ClockSource* installedClockSource();
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

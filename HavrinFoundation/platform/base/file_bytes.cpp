@@ -5,7 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 class File {
@@ -52,4 +53,5 @@ std::optional<std::vector<std::byte>> fileBytes(const std::string& path, std::si
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// What stands in the file at `path`.
 /// Empty when: there is no such file, it is no regular file (a pipe would never end), it cannot be read, or it holds more
@@ -16,4 +17,5 @@ namespace havrin::inline platform {
 [[nodiscard]] HAVRIN_EXPORT std::optional<std::vector<std::byte>> fileBytes(const std::string& path,
                                                                             std::size_t largest);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <limits>
 
-namespace havrin::inline platform::futex {
+namespace havrin::futex {
 
 inline constexpr double kForever = std::numeric_limits<double>::infinity();
 
@@ -27,4 +27,4 @@ inline void wake(std::atomic<std::uint32_t>& word, int threads) {
 
 static_assert(sizeof(std::atomic<std::uint32_t>) == 4 && std::atomic<std::uint32_t>::is_always_lock_free);
 
-}  // namespace havrin::inline platform::futex
+}  // namespace havrin::futex

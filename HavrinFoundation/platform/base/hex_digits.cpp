@@ -4,7 +4,8 @@
 
 #include <array>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 // "00" to "ff": one load and one store per byte.
@@ -30,4 +31,5 @@ void writeHexDigits(const std::byte* bytes, std::size_t size, char* out) noexcep
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

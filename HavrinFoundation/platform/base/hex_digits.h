@@ -10,7 +10,8 @@
 #include <cstddef>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 inline constexpr std::string_view kLowerHexDigits = "0123456789abcdef";
 inline constexpr std::string_view kUpperHexDigits = "0123456789ABCDEF";
@@ -27,4 +28,5 @@ inline constexpr int kNoDigit = -1;
 /// Writes two lower-case digits for each of `size` bytes to `out`.
 HAVRIN_EXPORT void writeHexDigits(const std::byte* bytes, std::size_t size, char* out) noexcept;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

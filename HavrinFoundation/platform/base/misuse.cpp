@@ -4,7 +4,8 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 iovec part(std::string_view text) { return {const_cast<char*>(text.data()), text.size()}; }
@@ -17,4 +18,5 @@ void abortOnMisuse(std::string_view what, std::string_view why) {
   std::abort();
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

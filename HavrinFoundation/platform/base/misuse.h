@@ -5,9 +5,11 @@
 
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Writes "<what>: <why>" as one line to the standard error and aborts. Allocates nothing and takes no lock.
 [[noreturn]] HAVRIN_EXPORT void abortOnMisuse(std::string_view what, std::string_view why);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,8 @@
 #include <cstdlib>
 #include <sys/random.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -47,4 +48,5 @@ std::uint64_t hashSecret() {
   return kSecret;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A number from 0 up to and without `bound`, each equally likely; 0 for a bound below 2, without drawing.
 /// Threads: any. Aborts with one line when the system has no random numbers to give.
@@ -43,4 +44,5 @@ class HAVRIN_EXPORT RandomSource {
 /// Result: the source that was installed before, null for the system's. Threads: any; for test programs.
 HAVRIN_EXPORT RandomSource* installRandomSource(RandomSource* source);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

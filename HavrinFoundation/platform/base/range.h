@@ -13,7 +13,7 @@
 #include <cstdlib>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
 
 namespace detail {
 
@@ -23,6 +23,8 @@ namespace detail {
 }
 
 }  // namespace detail
+
+inline namespace platform {
 
 /// The half-open range from `lowerBound` up to, and without, `upperBound`. A range whose lower bound is not less than
 /// or equal to its upper bound (a not-a-number bound included) ends the process; in a constant expression it does not
@@ -66,4 +68,5 @@ struct NSRange {
   friend constexpr bool operator==(const NSRange&, const NSRange&) = default;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

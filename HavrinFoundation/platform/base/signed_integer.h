@@ -8,7 +8,8 @@
 #include <cstdint>
 #include <type_traits>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Whether Type is an integer type (truth values and characters are not) all of whose values fit std::int64_t.
 template <class Type>
@@ -21,4 +22,5 @@ inline constexpr bool kFitsInt64 =
 template <class Type>
 concept OtherThanInt64 = std::is_arithmetic_v<Type> && !kFitsInt64<Type>;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

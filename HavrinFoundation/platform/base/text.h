@@ -8,7 +8,8 @@
 #include <cstddef>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 template <std::size_t Size>
 struct Text {
@@ -30,6 +31,8 @@ struct Text {
          selectorArgumentCount(selector) == 1 && !(selector[3] >= 'a' && selector[3] <= 'z');
 }
 
+}  // namespace platform
+
 namespace detail {
 template <std::size_t Size>
 constexpr auto setterSelectorOf(const Text<Size>& key) {
@@ -42,8 +45,11 @@ constexpr auto setterSelectorOf(const Text<Size>& key) {
 }
 }  // namespace detail
 
+inline namespace platform {
+
 /// The setter's selector for a key: "title" gives "setTitle:".
 template <Text Key>
 inline constexpr auto setterSelector = detail::setterSelectorOf(Key);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -19,7 +19,8 @@
 #include <atomic>
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The lock word: 0 when free. A copy of a held word is not zero, and is no lock.
 struct os_unfair_lock {
@@ -93,4 +94,5 @@ class UnfairLockGuard {
   os_unfair_lock& lock_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -2,7 +2,8 @@
 
 #include <HavrinFoundation/platform/base/hex_digits.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::size_t kTextLength = 36;
@@ -41,4 +42,5 @@ std::string UUID::uuidString() const {
   return text;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

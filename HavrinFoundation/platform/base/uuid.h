@@ -17,7 +17,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// 128 bits that name something, in the order in which they are written.
 class UUID {
@@ -45,7 +46,8 @@ class UUID {
   Bytes bytes_{};
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin
 
 template <>
 struct std::hash<havrin::UUID> {

@@ -8,7 +8,7 @@
 #include <cpuid.h>
 #include <immintrin.h>
 
-namespace havrin::inline platform::detail {
+namespace havrin::detail {
 namespace {
 
 // Asks the processor for AVX2, and the system whether it saves the wide registers across a context switch.
@@ -124,12 +124,12 @@ bool findWideInstructions() noexcept {
   return i;
 }
 
-}  // namespace havrin::inline platform::detail
+}  // namespace havrin::detail
 
 #else
 
 // Other processors run the plain loops; nothing calls the wide ones.
-namespace havrin::inline platform::detail {
+namespace havrin::detail {
 
 constinit std::atomic<WideInstructions> wideInstructions{WideInstructions::absent};
 bool findWideInstructions() noexcept { return false; }
@@ -139,6 +139,6 @@ std::size_t skipAsciiWide(const unsigned char*, std::size_t, const AsciiRows&, b
 }
 std::size_t skipAsciiWide(const char16_t*, std::size_t, const AsciiRows&, bool) noexcept { __builtin_unreachable(); }
 
-}  // namespace havrin::inline platform::detail
+}  // namespace havrin::detail
 
 #endif

@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace havrin::inline platform::detail {
+namespace havrin::detail {
 
 enum class WideInstructions : signed char { unknown, absent, present };
 
@@ -47,4 +47,4 @@ inline constexpr std::size_t kWideAsciiBytes = 16;
 [[nodiscard]] std::size_t skipAsciiWide(const char16_t* text, std::size_t size, const AsciiRows& set,
                                         bool others) noexcept;
 
-}  // namespace havrin::inline platform::detail
+}  // namespace havrin::detail

@@ -10,7 +10,8 @@
 #include <cstring>
 #include <iterator>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -51,4 +52,5 @@ SHA256Digest sha256(std::span<const std::byte> bytes) noexcept {
   return digest;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

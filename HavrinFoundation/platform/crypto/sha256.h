@@ -12,11 +12,13 @@
 #include <cstddef>
 #include <span>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 using SHA256Digest = std::array<std::byte, 32>;
 
 /// The SHA-256 digest of `bytes`. Cost: no allocation.
 [[nodiscard]] HAVRIN_EXPORT SHA256Digest sha256(std::span<const std::byte> bytes) noexcept;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -27,7 +27,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The way to decode a type whose class cannot be changed: specialise it with a `static Decoded<Type>
 /// fromDecoder(Decoder&)`.
@@ -45,6 +46,8 @@ struct Field {
 /// The fields of a type, decoded in this order, as its member type `Fields`. The type is default-constructible.
 template <class... Fields>
 struct FieldList {};
+
+}  // namespace platform
 
 namespace detail {
 
@@ -77,6 +80,8 @@ concept DecodesByFields = requires {
 
 }  // namespace detail
 
+inline namespace platform {
+
 /// A type that decodes: each of the four ways and the built-in types at the head of decoding.h.
 template <class Type>
 concept Decodable = DecodableScalar<Type> || detail::kIsOptional<Type> || detail::kIsVector<Type> ||
@@ -86,6 +91,8 @@ concept Decodable = DecodableScalar<Type> || detail::kIsOptional<Type> || detail
 /// A Type filled as its list `Fields` says: for a `fromDecoder` that only adds a check to it.
 template <class Type>
 [[nodiscard]] Decoded<Type> decodeFields(Decoder& decoder);
+
+}  // namespace platform
 
 namespace detail {
 
@@ -159,6 +166,8 @@ Decoded<Map> decodeEntries(Decoder& decoder) {
 
 }  // namespace detail
 
+inline namespace platform {
+
 template <class Type>
 Decoded<Type> decodeFields(Decoder& decoder) {
   Decoded<Type> value(std::in_place);
@@ -201,4 +210,5 @@ Decoded<Type> decodeValue(Decoder& decoder) {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

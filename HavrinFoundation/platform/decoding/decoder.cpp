@@ -5,7 +5,8 @@
 
 #include <algorithm>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 class NullSource final : public DecodingSource {
@@ -32,6 +33,8 @@ detail::Place owned(const detail::Place& parent, std::string_view name, std::int
 }
 
 }  // namespace
+
+}  // namespace platform
 
 namespace detail {
 
@@ -106,6 +109,8 @@ Decoded<Decoder> KeyedContainerCore::superDecoder(std::string_view key) const {
 
 }  // namespace detail
 
+inline namespace platform {
+
 Decoder::Decoder(const DecodingSource& source, DecodingSource::Value value, const UserInfo& userInfo)
     : source_(&source), value_(value), place_(owned({}, {}, -1, &userInfo)) {}
 
@@ -166,4 +171,5 @@ Decoded<Decoder> UnkeyedDecodingContainer::trySuperDecoder() {
   return opening<Decoder>([](Decoder decoder) { return Decoded<Decoder>(std::in_place, std::move(decoder)); });
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -24,7 +24,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class Decoder;
 template <CodingKeyType Key>
@@ -38,6 +39,8 @@ using UserInfo = std::map<std::string, std::any, std::less<>>;
 /// Decodes a ValueType from what `decoder` stands on: every other operation ends here.
 template <class ValueType>
 [[nodiscard]] Decoded<ValueType> decodeValue(Decoder& decoder);
+
+}  // namespace platform
 
 namespace detail {
 
@@ -98,6 +101,8 @@ ValueType valueOrThrow(Decoded<ValueType>&& outcome, const CodingStep* step) {
                                                      ScalarTarget::Type wanted, ErrorDetail detail);
 
 }  // namespace detail
+
+inline namespace platform {
 
 /// One value of the data, about to be decoded: what a type of the caller's gets.
 class HAVRIN_EXPORT Decoder {
@@ -168,4 +173,5 @@ class HAVRIN_EXPORT SingleValueDecodingContainer {
   Decoder* decoder_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/decoding/decoding_source.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 DecodingSource::~DecodingSource() = default;
 
@@ -29,4 +30,5 @@ detail::ErrorHolder DecodingSource::readFields(ObjectCursor& cursor, std::span<c
   return detail::readFields(*this, cursor, fields, container, detail);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

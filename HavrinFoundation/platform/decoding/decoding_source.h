@@ -24,7 +24,8 @@
 #include <string_view>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A document that is decoded from. It outlives its decoders.
 class HAVRIN_EXPORT DecodingSource {
@@ -90,6 +91,8 @@ class HAVRIN_EXPORT DecodingSource {
   DecodingSource& operator=(const DecodingSource&) = default;
 };
 
+}  // namespace platform
+
 namespace detail {
 
 // The body of the last one, with the `read` of the format in place.
@@ -117,4 +120,4 @@ ErrorHolder readFields(const Source& source, DecodingSource::ObjectCursor& curso
 
 }  // namespace detail
 
-}  // namespace havrin::inline platform
+}  // namespace havrin

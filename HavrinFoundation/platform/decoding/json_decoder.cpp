@@ -9,7 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using Token = JsonTokens::Token;
@@ -221,4 +222,5 @@ Decoded<const DecodingSource*> JSONDecoder::Document::open(std::string_view text
   return &memory_->source;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -22,7 +22,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Decodes JSON documents, one after the other, in memory that it keeps: some four bytes for each byte of the largest
 /// document. Threads: one at a time. Decoding may be nested: a type may use the decoder that is decoding it.
@@ -85,4 +86,5 @@ class HAVRIN_EXPORT JSONDecoder {
   std::unique_ptr<Memory> memory_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

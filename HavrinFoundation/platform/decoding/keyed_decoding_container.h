@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
 
 namespace detail {
 
@@ -73,6 +73,8 @@ class HAVRIN_EXPORT KeyedContainerCore {
 };
 
 }  // namespace detail
+
+inline namespace platform {
 
 /// The values of an object. A key may be decoded any number of times, in any order; keys that nobody asks for are
 /// ignored. A missing key is keyNotFound; null is valueNotFound unless ValueType is an optional.
@@ -154,6 +156,8 @@ class KeyedDecodingContainer {
   detail::KeyedContainerCore core_;
 };
 
+}  // namespace platform
+
 namespace detail {
 
 template <class ValueType, class Use, class Absent>
@@ -212,6 +216,8 @@ Decoded<std::optional<ValueType>> KeyedContainerCore::decodeIfPresent(std::strin
 
 }  // namespace detail
 
+inline namespace platform {
+
 template <CodingKeyType Key>
 Decoded<KeyedDecodingContainer<Key>> Decoder::tryContainer() const {
   return detail::captured([this]() -> Decoded<KeyedDecodingContainer<Key>> {
@@ -233,4 +239,5 @@ KeyedDecodingContainer<Key> Decoder::container() const {
   return detail::valueOrThrow(tryContainer<Key>(), place_.step);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

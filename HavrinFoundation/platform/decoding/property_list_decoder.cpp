@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using Kind = PropertyList::Kind;
@@ -93,4 +94,5 @@ Decoder PropertyListDecoder::decoderOf(const PropertyList& list, const UserInfo&
   return Decoder(*source, ListSource::valueOf(list), userInfo);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

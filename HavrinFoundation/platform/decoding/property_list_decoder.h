@@ -18,7 +18,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Decodes property lists. Keeps nothing between them. Threads: any number at a time, while `userInfo` stays as it is.
 class HAVRIN_EXPORT PropertyListDecoder {
@@ -64,4 +65,5 @@ class HAVRIN_EXPORT PropertyListDecoder {
   [[nodiscard]] static Decoder decoderOf(const PropertyList& list, const UserInfo& userInfo);
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -12,7 +12,8 @@
 #include <system_error>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using detail::ErrorHolder;
@@ -213,4 +214,5 @@ void ScalarTarget::refuseNumber(std::string_view number) {
   fail(DecodingError::unusable(expected(), Found::number, number));
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

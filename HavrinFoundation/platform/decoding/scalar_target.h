@@ -25,7 +25,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
 
 namespace detail {
 template <class ValueType>
@@ -33,6 +33,8 @@ inline constexpr bool kIsCharacter =
     std::same_as<ValueType, char> || std::same_as<ValueType, wchar_t> || std::same_as<ValueType, char8_t> ||
     std::same_as<ValueType, char16_t> || std::same_as<ValueType, char32_t>;
 }  // namespace detail
+
+inline namespace platform {
 
 /// The types that a single step decodes: bool, integers of 8 to 64 bits, float, double and std::string.
 template <class ValueType>
@@ -135,4 +137,5 @@ class HAVRIN_EXPORT ScalarTarget {
   ErrorDetail detail_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,8 @@
 #include <optional>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The values of an array, with a position that moves past a value only when the value was decoded: a failure, also of
 /// a container or type nested in it, leaves the position where it was. At the end every decoding is valueNotFound.
@@ -137,4 +138,5 @@ Decoded<Type> UnkeyedDecodingContainer::tryDecode(ErrorDetail detail) {
   });
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

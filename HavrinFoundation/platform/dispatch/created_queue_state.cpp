@@ -4,7 +4,8 @@
 
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 DispatchQueue orGlobal(const DispatchQueue& target) { return target ? target : dispatch_get_global_queue(); }
@@ -112,4 +113,5 @@ bool CreatedQueueState::callAtOnce(BlockView<void()> block) {
   });
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

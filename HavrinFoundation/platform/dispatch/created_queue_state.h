@@ -6,7 +6,8 @@
 
 #include <atomic>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A queue whose closures run inside its target's. It keeps them itself and queues *turns* on the target: a turn of a
 /// serial queue runs all that is there, and there is never more than one; a turn of a concurrent queue runs one.
@@ -38,4 +39,5 @@ class CreatedQueueState final : public QueueState {
   std::atomic<bool> retargeted_{false};  // since the present batch was begun
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::size_t kFirstSlots = 16;
@@ -232,4 +233,5 @@ void DelayedPerforms::growSlots() {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -14,7 +14,8 @@
 #include <optional>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// What a delayed perform is known by when it is cancelled: three addresses. Its work keeps alive what they point to.
 struct PerformKey {
@@ -99,4 +100,5 @@ class DelayedPerforms {
   std::size_t waiting_ = 0;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

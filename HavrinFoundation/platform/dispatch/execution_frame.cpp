@@ -4,7 +4,8 @@
 
 #include <unistd.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constinit thread_local const ExecutionFrame* innermost [[gnu::tls_model("initial-exec")]] = nullptr;
@@ -46,4 +47,5 @@ bool isMainThread() {
   return frame->queue != nullptr;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -6,7 +6,8 @@
 
 #include <HavrinFoundation/platform/dispatch/queue_state.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct ExecutionFrame {
   QueueState* queue;             // null in the frame of a thread that runs no queue's closure
@@ -31,4 +32,5 @@ class EnterQueue {
   ExecutionFrame frame_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -13,7 +13,8 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 void watch(int both, int one) {
@@ -77,4 +78,5 @@ void HostDescriptor::arm(double deadline) {
   timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME, &setting, nullptr);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

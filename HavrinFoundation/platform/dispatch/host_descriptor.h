@@ -5,7 +5,8 @@
 #include <limits>
 #include <optional>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A descriptor that is readable after a signal, and from a deadline on.
 class HostDescriptor {
@@ -50,4 +51,5 @@ class HostDescriptor {
   double armed_ = kNever;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -5,7 +5,8 @@
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 RunLoopState& mainLoop(const char* function) {
@@ -30,4 +31,5 @@ void drainMainLoop() {
 
 std::optional<double> mainLoopDeadline() { return mainLoop("mainLoopDeadline").nextDeadline(); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -16,7 +16,8 @@
 
 #include <optional>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The descriptor, made at the first call; it lives as long as the process and is the library's: do not read or close
 /// it. The kind is one that epoll, poll and select take.
@@ -33,4 +34,5 @@ HAVRIN_EXPORT void drainMainLoop();
 /// none, so that a host may wait without limit. Threads: main; aborts on others.
 [[nodiscard]] HAVRIN_EXPORT std::optional<double> mainLoopDeadline();
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -6,7 +6,8 @@
 #include <cstddef>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 // Whichever of the two modes has the work that is due first; null when neither has any.
@@ -67,4 +68,5 @@ std::optional<double> LoopDelays::nextDeadline(const RunLoopModes& modes) {
   return mode == nullptr ? std::nullopt : std::optional(mode->delayed.first()->deadline);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <optional>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class LoopDelays {
  public:
@@ -45,4 +46,5 @@ class LoopDelays {
   std::vector<RunLoopMode*> modes_;  // those that have held delayed work
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

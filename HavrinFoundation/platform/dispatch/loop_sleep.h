@@ -7,7 +7,8 @@
 #include <concepts>
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class LoopSleep {
  public:
@@ -31,4 +32,5 @@ class LoopSleep {
   std::atomic<std::uint32_t> state_{kAwake};
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

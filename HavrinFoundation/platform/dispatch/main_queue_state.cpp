@@ -3,7 +3,8 @@
 #include <HavrinFoundation/platform/dispatch/execution_frame.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 MainQueueState::MainQueueState() : QueueState("main", Lifetime::kProcess) {}
 
@@ -43,4 +44,5 @@ bool MainQueueState::drain() {
   return true;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -4,7 +4,8 @@
 #include <HavrinFoundation/platform/dispatch/queue_state.h>
 #include <HavrinFoundation/platform/dispatch/work_fifo.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class MainQueueState final : public QueueState {
  public:
@@ -32,4 +33,5 @@ class MainQueueState final : public QueueState {
   bool draining_ = false;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

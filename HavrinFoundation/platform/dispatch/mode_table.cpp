@@ -5,7 +5,8 @@
 #include <cstddef>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 ModeTable::ModeTable() {
   modes_.push_back(std::make_unique<RunLoopMode>(NSRunLoopCommonModes));
@@ -99,4 +100,5 @@ ModeTable::All ModeTable::end() {
   return std::exchange(modes_, {});
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

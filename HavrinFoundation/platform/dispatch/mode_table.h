@@ -8,7 +8,8 @@
 #include <string_view>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ModeTable {
  public:
@@ -47,4 +48,5 @@ class ModeTable {
   RunLoopMode* defaultMode_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

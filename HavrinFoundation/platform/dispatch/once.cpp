@@ -7,7 +7,7 @@
 #include <exception>
 #include <unistd.h>
 
-namespace havrin::inline platform::once {
+namespace havrin::once {
 namespace {
 
 // While the block runs the state is the thread that runs it, with this bit once somebody waits.
@@ -43,4 +43,4 @@ void runOrWait(dispatch_once_t* predicate, BlockView<void()> block) {
   }
 }
 
-}  // namespace havrin::inline platform::once
+}  // namespace havrin::once

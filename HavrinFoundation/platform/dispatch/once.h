@@ -12,7 +12,8 @@
 #include <atomic>
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Whether it has happened; zero at first, and in memory that lives as long as the process.
 struct dispatch_once_t {
@@ -36,4 +37,5 @@ inline void dispatch_once(dispatch_once_t* predicate, BlockView<void()> block) {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

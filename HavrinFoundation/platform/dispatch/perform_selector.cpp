@@ -8,7 +8,8 @@
 #include <string>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 // A message that waits to be sent: three words, so that a run loop stores it without further memory.
@@ -98,4 +99,5 @@ void performSelectorOnThread(NSObject& target, Selector selector, const NSThread
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

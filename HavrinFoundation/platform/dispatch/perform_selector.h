@@ -17,7 +17,8 @@
 
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The exception of a perform whose thread has ended.
 inline constexpr std::string_view NSDestinationInvalidException = "NSDestinationInvalidException";
@@ -48,4 +49,5 @@ HAVRIN_EXPORT void reperformSelectorAfterDelay(NSObject& target, Selector select
 HAVRIN_EXPORT void performSelectorOnThread(NSObject& target, Selector selector, const NSThread& thread,
                                            NSObject* argument, bool waitUntilDone);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,8 @@
 
 #include <exception>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 QueueState& stateOf(const DispatchQueue& queue) {
@@ -140,4 +141,5 @@ void dispatch_queue_set_specific(const DispatchQueue& queue, const void* key, vo
   stateOf(queue).setSpecific(key, context, destructor);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -30,7 +30,8 @@
 #include <string_view>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class QueueState;
 
@@ -136,4 +137,5 @@ HAVRIN_EXPORT void dispatch_queue_set_specific(const DispatchQueue& queue, const
 /// Whether this is the process's first thread.
 [[nodiscard]] HAVRIN_EXPORT bool isMainThread();
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -5,7 +5,8 @@
 #include <exception>
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 void destroyLater(void* context, void (*destructor)(void*)) {
@@ -83,4 +84,5 @@ void QueueState::runQueued(Work work) noexcept {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class QueueState : public QueueOwners {
  public:
@@ -61,4 +62,5 @@ class QueueState : public QueueOwners {
   std::atomic<Specific*> specifics_{nullptr};
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -13,7 +13,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr double kNever = std::numeric_limits<double>::infinity();
@@ -134,4 +135,5 @@ void RunLoop::waitForWake(double seconds, std::string_view mode) {
 
 Strong<NSThread> RunLoop::thread() { return RunLoopState::of(*this).threadObject(); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -29,7 +29,8 @@
 #include <string_view>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSThread;
 
@@ -101,4 +102,5 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   bool post(Work&& work, std::string_view mode);
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class RunLoopMode {
  public:
@@ -29,4 +30,5 @@ struct RunLoopModes {
   RunLoopMode* common;  // null when the named mode is none of the common ones
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -6,7 +6,8 @@
 #include <string>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct RunLoopSource::State {
   State(std::shared_ptr<RunLoop> itsLoop, std::string_view itsMode, Block<void()> itsHandler)
@@ -39,4 +40,5 @@ void RunLoopSource::signal() {
       state_->mode);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

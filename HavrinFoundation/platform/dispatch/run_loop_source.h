@@ -11,7 +11,8 @@
 #include <memory>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A source: it keeps its mode attached, and its handler runs after a signal.
 class HAVRIN_EXPORT RunLoopSource {
@@ -31,4 +32,5 @@ class HAVRIN_EXPORT RunLoopSource {
   const std::shared_ptr<State> state_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,8 @@
 #include <limits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 void RunLoopState::performAfterDelay(const PerformKey& key, double delaySeconds, Work work, std::string_view mode) {
   if (modes.ended()) return;
@@ -98,4 +99,5 @@ void RunLoopState::end() {
   std::swap(thread, thread_);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -11,7 +11,8 @@
 #include <optional>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class RunLoopState final : public RunLoop {
  public:
@@ -65,4 +66,5 @@ class RunLoopState final : public RunLoop {
   Strong<NSObject> thread_;  // guarded by the lock
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -1,9 +1,11 @@
 #include <HavrinFoundation/platform/dispatch/thread.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 Strong<NSThread> NSThread::currentThread() { return RunLoop::current().thread(); }
 
 Strong<NSThread> NSThread::mainThread() { return RunLoop::main().thread(); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -12,7 +12,8 @@
 
 #include <memory>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSThread : public Object<NSThread, NSObject> {
  public:
@@ -33,4 +34,5 @@ class HAVRIN_EXPORT NSThread : public Object<NSThread, NSObject> {
   const std::shared_ptr<RunLoop> loop_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -16,7 +16,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class Work {
  public:
@@ -126,4 +127,5 @@ class Work {
   alignas(void*) std::byte storage_[kStorage];
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class WorkFifo {
  public:
@@ -48,4 +49,5 @@ class WorkFifo {
   std::size_t head_ = 0;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -14,7 +14,8 @@
 #include <thread>
 #include <unistd.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::size_t kMostThreads = 64;
@@ -199,4 +200,5 @@ bool WorkerPool::waitForWork() {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 #include <sys/types.h>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Begins closures in the order of their queueing, on threads of its own: as many as there are processors. While these
 /// are busy and closures wait, one more thread stands by; when no closure has begun for a moment although a processor
@@ -53,4 +54,5 @@ class WorkerPool final : public QueueState {
   std::atomic<std::uint32_t> wakes_{0};  // what the idle ones sleep on
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -11,7 +11,8 @@
 // its offset in the table. The trailer: 6 bytes unused, the widths of offsets and references, then, 8 bytes each, how
 // many objects there are, the number of the outermost one, and where the table stands.
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::string_view kMagic = "bplist00";
@@ -220,4 +221,5 @@ Decoded<BinaryObject> BinaryPropertyList::object(std::uint64_t number) const {
   return object;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

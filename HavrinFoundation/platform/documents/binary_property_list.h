@@ -24,7 +24,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// One object, borrowed from the data.
 class HAVRIN_EXPORT BinaryObject {
@@ -143,4 +144,5 @@ class HAVRIN_EXPORT BinaryPropertyList {
 /// The property list that the binary form in `bytes` writes; see readPropertyList.
 [[nodiscard]] Decoded<PropertyList> readBinaryPropertyList(std::span<const std::byte> bytes);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

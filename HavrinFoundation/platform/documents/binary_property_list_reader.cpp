@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <optional>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 // Each object is made once, however many refer to it, and shared.
@@ -145,4 +146,5 @@ Decoded<PropertyList> readBinaryPropertyList(std::span<const std::byte> bytes) {
   return TreeReader(*list, bytes.size()).readTop();
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,8 @@
 #include <unordered_map>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using Number = BinaryPropertyListWriter::Number;
@@ -289,4 +290,5 @@ std::vector<std::byte> BinaryPropertyListWriter::finish(Number top) const {
 
 std::vector<std::byte> binaryPropertyList(const PropertyList& list) { return TreeWriter().write(list); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

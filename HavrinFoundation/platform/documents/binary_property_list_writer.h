@@ -21,7 +21,8 @@
 #include <string_view>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT BinaryPropertyListWriter {
  public:
@@ -88,4 +89,5 @@ class HAVRIN_EXPORT BinaryPropertyListWriter {
   std::uint64_t secret_ = hashSecret();
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 bool isWordCharacter(char c) {
@@ -52,4 +53,5 @@ std::string quotedForReading(std::string_view text) {
   return quoted += '"';
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -27,7 +27,8 @@
 #include <type_traits>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The text of a key that is a text already. Types of the caller's bring a function of this name in their own namespace.
 constexpr std::string_view stringValue(std::string_view key) { return key; }
@@ -92,4 +93,5 @@ class HAVRIN_EXPORT CodingPath {
 /// `text` in quotes on one line: control characters, quotes and backslashes are escaped.
 [[nodiscard]] HAVRIN_EXPORT std::string quotedForReading(std::string_view text);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+
 namespace detail {
 
 // What an error knows. Shared by the copies of the error; changed only while there is one.
@@ -37,6 +38,8 @@ struct DecodingErrorRecord {
 };
 
 }  // namespace detail
+
+inline namespace platform {
 
 namespace {
 
@@ -146,6 +149,8 @@ std::string_view nameOf(Found found) {
 
 }  // namespace
 
+}  // namespace platform
+
 namespace detail {
 
 const DecodingErrorRecord& ErrorHolder::operator*() const {
@@ -208,6 +213,8 @@ ErrorHolder ErrorHolder::fromCurrentException() {
 }
 
 }  // namespace detail
+
+inline namespace platform {
 
 DecodingError DecodingError::typeMismatch(std::string_view expected, Found found, std::string_view excerpt) {
   return makeError(Kind::typeMismatch, expected, found, excerpt);
@@ -278,4 +285,5 @@ const char* DecodingError::what() const noexcept {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -22,7 +22,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// What stands in decoded data where a value was looked for. `nothing` is the end of an array, or an empty document.
 enum class Found : std::uint8_t { nothing, null, boolean, number, string, array, object, date, data, uid };
@@ -32,6 +33,8 @@ class Decoded;
 
 /// Whether an error is described. Who drops errors unseen asks for none, and pays nothing for them.
 enum class ErrorDetail : bool { none, full };
+
+}  // namespace platform
 
 namespace detail {
 
@@ -89,6 +92,8 @@ class HAVRIN_EXPORT ErrorHolder {
 
 }  // namespace detail
 
+inline namespace platform {
+
 /// An error of decoding: its kind, the path of the value it concerns, and what was found there. Cheap to copy.
 /// Threads: an error may be read from several threads at a time.
 class HAVRIN_EXPORT DecodingError : public std::exception {
@@ -134,12 +139,16 @@ class HAVRIN_EXPORT DecodingError : public std::exception {
   detail::ErrorHolder holder_;
 };
 
+}  // namespace platform
+
 namespace detail {
 template <class Type>
 inline constexpr bool kIsOutcome = std::same_as<Type, DecodingError> || std::same_as<Type, ErrorHolder>;
 template <class Type>
 inline constexpr bool kIsOutcome<Decoded<Type>> = true;
 }  // namespace detail
+
+inline namespace platform {
 
 /// A value, or the error that stands in its place. Used like an optional: test it, then dereference it.
 template <class Type>
@@ -223,4 +232,5 @@ class [[nodiscard]] Decoded<void> {
   detail::ErrorHolder failure_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 #include <cstdint>
 #include <cstring>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The eight bytes at `bytes`, the first one lowest.
 inline std::uint64_t loadWord(const char* bytes) noexcept {
@@ -37,4 +38,5 @@ inline std::uint64_t valueOfDigits(std::uint64_t word, unsigned count) noexcept 
   return ((digits & kPairs) * 0x000F424000000064 + (digits >> 16 & kPairs) * 0x0000271000000001) >> 32;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

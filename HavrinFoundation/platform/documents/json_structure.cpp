@@ -13,7 +13,8 @@
 #include <immintrin.h>
 #endif
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::size_t kBlock = 64;
@@ -251,4 +252,5 @@ Decoded<std::span<std::uint32_t>> JsonStructure::find(std::string_view text) {
   return std::span<std::uint32_t>(tokens_.get(), end + 1);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

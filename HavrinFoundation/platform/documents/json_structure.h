@@ -9,7 +9,8 @@
 #include <span>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Finds the tokens of one text after the other, in memory that it keeps between them.
 class JsonStructure {
@@ -33,4 +34,5 @@ class JsonStructure {
   Instructions instructions_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

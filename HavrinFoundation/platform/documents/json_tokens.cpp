@@ -7,7 +7,8 @@
 #include <cstring>
 #include <optional>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -299,4 +300,5 @@ std::size_t JsonTokens::countOf(Token array) const {
   return count;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

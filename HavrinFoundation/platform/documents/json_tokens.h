@@ -16,7 +16,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class JsonTokens {
  public:
@@ -121,4 +122,5 @@ class JsonTokens {
   JsonStructure structure_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

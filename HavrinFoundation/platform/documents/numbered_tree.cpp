@@ -2,7 +2,8 @@
 
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 NumberedTree::NumberedTree(PropertyList root) : root_(std::move(root)) {
   parts_.push_back({&root_, root_.text()});
@@ -52,4 +53,5 @@ bool NumberedTree::isText(std::uint64_t number, std::string_view text) const {
   return parts_[number].text != nullptr && *parts_[number].text == text;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -12,7 +12,8 @@
 #include <string_view>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NumberedTree {
  public:
@@ -37,4 +38,5 @@ class HAVRIN_EXPORT NumberedTree {
   std::vector<Part> parts_;  // those of a container in a row, keys before values
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -6,7 +6,8 @@
 #include <algorithm>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 struct ByKey {
@@ -119,4 +120,5 @@ Decoded<PropertyList> readPropertyList(std::span<const std::byte> bytes) {
   return isBinaryPropertyList(bytes) ? readBinaryPropertyList(bytes) : readXmlPropertyList(bytes);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

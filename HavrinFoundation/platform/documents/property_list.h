@@ -32,7 +32,8 @@
 #include <variant>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// One value and all that it holds. Copies share what they hold; nothing is changed in place.
 /// Cost: releasing and comparing use constant stack, however deep the value is.
@@ -166,4 +167,5 @@ class HAVRIN_EXPORT PropertyList::Dictionary {
 /// Cost: linear in the parts written.
 [[nodiscard]] HAVRIN_EXPORT std::vector<std::byte> binaryPropertyList(const PropertyList& list);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

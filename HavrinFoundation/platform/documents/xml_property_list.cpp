@@ -11,7 +11,8 @@
 #include <new>
 #include <optional>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 bool isBlank(char c) noexcept { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -301,4 +302,5 @@ class XmlReader {
 
 Decoded<PropertyList> readXmlPropertyList(std::span<const std::byte> bytes) { return XmlReader().read(bytes); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

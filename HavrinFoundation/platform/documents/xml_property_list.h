@@ -6,9 +6,11 @@
 #include <cstddef>
 #include <span>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The property list that the XML in `bytes` writes; see readPropertyList.
 [[nodiscard]] Decoded<PropertyList> readXmlPropertyList(std::span<const std::byte> bytes);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -13,7 +13,8 @@
 #include <string>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -284,4 +285,5 @@ Strong<NSArray> makeArray(std::initializer_list<NSObject*> objects) {
   return makeArray(std::span<NSObject* const>(objects.begin(), objects.size()));
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -35,7 +35,8 @@
 #include <span>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ArrayBuffer;
 class NSMutableArray;
@@ -259,4 +260,5 @@ void NSArray::visit(Body body) const {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

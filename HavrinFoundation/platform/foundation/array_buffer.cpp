@@ -9,7 +9,8 @@
 #include <thread>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -121,4 +122,5 @@ void ArrayBuffer::destroy() noexcept {
   std::free(this);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

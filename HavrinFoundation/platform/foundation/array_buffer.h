@@ -19,7 +19,8 @@
 #include <atomic>
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ArrayBuffer {
  public:
@@ -79,4 +80,5 @@ class ArrayBuffer {
 /// How many slots have been copied from one buffer to another in this process: the measure of what chains cost.
 [[nodiscard]] std::uint64_t arraySlotsCopied();
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,8 @@
 #include <string>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -150,4 +151,5 @@ void NSMutableAttributedString::setAttributes(NSDictionary* attributes, NSRange 
 
 Strong<NSObject> NSMutableAttributedString::copy() const { return snapshot(); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

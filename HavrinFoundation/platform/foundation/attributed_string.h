@@ -21,7 +21,8 @@
 #include <span>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSAttributedString : public Object<NSAttributedString, NSObject> {
  public:
@@ -93,4 +94,5 @@ class HAVRIN_EXPORT NSMutableAttributedString : public Object<NSMutableAttribute
   [[nodiscard]] Strong<NSObject> copy() const override;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

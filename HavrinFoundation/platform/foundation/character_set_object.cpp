@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 Strong<NSCharacterSet> NSCharacterSet::invertedSet() const { return makeCharacterSet(characterSet().inverted()); }
 
@@ -20,4 +21,5 @@ Strong<NSObject> NSMutableCharacterSet::copy() const { return makeCharacterSet(c
 
 Strong<NSCharacterSet> makeCharacterSet(CharacterSet set) { return make<NSCharacterSet>(std::move(set)); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

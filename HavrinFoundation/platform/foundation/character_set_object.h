@@ -17,7 +17,8 @@
 #include <cstdint>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSCharacterSet : public Object<NSCharacterSet, NSObject> {
  public:
@@ -62,4 +63,5 @@ class HAVRIN_EXPORT NSMutableCharacterSet : public Object<NSMutableCharacterSet,
 /// The object for a value. Cost: one allocation; the members are shared.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSCharacterSet> makeCharacterSet(CharacterSet set);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -3,7 +3,8 @@
 
 #include <HavrinFoundation/platform/object/protocol.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Objects can be written to an archive and made again from it: the class answers `encodeWithCoder:` and
 /// `initWithCoder:` (coding/coder.h).
@@ -12,4 +13,5 @@ struct NSCoding : Protocol<NSCoding> {};
 /// The same, and `initWithCoder:` takes nothing on trust: it names the class of every object that it decodes.
 struct NSSecureCoding : Protocol<NSSecureCoding, NSCoding> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -4,7 +4,8 @@
 
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 void throwIndexBeyond(const NSObject& receiver, std::string_view selector, std::uint64_t index, std::uint64_t count) {
   throw NSException(
@@ -24,4 +25,5 @@ void throwNullArgument(const NSObject& receiver, std::string_view selector, std:
                     methodReason(receiver, selector, "the " + std::string(argument) + " is null"));
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <cstdint>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Throws NSException (Range): "-[NSArray objectAtIndex:]: index 9 beyond count 3".
 [[noreturn]] void throwIndexBeyond(const NSObject& receiver, std::string_view selector, std::uint64_t index,
@@ -25,4 +26,5 @@ namespace havrin::inline platform {
   return range.location <= count && range.length <= count - range.location;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

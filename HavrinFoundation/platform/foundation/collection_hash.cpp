@@ -5,7 +5,8 @@
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 std::uint64_t elementHash(const NSObject* element) {
   const bool isCollection = isKind<NSArray>(element) || isKind<NSDictionary>(element) || isKind<NSSet>(element) ||
@@ -13,4 +14,5 @@ std::uint64_t elementHash(const NSObject* element) {
   return element && !isCollection ? element->hash() : 0;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -5,7 +5,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The hash of an element; 0 of null and of a collection, which may hold the one that it is in.
 [[nodiscard]] std::uint64_t elementHash(const NSObject* element);
@@ -16,4 +17,5 @@ namespace havrin::inline platform {
   return hash ^ hash >> 32;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

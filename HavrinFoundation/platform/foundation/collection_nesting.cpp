@@ -11,7 +11,8 @@
 #include <unordered_map>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::uint32_t kDeepestRecursion = 64;
@@ -171,4 +172,5 @@ bool CollectionDepth::isTooDeep() const noexcept { return nesting > kDeepestRecu
 
 bool equalCollections(const NSObject& mine, const NSObject& theirs) { return Comparison().run(mine, theirs); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -3,7 +3,8 @@
 
 #include <HavrinFoundation/platform/object/object.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Counts the collections that this thread is comparing or describing, each inside the one before.
 class CollectionDepth {
@@ -21,4 +22,5 @@ class CollectionDepth {
 /// Cost: stack is constant for the layer's own collections; what classes of the application compare is theirs.
 [[nodiscard]] bool equalCollections(const NSObject& mine, const NSObject& theirs);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 bool NSData::isEqual(const NSObject* other) const {
   if (this == other) return true;
@@ -54,4 +55,5 @@ Strong<NSData> makeData(std::span<const std::byte> bytes) { return make<NSData>(
 
 Strong<NSData> makeData(std::string_view text) { return makeData(std::as_bytes(std::span(text))); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -22,7 +22,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSData : public Object<NSData, NSObject> {
  public:
@@ -73,4 +74,5 @@ class HAVRIN_EXPORT NSMutableData : public Object<NSMutableData, NSData> {
 [[nodiscard]] HAVRIN_EXPORT Strong<NSData> makeData(std::span<const std::byte> bytes);
 [[nodiscard]] HAVRIN_EXPORT Strong<NSData> makeData(std::string_view text);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

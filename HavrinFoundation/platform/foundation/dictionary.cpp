@@ -8,7 +8,8 @@
 
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 NSDictionary::NSDictionary(std::span<const KeyAndValue> entries) {
   entries_.reserve(entries.size());
@@ -207,4 +208,5 @@ Strong<NSObject> NSMutableDictionary::copy() const {
   return result;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -25,7 +25,8 @@
 #include <span>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public NSFastEnumeration {
  public:
@@ -124,4 +125,5 @@ class HAVRIN_EXPORT NSMutableDictionary : public Object<NSMutableDictionary, NSD
   return make<NSDictionary>(entries);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

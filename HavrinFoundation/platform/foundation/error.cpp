@@ -4,7 +4,8 @@
 
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 constinit const LazyString NSCocoaErrorDomain{"NSCocoaErrorDomain"};
 constinit const LazyString NSLocalizedDescriptionKey{"NSLocalizedDescription"};
@@ -65,4 +66,5 @@ Strong<NSString> NSError::description() const {
 
 Strong<NSObject> NSError::copy() const { return Strong<NSObject>(const_cast<NSError*>(this)); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -18,7 +18,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The domain of the layer's own errors: "NSCocoaErrorDomain".
 HAVRIN_EXPORT extern constinit const LazyString NSCocoaErrorDomain;
@@ -59,4 +60,5 @@ class HAVRIN_EXPORT NSError : public Object<NSError, NSObject> {
   Strong<NSDictionary> userInfo_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

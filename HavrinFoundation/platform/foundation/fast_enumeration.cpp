@@ -5,11 +5,13 @@
 
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 void throwMutatedWhileEnumerated(const NSObject* collection) {
   const std::string name = collection ? std::string(classOf(*collection).name()) : "collection";
   throw NSException(NSGenericException, "the " + name + " was mutated while it was being enumerated");
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

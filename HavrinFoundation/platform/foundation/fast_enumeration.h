@@ -22,7 +22,8 @@
 #include <cstdint>
 #include <span>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// What a collection and the loop over it pass to and fro. Zero at the first call.
 struct NSFastEnumerationState {
@@ -49,6 +50,8 @@ class HAVRIN_EXPORT NSFastEnumeration {
   ~NSFastEnumeration() = default;
 };
 
+}  // namespace platform
+
 namespace detail {
 
 // A collection that is an argument is held as the object that it is a base of.
@@ -59,6 +62,8 @@ struct Held<NSFastEnumeration*> : Held<NSObject*> {
 };
 
 }  // namespace detail
+
+inline namespace platform {
 
 /// Throws NSException (Generic): `collection`, which may be null where it is no NSObject, was changed while its elements
 /// were being handed out.
@@ -133,4 +138,5 @@ template <std::derived_from<NSFastEnumeration> ClassType>
   return each(&collection);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

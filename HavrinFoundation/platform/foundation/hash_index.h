@@ -19,7 +19,8 @@
 #include <cstdint>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HashIndex {
  public:
@@ -75,4 +76,5 @@ class HashIndex {
   std::uint64_t multiplier_ = 0;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

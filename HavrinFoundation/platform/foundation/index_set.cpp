@@ -7,7 +7,8 @@
 #include <string>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -105,4 +106,5 @@ Strong<NSIndexSet> makeIndexSet(std::initializer_list<std::uint64_t> indexes) {
 
 Strong<NSIndexSet> makeIndexSet(NSRange range) { return make<NSIndexSet>(std::vector<NSRange>{range}); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -18,7 +18,8 @@
 #include <span>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSString;
 
@@ -70,4 +71,5 @@ inline void appendIndex(std::vector<NSRange>& ranges, std::uint64_t index) {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

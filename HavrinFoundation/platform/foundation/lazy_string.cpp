@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/foundation/lazy_string.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 NSString* LazyString::build() const {
   Strong<NSString> made = makeString(text_);
@@ -11,4 +12,5 @@ NSString* LazyString::build() const {
   return standing;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 
 #include <atomic>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT LazyString {
  public:
@@ -30,4 +31,5 @@ class HAVRIN_EXPORT LazyString {
   mutable std::atomic<NSString*> string_{nullptr};
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

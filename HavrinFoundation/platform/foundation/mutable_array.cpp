@@ -8,7 +8,8 @@
 #include <memory>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -198,4 +199,5 @@ Strong<NSMutableArray> makeMutableArray(std::initializer_list<NSObject*> objects
   return array;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

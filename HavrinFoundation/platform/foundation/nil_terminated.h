@@ -13,7 +13,8 @@
 #include <span>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 template <class... Arguments>
 struct NilTerminatedValues {
@@ -60,6 +61,8 @@ requires(std::convertible_to<const Arguments&, NSObject*>&&...)
   return {{static_cast<NSObject*>(objects)...}};
 }
 
+}  // namespace platform
+
 namespace detail {
 
 template <class ClassType>
@@ -80,4 +83,4 @@ struct Held<NilTerminated<ClassType>> {
 
 }  // namespace detail
 
-}  // namespace havrin::inline platform
+}  // namespace havrin

@@ -4,7 +4,8 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/time/date_format.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 Strong<NSDate> NSDate::initWithTimeIntervalSinceReferenceDate(double seconds) {
   date_ = Date::fromTimeIntervalSinceReferenceDate(seconds);
@@ -40,4 +41,5 @@ Strong<NSString> NSDate::description() const {
 
 Strong<NSObject> NSDate::copy() const { return Strong<NSObject>(const_cast<NSDate*>(this)); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

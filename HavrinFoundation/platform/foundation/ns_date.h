@@ -17,7 +17,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// How the receiver stands to the argument.
 enum class NSComparisonResult : std::int64_t { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
@@ -63,4 +64,5 @@ class HAVRIN_EXPORT NSDate : public Object<NSDate, NSObject> {
   Date date_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

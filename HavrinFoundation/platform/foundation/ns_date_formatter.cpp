@@ -4,7 +4,8 @@
 
 #include <optional>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 NSDateFormatter::NSDateFormatter() : format_("", Locale::current(), Calendar::current()) {}
 
@@ -50,4 +51,5 @@ Strong<NSDate> NSDateFormatter::dateFromString(const NSString* text) const {
   return date ? make<NSDate>(*date) : nullptr;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

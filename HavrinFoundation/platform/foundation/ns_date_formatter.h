@@ -18,7 +18,8 @@
 
 #include <mutex>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Threads: any number may format, parse and change the settings; each text is made by one state of them.
 class HAVRIN_EXPORT NSDateFormatter : public Object<NSDateFormatter, NSObject> {
@@ -52,4 +53,5 @@ class HAVRIN_EXPORT NSDateFormatter : public Object<NSDateFormatter, NSObject> {
   DateFormat format_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -6,7 +6,8 @@
 #include <optional>
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 NSURL::NSURL() : url_(URL::fromUncheckedText("")) {}
 
@@ -54,4 +55,5 @@ Strong<NSString> NSURL::description() const {
 
 Strong<NSObject> NSURL::copy() const { return Strong<NSObject>(const_cast<NSURL*>(this)); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

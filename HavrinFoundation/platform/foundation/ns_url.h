@@ -19,7 +19,8 @@
 #include <cstdint>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSURL : public Object<NSURL, NSObject> {
  public:
@@ -64,4 +65,5 @@ class HAVRIN_EXPORT NSURL : public Object<NSURL, NSObject> {
   URL url_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

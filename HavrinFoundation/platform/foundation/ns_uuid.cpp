@@ -2,7 +2,8 @@
 
 #include <HavrinFoundation/platform/foundation/string.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 Strong<NSUUID> NSUUID::initWithUUIDString(NSString* text) {
   if (text == nullptr) return nullptr;
@@ -26,4 +27,5 @@ Strong<NSString> NSUUID::description() const { return uuidString(); }
 
 Strong<NSObject> NSUUID::copy() const { return Strong<NSObject>(const_cast<NSUUID*>(this)); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -15,7 +15,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSUUID : public Object<NSUUID, NSObject> {
  public:
@@ -49,4 +50,5 @@ class HAVRIN_EXPORT NSUUID : public Object<NSUUID, NSObject> {
   UUID uuid_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <cstring>
 #include <limits>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -129,4 +130,5 @@ std::int64_t unboxInteger(NSObject* object) { return numberArgument(object).inte
 std::uint64_t unboxUnsigned(NSObject* object) { return numberArgument(object).unsignedIntegerValue(); }
 double unboxReal(NSObject* object) { return numberArgument(object).doubleValue(); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

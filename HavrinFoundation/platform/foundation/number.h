@@ -15,7 +15,8 @@
 #include <concepts>
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSNumber : public Object<NSNumber, NSObject> {
  public:
@@ -81,4 +82,5 @@ class HAVRIN_EXPORT NSNull : public Object<NSNull, NSObject> {
   using Protocols = List<NSSecureCoding>;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -24,7 +24,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 template <class Entry>
 class ObjectTable {
@@ -140,4 +141,5 @@ class ObjectTable {
   std::size_t live_ = 0;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -5,7 +5,8 @@
 
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -130,4 +131,5 @@ void NSMutableOrderedSet::removeObject(const NSObject* object) {
 
 Strong<NSObject> NSMutableOrderedSet::copy() const { return make<NSOrderedSet>()->initWithArray(array()); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -22,7 +22,8 @@
 #include <initializer_list>
 #include <span>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSOrderedSet;
 
@@ -105,4 +106,5 @@ class HAVRIN_EXPORT NSMutableOrderedSet : public Object<NSMutableOrderedSet, NSO
   return make<NSOrderedSet>(objects);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <string>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 NSSet::NSSet(std::span<NSObject* const> objects) {
   elements_.reserve(objects.size());
@@ -134,4 +135,5 @@ void NSMutableSet::removeAllObjects() {
 
 Strong<NSObject> NSMutableSet::copy() const { return make<NSSet>()->initWithSet(this); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

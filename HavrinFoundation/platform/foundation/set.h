@@ -23,7 +23,8 @@
 #include <initializer_list>
 #include <span>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSSet;
 
@@ -108,4 +109,5 @@ class HAVRIN_EXPORT NSMutableSet : public Object<NSMutableSet, NSSet> {
 
 [[nodiscard]] inline Strong<NSSet> makeSet(std::initializer_list<NSObject*> objects) { return make<NSSet>(objects); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,8 @@
 #include <limits>
 #include <new>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -298,4 +299,5 @@ void bindConstantStrings(std::span<const ConstantString* const> strings) {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -25,7 +25,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ConstantString;
 class NSCharacterSet;
@@ -178,4 +179,5 @@ class ConstantString {
 /// Gives constant strings their class. Called for an image's own by its Loader.
 HAVRIN_EXPORT void bindConstantStrings(std::span<const ConstantString* const> strings);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

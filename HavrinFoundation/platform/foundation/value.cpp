@@ -2,7 +2,8 @@
 
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 bool NSValue::isEqual(const NSObject* other) const {
   const NSValue* value = cast<NSValue>(other);
@@ -17,4 +18,5 @@ Strong<NSString> NSValue::description() const {
 
 Strong<NSObject> NSValue::copy() const { return Strong<NSObject>(const_cast<NSValue*>(this)); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

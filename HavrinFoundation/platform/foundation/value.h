@@ -14,7 +14,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT NSValue : public Object<NSValue, NSObject> {
  public:
@@ -43,4 +44,5 @@ struct Boxing<NSRange> {
   static NSRange unbox(NSObject* object) { return checkedReference<NSValue>(object).rangeValue(); }
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

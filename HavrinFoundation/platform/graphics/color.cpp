@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 CGColor::CGColor(std::optional<CGColorSpace> space, std::span<const double> components) : space_(space) {
   if (components.size() > few_.size()) {
@@ -18,4 +19,5 @@ bool operator==(const CGColor& a, const CGColor& b) {
          std::equal(a.components().begin(), a.components().end(), b.components().begin(), b.components().end());
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

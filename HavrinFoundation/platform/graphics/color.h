@@ -17,7 +17,8 @@
 #include <string_view>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// What the components of a colour mean.
 enum class CGColorSpaceModel : int {
@@ -74,4 +75,5 @@ class HAVRIN_EXPORT CGColor {
   std::vector<double> many_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

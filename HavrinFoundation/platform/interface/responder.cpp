@@ -1,7 +1,9 @@
 #include <HavrinFoundation/platform/interface/responder.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 UIResponder::~UIResponder() = default;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/members.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class HAVRIN_EXPORT UIResponder : public Object<UIResponder, NSObject> {
  public:
@@ -16,4 +17,5 @@ class HAVRIN_EXPORT UIResponder : public Object<UIResponder, NSObject> {
   ~UIResponder() override;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,8 @@
 #include <cmath>
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -113,4 +114,5 @@ Strong<NSString> UIColor::description() const {
 
 Strong<NSObject> UIColor::copy() const { return Strong<NSObject>(const_cast<UIColor*>(this)); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

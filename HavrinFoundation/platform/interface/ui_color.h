@@ -14,7 +14,8 @@
 
 #include <optional>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Red, green, blue and alpha in extended sRGB: 0 to 1, or beyond for colours outside it.
 struct RGBA {
@@ -72,4 +73,5 @@ class HAVRIN_EXPORT UIColor : public Object<UIColor, NSObject> {
   CGColor color_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

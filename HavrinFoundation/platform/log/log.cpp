@@ -16,7 +16,8 @@
 #include <unistd.h>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct os_log_s {
   std::string subsystem;
@@ -90,4 +91,5 @@ std::string_view os_log_subsystem(os_log_t log) { return log->subsystem; }
 
 std::string_view os_log_category(os_log_t log) { return log->category; }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -11,7 +11,8 @@
 
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct os_log_s;
 /// A log handle. Never null, never freed: nothing is owed for it.
@@ -31,4 +32,5 @@ HAVRIN_EXPORT void os_log(os_log_t log, std::string_view text, os_log_type_t typ
 [[nodiscard]] HAVRIN_EXPORT std::string_view os_log_subsystem(os_log_t log);
 [[nodiscard]] HAVRIN_EXPORT std::string_view os_log_category(os_log_t log);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -3,8 +3,10 @@
 
 #include <atomic>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 extern constinit std::atomic<void (*)(const char* subsystem, const char* category)> logCreationSeen;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

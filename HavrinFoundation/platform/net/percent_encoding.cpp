@@ -6,7 +6,8 @@
 #include <array>
 #include <cstddef>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::array<bool, 256> makeStandsAsItIs() {
@@ -61,4 +62,5 @@ void appendQueryEncoded(std::string& result, std::string_view text) {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// `text` with its escapes read as UTF-8; ill-formed parts read as U+FFFD. "+" stays, and so does "%" without two
 /// hexadecimal digits behind it.
@@ -20,4 +21,5 @@ namespace havrin::inline platform {
 /// Source: RFC 3986, 2.1 and 3.4.
 void appendQueryEncoded(std::string& result, std::string_view text);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <cstdint>
 #include <cstring>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 // Sixteen bytes that are worked on at once: the compilers' own vectors, which need no instruction of one processor.
@@ -237,4 +238,5 @@ std::string resolvedUri(const UriParts& base, const UriParts& reference) {
   return result;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The five parts, as views into the text they were split from. A part that is absent differs from one that is empty.
 struct UriParts {
@@ -35,4 +36,5 @@ struct UriParts {
 /// Source: RFC 3986, 5.2.
 [[nodiscard]] std::string resolvedUri(const UriParts& base, const UriParts& reference);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -4,7 +4,8 @@
 
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 std::optional<URL> URL::fromString(std::string_view text) {
   if (text.empty() || !isUriReference(text)) return std::nullopt;
@@ -36,4 +37,5 @@ std::string URL::absoluteString() const {
 
 URL URL::absoluteURL() const { return hasBase() ? URL(absoluteString(), decomposable_) : *this; }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

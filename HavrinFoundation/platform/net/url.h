@@ -22,7 +22,8 @@
 #include <string_view>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A value: copies share the base. Two links are equal when their relative texts and their bases are.
 class HAVRIN_EXPORT URL {
@@ -83,4 +84,5 @@ class HAVRIN_EXPORT URL {
   bool decomposable_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 void appendEncodedItem(std::string& text, std::string_view name, std::optional<std::string_view> value) {
@@ -90,4 +91,5 @@ std::optional<URL> URLComponents::takeUrl() {
   return URL(std::move(beforeFragment_), true);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -25,7 +25,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// One name and perhaps a value of a query, borrowed from the query's text.
 class HAVRIN_EXPORT URLQueryItemView {
@@ -152,4 +153,5 @@ class HAVRIN_EXPORT URLComponents {
   std::size_t queryMark_;  // where "?" stands in beforeFragment_, or its length
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

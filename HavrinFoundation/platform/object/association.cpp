@@ -7,7 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -66,4 +67,5 @@ void releaseAssociations(NSObject* object) noexcept {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/object.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The value stored under `key`, or null. Cost: a hash look-up under a lock shared by some other objects. Threads: any.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSObject> associatedValue(const NSObject& object, Selector key);
@@ -18,4 +19,5 @@ namespace havrin::inline platform {
 /// Cost: a hash insertion under a lock. Threads: any.
 HAVRIN_EXPORT void setAssociatedValue(NSObject& object, Selector key, NSObject* value);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -24,7 +24,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSObject;
 template <class Signature>
@@ -45,6 +46,8 @@ Derived* checkedCast(NSObject* object);
 /// As above, as a reference: null throws as well.
 template <class Derived>
 Derived& checkedReference(NSObject* object);
+
+}  // namespace platform
 
 namespace detail {
 
@@ -168,6 +171,8 @@ struct BlockBodyOf : BlockBody<ResultType, Arguments...> {
 };
 
 }  // namespace detail
+
+inline namespace platform {
 
 /// A callable that a block of this signature can be made of.
 template <class Function, class Signature>
@@ -294,4 +299,5 @@ class BlockView<ResultType(Arguments...)> {
   bool shared_ = false;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

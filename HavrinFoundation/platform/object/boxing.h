@@ -9,7 +9,8 @@
 #include <cstdint>
 #include <type_traits>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 [[nodiscard]] HAVRIN_EXPORT Strong<NSObject> boxBoolean(bool value);
 [[nodiscard]] HAVRIN_EXPORT Strong<NSObject> boxInteger(std::int64_t value);
@@ -70,6 +71,8 @@ struct SignatureInfo {
   Strong<NSObject> (*call)(Implementation implementation, NSObject* self, NSObject* const* arguments);
 };
 
+}  // namespace platform
+
 namespace detail {
 
 template <class Result, class... Arguments>
@@ -103,4 +106,4 @@ struct SignatureInfoOf<Result(Arguments...)> {
 
 }  // namespace detail
 
-}  // namespace havrin::inline platform
+}  // namespace havrin

@@ -14,7 +14,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+
 namespace detail {
 
 [[nodiscard]] inline bool mayRunProgram(const NSObject* object) noexcept {
@@ -68,4 +69,5 @@ decltype(auto) callHeld(Body&& body, bool runsProgram, NSObject* receiver,
 }
 
 }  // namespace detail
-}  // namespace havrin::inline platform
+
+}  // namespace havrin

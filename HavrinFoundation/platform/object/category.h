@@ -31,7 +31,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Methods for one class, as constant data that lives as long as the process.
 struct Category {
@@ -60,6 +61,8 @@ class HAVRIN_EXPORT Loader {
  public:
   explicit Loader(const Image& image);
 };
+
+}  // namespace platform
 
 namespace detail {
 
@@ -136,6 +139,8 @@ constexpr MethodRow rowOf() {
 
 }  // namespace detail
 
+inline namespace platform {
+
 /// The row that gives instances of ClassType the method `Function` for the declared message Name.
 template <class ClassType, Text Name, auto Function>
 [[nodiscard]] constexpr MethodRow row() {
@@ -152,4 +157,5 @@ template <class ClassType, Text Name, auto Function>
   return detail::rowOf<Name, Declaration, detail::ClassTrampoline<ClassType, Function, typename Declaration::Type>>();
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -19,7 +19,8 @@
 #include <unordered_map>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 // The order of a class's rows: that of the addresses, which compare as integers do.
 struct Before {
@@ -319,4 +320,5 @@ Loader::Loader(const Image& image) {
   for (void (*initialiser)() : image.initialisers) initialiser();
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

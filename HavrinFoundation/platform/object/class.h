@@ -24,7 +24,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A method's code, cast to the function type of its signature before it is called.
 using Implementation = void (*)();
@@ -237,4 +238,5 @@ Derived& checkedReference(NSObject* object) {
   return *static_cast<Derived*>(object);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -3,7 +3,8 @@
 #include <HavrinFoundation/platform/object/block.h>
 #include <HavrinFoundation/platform/object/class.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 NSException::NSException(std::string_view name, std::string_view reason)
     : name_(name), reason_(reason), text_(name_ + ": " + reason_) {}
@@ -22,4 +23,5 @@ void throwUncopiableBlock() {
   throw NSException(NSInvalidArgumentException, "a callable that cannot be copied was to be kept as a block");
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

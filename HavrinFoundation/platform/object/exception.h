@@ -11,7 +11,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 inline constexpr std::string_view NSInvalidArgumentException = "NSInvalidArgumentException";
 inline constexpr std::string_view NSRangeException = "NSRangeException";
@@ -44,4 +45,5 @@ class HAVRIN_EXPORT NSException final : public std::exception {
   std::string text_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

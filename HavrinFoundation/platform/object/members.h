@@ -29,10 +29,13 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 template <class... ValueType>
 struct List {};
+
+}  // namespace platform
 
 namespace detail {
 
@@ -115,6 +118,8 @@ struct SetterTrampoline {
 
 }  // namespace detail
 
+inline namespace platform {
+
 /// A method: the message `Name` calls the member function.
 template <Text Name, auto Member>
 struct Method {
@@ -193,6 +198,8 @@ struct Property {
   }
 };
 
+}  // namespace platform
+
 namespace detail {
 
 template <class ClassType, class Lists>
@@ -239,6 +246,8 @@ constexpr auto creator() -> Strong<NSObject> (*)() {
 
 }  // namespace detail
 
+inline namespace platform {
+
 /// What the runtime is told of the class ValueType.
 template <class ValueType>
 ClassDescription describeClass(ClassObject* superclass) {
@@ -262,11 +271,15 @@ ClassObject* buildClass() {
   return cls;
 }
 
+}  // namespace platform
+
 namespace detail {
 // Read while compiling: the constructor of every object passes it on.
 template <class Me>
 inline constexpr std::string_view nameOf = typeName<Me>();
 }  // namespace detail
+
+inline namespace platform {
 
 /// The base of every class: tells the runtime which class an object is of while it is constructed and destroyed, level
 /// by level, as its virtual functions do.
@@ -313,4 +326,5 @@ class HAVRIN_EXPORT Object : public Super {
   }
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -25,7 +25,8 @@
 #include <typeinfo>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// In a signature: the static class of the receiver, as `Strong<Self>`.
 struct Self;
@@ -43,6 +44,8 @@ struct Message;
 /// Declares a message that the class ClassType and its subclasses answer.
 template <class ClassType, Text Name>
 struct ClassMessage;
+
+}  // namespace platform
 
 namespace detail {
 
@@ -251,6 +254,8 @@ struct SuperReceiver<ClassOf<ClassType>> : Receiver<ClassOf<ClassType>> {
 
 }  // namespace detail
 
+inline namespace platform {
+
 /// True when a receiver of class ClassType has a declared message Name.
 template <class ClassType, Text Name>
 concept Answers = !std::is_same_v<detail::MessageOf<ClassType, Name>, detail::NotFound>;
@@ -300,4 +305,5 @@ inline decltype(auto) sendSuper(ResultType& receiver, Arguments&&... arguments) 
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

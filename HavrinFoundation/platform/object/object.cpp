@@ -13,7 +13,8 @@
 #include <string>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -149,4 +150,5 @@ Strong<NSObject> NSObject::performSelector(Selector selector, NSObject* argument
   return signature.call(implementation, this, &argument);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

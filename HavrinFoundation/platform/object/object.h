@@ -21,7 +21,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class AnyProtocol;
 class Class;
@@ -148,4 +149,5 @@ template <class Type>
   return make<Type>();
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

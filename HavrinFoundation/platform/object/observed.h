@@ -4,7 +4,8 @@
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/object/object.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Runs `apply`, which calls the setter of the shown class, between the two halves of a change notification.
 HAVRIN_EXPORT void notifyChange(NSObject* object, const SelectorConstant& setter, void (*apply)(void*), void* context);
@@ -12,4 +13,5 @@ HAVRIN_EXPORT void notifyChange(NSObject* object, const SelectorConstant& setter
 /// Ends every observation of an object whose last strong reference has gone, before its destructors run.
 void dropObservations(NSObject* object) noexcept;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -14,7 +14,8 @@
 #include <string_view>
 #include <typeinfo>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A protocol at run time. One protocol may have several of these, one per image; compare with ==.
 class HAVRIN_EXPORT AnyProtocol {
@@ -54,6 +55,8 @@ template <class Type>
 template <class Parent>
 [[nodiscard]] const AnyProtocol& protocolOf();
 
+}  // namespace platform
+
 namespace detail {
 template <class... Parents>
 struct ParentProtocols {
@@ -68,6 +71,8 @@ struct ParentProtocols {
 };
 }  // namespace detail
 
+inline namespace platform {
+
 /// The run-time value of a protocol; lives as long as the process.
 template <class Parent>
 const AnyProtocol& protocolOf() {
@@ -76,4 +81,5 @@ const AnyProtocol& protocolOf() {
   return kProtocol;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

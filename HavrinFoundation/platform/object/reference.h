@@ -19,7 +19,8 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ClassObject;
 class NSObject;
@@ -164,7 +165,8 @@ class Weak {
   NSObject* object_ = nullptr;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin
 
 template <class Type>
 struct std::hash<havrin::Strong<Type>> {

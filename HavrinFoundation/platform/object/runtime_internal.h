@@ -5,7 +5,8 @@
 
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Throws NSException (InvalidArgument): no method answers. `advice` ends the text.
 [[noreturn]] void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver,
@@ -14,4 +15,5 @@ namespace havrin::inline platform {
 /// Releases what is attached to an object whose destructors have run.
 void releaseAssociations(NSObject* object) noexcept;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

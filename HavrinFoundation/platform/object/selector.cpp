@@ -10,7 +10,8 @@
 #include <unordered_map>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct SelectorRecord {
   SelectorRecord(std::string text, std::uint32_t place) : name(std::move(text)), number(place) {}
@@ -97,4 +98,5 @@ NSString* Selector::nameString() const {
 
 std::uint32_t Selector::number() const { return record_ ? record_->number : 0; }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

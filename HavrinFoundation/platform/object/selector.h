@@ -16,7 +16,8 @@
 #include <cstdint>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class NSString;
 
@@ -65,4 +66,5 @@ class HAVRIN_EXPORT Selector {
   const SelectorRecord* record_ = nullptr;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -6,7 +6,8 @@
 
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -174,4 +175,5 @@ Strong<NSObject> Change::newValue(NSObject& from, NSString& path, NSKeyValueChan
   return kind == NSKeyValueChange::removal ? nullptr : read(from, path, kind);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

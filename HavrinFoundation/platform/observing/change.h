@@ -9,7 +9,8 @@
 #include <span>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Tells one registration of a change, unless it has ended; ends it when its observer is gone.
 void tell(Registration& registration, NSObject* object, NSDictionary* change);
@@ -58,4 +59,5 @@ class Change {
   std::vector<Indirect> indirect_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -4,7 +4,8 @@
 
 #include <array>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 constinit const LazyString NSKeyValueChangeKindKey{"kind"};
 constinit const LazyString NSKeyValueChangeNewKey{"new"};
@@ -91,4 +92,5 @@ NSKeyValueChangeDictionary* NSKeyValueChangeDictionary::plainSetting() {
   return kPlain;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -12,7 +12,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Immutable. Cost: one allocation, and a count for each value. Threads: any.
 class HAVRIN_EXPORT NSKeyValueChangeDictionary final : public Object<NSKeyValueChangeDictionary, NSDictionary> {
@@ -48,4 +49,5 @@ class HAVRIN_EXPORT NSKeyValueChangeDictionary final : public Object<NSKeyValueC
   Strong<NSObject> extraValue_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

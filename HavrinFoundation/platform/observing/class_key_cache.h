@@ -11,7 +11,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Values by class and key. Keep only what the program's own methods bound: keys come from files, too. Entries stay in
 /// memory, so that nobody needs a lock to read them; a cache is never destroyed.
@@ -66,4 +67,5 @@ class ClassKeyCache {
   std::array<std::atomic<Entry*>, 1024> chains_{};
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

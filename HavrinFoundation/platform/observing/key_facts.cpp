@@ -7,7 +7,8 @@
 
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -78,4 +79,5 @@ KeyFacts factsForKey(const ClassObject& shown, NSString& key) {
   });
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

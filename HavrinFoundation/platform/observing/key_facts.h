@@ -7,7 +7,8 @@
 #include <memory>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct KeyFacts {
   using Paths = std::vector<std::vector<Strong<NSString>>>;
@@ -24,4 +25,5 @@ struct KeyFacts {
 /// Throws: what those methods throw.
 [[nodiscard]] KeyFacts factsForKey(const ClassObject& shown, NSString& key);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

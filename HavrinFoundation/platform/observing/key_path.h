@@ -12,7 +12,7 @@
 #include <HavrinFoundation/platform/foundation/lazy_string.h>
 #include <HavrinFoundation/platform/object/message.h>
 
-namespace havrin::inline platform {
+namespace havrin {
 
 namespace detail {
 
@@ -86,8 +86,11 @@ requires(checkedPath<ClassType, Path>()) struct CheckedPath {
 
 }  // namespace detail
 
+inline namespace platform {
+
 /// The key path as a string; converts to `NSString*`. Lives as long as the process.
 template <class ClassType, Text Path>
 inline constinit const LazyString keyPath{detail::CheckedPath<ClassType, Path>::text.text};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -8,7 +8,8 @@
 #include <span>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -97,4 +98,5 @@ void requireKey(const NSObject& self, const NSString* key, std::string_view sele
                     "-[" + std::string(classOf(self).name()) + " " + std::string(selector) + "]: the key is null");
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

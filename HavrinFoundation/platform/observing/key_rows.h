@@ -9,7 +9,8 @@
 #include <string_view>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct KeyRows {
   const MethodRow* getter = nullptr;
@@ -50,4 +51,5 @@ decltype(auto) withText(const NSString& key, Body&& body) {
 /// Throws NSException (InvalidArgument) when `key` is null.
 void requireKey(const NSObject& self, const NSString* key, std::string_view selector);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

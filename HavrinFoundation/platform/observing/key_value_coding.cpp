@@ -11,7 +11,8 @@
 #include <string>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -102,4 +103,5 @@ void NSObject::setNilValueForKey(NSString* key) {
                                                     (key ? "\"" + utf8(*key) + "\"" : "(null)"));
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

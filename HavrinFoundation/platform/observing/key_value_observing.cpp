@@ -13,7 +13,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -146,4 +147,5 @@ void NSObject::didChangeValuesAtIndexes(NSKeyValueChange, NSIndexSet*, NSString*
   finish(*this, *key);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -51,7 +51,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// What a registration asks for: bits, added up.
 inline constexpr std::uint64_t NSKeyValueObservingOptionNew = 1;      // the new value
@@ -80,4 +81,5 @@ struct ClassMessage<NSObject, "automaticallyNotifiesObserversForKey:"> : Signatu
 template <>
 struct ClassMessage<NSObject, "keyPathsForValuesAffectingValueForKey:"> : Signature<Strong<NSSet>(NSString*)> {};
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

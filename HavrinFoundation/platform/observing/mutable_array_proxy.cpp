@@ -9,7 +9,8 @@
 #include <string>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -79,4 +80,5 @@ Strong<NSMutableArray> NSObject::mutableArrayValueForKey(NSString* key) {
   return make<KeyValueMutableArray>(*this, *plainString(*key));
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

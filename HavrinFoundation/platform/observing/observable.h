@@ -3,9 +3,11 @@
 
 #include <HavrinFoundation/platform/object/object.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Throws NSException (InvalidArgument) for arrays, sets, ordered sets and classes.
 void requireObservable(const NSObject& object);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 #include <string>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct WalkedKey {
   Strong<NSObject> object;
@@ -159,4 +160,5 @@ bool Registration::install(const std::vector<WalkedKey>& walked) {
   return isNew;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

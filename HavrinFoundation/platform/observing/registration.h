@@ -10,7 +10,8 @@
 #include <cstdint>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A key of an object whose change concerns a registration.
 struct WatchedKey {
@@ -74,4 +75,5 @@ class Registration final : public Object<Registration, NSObject> {
   std::vector<WatchedKey> watched_;  // under the lock
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -9,7 +9,8 @@
 #include <new>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -278,4 +279,5 @@ void dropObservations(NSObject* object) noexcept {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -25,7 +25,8 @@
 #include <optional>
 #include <span>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 struct WatchBucket;
 
@@ -132,4 +133,5 @@ void unwatchKey(const WatchedKey& watched, const Registration& registration) noe
                                                    const NSObject* observer, const NSString& path,
                                                    std::optional<void*> context);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -11,7 +11,8 @@
 #include <algorithm>
 #include <cmath>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constinit TextCache<CalendarIdentifier> localeCalendars;
@@ -99,4 +100,5 @@ std::int64_t Calendar::minutes(Date from, Date to) const {
   return seconds / 60;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -21,7 +21,8 @@
 #include <cstdint>
 #include <optional>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The first and the last instant that calendars have.
 inline constexpr Date kFirstCalendarDate = Date::fromTimeIntervalSince1970(-184'303'902'528'000.0);
@@ -96,4 +97,5 @@ class HAVRIN_EXPORT Calendar {
   TimeZone zone_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -13,7 +13,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A civil day. Years are astronomical: 0 is the year before 1.
 struct CivilDay {
@@ -29,7 +30,9 @@ inline constexpr std::int64_t kSecondsPerDay = 86'400;
 /// The number, counted from 1970-01-01, of the first Gregorian day, 1582-10-15.
 inline constexpr std::int64_t kFirstGregorianDay = -141'427;
 
-namespace civil_detail {
+}  // namespace platform
+
+namespace detail {
 
 // Years start on 1 March here, so that the leap day is the last day. A shift by whole cycles keeps every count
 // positive.
@@ -50,7 +53,7 @@ constexpr CivilDay monthAndDay(std::int64_t marchYear, std::uint32_t dayOfYear) 
           static_cast<int>((scaled & 0xFFFF) / 2141) + 1};
 }
 
-constexpr CivilDay gregorian(std::int64_t dayNumber) {
+constexpr CivilDay gregorianDayOf(std::int64_t dayNumber) {
   constexpr std::int64_t kShiftDays = kShiftYears / kGregorianCycleYears * kGregorianCycleDays;
   const std::uint64_t quarters = 4 * static_cast<std::uint64_t>(dayNumber + kGregorianMarchFirst + kShiftDays) + 3;
   const std::uint64_t century = quarters / kGregorianCycleDays;
@@ -61,14 +64,16 @@ constexpr CivilDay gregorian(std::int64_t dayNumber) {
   return monthAndDay(static_cast<std::int64_t>(100 * century + yearOfCentury) - kShiftYears, dayOfYear);
 }
 
-constexpr CivilDay julian(std::int64_t dayNumber) {
+constexpr CivilDay julianDayOf(std::int64_t dayNumber) {
   constexpr std::int64_t kShiftDays = kShiftYears / kJulianCycleYears * kJulianCycleDays;
   const std::uint64_t quarters = 4 * static_cast<std::uint64_t>(dayNumber + kJulianMarchFirst + kShiftDays) + 3;
   return monthAndDay(static_cast<std::int64_t>(quarters / kJulianCycleDays) - kShiftYears,
                      static_cast<std::uint32_t>(quarters % kJulianCycleDays) / 4);
 }
 
-}  // namespace civil_detail
+}  // namespace detail
+
+inline namespace platform {
 
 /// The quotient rounded down.
 constexpr std::int64_t floorDivide(std::int64_t dividend, std::int64_t divisor) {
@@ -78,7 +83,7 @@ constexpr std::int64_t floorDivide(std::int64_t dividend, std::int64_t divisor) 
 
 /// The civil day of a day number, at most six million years from 1970.
 constexpr CivilDay civilDayOf(std::int64_t dayNumber) {
-  return dayNumber >= kFirstGregorianDay ? civil_detail::gregorian(dayNumber) : civil_detail::julian(dayNumber);
+  return dayNumber >= kFirstGregorianDay ? detail::gregorianDayOf(dayNumber) : detail::julianDayOf(dayNumber);
 }
 
 /// The day of the week, 0 for Sunday.
@@ -86,4 +91,5 @@ constexpr int weekdayOf(std::int64_t dayNumber) {
   return static_cast<int>(dayNumber + 4 - floorDivide(dayNumber + 4, 7) * 7);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

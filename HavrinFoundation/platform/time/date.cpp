@@ -2,8 +2,10 @@
 
 #include <HavrinFoundation/platform/base/clock.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 Date Date::now() { return fromTimeIntervalSince1970(wallSecondsSince1970()); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -21,7 +21,8 @@
 #include <ratio>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The first instant of 2001 in seconds since the first instant of 1970.
 inline constexpr std::int64_t kReferenceSecondsSince1970 = 978'307'200;
@@ -111,7 +112,8 @@ std::chrono::sys_time<Duration> Date::timePoint() const {
   }
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin
 
 template <>
 struct std::hash<havrin::Date> {

@@ -5,7 +5,8 @@
 #include <HavrinFoundation/platform/time/pattern_writer.h>
 #include <HavrinFoundation/platform/time/zone_rules.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 class DateFormat::Compiled {
  public:
   Compiled(std::string_view pattern, const Locale& locale, const Calendar& calendar)
@@ -46,4 +47,5 @@ std::string DateFormat::string(Date date) const { return isNotANumber(date) ? st
 
 std::optional<Date> DateFormat::date(std::string_view text) const { return compiled_->icu_.date(text); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

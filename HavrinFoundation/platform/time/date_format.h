@@ -19,7 +19,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A pattern with the locale whose words it writes and the calendar, with its time zone, whose fields it writes. A value
 /// that never changes and that copies share. Offsets are those of the system's zone files, words are ICU's.
@@ -52,4 +53,5 @@ class HAVRIN_EXPORT DateFormat {
   std::shared_ptr<const Compiled> compiled_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

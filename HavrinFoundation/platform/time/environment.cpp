@@ -3,7 +3,8 @@
 #include <string_view>
 #include <unistd.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 /// Stores the value of `variable` when its name is `name` and no earlier variable had that name.
@@ -39,4 +40,5 @@ TimeEnvironment readTimeEnvironment() {
   return found;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

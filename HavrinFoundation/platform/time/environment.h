@@ -1,7 +1,8 @@
 // The environment variables that decide zone and locale, read anew in one pass. Internal.
 #pragma once
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Texts that live in the environment itself; null for an absent variable.
 struct TimeEnvironment {
@@ -19,4 +20,5 @@ struct TimeEnvironment {
 /// Threads: any, as long as no thread changes the environment at the same time, which is the C library's own rule.
 [[nodiscard]] TimeEnvironment readTimeEnvironment();
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

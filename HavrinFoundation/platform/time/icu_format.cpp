@@ -14,7 +14,8 @@
 #include <utility>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr std::int32_t kMillisecondsPerHour = 3'600'000;
@@ -214,4 +215,5 @@ std::optional<Date> IcuFormat::date(std::string_view text) const {
   });
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// ICU's name for a locale with a calendar.
 [[nodiscard]] std::string icuLocaleName(const Locale& locale, CalendarIdentifier calendar);
@@ -34,4 +35,5 @@ class IcuFormat {
   const std::unique_ptr<Pool> pool_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

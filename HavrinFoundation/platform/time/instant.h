@@ -5,7 +5,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The first and the last whole second, counted from 1970, of every calendar: about 5.8 million years each way.
 inline constexpr std::int64_t kFirstSecond = -184'303'902'528'000;
@@ -30,4 +31,5 @@ inline Instant instantOf(Date date) {
 
 inline bool isNotANumber(Date date) { return date != date; }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -11,7 +11,8 @@
 #include <memory>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 constexpr const char* kPosix = "en_US_POSIX";
@@ -94,4 +95,5 @@ CalendarIdentifier Locale::calendar() const {
   return found == nullptr ? CalendarIdentifier::gregorian : found->calendar;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -16,7 +16,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The calendar systems.
 enum class CalendarIdentifier {
@@ -67,4 +68,5 @@ class HAVRIN_EXPORT Locale {
   std::string identifier_;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

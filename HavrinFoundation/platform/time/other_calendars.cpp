@@ -11,7 +11,8 @@
 #include <memory>
 #include <string>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 std::unique_ptr<icu::Calendar> makeCalendar(CalendarIdentifier calendar) {
@@ -50,4 +51,5 @@ DateComponents dayComponents(CalendarIdentifier identifier, std::int64_t dayNumb
   return U_SUCCESS(status) ? components : DateComponents{};
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -5,7 +5,8 @@
 
 #include <cstdint>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// Whether months and days of the calendar are the Gregorian ones, its years and eras aside.
 [[nodiscard]] bool hasGregorianMonths(CalendarIdentifier calendar);
@@ -13,4 +14,5 @@ namespace havrin::inline platform {
 /// Era, year, month and day of a day, by its number from 1970-01-01; the other components stay empty.
 [[nodiscard]] DateComponents dayComponents(CalendarIdentifier calendar, std::int64_t dayNumber);
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -14,7 +14,8 @@
 #include <memory>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using Field = PatternWriter::Field;
@@ -318,4 +319,5 @@ std::string PatternWriter::string(std::int64_t local, int millisecond) const {
   return text;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -16,7 +16,8 @@
 #include <string_view>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A list of steps, each of which appends a piece of text.
 class PatternWriter {
@@ -85,4 +86,5 @@ class PatternWriter {
   std::size_t capacity_ = 0;  // for the longest text, and some room behind it
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

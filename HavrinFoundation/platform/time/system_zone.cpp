@@ -15,7 +15,8 @@
 #include <unistd.h>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 using std::filesystem::path;
@@ -205,4 +206,5 @@ void forgetSystemZone() {
   variables.forget();
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The places that hold zones. Tests put their own in place of the system's.
 struct ZonePaths {
@@ -29,4 +30,5 @@ ZonePaths setZonePaths(ZonePaths paths);
 /// See resetSystemTimeZone.
 void forgetSystemZone();
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -12,7 +12,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// A memory of texts and the answers to them. `Value` is a pointer or a number; its zero means "no answer yet".
 /// Nothing is ever destroyed. A flood of different texts is answered, but no more than `kLimit` are remembered.
@@ -70,4 +71,5 @@ class TextCache {
   std::map<std::string, Entry, std::less<>>* entries_ = nullptr;
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

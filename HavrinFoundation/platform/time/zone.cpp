@@ -4,7 +4,8 @@
 #include <HavrinFoundation/platform/time/instant.h>
 #include <HavrinFoundation/platform/time/system_zone.h>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 TimeZone TimeZone::current() { return TimeZone(currentRules(readTimeEnvironment().zone)); }
 
@@ -28,4 +29,5 @@ bool TimeZone::isDaylightSavingTime(Date date) const {
 
 void resetSystemTimeZone() { forgetSystemZone(); }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

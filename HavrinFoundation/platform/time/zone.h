@@ -17,7 +17,8 @@
 #include <optional>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 class ZoneRules;
 
@@ -60,4 +61,5 @@ class HAVRIN_EXPORT TimeZone {
 /// Makes the next `TimeZone::current` look at the system's zone at once, and at zone files that were not there before.
 HAVRIN_EXPORT void resetSystemTimeZone();
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -11,7 +11,8 @@
 #include <unistd.h>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 namespace {
 
 /// No zone is further from Greenwich: RFC 9636 bounds offsets to between -25 h and +26 h.
@@ -22,7 +23,7 @@ constexpr std::int64_t kBeforeAll = -(std::int64_t{1} << 60);
 constexpr std::int64_t kAfterAll = std::int64_t{1} << 60;
 
 /// The Gregorian calendar repeats, weekdays included, after 400 years.
-constexpr std::int64_t kCycle = civil_detail::kGregorianCycleDays * kSecondsPerDay;
+constexpr std::int64_t kCycle = detail::kGregorianCycleDays * kSecondsPerDay;
 
 constexpr std::size_t kMaxSpans = std::numeric_limits<std::uint16_t>::max();
 
@@ -233,4 +234,5 @@ std::int64_t ZoneRules::addDays(std::int64_t second, std::int64_t days) const {
   return days < 0 && wall.late >= second ? wall.early : wall.late;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

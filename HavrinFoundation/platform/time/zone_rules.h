@@ -18,7 +18,8 @@
 #include <string>
 #include <vector>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// The instants at which a wall clock shows one reading.
 struct WallTime {
@@ -102,4 +103,5 @@ class ZoneRules {
   std::array<std::uint16_t, kBuckets> buckets_{};
 };
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,8 @@
 #include <cstdint>
 #include <cstring>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -181,4 +182,5 @@ std::optional<Range<std::size_t>> rangeOfCharacter(std::u16string_view text, con
   return rangeOfMember(text, set);
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -10,7 +10,8 @@
 #include <cstdint>
 #include <initializer_list>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 using detail::CharacterSetStorage;
 
@@ -46,7 +47,11 @@ CharacterSet setOfCategories(std::uint32_t categories, std::initializer_list<Clo
 
 }  // namespace
 
-detail::CharacterSetStorage::CharacterSetStorage(const CharacterSetStorage& other)
+}  // namespace platform
+
+namespace detail {
+
+CharacterSetStorage::CharacterSetStorage(const CharacterSetStorage& other)
     : asciiRows_(other.asciiRows_), basic_(other.basic_) {
   for (std::size_t i = 0; i < higher_.size(); ++i) {
     if (other.higher_[i] != nullptr) higher_[i] = std::make_unique<Plane>(*other.higher_[i]);
@@ -89,6 +94,10 @@ void CharacterSetStorage::refreshAsciiRows() noexcept {
       asciiRows_[scalar & 0xF] = static_cast<std::uint8_t>(asciiRows_[scalar & 0xF] | 1u << (scalar >> 4));
   }
 }
+
+}  // namespace detail
+
+inline namespace platform {
 
 CharacterSet::CharacterSet(std::string_view charactersIn) { insert(charactersIn); }
 
@@ -222,4 +231,5 @@ bool CharacterSet::hasSameMembersAs(const CharacterSet& other) const noexcept {
   return true;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

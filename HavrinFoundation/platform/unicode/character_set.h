@@ -24,11 +24,13 @@
 #include <string_view>
 #include <utility>
 
-namespace havrin::inline platform {
+namespace havrin {
 
 namespace detail {
 class CharacterSetStorage;
-}
+}  // namespace detail
+
+inline namespace platform {
 
 class HAVRIN_EXPORT CharacterSet {
  public:
@@ -111,4 +113,5 @@ class HAVRIN_EXPORT CharacterSet {
 [[nodiscard]] HAVRIN_EXPORT std::optional<Range<std::size_t>> rangeOfCharacter(std::u16string_view text,
                                                                                const CharacterSet& set) noexcept;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

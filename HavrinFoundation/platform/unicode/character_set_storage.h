@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace havrin::inline platform::detail {
+namespace havrin::detail {
 
 class CharacterSetStorage {
  public:
@@ -51,4 +51,4 @@ class CharacterSetStorage {
   Plane basic_{};
 };
 
-}  // namespace havrin::inline platform::detail
+}  // namespace havrin::detail

@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 namespace {
 
@@ -182,7 +183,11 @@ bool everyByteIsACharacter(std::string_view text) {
 
 }  // namespace
 
-Scalar detail::decodeMultibyte(std::string_view text, std::size_t position) noexcept {
+}  // namespace platform
+
+namespace detail {
+
+Scalar decodeMultibyte(std::string_view text, std::size_t position) noexcept {
   const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[position + i]); };
   const std::size_t available = text.size() - position;
   const unsigned lead = byteAt(0);
@@ -213,7 +218,7 @@ Scalar detail::decodeMultibyte(std::string_view text, std::size_t position) noex
   return {value, length, true};
 }
 
-Scalar detail::decodeSurrogate(std::u16string_view text, std::size_t position) noexcept {
+Scalar decodeSurrogate(std::u16string_view text, std::size_t position) noexcept {
   const char16_t lead = text[position];
   if (lead < 0xDC00 && position + 1 < text.size()) {
     const char16_t trail = text[position + 1];
@@ -223,6 +228,10 @@ Scalar detail::decodeSurrogate(std::u16string_view text, std::size_t position) n
   }
   return {kReplacementCharacter, 1, false};
 }
+
+}  // namespace detail
+
+inline namespace platform {
 
 void appendScalar(std::string& text, char32_t scalar) {
   char bytes[4];
@@ -317,4 +326,5 @@ std::size_t firstCharacterLength(std::string_view text) noexcept {
   return length;
 }
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin

@@ -20,7 +20,8 @@
 #include <string>
 #include <string_view>
 
-namespace havrin::inline platform {
+namespace havrin {
+inline namespace platform {
 
 /// U+FFFD, what an ill-formed part of text counts as.
 inline constexpr char32_t kReplacementCharacter = U'\uFFFD';
@@ -34,10 +35,14 @@ struct Scalar {
   friend constexpr bool operator==(const Scalar&, const Scalar&) = default;
 };
 
+}  // namespace platform
+
 namespace detail {
 HAVRIN_EXPORT Scalar decodeMultibyte(std::string_view text, std::size_t position) noexcept;
 HAVRIN_EXPORT Scalar decodeSurrogate(std::u16string_view text, std::size_t position) noexcept;
 }  // namespace detail
+
+inline namespace platform {
 
 /// The scalar that begins at `position`, which must lie inside `text` and at the end of the step before.
 ///   for (std::size_t i = 0; i < text.size();) { const Scalar s = scalarAt(text, i); i += s.length; ... }
@@ -85,4 +90,5 @@ HAVRIN_EXPORT void appendScalar(std::u16string& text, char32_t scalar);
 /// How many bytes the first character of `text` takes; 0 for empty text.
 [[nodiscard]] HAVRIN_EXPORT std::size_t firstCharacterLength(std::string_view text) noexcept;
 
-}  // namespace havrin::inline platform
+}  // namespace platform
+}  // namespace havrin
