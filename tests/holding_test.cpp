@@ -13,6 +13,12 @@
 using namespace havrin;
 
 namespace {
+class Twice;
+}
+template <>
+struct platform::Message<Twice, "run:"> : Signature<void(const Block<void()>&)> {};
+
+namespace {
 
 // A field of an object that must live until the message returns; counts its end.
 struct Probe {
@@ -477,6 +483,26 @@ TEST(Holding, KeepsReceiverAndArgumentsOfEveryRowForTheCall) {
     for (const MethodRow& row : category->classRows) check('+' + cls, row);
   }
   EXPECT_EQ(rows, kCalls.size() + kRunNoCodeOfTheProgram.size()) << "the lists have rows that the image has not";
+}
+
+class Twice : public Object<Twice, NSObject> {
+ public:
+  void run(const Block<void()>& action) {
+    action();
+    action();
+  }
+  using Members = List<HeldMethod<"run:", &Twice::run>>;
+};
+
+TEST(Holding, GivesTheMethodABlockThatTheCallersVariableNoLongerHolds) {
+  int runs = 0;
+  Block<void()> action;
+  action = [&] {
+    ++runs;
+    action = nullptr;
+  };
+  send<"run:">(make<Twice>(), action);
+  EXPECT_EQ(runs, 2);
 }
 
 }  // namespace

@@ -22,7 +22,8 @@ namespace detail {
   return object && !dispatchClass(object)->isLeaf();
 }
 
-/// An argument that has nothing to keep alive. Specialised for those that have.
+/// An argument that has nothing to keep alive. Specialised for those that have. The method receives the argument, or the
+/// result of `passed` where a specialisation has such a member.
 template <class Argument>
 struct Held {
   Held(const Argument&, bool) noexcept {}
@@ -43,6 +44,8 @@ struct Held<Block<Function>> {
 
   Held(const Block<Function>& argument, bool) noexcept : block(argument) {}
   static bool mayRunProgram(const Block<Function>&) noexcept { return true; }
+  // The method reads this block: code that the call runs may assign to the caller's variable, or destroy it.
+  [[nodiscard]] const Block<Function>& passed() const noexcept { return block; }
 };
 
 template <class Function>
@@ -53,19 +56,25 @@ struct Held<BlockView<Function>> {
   static bool mayRunProgram(const BlockView<Function>&) noexcept { return true; }
 };
 
-template <class Body, class... Holders>
-decltype(auto) whileHolding(Body&& body, const Holders&...) {
-  return body();
+template <class Given, class Holder>
+decltype(auto) passed(std::remove_reference_t<Given>& argument, const Holder& held) {
+  if constexpr (requires { held.passed(); }) {
+    return held.passed();
+  } else {
+    return std::forward<Given>(argument);
+  }
 }
 
-/// Calls `body` while the arguments, and the receiver where there is one to hold, are held. `runsProgram`: the method may
-/// run code of the program whatever the objects are.
+/// Calls `body` with the arguments while they, and the receiver where there is one to hold, are held. `runsProgram`: the
+/// method may run code of the program whatever the objects are.
 template <class... Arguments, class Body>
 decltype(auto) callHeld(Body&& body, bool runsProgram, NSObject* receiver,
-                        const std::remove_cvref_t<Arguments>&... arguments) {
+                        std::remove_reference_t<Arguments>&... arguments) {
   const bool hold = runsProgram || (Held<std::remove_cvref_t<Arguments>>::mayRunProgram(arguments) || ...);
-  return whileHolding(std::forward<Body>(body), Held<NSObject*>(receiver, hold),
-                      Held<std::remove_cvref_t<Arguments>>(arguments, hold)...);
+  const auto call = [&](const Held<NSObject*>&, const Held<std::remove_cvref_t<Arguments>>&... held) -> decltype(auto) {
+    return body(detail::passed<Arguments>(arguments, held)...);
+  };
+  return call(Held<NSObject*>(receiver, hold), Held<std::remove_cvref_t<Arguments>>(arguments, hold)...);
 }
 
 }  // namespace detail

@@ -112,7 +112,9 @@ struct CategoryTrampoline<ClassType, Function, Result(Arguments...)> {
   static constexpr bool fits = std::is_invocable_r_v<Result, decltype(Function), ClassType&, Arguments...>;
   static Result call(NSObject* self, Arguments... arguments) {
     return callHeld<Arguments...>(
-        [&]() -> Result { return Function(static_cast<ClassType&>(*self), std::forward<Arguments>(arguments)...); },
+        [&](auto&&... held) -> Result {
+          return Function(static_cast<ClassType&>(*self), std::forward<decltype(held)>(held)...);
+        },
         mayRunProgram(self), self, arguments...);
   }
 };
@@ -123,8 +125,8 @@ struct ClassTrampoline<ClassType, Function, Result(Arguments...)> {
   static constexpr bool fits = std::is_invocable_r_v<Result, decltype(Function), ClassOf<ClassType>, Arguments...>;
   static Result call(NSObject* self, Arguments... arguments) {
     return callHeld<Arguments...>(
-        [&]() -> Result {
-          return Function(ClassOf<ClassType>(static_cast<ClassObject*>(self)), std::forward<Arguments>(arguments)...);
+        [&, function = Function](auto&&... held) -> Result {
+          return function(ClassOf<ClassType>(static_cast<ClassObject*>(self)), std::forward<decltype(held)>(held)...);
         },
         !static_cast<ClassObject*>(self)->isLeaf(), nullptr, arguments...);  // a class outlives every call
   }

@@ -97,7 +97,9 @@ struct HeldMemberTrampoline<ClassType, Member, Result(Arguments...)>
     : MemberTrampoline<ClassType, Member, Result(Arguments...)> {
   static Result call(NSObject* self, Arguments... arguments) {
     return callHeld<Arguments...>(
-        [&]() -> Result { return (static_cast<ClassType*>(self)->*Member)(std::forward<Arguments>(arguments)...); },
+        [&](auto&&... held) -> Result {
+          return (static_cast<ClassType*>(self)->*Member)(std::forward<decltype(held)>(held)...);
+        },
         mayRunProgram(self), self, arguments...);
   }
 };
