@@ -2,6 +2,7 @@
 // called with objects whose last outside reference goes while the row works with them: their overrides, the blocks and
 // the destructors that the row runs release what the test holds.
 // Length: one table with a row for each method of the library.
+#include "allocations.h"
 #include "objects.h"
 #include <HavrinFoundation/HavrinFoundation.h>
 #include <HavrinFoundation/image.h>
@@ -32,15 +33,15 @@ struct Probe {
 // own, and what drops are their elements and the blocks.
 class Call {
  public:
-  explicit Call(bool plain) : plain_(plain) { current_ = this; }
+  explicit Call(bool plain, bool drops = true) : plain_(plain) { current_ = drops ? this : nullptr; }
   ~Call() { current_ = nullptr; }
 
   /// A new object that only the test holds. What its constructor calls drops nothing.
   template <class T, class... A>
   T& add(A&&... arguments) {
-    current_ = nullptr;
+    Call* const before = std::exchange(current_, nullptr);
     const Strong<T> made = make<T>(std::forward<A>(arguments)...);
-    current_ = this;
+    current_ = before;
     if constexpr (requires { made->probe; }) {
       made->probe.destroyed = &destroyed;
       ++probes;
@@ -483,6 +484,37 @@ TEST(Holding, KeepsReceiverAndArgumentsOfEveryRowForTheCall) {
     for (const MethodRow& row : category->classRows) check('+' + cls, row);
   }
   EXPECT_EQ(rows, kCalls.size() + kRunNoCodeOfTheProgram.size()) << "the lists have rows that the image has not";
+}
+
+// Each allocation of each row fails once, the first time and when the library has what it keeps for good.
+TEST(Holding, LeaksNothingWhenAnAllocationFails) {
+  for (const auto& [name, send] : kCalls) {
+    SCOPED_TRACE(name);
+    {
+      Call objects(true, false);
+      send(objects);
+    }
+    bool failed = true;
+    for (int at = 0; failed; ++at) {
+      SCOPED_TRACE("allocation " + std::to_string(at));
+      const auto run = [&, &call = send] {
+        Call objects(true, false);
+        allocations::failAt(at);
+        try {
+          call(objects);
+        } catch (const std::bad_alloc&) {
+        } catch (const NSException&) {  // in a method that reports it as an argument too long for memory
+        }
+        failed = allocations::disarm();
+        objects.release();
+        EXPECT_EQ(objects.destroyed, objects.probes);
+      };
+      run();
+      const std::int64_t before = allocations::living();
+      run();
+      EXPECT_EQ(allocations::living(), before);
+    }
+  }
 }
 
 class Twice : public Object<Twice, NSObject> {

@@ -80,7 +80,7 @@ class Writer {
 
 }  // namespace
 
-std::optional<detail::HexCode> detail::sanitizedHexCode(std::string_view code) noexcept {
+std::optional<detail::HexCode> detail::sanitizedHexCode(std::string_view code) {
   const std::size_t characters = characterCount(code);
   if (characters < kFewestCharacters || characters > kMostCharacters) return std::nullopt;
   if (beginsWithPrefix(code)) code.remove_prefix(2);
@@ -95,7 +95,7 @@ std::optional<detail::HexCode> detail::sanitizedHexCode(std::string_view code) n
   return result;
 }
 
-std::optional<RGBA> detail::readHexCode(std::string_view code) noexcept {
+std::optional<RGBA> detail::readHexCode(std::string_view code) {
   const auto clean = detail::sanitizedHexCode(code);
   if (!clean) return std::nullopt;
   const DigitTable& values = digitValues();

@@ -34,10 +34,10 @@ struct HexCode {
 };
 
 // The digits that a loosely written code leaves, as `fromHexString` describes.
-[[nodiscard]] HAVRIN_EXPORT std::optional<HexCode> sanitizedHexCode(std::string_view code) noexcept;
+[[nodiscard]] HAVRIN_EXPORT std::optional<HexCode> sanitizedHexCode(std::string_view code);
 
 // The components that a loosely written code stands for.
-[[nodiscard]] HAVRIN_EXPORT std::optional<RGBA> readHexCode(std::string_view code) noexcept;
+[[nodiscard]] HAVRIN_EXPORT std::optional<RGBA> readHexCode(std::string_view code);
 
 }  // namespace detail
 

@@ -7,7 +7,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-namespace havrin::futex {
+namespace havrin {
+inline namespace platform {
+namespace futex {
 
 bool wait(std::uint32_t& word, std::uint32_t expected, double seconds) {
   // Longer than a day is cut into days: the caller looks again anyway, and no conversion can overflow.
@@ -25,4 +27,6 @@ void wake(std::uint32_t& word, int threads) {
   syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, threads, nullptr, nullptr, 0);
 }
 
-}  // namespace havrin::futex
+}  // namespace futex
+}  // namespace platform
+}  // namespace havrin

@@ -7,7 +7,9 @@
 #include <cstdint>
 #include <limits>
 
-namespace havrin::futex {
+namespace havrin {
+inline namespace platform {
+namespace futex {
 
 inline constexpr double kForever = std::numeric_limits<double>::infinity();
 
@@ -27,4 +29,6 @@ inline void wake(std::atomic<std::uint32_t>& word, int threads) {
 
 static_assert(sizeof(std::atomic<std::uint32_t>) == 4 && std::atomic<std::uint32_t>::is_always_lock_free);
 
-}  // namespace havrin::futex
+}  // namespace futex
+}  // namespace platform
+}  // namespace havrin

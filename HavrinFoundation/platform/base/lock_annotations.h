@@ -10,7 +10,9 @@ int __tsan_mutex_pre_unlock(void* lock, unsigned flags);
 void __tsan_mutex_post_unlock(void* lock, unsigned flags);
 }
 
-namespace havrin::lock_annotations {
+namespace havrin {
+inline namespace platform {
+namespace lock_annotations {
 
 #if defined(__has_feature)
 inline constexpr bool kThreadSanitizer = __has_feature(thread_sanitizer);
@@ -42,4 +44,6 @@ inline void afterUnlock([[maybe_unused]] void* lock) {
   if constexpr (kThreadSanitizer) __tsan_mutex_post_unlock(lock, 0);
 }
 
-}  // namespace havrin::lock_annotations
+}  // namespace lock_annotations
+}  // namespace platform
+}  // namespace havrin

@@ -3,7 +3,9 @@
 #include <HavrinFoundation/platform/base/futex.h>
 #include <HavrinFoundation/platform/base/misuse.h>
 
-namespace havrin::unfair_lock_word {
+namespace havrin {
+inline namespace platform {
+namespace unfair_lock_word {
 
 constinit thread_local std::uint32_t thisThread [[gnu::tls_model("initial-exec")]] = 0;
 
@@ -85,4 +87,6 @@ void unlockSlowly(os_unfair_lock* lock) {
   futex::wake(lock->_os_unfair_lock_opaque, 1);
 }
 
-}  // namespace havrin::unfair_lock_word
+}  // namespace unfair_lock_word
+}  // namespace platform
+}  // namespace havrin

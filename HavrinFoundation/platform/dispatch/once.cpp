@@ -7,7 +7,9 @@
 #include <exception>
 #include <unistd.h>
 
-namespace havrin::once {
+namespace havrin {
+inline namespace platform {
+namespace once {
 namespace {
 
 // While the block runs the state is the thread that runs it, with this bit once somebody waits.
@@ -43,4 +45,6 @@ void runOrWait(dispatch_once_t* predicate, BlockView<void()> block) {
   }
 }
 
-}  // namespace havrin::once
+}  // namespace once
+}  // namespace platform
+}  // namespace havrin
