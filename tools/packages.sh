@@ -23,6 +23,9 @@ packages_bench=(
   libsigc++-3.0-dev
 )
 
+# tools/coverage.
+packages_coverage=("${packages_test[@]}" llvm-14)
+
 # tools/package_test.
 packages_package=("${packages_run[@]}" dpkg-dev lintian debootstrap)
 
