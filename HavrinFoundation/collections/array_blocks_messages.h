@@ -57,6 +57,8 @@ struct platform::Message<NSArray, "map:"> : Signature<Strong<NSArray>(ElementTra
 /// completes at once. So chains that complete at once use constant stack, also where each begins the next, and neither
 /// a transform nor a `result` may wait for what it began. A chain that begins inside a transform and completes at once
 /// ends before its message returns.
+/// Stack still grows with each level in two cases: where a `result` begins a chain over an empty array, whose own
+/// `result` runs at once, and where an override of the step, inside a transform, sends the next step itself.
 /// Every step has its own array of values so far. A completion called again starts a second continuation from there,
 /// which transforms the later elements anew and ends in a call of `result` of its own; one that is never called ends the
 /// chain silently.
