@@ -62,6 +62,11 @@ function(havrin_sources name)
   list(TRANSFORM ARG_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   target_sources(${library} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${ARG_HEADERS})
   target_sources(${library}_objects PRIVATE ${ARG_SOURCES})
+  # Builds of large units (CMAKE_UNITY_BUILD): every file of messages names its table of rows kRows, and json_decoder.cpp
+  # has a member of an unnamed namespace's type, which g++ warns of outside a main file.
+  list(FILTER ARG_SOURCES INCLUDE REGEX "(_messages|/json_decoder)\\.cpp$")
+  set_source_files_properties(${ARG_SOURCES} DIRECTORY ${PROJECT_SOURCE_DIR}/HavrinFoundation
+    PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   foreach(third_party IN LISTS ARG_LINKS)
     havrin_linker_name(linker_name ${third_party})
     target_link_libraries(${library}_objects PRIVATE ${third_party})

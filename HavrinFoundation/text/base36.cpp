@@ -14,7 +14,7 @@ constexpr std::uint64_t kRadix = 36, kRadix2 = kRadix * kRadix, kRadix4 = kRadix
 constexpr std::size_t kUncheckedDigits = 12;
 
 // "00" to "ZZ": one step writes two digits.
-constexpr auto kDigitPairs = [] {
+constexpr auto kBase36Pairs = [] {
   constexpr std::string_view kDigits = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
   std::array<char, 2 * kRadix2> pairs{};
   for (std::size_t i = 0; i < kRadix2; ++i) {
@@ -38,8 +38,8 @@ constexpr auto kDigitValues = [] {
 unsigned digitOf(char c) { return kDigitValues[static_cast<unsigned char>(c)]; }
 
 char* writePair(char* end, std::uint64_t pair) {
-  *--end = kDigitPairs[2 * pair + 1];
-  *--end = kDigitPairs[2 * pair];
+  *--end = kBase36Pairs[2 * pair + 1];
+  *--end = kBase36Pairs[2 * pair];
   return end;
 }
 

@@ -9,7 +9,7 @@ namespace havrin {
 namespace {
 
 // "00" to "99".
-constexpr auto kDigitPairs = [] {
+constexpr auto kDecimalPairs = [] {
   std::array<char, 200> pairs{};
   for (std::size_t i = 0; i < 100; ++i) {
     pairs[2 * i] = static_cast<char>('0' + i / 10);
@@ -37,14 +37,14 @@ constexpr auto kHalvesRoundUp = [] {
 // Both write before `end` and answer where the text begins.
 char* writeDecimal(char* end, std::uint64_t number) {
   while (number >= 100) {
-    const char* pair = &kDigitPairs[2 * (number % 100)];
+    const char* pair = &kDecimalPairs[2 * (number % 100)];
     *--end = pair[1];
     *--end = pair[0];
     number /= 100;
   }
   if (number >= 10) {
-    *--end = kDigitPairs[2 * number + 1];
-    *--end = kDigitPairs[2 * number];
+    *--end = kDecimalPairs[2 * number + 1];
+    *--end = kDecimalPairs[2 * number];
   } else {
     *--end = static_cast<char>('0' + number);
   }

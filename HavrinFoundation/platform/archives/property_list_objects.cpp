@@ -16,25 +16,25 @@ namespace {
 class Maker {
  public:
   Strong<NSObject> make(const PropertyList& list) {
-    using Kind = PropertyList::Kind;
+    using enum PropertyList::Kind;
     switch (list.kind()) {
-      case Kind::boolean:
+      case boolean:
         return makeNumber(*list.boolean());
-      case Kind::integer:
+      case integer:
         return list.integer() ? makeNumber(*list.integer()) : makeNumber(*list.unsignedInteger());
-      case Kind::real:
+      case real:
         return makeNumber(*list.real());
-      case Kind::text:
+      case text:
         return makeString(*list.text());
-      case Kind::array:
+      case array:
         return shared(list.array());
-      case Kind::dictionary:
+      case dictionary:
         return shared(list.dictionary());
-      case Kind::data:
+      case data:
         return shared(list.data());
-      case Kind::date:
+      case date:
         return havrin::make<NSDate>(*list.date());
-      case Kind::uid:
+      case uid:
         break;
     }
     return nullptr;

@@ -9,7 +9,7 @@ inline namespace platform {
 namespace {
 
 // "00" to "ff": one load and one store per byte.
-constexpr auto kDigitPairs = [] {
+constexpr auto kHexPairs = [] {
   std::array<char, 512> pairs{};
   for (std::size_t i = 0; i < 256; ++i) {
     pairs[2 * i] = kLowerHexDigits[i / 16];
@@ -25,7 +25,7 @@ void writeHexDigits(const std::byte* bytes, std::size_t size, char* out) noexcep
     return detail::writeHexDigitsWide(bytes, size, out);
   }
   for (std::size_t i = 0; i < size; ++i) {
-    const char* pair = &kDigitPairs[2 * std::to_integer<std::size_t>(bytes[i])];
+    const char* pair = &kHexPairs[2 * std::to_integer<std::size_t>(bytes[i])];
     *out++ = pair[0];
     *out++ = pair[1];
   }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isJsonDigit(char c) { return c >= '0' && c <= '9'; }
 
 // The value of four hexadecimal digits. Empty when: there are not four.
 std::optional<std::uint32_t> fourHexDigits(std::string_view text) {
@@ -21,8 +21,8 @@ std::optional<std::uint32_t> fourHexDigits(std::string_view text) {
   std::uint32_t value = 0;
   for (const char c : text.substr(0, 4)) {
     const char lower = static_cast<char>(c | 0x20);
-    if (!isDigit(c) && (lower < 'a' || lower > 'f')) return std::nullopt;
-    value = value * 16 + static_cast<std::uint32_t>(isDigit(c) ? c - '0' : lower - 'a' + 10);
+    if (!isJsonDigit(c) && (lower < 'a' || lower > 'f')) return std::nullopt;
+    value = value * 16 + static_cast<std::uint32_t>(isJsonDigit(c) ? c - '0' : lower - 'a' + 10);
   }
   return value;
 }
@@ -187,7 +187,7 @@ class JsonReading {
       case 'n':
         return literal("null");
       default:
-        return first == '-' || isDigit(first) ? number() : wrong("a value is missing");
+        return first == '-' || isJsonDigit(first) ? number() : wrong("a value is missing");
     }
   }
 
@@ -224,7 +224,7 @@ class JsonReading {
         at += count;
         if (count != 8) return at != first;
       }
-      while (at != limit && isDigit(*at)) ++at;
+      while (at != limit && isJsonDigit(*at)) ++at;
       return at != first;
     };
     if (*at == '-') ++at;

@@ -14,7 +14,7 @@ inline namespace platform {
 namespace {
 
 // Never destroyed: late threads may still ask.
-ClassKeyCache<KeyRows>& cache() {
+ClassKeyCache<KeyRows>& rowsCache() {
   static auto* const kCache = new ClassKeyCache<KeyRows>;
   return *kCache;
 }
@@ -66,9 +66,9 @@ std::string setterName(std::string_view key) { return "set" + capitalised(key) +
 
 KeyRows rowsForKey(const ClassObject& shown, std::string_view key) {
   const std::uint64_t changes = methodChanges();
-  if (const auto known = cache().find(shown, key, changes)) return *known;
+  if (const auto known = rowsCache().find(shown, key, changes)) return *known;
   const KeyRows rows = findRows(shown, key);
-  if (rows.getter || rows.setter) cache().keep(shown, key, changes, rows);
+  if (rows.getter || rows.setter) rowsCache().keep(shown, key, changes, rows);
   return rows;
 }
 
