@@ -8,6 +8,7 @@ target_compile_features(havrin_build_flags INTERFACE cxx_std_20)
 target_compile_options(havrin_build_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # g++ 12 sees overlaps in std::string's own concatenation
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
   $<$<BOOL:${HAVRIN_WARNINGS_AS_ERRORS}>:-Werror>)
 if(HAVRIN_SANITIZERS)
   target_compile_options(havrin_build_flags INTERFACE

@@ -35,7 +35,7 @@ class Locked {
  private:
   // The lock is made before the content is taken over, and outlives it.
   UnfairLock lock_;
-  Type content_;
+  Type content_ HAVRIN_THREAD_SAFETY(guarded_by(*lock_.cell_));
 };
 
 }  // namespace havrin

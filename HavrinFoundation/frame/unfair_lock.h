@@ -14,13 +14,9 @@
 #include <memory>
 #include <utility>
 
-#ifndef __clang__
-#pragma GCC diagnostic ignored_attributes "clang::"  // clang's thread-safety analysis; other compilers have none
-#endif
-
 namespace havrin {
 
-class [[clang::capability("mutex")]] UnfairLock {
+class HAVRIN_THREAD_SAFETY(capability("mutex")) UnfairLock {
  public:
   /// A free lock. Throws: std::bad_alloc when there is no memory for the lock's cell.
   UnfairLock() : cell_(std::make_unique<os_unfair_lock>()) {}
@@ -28,16 +24,22 @@ class [[clang::capability("mutex")]] UnfairLock {
   UnfairLock& operator=(const UnfairLock&) = delete;
 
   /// Whether the lock was free and is now the caller's. Returns at once; false also for the thread that holds it.
-  [[nodiscard]] [[clang::try_acquire_capability(true)]] bool tryLock() { return os_unfair_lock_trylock(cell_.get()); }
+  [[nodiscard]] bool tryLock() HAVRIN_THREAD_SAFETY(try_acquire_capability(true), no_thread_safety_analysis) {
+    return os_unfair_lock_trylock(cell_.get());
+  }
   /// Waits until the lock is free and takes it; there is no limit to the wait.
-  [[clang::acquire_capability()]] void lock() { os_unfair_lock_lock(cell_.get()); }
+  void lock() HAVRIN_THREAD_SAFETY(acquire_capability(), no_thread_safety_analysis) {
+    os_unfair_lock_lock(cell_.get());
+  }
   /// Frees the lock; only the thread that took it may.
-  [[clang::release_capability()]] void unlock() { os_unfair_lock_unlock(cell_.get()); }
+  void unlock() HAVRIN_THREAD_SAFETY(release_capability(), no_thread_safety_analysis) {
+    os_unfair_lock_unlock(cell_.get());
+  }
 
   /// The closure's result, by value; it is called once, on the calling thread, with the lock held.
   /// Throws: what the closure throws, unchanged, after the lock has been freed.
   template <std::invocable Closure>
-  auto withLock(Closure && closure) {
+  auto withLock(Closure&& closure) {
     UnfairLockGuard guard(*cell_);
     return std::forward<Closure>(closure)();
   }

@@ -1,4 +1,4 @@
-// The one macro of the public headers: what the shared libraries show. Also what the headers require of the compiler.
+// What the shared libraries export, and what the headers require of the compiler.
 #pragma once
 
 #if __cplusplus < 202002L

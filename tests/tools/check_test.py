@@ -46,7 +46,7 @@ PLANTED = [
     (tree, {"HavrinFoundation/image.cpp": ""}, "kHex does not stand in image.cpp"),
     (tree, {"HavrinFoundation/text/hex.h": "#pragma once\nint hexString(int);\n"}, "a header opens with what it is"),
     (tree, {"HavrinFoundation/text/hex.h": HEADER + "using namespace std;\nint hexString(int);\n"}, "'using namespace'"),
-    (tree, {"HavrinFoundation/text/hex.h": HEADER + "#define HEX 1\nint hexString(int);\n"}, "the one macro"),
+    (tree, {"HavrinFoundation/text/hex.h": HEADER + "#define HEX 1\nint hexString(int);\n"}, "the macros of the headers"),
     (tree, {"HavrinFoundation/text/hex.h": HEADER + "namespace hex_detail {\nint hexString(int);\n}\n"}, "not hex_detail"),
     (tree, {"HavrinFoundation/text/hex.cpp": "int i;\n" * 401}, "401 lines"),
     (tree, {"tests/faults.txt": SOUND["tests/faults.txt"].replace("(int)", "(char)")}, "stands 0 times"),

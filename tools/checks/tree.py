@@ -125,8 +125,8 @@ def check_headers(tree):
         for number, line in enumerate(text.splitlines(), 1):
             if re.match(r"using namespace\b", line):
                 yield f"{name}:{number}: 'using namespace' in a header"
-            if re.match(r"\s*#\s*define\s", line) and not re.match(r"#define HAVRIN_EXPORT\b", line):
-                yield f"{name}:{number}: the one macro of the headers is HAVRIN_EXPORT"
+            if re.match(r"\s*#\s*define\s", line) and not re.match(r"#define HAVRIN_(EXPORT|THREAD_SAFETY)\b", line):
+                yield f"{name}:{number}: the macros of the headers are HAVRIN_EXPORT and HAVRIN_THREAD_SAFETY"
 
 
 def check_lengths(tree):

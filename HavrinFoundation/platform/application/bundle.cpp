@@ -2,6 +2,7 @@
 
 #include <HavrinFoundation/platform/archives/property_list_objects.h>
 #include <HavrinFoundation/platform/base/file_bytes.h>
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/documents/property_list.h>
 
 #include <filesystem>
@@ -32,9 +33,9 @@ std::string programFolder() {
 
 // The bundles of the process. Never destroyed.
 struct Bundles {
-  std::mutex mutex;
-  std::unordered_map<std::string, Strong<NSBundle>> byFolder;
-  Strong<NSBundle> installedMain;  // null: the program's own
+  os_unfair_lock lock;
+  std::unordered_map<std::string, Strong<NSBundle>> byFolder HAVRIN_THREAD_SAFETY(guarded_by(lock));
+  Strong<NSBundle> installedMain HAVRIN_THREAD_SAFETY(guarded_by(lock));  // null: the program's own
 };
 
 Bundles& bundles() {
@@ -43,13 +44,15 @@ Bundles& bundles() {
 }
 
 Strong<NSBundle> installedMainBundle() {
-  const std::lock_guard lock(bundles().mutex);
-  return bundles().installedMain;
+  Bundles& all = bundles();
+  const UnfairLockGuard guard(all.lock);
+  return all.installedMain;
 }
 
 Strong<NSBundle> bundleOfFolder(const std::string& folder) {
-  const std::lock_guard lock(bundles().mutex);
-  Strong<NSBundle>& bundle = bundles().byFolder[folder];
+  Bundles& all = bundles();
+  const UnfairLockGuard guard(all.lock);
+  Strong<NSBundle>& bundle = all.byFolder[folder];
   if (!bundle) bundle = make<NSBundle>(folder);
   return bundle;
 }
@@ -93,8 +96,9 @@ Strong<NSObject> NSBundle::objectForInfoDictionaryKey(const NSString* key) const
 }
 
 Strong<NSBundle> installMainBundle(NSBundle* bundle) {
-  const std::lock_guard lock(bundles().mutex);
-  return std::exchange(bundles().installedMain, Strong<NSBundle>(bundle));
+  Bundles& all = bundles();
+  const UnfairLockGuard guard(all.lock);
+  return std::exchange(all.installedMain, Strong<NSBundle>(bundle));
 }
 
 }  // namespace platform

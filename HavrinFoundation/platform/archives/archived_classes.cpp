@@ -1,13 +1,12 @@
 #include <HavrinFoundation/platform/archives/archived_classes.h>
 
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
+#include <HavrinFoundation/platform/base/shared_lock.h>
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <map>
-#include <mutex>
-#include <shared_mutex>
 #include <utility>
 
 namespace havrin {
@@ -20,9 +19,9 @@ struct NamedClasses {
     Class cls;
     std::uint64_t order;  // of two names of a class the one with the lower is written
   };
-  std::shared_mutex lock;
-  std::map<std::string, Named, std::less<>> byName;
-  std::uint64_t count = 0;
+  SharedLock lock;
+  std::map<std::string, Named, std::less<>> byName HAVRIN_THREAD_SAFETY(guarded_by(lock));
+  std::uint64_t count HAVRIN_THREAD_SAFETY(guarded_by(lock)) = 0;
 
   static NamedClasses& shared() {
     static NamedClasses* const kNamed = new NamedClasses;
@@ -36,7 +35,7 @@ void NSKeyedUnarchiver::setClass(Class cls, std::string_view name) {
   if (name.empty())
     throw NSException(NSInvalidArgumentException, "+[NSKeyedUnarchiver setClass:forClassName:]: no name");
   NamedClasses& named = NamedClasses::shared();
-  const std::unique_lock guard(named.lock);
+  const WriterGuard guard(named.lock);
   const auto found = named.byName.find(name);
   if (found != named.byName.end() && found->second.cls == cls) return;
   if (found != named.byName.end()) named.byName.erase(found);
@@ -46,7 +45,7 @@ void NSKeyedUnarchiver::setClass(Class cls, std::string_view name) {
 Class NSKeyedUnarchiver::classForName(std::string_view name) {
   NamedClasses& named = NamedClasses::shared();
   {
-    const std::shared_lock guard(named.lock);
+    const ReaderGuard guard(named.lock);
     if (const auto found = named.byName.find(name); found != named.byName.end()) return found->second.cls;
   }
   const ArchivedForm* const form = archivedFormForName(name);
@@ -55,7 +54,7 @@ Class NSKeyedUnarchiver::classForName(std::string_view name) {
 
 std::optional<std::string> archivedNameForClass(Class cls) {
   NamedClasses& named = NamedClasses::shared();
-  const std::shared_lock guard(named.lock);
+  const ReaderGuard guard(named.lock);
   const std::pair<const std::string, NamedClasses::Named>* first = nullptr;
   for (const auto& entry : named.byName) {
     if (entry.second.cls == cls && (!first || entry.second.order < first->second.order)) first = &entry;

@@ -1,6 +1,17 @@
-// What a lock tells the thread sanitizer, so that it sees a lock and not a loop over an atomic word: lock order,
-// who holds it, and what it orders. Without the sanitizer every function here is empty.
+// What a lock reports to clang's static analysis and to the thread sanitizer.
+//
+//   os_unfair_lock lock_;
+//   int count_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;      clang -Wthread-safety refuses access without the lock
+//
+// The sanitizer sees a lock, with its holder and its order, and not a loop over an atomic word. Without the sanitizer
+// the functions are empty; compilers other than clang ignore the annotations.
 #pragma once
+
+#if defined(__clang__)
+#define HAVRIN_THREAD_SAFETY(...) __attribute__((__VA_ARGS__))
+#else
+#define HAVRIN_THREAD_SAFETY(...)
+#endif
 
 // The sanitizer's own interface, declared here because its header is not installed with every compiler.
 extern "C" {

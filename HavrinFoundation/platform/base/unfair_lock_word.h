@@ -23,7 +23,7 @@ namespace havrin {
 inline namespace platform {
 
 /// The lock word: 0 when free. A copy of a held word is not zero, and is no lock.
-struct os_unfair_lock {
+struct HAVRIN_THREAD_SAFETY(capability("mutex")) os_unfair_lock {
   std::uint32_t _os_unfair_lock_opaque = 0;
 };
 
@@ -48,7 +48,8 @@ inline bool take(os_unfair_lock* lock, std::uint32_t thread) {
 
 /// Waits until the lock is free and takes it. Aborts with one line when the calling thread holds it already.
 /// Cost: one compare-and-exchange when free; else a short spin, then sleep.
-inline void os_unfair_lock_lock(os_unfair_lock* lock) {
+inline void os_unfair_lock_lock(os_unfair_lock* lock)
+    HAVRIN_THREAD_SAFETY(acquire_capability(*lock), no_thread_safety_analysis) {
   lock_annotations::beforeLock(lock);
   const std::uint32_t thread = unfair_lock_word::thisThread;
   if (thread == 0 || !unfair_lock_word::take(lock, thread)) [[unlikely]]
@@ -57,7 +58,8 @@ inline void os_unfair_lock_lock(os_unfair_lock* lock) {
 }
 
 /// Whether the lock was free and is now the calling thread's. Never waits; false also for the thread that holds it.
-[[nodiscard]] inline bool os_unfair_lock_trylock(os_unfair_lock* lock) {
+[[nodiscard]] inline bool os_unfair_lock_trylock(os_unfair_lock* lock)
+    HAVRIN_THREAD_SAFETY(try_acquire_capability(true, *lock), no_thread_safety_analysis) {
   lock_annotations::beforeTryLock(lock);
   const std::uint32_t thread = unfair_lock_word::thisThread;
   const bool taken = thread == 0 ? unfair_lock_word::tryLockSlowly(lock) : unfair_lock_word::take(lock, thread);
@@ -66,7 +68,8 @@ inline void os_unfair_lock_lock(os_unfair_lock* lock) {
 }
 
 /// Frees the lock. Aborts with one line when the calling thread does not hold it.
-inline void os_unfair_lock_unlock(os_unfair_lock* lock) {
+inline void os_unfair_lock_unlock(os_unfair_lock* lock)
+    HAVRIN_THREAD_SAFETY(release_capability(*lock), no_thread_safety_analysis) {
   lock_annotations::beforeUnlock(lock);
   std::uint32_t thread = unfair_lock_word::thisThread;
   if (thread == 0 || !std::atomic_ref(lock->_os_unfair_lock_opaque)
@@ -83,10 +86,12 @@ inline void os_unfair_lock_unlock(os_unfair_lock* lock) {
 }
 
 /// Holds a lock word for the length of a scope.
-class UnfairLockGuard {
+class HAVRIN_THREAD_SAFETY(scoped_lockable) UnfairLockGuard {
  public:
-  explicit UnfairLockGuard(os_unfair_lock& lock) : lock_(lock) { os_unfair_lock_lock(&lock_); }
-  ~UnfairLockGuard() { os_unfair_lock_unlock(&lock_); }
+  explicit UnfairLockGuard(os_unfair_lock& lock) HAVRIN_THREAD_SAFETY(acquire_capability(lock)) : lock_(lock) {
+    os_unfair_lock_lock(&lock_);
+  }
+  ~UnfairLockGuard() HAVRIN_THREAD_SAFETY(release_capability()) { os_unfair_lock_unlock(&lock_); }
   UnfairLockGuard(const UnfairLockGuard&) = delete;
   UnfairLockGuard& operator=(const UnfairLockGuard&) = delete;
 

@@ -32,10 +32,11 @@ class CreatedQueueState final : public QueueState {
   const bool serial_;
 
   os_unfair_lock lock_;
-  WorkFifo pending_;      // guarded by the lock
-  DispatchQueue target_;  // guarded by the lock
-  bool busy_ = false;  // guarded by the lock; serial queues: a turn is queued or running, or a dispatch_sync is inside
-  WorkFifo batch_;     // serial queues: belongs to whoever made the queue busy
+  WorkFifo pending_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
+  DispatchQueue target_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
+  // Serial queues: a turn is queued or running, or a dispatch_sync is inside.
+  bool busy_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = false;
+  WorkFifo batch_;                       // serial queues: belongs to whoever made the queue busy
   std::atomic<bool> retargeted_{false};  // since the present batch was begun
 };
 

@@ -28,8 +28,8 @@ class MainQueueState final : public QueueState {
   MainQueueState();
 
   os_unfair_lock lock_;
-  WorkFifo pending_;  // guarded by the lock
-  WorkFifo batch_;    // the main thread's own
+  WorkFifo pending_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
+  WorkFifo batch_;  // the main thread's own
   bool draining_ = false;
 };
 

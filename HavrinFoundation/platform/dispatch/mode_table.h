@@ -40,10 +40,11 @@ class ModeTable {
   [[nodiscard]] All end();
 
  private:
-  [[nodiscard]] RunLoopMode& modeNamed(std::string_view name);  // with the lock held
+  [[nodiscard]] RunLoopMode& modeNamed(std::string_view name) HAVRIN_THREAD_SAFETY(requires_capability(lock_));
 
-  os_unfair_lock lock_;  // guards what follows; the loop's thread alone writes `ended_`
-  All modes_;            // only ever added to; the first is what is common
+  // Also guards the members of RunLoopMode that say so. The loop's thread alone writes `ended_` and reads it unlocked.
+  os_unfair_lock lock_;
+  All modes_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));  // only ever added to; the first is what is common
   bool ended_ = false;
   RunLoopMode* defaultMode_;
 };

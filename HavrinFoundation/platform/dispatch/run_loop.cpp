@@ -24,7 +24,7 @@ constinit thread_local RunLoopState* ofThisThread [[gnu::tls_model("initial-exec
 // Every run loop there is.
 struct Registry {
   os_unfair_lock lock;
-  std::vector<RunLoopState*> loops;  // guarded by the lock
+  std::vector<RunLoopState*> loops HAVRIN_THREAD_SAFETY(guarded_by(lock));
 
   static Registry& shared() {
     static Registry& registry = *new Registry;

@@ -63,7 +63,7 @@ class RunLoopState final : public RunLoop {
   LoopSleep sleep_;
   std::atomic<HostDescriptor*> host_{nullptr};
   os_unfair_lock threadLock_;
-  Strong<NSObject> thread_;  // guarded by the lock
+  Strong<NSObject> thread_ HAVRIN_THREAD_SAFETY(guarded_by(threadLock_));
 };
 
 }  // namespace platform

@@ -37,21 +37,22 @@ class WorkerPool final : public QueueState {
   bool waitForWork();
   void getHelp(Help help);
 
-  // With the lock held.
-  [[nodiscard]] Help help();
-  [[nodiscard]] std::size_t busy() const { return threads_.size() + starting_ - idle_ - standingBy_; }
+  [[nodiscard]] Help help() HAVRIN_THREAD_SAFETY(requires_capability(lock_));
+  [[nodiscard]] std::size_t busy() const HAVRIN_THREAD_SAFETY(requires_capability(lock_)) {
+    return threads_.size() + starting_ - idle_ - standingBy_;
+  }
 
   const std::size_t processors_;
 
-  os_unfair_lock lock_;  // guards everything below it but the word
-  WorkFifo pending_;
-  std::uint64_t begun_ = 0;              // closures ever taken from `pending_`
-  std::vector<pid_t> threads_;           // those that have started and not ended
-  std::size_t starting_ = 0;             // those that have not started yet
-  std::size_t idle_ = 0;                 // those that wait and have not been chosen to get up
-  std::size_t chosen_ = 0;               // those that may get up, whichever they are
-  std::size_t standingBy_ = 0;           // none or one
-  std::atomic<std::uint32_t> wakes_{0};  // what the idle ones sleep on
+  os_unfair_lock lock_;
+  WorkFifo pending_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
+  std::uint64_t begun_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;     // closures ever taken from `pending_`
+  std::vector<pid_t> threads_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));  // those that have started and not ended
+  std::size_t starting_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;    // those that have not started yet
+  std::size_t idle_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;  // those that wait and have not been chosen to get up
+  std::size_t chosen_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;      // those that may get up, whichever they are
+  std::size_t standingBy_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;  // none or one
+  std::atomic<std::uint32_t> wakes_{0};                                 // what the idle ones sleep on
 };
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 
 #include <optional>
+#include <utility>
 
 namespace havrin {
 inline namespace platform {
@@ -10,17 +11,16 @@ inline namespace platform {
 NSDateFormatter::NSDateFormatter() : format_("", Locale::current(), Calendar::current()) {}
 
 DateFormat NSDateFormatter::format() const {
-  const std::lock_guard lock(mutex_);
+  const UnfairLockGuard guard(lock_);
   return format_;
 }
 
-/// Puts what `change` makes of the format in its place. The former one goes after the lock.
+/// Replaces the format by `change(format)`. The former one is destroyed without the lock.
 template <class Change>
 void NSDateFormatter::change(Change change) {
-  std::unique_lock lock(mutex_);
-  DateFormat changed = change(format_);
-  std::swap(format_, changed);
-  lock.unlock();
+  std::optional<DateFormat> former;
+  const UnfairLockGuard guard(lock_);
+  former = std::exchange(format_, change(format_));
 }
 
 Strong<NSString> NSDateFormatter::dateFormat() const { return makeString(format().pattern()); }

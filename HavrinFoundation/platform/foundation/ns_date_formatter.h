@@ -9,14 +9,13 @@
 // Left out: date and time styles, leniency, symbols of one's own, the calendar and the zone apart from each other.
 #pragma once
 
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/time/calendar.h>
 #include <HavrinFoundation/platform/time/date_format.h>
 #include <HavrinFoundation/platform/time/locale.h>
-
-#include <mutex>
 
 namespace havrin {
 inline namespace platform {
@@ -49,8 +48,8 @@ class HAVRIN_EXPORT NSDateFormatter : public Object<NSDateFormatter, NSObject> {
   template <class Change>
   void change(Change change);
 
-  mutable std::mutex mutex_;
-  DateFormat format_;
+  mutable os_unfair_lock lock_;
+  DateFormat format_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
 };
 
 }  // namespace platform

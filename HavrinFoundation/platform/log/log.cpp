@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/log/log.h>
 
 #include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/log/log_seam.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -10,7 +11,6 @@
 #include <cstdio>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <time.h>
 #include <unistd.h>
@@ -30,8 +30,9 @@ namespace {
 
 // Never destroyed: handles are used until the process ends.
 struct Handles {
-  std::mutex lock;
-  std::map<std::pair<std::string, std::string>, std::unique_ptr<os_log_s>> byTexts;
+  os_unfair_lock lock;
+  std::map<std::pair<std::string, std::string>, std::unique_ptr<os_log_s>> byTexts
+      HAVRIN_THREAD_SAFETY(guarded_by(lock));
 };
 
 std::string_view levelText(os_log_type_t type) {
@@ -71,7 +72,7 @@ os_log_t os_log_create(const char* subsystem, const char* category) {
                       subsystem ? "os_log_create: the category is null" : "os_log_create: the subsystem is null");
   }
   static Handles* const kHandles = new Handles;
-  const std::lock_guard guard(kHandles->lock);
+  const UnfairLockGuard guard(kHandles->lock);
   auto& handle = kHandles->byTexts[{subsystem, category}];
   if (!handle) handle = std::make_unique<os_log_s>(os_log_s{subsystem, category});
   return handle.get();

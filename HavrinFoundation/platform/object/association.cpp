@@ -17,7 +17,7 @@ using Values = std::vector<std::pair<const void*, Strong<NSObject>>>;
 // Objects are spread over a few tables so that threads seldom meet at one lock. Never destroyed.
 struct Table {
   os_unfair_lock lock;
-  std::unordered_map<const NSObject*, Values> values;
+  std::unordered_map<const NSObject*, Values> values HAVRIN_THREAD_SAFETY(guarded_by(lock));
 };
 
 Table& tableOf(const NSObject* object) {

@@ -1,5 +1,6 @@
 #include <HavrinFoundation/platform/object/class.h>
 
+#include <HavrinFoundation/platform/base/shared_lock.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/object/exception.h>
@@ -12,9 +13,7 @@
 #include <dlfcn.h>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <new>
-#include <shared_mutex>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -31,9 +30,9 @@ struct Before {
 
 // The table of classes. Its lock guards every class's rows; nothing foreign runs under it.
 struct Runtime {
-  std::shared_mutex lock;
-  std::unordered_map<std::string, ClassObject*> byKey;
-  std::vector<ClassObject*> all;  // metaclasses and notifying classes included
+  SharedLock lock;
+  std::unordered_map<std::string, ClassObject*> byKey HAVRIN_THREAD_SAFETY(guarded_by(lock));
+  std::vector<ClassObject*> all HAVRIN_THREAD_SAFETY(guarded_by(lock));  // metaclasses and notifying classes included
   std::atomic<std::uint64_t> methodChanges{0};
 
   static Runtime& shared() {
@@ -50,7 +49,8 @@ struct Runtime {
     return name;
   }
 
-  ClassObject* place(std::string_view name, ClassObject* superclass, ClassObject* metaclass) {
+  ClassObject* place(std::string_view name, ClassObject* superclass, ClassObject* metaclass)
+      HAVRIN_THREAD_SAFETY(requires_capability(lock)) {
     return all.emplace_back(ClassObject::place(name, superclass, metaclass));
   }
 
@@ -116,7 +116,7 @@ ClassObject* ClassObject::place(std::string_view name, ClassObject* superclass, 
 ClassObject* ClassObject::build(const ClassDescription& description) {
   const std::string key = Runtime::key(*description.type);
   Runtime& runtime = Runtime::shared();
-  const std::unique_lock guard(runtime.lock);
+  const WriterGuard guard(runtime.lock);
   if (const auto found = runtime.byKey.find(key); found != runtime.byKey.end()) return found->second;
 
   ClassObject* super = description.superclass;
@@ -148,7 +148,7 @@ ClassObject* ClassObject::build(const ClassDescription& description) {
 ClassObject* ClassObject::notifyingClass() {
   if (ClassObject* made = notifying_.load(std::memory_order_acquire)) return made;
   Runtime& runtime = Runtime::shared();
-  const std::unique_lock guard(runtime.lock);
+  const WriterGuard guard(runtime.lock);
   if (ClassObject* made = notifying_.load(std::memory_order_relaxed)) return made;
   ClassObject* made = runtime.place(name_, this, dispatchClass(this));
   made->shown_ = this;
@@ -159,7 +159,7 @@ ClassObject* ClassObject::notifyingClass() {
 void ClassObject::addRows(std::span<const MethodRow> rows, bool ofProgram) {
   if (rows.empty()) return;
   Runtime& runtime = Runtime::shared();
-  const std::unique_lock guard(runtime.lock);
+  const WriterGuard guard(runtime.lock);
   Runtime::insert(*this, rows);
   if (ofProgram) {
     for (ClassObject* cls : runtime.all) {
@@ -198,7 +198,7 @@ const MethodRow* ClassObject::row(Selector selector) const {
     }
   }
   if (!selector) return nullptr;
-  const std::shared_lock guard(Runtime::shared().lock);
+  const ReaderGuard guard(Runtime::shared().lock);
   const MethodRow* row = findRow(selector.record());
   if (row && number) {
     using Asked = Pages<const MethodRow*>;
@@ -222,7 +222,7 @@ Implementation ClassObject::resolve(const SelectorConstant& constant, const std:
                                     const NSObject* receiver) {
   const Selector selector(constant);
   {
-    const std::shared_lock guard(Runtime::shared().lock);
+    const ReaderGuard guard(Runtime::shared().lock);
     const MethodRow* row = findRow(selector.record());
     if (row && *row->signature->type == signature) {
       const Implementation found = implementation(*row);

@@ -1,11 +1,10 @@
 #include <HavrinFoundation/platform/object/selector.h>
 
+#include <HavrinFoundation/platform/base/shared_lock.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/class.h>
 
 #include <memory>
-#include <mutex>
-#include <shared_mutex>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -25,8 +24,8 @@ namespace {
 
 // Grows with the program's selectors and is never destroyed: selectors are used until the process ends.
 struct SelectorTable {
-  std::shared_mutex lock;
-  std::unordered_map<std::string_view, std::unique_ptr<SelectorRecord>> byName;
+  SharedLock lock;
+  std::unordered_map<std::string_view, std::unique_ptr<SelectorRecord>> byName HAVRIN_THREAD_SAFETY(guarded_by(lock));
   // In pieces, which are made as the numbers reach them.
   struct Piece {
     std::atomic<const SelectorRecord*> records[ClassObject::kPageSlots]{};
@@ -47,7 +46,7 @@ SelectorTable& table() {
 
 const SelectorRecord* find(std::string_view name) {
   SelectorTable& selectors = table();
-  const std::shared_lock guard(selectors.lock);
+  const ReaderGuard guard(selectors.lock);
   const auto found = selectors.byName.find(name);
   return found == selectors.byName.end() ? nullptr : found->second.get();
 }
@@ -55,7 +54,7 @@ const SelectorRecord* find(std::string_view name) {
 const SelectorRecord* intern(std::string_view name) {
   if (const SelectorRecord* record = find(name)) return record;
   SelectorTable& selectors = table();
-  const std::unique_lock guard(selectors.lock);
+  const WriterGuard guard(selectors.lock);
   if (const auto found = selectors.byName.find(name); found != selectors.byName.end()) return found->second.get();
   const std::size_t next = selectors.byName.size() + 1;
   auto record = std::make_unique<SelectorRecord>(std::string(name),

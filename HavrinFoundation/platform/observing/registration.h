@@ -72,7 +72,7 @@ class Registration final : public Object<Registration, NSObject> {
   bool install(const std::vector<WalkedKey>& walked);
 
   os_unfair_lock lock_;
-  std::vector<WatchedKey> watched_;  // under the lock
+  std::vector<WatchedKey> watched_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
 };
 
 }  // namespace platform

@@ -1,5 +1,6 @@
 #include <HavrinFoundation/platform/time/icu_format.h>
 
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/time/instant.h>
 #include <HavrinFoundation/platform/time/system_zone.h>
 #include <HavrinFoundation/platform/time/zone_rules.h>
@@ -10,7 +11,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -146,7 +146,7 @@ class IcuFormat::Pool {
     std::unique_ptr<icu::SimpleDateFormat> formatter = take();
     if (formatter == nullptr) return decltype(use(*formatter))();
     auto result = use(*formatter);
-    const std::lock_guard lock(mutex_);
+    const UnfairLockGuard guard(lock_);
     idle_.push_back(std::move(formatter));
     return result;
   }
@@ -154,7 +154,7 @@ class IcuFormat::Pool {
  private:
   std::unique_ptr<icu::SimpleDateFormat> take() {
     {
-      const std::lock_guard lock(mutex_);
+      const UnfairLockGuard guard(lock_);
       if (!idle_.empty()) {
         std::unique_ptr<icu::SimpleDateFormat> formatter = std::move(idle_.back());
         idle_.pop_back();
@@ -173,8 +173,8 @@ class IcuFormat::Pool {
   const std::string pattern_;
   const std::string locale_;
   const ZoneRules& rules_;
-  std::mutex mutex_;
-  std::vector<std::unique_ptr<icu::SimpleDateFormat>> idle_;
+  os_unfair_lock lock_;
+  std::vector<std::unique_ptr<icu::SimpleDateFormat>> idle_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
 };
 
 IcuFormat::IcuFormat(std::string_view pattern, const Locale& locale, const Calendar& calendar)

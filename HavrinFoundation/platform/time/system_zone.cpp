@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/time/system_zone.h>
 
 #include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/time/text_cache.h>
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 #include <filesystem>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -81,24 +81,24 @@ class ZoneStore {
  private:
   static constexpr std::int64_t kNever = -1;
 
-  const ZoneRules* namedLocked(std::string_view name);
-  const ZoneRules& atPathLocked(const path& start);
-  const ZoneRules& inFileLocked(const path& file);
+  const ZoneRules* namedLocked(std::string_view name) HAVRIN_THREAD_SAFETY(requires_capability(lock_));
+  const ZoneRules& atPathLocked(const path& start) HAVRIN_THREAD_SAFETY(requires_capability(lock_));
+  const ZoneRules& inFileLocked(const path& file) HAVRIN_THREAD_SAFETY(requires_capability(lock_));
 
   const ZoneRules gmt_;
-  std::mutex mutex_;
-  ZonePaths paths_;
-  std::map<std::string, const ZoneRules*> named_;  // by path
-  std::map<std::string, const ZoneRules*> files_;  // by path and state
-  std::size_t filesRead_ = 0;
-  SystemZoneState state_;
+  os_unfair_lock lock_;
+  ZonePaths paths_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
+  std::map<std::string, const ZoneRules*> named_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));  // by path
+  std::map<std::string, const ZoneRules*> files_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));  // by path and state
+  std::size_t filesRead_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;
+  SystemZoneState state_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
   std::atomic<std::int64_t> lastTick_{kNever};
   std::atomic<const ZoneRules*> system_{&gmt_};
 };
 
 const ZoneRules* ZoneStore::named(std::string_view name) {
   if (isNameOfGmt(name)) return &gmt_;
-  const std::lock_guard lock(mutex_);
+  const UnfairLockGuard guard(lock_);
   return namedLocked(name);
 }
 
@@ -147,7 +147,7 @@ const ZoneRules& ZoneStore::inFileLocked(const path& file) {
 const ZoneRules& ZoneStore::fromVariable(std::string_view variable) {
   if (!variable.empty() && variable.front() == ':') variable.remove_prefix(1);
   if (variable.empty() || isNameOfGmt(variable)) return gmt_;
-  const std::lock_guard lock(mutex_);
+  const UnfairLockGuard guard(lock_);
   if (variable.front() == '/') return atPathLocked(path(variable));
   const ZoneRules* rules = namedLocked(variable);
   return rules == nullptr ? gmt_ : *rules;
@@ -156,7 +156,7 @@ const ZoneRules& ZoneStore::fromVariable(std::string_view variable) {
 const ZoneRules& ZoneStore::system() {
   const std::int64_t tick = coarseTick();
   if (lastTick_.load(std::memory_order_acquire) == tick) return *system_.load(std::memory_order_relaxed);
-  const std::lock_guard lock(mutex_);
+  const UnfairLockGuard guard(lock_);
   SystemZoneState state = look(paths_.systemLink);
   if (lastTick_.load(std::memory_order_relaxed) == kNever || state != state_) {
     state_ = std::move(state);
@@ -167,12 +167,12 @@ const ZoneRules& ZoneStore::system() {
 }
 
 void ZoneStore::lookAgain() {
-  const std::lock_guard lock(mutex_);  // a look that is under way must not count as the new one
+  const UnfairLockGuard guard(lock_);  // a look that is under way must not count as the new one
   lastTick_.store(kNever, std::memory_order_release);
 }
 
 ZonePaths ZoneStore::exchangePaths(ZonePaths paths) {
-  const std::lock_guard lock(mutex_);
+  const UnfairLockGuard guard(lock_);
   lastTick_.store(kNever, std::memory_order_release);
   return std::exchange(paths_, std::move(paths));
 }

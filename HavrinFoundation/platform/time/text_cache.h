@@ -4,11 +4,12 @@
 //   zones.get("Asia/Tokyo", readRules)     calls readRules the first time, then compares one text
 #pragma once
 
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstring>
 #include <map>
-#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -32,13 +33,13 @@ class TextCache {
     if (const Entry* last = last_.load(std::memory_order_acquire); last != nullptr && last->text == text) {
       if (const Value value = last->value.load(std::memory_order_acquire); value != Value{}) return value;
     }
-    const std::lock_guard lock(mutex_);
+    const UnfairLockGuard guard(lock_);
     return getLocked(text, make);
   }
 
   /// Forgets every answer, so that each text is asked for anew.
   void forget() {
-    const std::lock_guard lock(mutex_);
+    const UnfairLockGuard guard(lock_);
     if (entries_ == nullptr) return;
     for (auto& [text, entry] : *entries_) entry.value.store(Value{}, std::memory_order_release);
   }
@@ -51,7 +52,7 @@ class TextCache {
   };
 
   template <class Make>
-  Value getLocked(std::string_view text, Make make) {
+  Value getLocked(std::string_view text, Make make) HAVRIN_THREAD_SAFETY(requires_capability(lock_)) {
     if (entries_ == nullptr) entries_ = new std::map<std::string, Entry, std::less<>>;
     auto found = entries_->find(text);
     if (found == entries_->end()) {
@@ -67,8 +68,8 @@ class TextCache {
   }
 
   std::atomic<const Entry*> last_{nullptr};
-  std::mutex mutex_;
-  std::map<std::string, Entry, std::less<>>* entries_ = nullptr;
+  os_unfair_lock lock_;
+  std::map<std::string, Entry, std::less<>>* entries_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = nullptr;
 };
 
 }  // namespace platform
