@@ -11,14 +11,6 @@ constexpr std::size_t kFirstSlots = 16;
 // Below this many cancelled requests it is not worth while to rebuild the heap.
 constexpr std::size_t kFewCancelled = 64;
 
-std::uint64_t mixed(const void* target, const void* selector) {
-  const auto a = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(target));
-  const auto b = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(selector));
-  // Addresses differ in their middle bits; the product brings these to the top, from where they are taken.
-  std::uint64_t hash = (a ^ (b << 21 | b >> 43)) * 0x9e37'79b9'7f4a'7c15;
-  return hash ^ hash >> 32;
-}
-
 }  // namespace
 
 DelayedPerforms::DelayedPerforms() : slots_(kFirstSlots) {}
@@ -45,31 +37,11 @@ void DelayedPerforms::schedule(const PerformKey& key, DueTime due, Work&& work) 
   if (key.target != nullptr) link(request);
 }
 
-bool DelayedPerforms::postpone(const void* target, const void* selector, DueTime due) {
-  Request* only = nullptr;
-  for (Request* each = firstWith(target, selector); each != nullptr; each = each->next) {
-    if (!each->waits()) continue;
-    if (only != nullptr) return false;
-    only = each;
-  }
-  if (only == nullptr || only->key.argument != nullptr) return false;
-  moveTo(only, due);
-  return true;
-}
-
 bool DelayedPerforms::holds(const void* target, const void* selector) const {
   for (const Request* each = firstWith(target, selector); each != nullptr; each = each->next) {
     if (each->waits() && each->key.argument == nullptr) return true;
   }
   return false;
-}
-
-void DelayedPerforms::moveTo(Request* request, DueTime due) {
-  request->due = due;
-  if (due < heap_[request->place].due) {
-    heap_[request->place].due = due;
-    siftUp(request->place);
-  }
 }
 
 Work DelayedPerforms::withdraw(Request* request) {
@@ -177,20 +149,6 @@ void DelayedPerforms::siftDown(std::size_t place) {
     place = child;
   }
   put(place, sinking);
-}
-
-// The slot that holds the key, or the empty one where it would stand.
-std::size_t DelayedPerforms::slotOf(const void* target, const void* selector) const {
-  const std::size_t mask = slots_.size() - 1;
-  std::size_t slot = mixed(target, selector) & mask;
-  while (slots_[slot].first != nullptr && (slots_[slot].target != target || slots_[slot].selector != selector)) {
-    slot = (slot + 1) & mask;
-  }
-  return slot;
-}
-
-DelayedPerforms::Request* DelayedPerforms::firstWith(const void* target, const void* selector) const {
-  return slots_[slotOf(target, selector)].first;
 }
 
 void DelayedPerforms::link(Request* request) {

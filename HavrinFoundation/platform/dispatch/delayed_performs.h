@@ -79,6 +79,7 @@ class DelayedPerforms {
     Request* first = nullptr;
   };
 
+  [[nodiscard]] static std::uint64_t mixed(const void* target, const void* selector);
   [[nodiscard]] std::size_t slotOf(const void* target, const void* selector) const;
   [[nodiscard]] Request* firstWith(const void* target, const void* selector) const;
   void link(Request* request);
@@ -99,6 +100,50 @@ class DelayedPerforms {
   std::size_t usedSlots_ = 0;
   std::size_t waiting_ = 0;
 };
+
+// Inline: a burst of debounced calls comes through here, a call each.
+
+inline std::uint64_t DelayedPerforms::mixed(const void* target, const void* selector) {
+  const auto a = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(target));
+  const auto b = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(selector));
+  // Addresses differ in their middle bits; the product brings these to the top, from where they are taken.
+  std::uint64_t hash = (a ^ (b << 21 | b >> 43)) * 0x9e37'79b9'7f4a'7c15;
+  return hash ^ hash >> 32;
+}
+
+// The slot that holds the key, or the empty one where it belongs.
+inline std::size_t DelayedPerforms::slotOf(const void* target, const void* selector) const {
+  const std::size_t mask = slots_.size() - 1;
+  std::size_t slot = mixed(target, selector) & mask;
+  while (slots_[slot].first != nullptr && (slots_[slot].target != target || slots_[slot].selector != selector)) {
+    slot = (slot + 1) & mask;
+  }
+  return slot;
+}
+
+inline DelayedPerforms::Request* DelayedPerforms::firstWith(const void* target, const void* selector) const {
+  return slots_[slotOf(target, selector)].first;
+}
+
+inline void DelayedPerforms::moveTo(Request* request, DueTime due) {
+  request->due = due;
+  if (due < heap_[request->place].due) {
+    heap_[request->place].due = due;
+    siftUp(request->place);
+  }
+}
+
+inline bool DelayedPerforms::postpone(const void* target, const void* selector, DueTime due) {
+  Request* only = nullptr;
+  for (Request* each = firstWith(target, selector); each != nullptr; each = each->next) {
+    if (!each->waits()) continue;
+    if (only != nullptr) return false;
+    only = each;
+  }
+  if (only == nullptr || only->key.argument != nullptr) return false;
+  moveTo(only, due);
+  return true;
+}
 
 }  // namespace platform
 }  // namespace havrin

@@ -1,7 +1,5 @@
 #include <HavrinFoundation/platform/dispatch/loop_delays.h>
 
-#include <HavrinFoundation/platform/base/clock.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -19,23 +17,11 @@ RunLoopMode* modeOfFirst(const RunLoopModes& modes) {
 
 }  // namespace
 
-DueTime LoopDelays::dueAfter(double delaySeconds) {
-  return {monotonicSeconds() + (delaySeconds > 0 ? delaySeconds : 0), nextRank_++};
-}
-
 double LoopDelays::schedule(const PerformKey& key, double delaySeconds, Work&& work, RunLoopMode& mode) {
   const DueTime due = dueAfter(delaySeconds);
   if (std::find(modes_.begin(), modes_.end(), &mode) == modes_.end()) modes_.push_back(&mode);
   mode.delayed.schedule(key, due, std::move(work));
   return due.deadline;
-}
-
-std::optional<double> LoopDelays::postpone(const void* target, const void* selector, double delaySeconds) {
-  for (const RunLoopMode* mode : modes_) {
-    if (mode != defaultMode_ && mode->delayed.holds(target, selector)) return std::nullopt;
-  }
-  const DueTime due = dueAfter(delaySeconds);
-  return defaultMode_->delayed.postpone(target, selector, due) ? std::optional(due.deadline) : std::nullopt;
 }
 
 // By index: what is called or destroyed may arrange work in a further mode.

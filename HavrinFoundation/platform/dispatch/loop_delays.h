@@ -1,6 +1,7 @@
 // The delayed work of one run loop, over all of its modes. Internal to the layer; used on the loop's thread.
 #pragma once
 
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/delayed_performs.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_mode.h>
 
@@ -45,6 +46,20 @@ class LoopDelays {
   RunLoopMode* const defaultMode_;
   std::vector<RunLoopMode*> modes_;  // those that have held delayed work
 };
+
+// Inline: a burst of debounced calls comes through here, a call each.
+
+inline DueTime LoopDelays::dueAfter(double delaySeconds) {
+  return {monotonicSeconds() + (delaySeconds > 0 ? delaySeconds : 0), nextRank_++};
+}
+
+inline std::optional<double> LoopDelays::postpone(const void* target, const void* selector, double delaySeconds) {
+  for (const RunLoopMode* mode : modes_) {
+    if (mode != defaultMode_ && mode->delayed.holds(target, selector)) return std::nullopt;
+  }
+  const DueTime due = dueAfter(delaySeconds);
+  return defaultMode_->delayed.postpone(target, selector, due) ? std::optional(due.deadline) : std::nullopt;
+}
 
 }  // namespace platform
 }  // namespace havrin
