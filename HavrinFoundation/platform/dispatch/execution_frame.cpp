@@ -6,23 +6,14 @@
 
 namespace havrin {
 inline namespace platform {
-namespace {
 
-constinit thread_local const ExecutionFrame* innermost [[gnu::tls_model("initial-exec")]] = nullptr;
+constinit thread_local const ExecutionFrame* ExecutionFrame::innermost [[gnu::tls_model("initial-exec")]] = nullptr;
 
-const ExecutionFrame* outermost() {
+const ExecutionFrame* ExecutionFrame::outermost() {
   static constinit const ExecutionFrame kNoQueue{nullptr, nullptr, nullptr};
   if (gettid() != getpid()) return &kNoQueue;
   static const ExecutionFrame* const kMain = new ExecutionFrame{&MainQueueState::shared(), nullptr, nullptr};
   return kMain;
-}
-
-}  // namespace
-
-const ExecutionFrame* ExecutionFrame::current() {
-  if (innermost == nullptr) [[unlikely]]
-    innermost = outermost();
-  return innermost;
 }
 
 bool ExecutionFrame::isHeldHere(const QueueState& queue) {
@@ -36,10 +27,10 @@ bool ExecutionFrame::isHeldHere(const QueueState& queue) {
 
 EnterQueue::EnterQueue(QueueState& queue, const ExecutionFrame* target)
     : frame_{&queue, target, ExecutionFrame::current()} {
-  innermost = &frame_;
+  ExecutionFrame::innermost = &frame_;
 }
 
-EnterQueue::~EnterQueue() { innermost = frame_.outer; }
+EnterQueue::~EnterQueue() { ExecutionFrame::innermost = frame_.outer; }
 
 bool isMainThread() {
   const ExecutionFrame* frame = ExecutionFrame::current();

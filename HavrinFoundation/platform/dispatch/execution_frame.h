@@ -15,9 +15,21 @@ struct ExecutionFrame {
   const ExecutionFrame* outer;   // what the thread was running before, or null
 
   /// The innermost frame of this thread. The main thread's outermost one is the main queue's.
-  static const ExecutionFrame* current();
+  static const ExecutionFrame* current() {
+    if (innermost == nullptr) [[unlikely]]
+      innermost = outermost();
+    return innermost;
+  }
   /// Whether a closure of `queue` is somewhere on this thread's stack.
   static bool isHeldHere(const QueueState& queue);
+
+ private:
+  friend class EnterQueue;
+
+  static const ExecutionFrame* outermost();
+
+  // Null until the thread first asks.
+  static constinit thread_local const ExecutionFrame* innermost [[gnu::tls_model("initial-exec")]];
 };
 
 /// A closure of `queue` runs on this thread as long as this stands.

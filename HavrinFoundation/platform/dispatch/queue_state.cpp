@@ -43,17 +43,6 @@ DispatchQueue QueueState::reference() {
   return counted;
 }
 
-QueueState::Specific* QueueState::find(const void* key) const {
-  Specific* each = specifics_.load(std::memory_order_acquire);
-  while (each != nullptr && each->key != key) each = each->next;
-  return each;
-}
-
-void* QueueState::specific(const void* key) const {
-  const Specific* found = find(key);
-  return found == nullptr ? nullptr : found->context.load(std::memory_order_acquire);
-}
-
 void QueueState::setSpecific(const void* key, void* context, void (*destructor)(void*)) {
   void* replaced = nullptr;
   void (*replacedDestructor)(void*) = nullptr;

@@ -24,7 +24,10 @@ class QueueState : public QueueOwners {
   [[nodiscard]] DispatchQueue reference();
 
   [[nodiscard]] std::string_view label() const { return label_; }
-  [[nodiscard]] void* specific(const void* key) const;
+  [[nodiscard]] void* specific(const void* key) const {
+    const Specific* found = find(key);
+    return found == nullptr ? nullptr : found->context.load(std::memory_order_acquire);
+  }
   void setSpecific(const void* key, void* context, void (*destructor)(void*));
 
   /// Queues `work`, from any thread.
@@ -55,7 +58,11 @@ class QueueState : public QueueOwners {
     Specific* next;
   };
 
-  [[nodiscard]] Specific* find(const void* key) const;
+  [[nodiscard]] Specific* find(const void* key) const {
+    Specific* each = specifics_.load(std::memory_order_acquire);
+    while (each != nullptr && each->key != key) each = each->next;
+    return each;
+  }
 
   const std::string label_;
   os_unfair_lock specificsLock_;
