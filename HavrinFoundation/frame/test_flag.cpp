@@ -2,13 +2,10 @@
 
 #include <HavrinFoundation/platform/foundation/string.h>
 
-#include <string_view>
-
 namespace havrin {
 
 bool isExecutingTests(const NSProcessInfo& process) {
-  constexpr std::string_view kVariable = "IS_EXECUTING_TEST";
-  const auto value = process.environmentValue(kVariable);
+  const auto value = process.environmentValue("IS_EXECUTING_TEST");
   return value && boolValue(*value);
 }
 

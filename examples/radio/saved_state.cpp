@@ -135,7 +135,7 @@ std::pair<std::optional<SavedState>, std::string> unarchived(std::span<const std
 
 std::string defaultStateFile() {
   constexpr const char* kFile = "/havrin-radio/board.state";
-  const auto variable = [](std::string_view name) {
+  const auto variable = [](const char* name) {
     return NSProcessInfo::processInfo()->environmentValue(name).value_or("");
   };
   // A relative path is to be ignored.

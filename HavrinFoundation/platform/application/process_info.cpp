@@ -3,7 +3,7 @@
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/string.h>
 
-#include <cstring>
+#include <cstdlib>
 #include <fstream>
 #include <sys/utsname.h>
 #include <unistd.h>
@@ -52,20 +52,15 @@ Strong<NSDictionary> NSProcessInfo::environment() const {
   return Strong<NSDictionary>::adopt(static_cast<NSDictionary*>(variables->copy().detach()));
 }
 
-std::optional<std::string> NSProcessInfo::environmentValue(std::string_view name) const {
+std::optional<std::string> NSProcessInfo::environmentValue(const char* name) const {
   if (classOf(*this) != classOf<NSProcessInfo>()) {
     const Strong<NSDictionary> variables = environment();
     const Strong<NSObject> value = variables ? variables->objectForKey(makeString(name)) : nullptr;
     const NSString* text = cast<NSString>(static_cast<const NSObject*>(value.get()));
     return text ? std::optional(utf8(*text)) : std::nullopt;
   }
-  if (name.empty()) return std::nullopt;
-  for (char** entry = environ; entry && *entry; ++entry) {
-    const char* text = *entry;
-    if (text[0] != name[0]) continue;  // most differ here already
-    if (std::strncmp(text, name.data(), name.size()) == 0 && text[name.size()] == '=') return text + name.size() + 1;
-  }
-  return std::nullopt;
+  const char* value = std::getenv(name);
+  return value ? std::optional<std::string>(value) : std::nullopt;
 }
 
 Strong<NSString> NSProcessInfo::operatingSystemVersionString() const {

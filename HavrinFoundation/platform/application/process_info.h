@@ -13,7 +13,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace havrin {
 inline namespace platform {
@@ -26,8 +25,8 @@ class HAVRIN_EXPORT NSProcessInfo : public Object<NSProcessInfo, NSObject> {
   /// A new dictionary of the environment as it is now: names to values, both strings, split at the first "=". Entries
   /// without "=" are dropped; text that is no UTF-8 is repaired.
   [[nodiscard]] virtual Strong<NSDictionary> environment() const;
-  /// The value of one variable; empty when it is absent. Asks `environment` where a subclass has its own.
-  [[nodiscard]] std::optional<std::string> environmentValue(std::string_view name) const;
+  /// The value of the variable with this null-terminated name; empty when it is absent. Asks `environment` where a subclass has its own.
+  [[nodiscard]] std::optional<std::string> environmentValue(const char* name) const;
 
   /// The system's name and version for people, never empty, never for parsing.
   [[nodiscard]] virtual Strong<NSString> operatingSystemVersionString() const;
