@@ -9,7 +9,7 @@ ends in ";" or begins as a statement is one; anything else is an expression. "..
 bracket is open, is the result of the line above. Lines of a bracket that is open belong together.
 
 A source includes its header, and no other of the project. The names file declares what the examples of a header use
-besides and the headers that bring it ("with"), or says that they are compiled only, or left alone, and why.
+besides and the headers that bring it ("with", a standard one in angle brackets), or says that they are compiled only, or left alone, and why.
 """
 import pathlib
 import re
@@ -98,7 +98,8 @@ def read_names(path):
     declarations, includes, modes, header = {}, {}, {}, None
     for line in path.read_text().split("\n"):
         if line.startswith("  with "):
-            includes[header] += f"#include <HavrinFoundation/{line[7:]}>\n"
+            name = line[7:] if line[7] == "<" else f"<HavrinFoundation/{line[7:]}>"
+            includes[header] += f"#include {name}\n"
         elif line.startswith("  "):
             declarations[header] += line + "\n"
         elif line and not line.startswith("#"):

@@ -8,9 +8,9 @@
 #pragma once
 
 #include <HavrinFoundation/frame/unfair_lock.h>
+#include <HavrinFoundation/platform/base/invoke.h>
 
 #include <concepts>
-#include <functional>
 #include <utility>
 
 namespace havrin {
@@ -29,7 +29,7 @@ class Locked {
   template <std::invocable<Type&> Operation>
   auto perform(Operation&& operation) {
     UnfairLockGuard guard(*lock_.cell_);
-    return std::invoke(std::forward<Operation>(operation), content_);
+    return detail::invoke(std::forward<Operation>(operation), content_);
   }
 
  private:

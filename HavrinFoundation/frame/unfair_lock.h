@@ -11,7 +11,6 @@
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
 
 #include <concepts>
-#include <memory>
 #include <utility>
 
 namespace havrin {
@@ -19,22 +18,19 @@ namespace havrin {
 class HAVRIN_THREAD_SAFETY(capability("mutex")) UnfairLock {
  public:
   /// A free lock. Throws: std::bad_alloc when there is no memory for the lock's cell.
-  UnfairLock() : cell_(std::make_unique<os_unfair_lock>()) {}
+  UnfairLock() : cell_(new os_unfair_lock) {}
+  ~UnfairLock() { delete cell_; }
   UnfairLock(const UnfairLock&) = delete;
   UnfairLock& operator=(const UnfairLock&) = delete;
 
   /// Whether the lock was free and is now the caller's. Returns at once; false also for the thread that holds it.
   [[nodiscard]] bool tryLock() HAVRIN_THREAD_SAFETY(try_acquire_capability(true), no_thread_safety_analysis) {
-    return os_unfair_lock_trylock(cell_.get());
+    return os_unfair_lock_trylock(cell_);
   }
   /// Waits until the lock is free and takes it; there is no limit to the wait.
-  void lock() HAVRIN_THREAD_SAFETY(acquire_capability(), no_thread_safety_analysis) {
-    os_unfair_lock_lock(cell_.get());
-  }
+  void lock() HAVRIN_THREAD_SAFETY(acquire_capability(), no_thread_safety_analysis) { os_unfair_lock_lock(cell_); }
   /// Frees the lock; only the thread that took it may.
-  void unlock() HAVRIN_THREAD_SAFETY(release_capability(), no_thread_safety_analysis) {
-    os_unfair_lock_unlock(cell_.get());
-  }
+  void unlock() HAVRIN_THREAD_SAFETY(release_capability(), no_thread_safety_analysis) { os_unfair_lock_unlock(cell_); }
 
   /// The closure's result, by value; it is called once, on the calling thread, with the lock held.
   /// Throws: what the closure throws, unchanged, after the lock has been freed.
@@ -49,7 +45,7 @@ class HAVRIN_THREAD_SAFETY(capability("mutex")) UnfairLock {
   friend class Locked;
 
   // A cell of its own, so that the word's address does not depend on where the lock object lives.
-  const std::unique_ptr<os_unfair_lock> cell_;
+  os_unfair_lock* const cell_;
 };
 
 }  // namespace havrin

@@ -10,11 +10,11 @@
 // a set is replaced or changed while no other thread uses it.
 #pragma once
 
+#include <HavrinFoundation/platform/base/invoke.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/unicode/character_set.h>
 
 #include <concepts>
-#include <functional>
 #include <utility>
 
 namespace havrin {
@@ -52,7 +52,7 @@ void setUrlSchemeAllowed(ClassType value) {
 /// Calls `change(CharacterSet&)` with the set itself.
 template <std::same_as<CharacterSet> ClassType, std::invocable<ClassType&> Function>
 void changeUrlSchemeAllowed(Function&& change) {
-  std::invoke(std::forward<Function>(change), detail::urlSchemeAllowedSet());
+  detail::invoke(std::forward<Function>(change), detail::urlSchemeAllowedSet());
 }
 
 /// At first asciiAlphabet, 0-9 and "_": 63 characters.
@@ -67,7 +67,7 @@ void setValidSubhavrinName(ClassType value) {
 /// Calls `change(CharacterSet&)` with the set itself.
 template <std::same_as<CharacterSet> ClassType, std::invocable<ClassType&> Function>
 void changeValidSubhavrinName(Function&& change) {
-  std::invoke(std::forward<Function>(change), detail::validSubhavrinNameSet());
+  detail::invoke(std::forward<Function>(change), detail::validSubhavrinNameSet());
 }
 
 }  // namespace havrin

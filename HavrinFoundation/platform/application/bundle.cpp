@@ -66,8 +66,8 @@ struct NSBundle::Information {
 };
 
 NSBundle::NSBundle() : NSBundle("") {}
-NSBundle::NSBundle(std::string_view path) : path_(path), information_(std::make_unique<Information>()) {}
-NSBundle::~NSBundle() = default;
+NSBundle::NSBundle(std::string_view path) : path_(path), information_(new Information) {}
+NSBundle::~NSBundle() { delete information_; }
 
 Strong<NSBundle> NSBundle::mainBundle() {
   if (auto installed = installedMainBundle()) return installed;

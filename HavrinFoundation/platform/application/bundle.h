@@ -15,7 +15,6 @@
 #include <HavrinFoundation/platform/object/members.h>
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -52,7 +51,7 @@ class HAVRIN_EXPORT NSBundle : public Object<NSBundle, NSObject> {
   struct Information;
 
   const std::string path_;
-  const std::unique_ptr<Information> information_;
+  Information* const information_;
 };
 
 /// Puts `bundle` in place of the main bundle, or the program's own back when it is null.

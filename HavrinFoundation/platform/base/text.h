@@ -4,11 +4,17 @@
 //   setterSelector<"title">.view()          "setTitle:"
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
 namespace havrin {
+
+namespace detail {
+constexpr void copyUnits(const char* from, std::size_t count, char* to) {  // <algorithm> costs more than all else here
+  for (std::size_t i = 0; i < count; ++i) to[i] = from[i];
+}
+}  // namespace detail
+
 inline namespace platform {
 
 template <std::size_t Size>
@@ -16,13 +22,15 @@ struct Text {
   char text[Size]{};
 
   constexpr Text() = default;
-  constexpr Text(const char (&literal)[Size]) { std::copy_n(literal, Size, text); }
+  constexpr Text(const char (&literal)[Size]) { detail::copyUnits(literal, Size, text); }
   [[nodiscard]] constexpr std::string_view view() const { return {text, Size - 1}; }
 };
 
 /// The number of colons, which is the number of a selector's arguments.
 [[nodiscard]] constexpr std::size_t selectorArgumentCount(std::string_view selector) {
-  return static_cast<std::size_t>(std::count(selector.begin(), selector.end(), ':'));
+  std::size_t colons = 0;
+  for (const char unit : selector) colons += unit == ':' ? 1 : 0;
+  return colons;
 }
 
 /// True for "set<Key>:" with one argument and a key that starts with anything but a lower-case letter.
@@ -37,8 +45,8 @@ namespace detail {
 template <std::size_t Size>
 constexpr auto setterSelectorOf(const Text<Size>& key) {
   Text<Size + 4> selector;
-  std::copy_n("set", 3, selector.text);
-  std::copy_n(key.text, Size - 1, selector.text + 3);
+  copyUnits("set", 3, selector.text);
+  copyUnits(key.text, Size - 1, selector.text + 3);
   if (selector.text[3] >= 'a' && selector.text[3] <= 'z') selector.text[3] = static_cast<char>(selector.text[3] - 32);
   selector.text[Size + 2] = ':';
   return selector;

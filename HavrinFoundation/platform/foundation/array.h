@@ -30,7 +30,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
-#include <iterator>
 #include <new>
 #include <span>
 #include <utility>

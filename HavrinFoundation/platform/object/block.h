@@ -14,13 +14,12 @@
 // run time.
 #pragma once
 
+#include <HavrinFoundation/platform/base/invoke.h>
 #include <HavrinFoundation/platform/export.h>
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -115,12 +114,12 @@ concept PlainCallable = requires {
 template <class ResultType, class Function, class... Arguments>
 ResultType callFitted(Function& callable, Arguments&&... arguments) {
   if constexpr (std::is_invocable_v<Function&, Arguments...>) {
-    return static_cast<ResultType>(std::invoke(callable, std::forward<Arguments>(arguments)...));
+    return static_cast<ResultType>(detail::invoke(callable, std::forward<Arguments>(arguments)...));
   } else {
     using Wanted = typename CallableParameters<std::decay_t<Function>>::List;
     return [&]<class... WantedTypes>(ParameterList<WantedTypes...>) -> ResultType {
       return static_cast<ResultType>(
-          std::invoke(callable, fitArgument<WantedTypes>(std::forward<Arguments>(arguments))...));
+          detail::invoke(callable, fitArgument<WantedTypes>(std::forward<Arguments>(arguments))...));
     }(Wanted{});
   }
 }
@@ -273,7 +272,7 @@ class BlockView<ResultType(Arguments...)> {
     if constexpr (std::is_function_v<Function>) {
       return reinterpret_cast<void*>(&callable);
     } else {
-      return const_cast<void*>(static_cast<const volatile void*>(std::addressof(callable)));
+      return const_cast<char*>(&reinterpret_cast<const volatile char&>(callable));
     }
   }
   template <class Function>

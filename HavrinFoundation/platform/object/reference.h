@@ -15,7 +15,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <string_view>  // std::hash
 #include <type_traits>
 #include <utility>
 

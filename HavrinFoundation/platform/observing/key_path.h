@@ -19,7 +19,7 @@ namespace detail {
 template <Text Path, std::size_t Start, std::size_t Length>
 constexpr auto textPart() {
   Text<Length + 1> part;
-  std::copy_n(Path.text + Start, Length, part.text);
+  copyUnits(Path.text + Start, Length, part.text);
   return part;
 }
 
@@ -27,8 +27,8 @@ constexpr auto textPart() {
 template <std::size_t Parent, std::size_t Size>
 constexpr auto prefixedKey(const char (&prefix)[Parent], const Text<Size>& key, bool capital) {
   Text<Parent + Size - 1> name;
-  std::copy_n(prefix, Parent - 1, name.text);
-  std::copy_n(key.text, Size, name.text + Parent - 1);
+  copyUnits(prefix, Parent - 1, name.text);
+  copyUnits(key.text, Size, name.text + Parent - 1);
   char& first = name.text[Parent - 1];
   if (capital && first >= 'a' && first <= 'z') first = static_cast<char>(first - 32);
   return name;

@@ -13,15 +13,25 @@
 
 #include <HavrinFoundation/platform/export.h>
 
-#include <chrono>
-#include <cmath>
 #include <compare>
 #include <cstdint>
-#include <functional>
-#include <ratio>
+#include <string_view>  // std::hash
+#include <type_traits>
 #include <utility>
 
 namespace havrin {
+
+namespace detail {
+/// A time point of std::chrono::system_clock, known by what only that clock has: <chrono> is left to its users.
+template <class Point>
+concept SystemTimePoint = requires(const Point& point) {
+  Point::clock::from_time_t({});
+  typename Point::rep;
+  typename Point::period;
+  point.time_since_epoch().count();
+};
+}  // namespace detail
+
 inline namespace platform {
 
 /// The first instant of 2001 in seconds since the first instant of 1970.
@@ -43,8 +53,9 @@ class Date {
   }
 
   /// The same instant as `point`, rounded to the nearest double of seconds since 2001.
-  template <class Duration>
-  explicit constexpr Date(std::chrono::sys_time<Duration> point) : seconds_(secondsOf(point.time_since_epoch())) {}
+  template <detail::SystemTimePoint Point>
+  explicit constexpr Date(const Point& point)
+      : seconds_(secondsOf<typename Point::period>(point.time_since_epoch().count())) {}
 
   /// The current instant of the wall clock, which a test may own (see base/clock.h).
   [[nodiscard]] HAVRIN_EXPORT static Date now();
@@ -57,10 +68,11 @@ class Date {
     return seconds_ + static_cast<double>(kReferenceSecondsSince1970);
   }
 
-  /// The time point nearest to this instant, counted in `Duration`, a second or an integral part of one.
-  /// Result: the first or last time point that `Duration` has where the instant lies beyond it; 1970 for not-a-number.
-  template <class Duration = std::chrono::system_clock::duration>
-  [[nodiscard]] std::chrono::sys_time<Duration> timePoint() const;
+  /// The time point nearest to this instant, such as std::chrono::sys_seconds: a std::chrono::sys_time that counts
+  /// seconds or an integral part of a second.
+  /// Result: the first or last value of `Point` where the instant lies beyond it; 1970 for not-a-number.
+  template <detail::SystemTimePoint Point>
+  [[nodiscard]] Point timePoint() const;
 
   /// The instant `seconds` later.
   friend constexpr Date operator+(Date date, double seconds) { return Date(date.seconds_ + seconds); }
@@ -75,35 +87,41 @@ class Date {
  private:
   explicit constexpr Date(double secondsSinceReferenceDate) : seconds_(secondsSinceReferenceDate) {}
 
-  template <class Rep, class Period>
-  static constexpr double secondsOf(std::chrono::duration<Rep, Period> since1970) {
-    using Seconds = std::chrono::duration<double>;
-    if constexpr (std::chrono::treat_as_floating_point_v<Rep> || std::ratio_greater_equal_v<Period, std::ratio<1>>) {
-      return Seconds(since1970).count() - static_cast<double>(kReferenceSecondsSince1970);
-    } else {  // whole seconds apart from the rest: a nanosecond count has more digits than a double
-      const auto whole = std::chrono::floor<std::chrono::duration<std::int64_t>>(since1970);
-      return static_cast<double>(whole.count()) - static_cast<double>(kReferenceSecondsSince1970) +
-             Seconds(since1970 - whole).count();
+  // Whole seconds apart from the rest: a nanosecond count has more digits than a double.
+  template <class Period, class Rep>
+  static constexpr double secondsOf(Rep ticks) {
+    constexpr auto kReference = static_cast<double>(kReferenceSecondsSince1970);
+    if constexpr (std::is_floating_point_v<Rep> || Period::num >= Period::den) {
+      return static_cast<double>(ticks) * static_cast<double>(Period::num) / static_cast<double>(Period::den) -
+             kReference;
+    } else {
+      const std::int64_t count = ticks;
+      const std::int64_t down = count % Period::den < 0 ? 1 : 0;
+      const std::int64_t periods = count / Period::den - down;
+      const std::int64_t rest = (count % Period::den + down * Period::den) * Period::num;
+      return static_cast<double>(periods * Period::num + rest / Period::den) - kReference +
+             static_cast<double>(rest % Period::den) / static_cast<double>(Period::den);
     }
   }
 
   double seconds_ = 0;
 };
 
-template <class Duration>
-std::chrono::sys_time<Duration> Date::timePoint() const {
-  using Point = std::chrono::sys_time<Duration>;
-  using Rep = typename Duration::rep;
-  using Period = typename Duration::period;
-  if constexpr (std::chrono::treat_as_floating_point_v<Rep>) {
-    return Point(std::chrono::duration<double>(timeIntervalSince1970()));
+template <detail::SystemTimePoint Point>
+Point Date::timePoint() const {
+  using Duration = typename Point::duration;
+  using Rep = typename Point::rep;
+  using Period = typename Point::period;
+  if constexpr (std::is_floating_point_v<Rep>) {
+    return Point(Duration(static_cast<Rep>(timeIntervalSince1970() * static_cast<double>(Period::den) /
+                                           static_cast<double>(Period::num))));
   } else {
     static_assert(Period::num == 1, "Date::timePoint counts in seconds or in an integral part of a second");
     if (seconds_ != seconds_) return Point();
-    const double whole = std::floor(seconds_);
-    const double rest = std::nearbyint((seconds_ - whole) * static_cast<double>(Period::den));
+    const double whole = __builtin_floor(seconds_);
+    const double rest = __builtin_nearbyint((seconds_ - whole) * static_cast<double>(Period::den));
     std::int64_t ticks = 0;
-    if (std::abs(whole) > 9.0e18 ||
+    if (__builtin_fabs(whole) > 9.0e18 ||
         __builtin_mul_overflow(static_cast<std::int64_t>(whole) + kReferenceSecondsSince1970, Period::den, &ticks) ||
         __builtin_add_overflow(ticks, static_cast<std::int64_t>(rest), &ticks) || !std::in_range<Rep>(ticks)) {
       return seconds_ > 0 ? Point::max() : Point::min();

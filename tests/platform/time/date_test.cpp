@@ -26,28 +26,31 @@ TEST(DateValue, ConvertsTimePointsBothWaysToTheTick) {
   using Milliseconds = std::chrono::milliseconds;
   for (const std::int64_t count : {0LL, 1LL, 999LL, -1LL, -1500LL, 1'709'649'000'123LL, -62'135'596'800'001LL}) {
     const sys_time<Milliseconds> point{Milliseconds(count)};
-    EXPECT_EQ(Date(point).timePoint<Milliseconds>(), point) << count;
+    EXPECT_EQ(Date(point).timePoint<sys_time<Milliseconds>>(), point) << count;
   }
   // A nanosecond count has more digits than a double: whole seconds and the rest are converted apart.
   const sys_time<std::chrono::nanoseconds> fine{std::chrono::nanoseconds(978'307'200'000'000'007)};
   EXPECT_EQ(Date(fine).timeIntervalSinceReferenceDate(), 7e-9);
-  EXPECT_EQ(Date(fine).timePoint(), fine);
+  EXPECT_EQ(Date(fine).timePoint<sys_time<std::chrono::nanoseconds>>(), fine);
   EXPECT_EQ(Date(sys_time<std::chrono::days>{std::chrono::days(1)}), Date::fromTimeIntervalSince1970(86400));
   EXPECT_EQ(Date(sys_time<std::chrono::duration<double>>{std::chrono::duration<double>(1.5)}),
             Date::fromTimeIntervalSince1970(1.5));
-  EXPECT_EQ(Date::fromTimeIntervalSince1970(1.5).timePoint<std::chrono::duration<double>>().time_since_epoch().count(),
+  EXPECT_EQ(Date::fromTimeIntervalSince1970(1.5)
+                .timePoint<sys_time<std::chrono::duration<double>>>()
+                .time_since_epoch()
+                .count(),
             1.5);
 }
 
 TEST(DateValue, SaturatesTimePointsThatADurationLacks) {
   using Point = sys_time<std::chrono::nanoseconds>;
   for (const double far : {9.3e9, 1e18, 1e300, kInfinity}) {
-    EXPECT_EQ(Date::fromTimeIntervalSince1970(far).timePoint<std::chrono::nanoseconds>(), Point::max()) << far;
-    EXPECT_EQ(Date::fromTimeIntervalSince1970(-far).timePoint<std::chrono::nanoseconds>(), Point::min()) << far;
+    EXPECT_EQ(Date::fromTimeIntervalSince1970(far).timePoint<Point>(), Point::max()) << far;
+    EXPECT_EQ(Date::fromTimeIntervalSince1970(-far).timePoint<Point>(), Point::min()) << far;
   }
-  EXPECT_EQ(Date::fromTimeIntervalSince1970(kNan).timePoint(), sys_time<std::chrono::system_clock::duration>());
+  EXPECT_EQ(Date::fromTimeIntervalSince1970(kNan).timePoint<Point>(), Point());
   using Narrow = std::chrono::duration<std::int32_t>;
-  EXPECT_EQ(Date::fromTimeIntervalSince1970(1e10).timePoint<Narrow>(), sys_time<Narrow>::max());
+  EXPECT_EQ(Date::fromTimeIntervalSince1970(1e10).timePoint<sys_time<Narrow>>(), sys_time<Narrow>::max());
 }
 
 TEST(DateValue, TellsTheTimeOfTheInstalledClock) {
