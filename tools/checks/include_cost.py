@@ -1,7 +1,7 @@
 """include-cost: what a file pays for an include: processor time of a syntax check against that of <string> alone.
 
-Prints the five heaviest of the umbrella header and the rooms' headers. Times vary from run to run, so that only a header
-far above the others is a problem.
+Prints the five heaviest of the umbrella header and the rooms' headers. Times vary from run to run by a third, which the
+limits leave room for.
 """
 import os
 import subprocess
@@ -9,7 +9,9 @@ import subprocess
 from checks.layers import ROOMS
 from checks.source_tree import LIBRARY
 
-MOST = 12.0  # the umbrella header takes about 7
+UMBRELLA = LIBRARY + "HavrinFoundation.h"
+MOST_UMBRELLA = 9.0  # takes about 7
+MOST = 4.4  # the heaviest of the rooms' headers take about 3.2
 
 
 def seconds(root, include):
@@ -22,10 +24,14 @@ def seconds(root, include):
 
 
 def check(tree):
-    headers = [LIBRARY + "HavrinFoundation.h", *tree.under(*(f"{LIBRARY}{room}/" for room in ROOMS), suffixes=(".h",))]
+    headers = [UMBRELLA, *tree.under(*(f"{LIBRARY}{room}/" for room in ROOMS), suffixes=(".h",))]
     unit = min(seconds(tree.root, "string") for _ in range(3))
     ratios = sorted(((seconds(tree.root, header) / unit, header) for header in headers), reverse=True)
     for ratio, header in ratios[:5]:
         print(f"  {ratio:4.1f} of <string>  {header}")
-    return [f"{header}: costs {ratio:.1f} times what <string> does; at most {MOST:g} is allowed"
-            for ratio, header in ratios if ratio > MOST]
+    return [f"{header}: costs {ratio:.1f} times what <string> does; at most {most(header):g} is allowed"
+            for ratio, header in ratios if ratio > most(header)]
+
+
+def most(header):
+    return MOST_UMBRELLA if header == UMBRELLA else MOST
