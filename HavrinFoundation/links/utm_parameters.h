@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace havrin {
 
@@ -31,6 +32,11 @@ struct OptionalText : std::optional<std::string> {
 
   friend bool operator==(const OptionalText& a, const OptionalText& b) { return a.optional() == b.optional(); }
   friend bool operator==(const OptionalText& a, const std::optional<std::string>& b) { return a.optional() == b; }
+  friend bool operator==(const OptionalText& a, std::nullopt_t) { return !a.has_value(); }
+  template <std::convertible_to<std::string_view> Text>
+  friend bool operator==(const OptionalText& a, const Text& b) {
+    return a.has_value() && std::string_view(*a) == std::string_view(b);
+  }
 };
 }  // namespace detail
 

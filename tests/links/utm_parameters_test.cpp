@@ -44,6 +44,8 @@ TEST(UtmParameters, ReadsTheLastItemOfEachKey) {
   EXPECT_FALSE(fromUrl<UTMParameters>(URL::fromUncheckedText("https://2001:db8::1:433?utm_source=a"))) << "no parts";
   const URL base = *URL::fromString("https://ex.com/dir/page?utm_source=x");
   EXPECT_FALSE(fromUrl<UTMParameters>(URL::fromString("", base))) << "the base is not read";
+  const UTMParameters tagged{.source = "a"};
+  EXPECT_TRUE(tagged.source == "a" && tagged.source != std::string("b") && tagged.term == std::nullopt);
 }
 
 TEST(UtmParameters, AppendsBehindWhatStands) {
