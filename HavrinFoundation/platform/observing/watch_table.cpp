@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -117,11 +118,20 @@ struct alignas(32) WatchBucket {
   }
 };
 
+// In pages, each made when an object that belongs there is first watched: a program that observes nothing has none.
 WatchBucket& WatchBucket::of(const NSObject* object) {
-  constexpr std::uint64_t kBits = 14;
-  static constinit std::array<WatchBucket, (1U << kBits)> buckets{};
+  constexpr std::uint64_t kPageBits = 8;
+  constexpr std::uint64_t kBucketBits = 6;
+  using Page = std::array<WatchBucket, (1U << kBucketBits)>;
+  static constinit std::array<std::atomic<Page*>, (1U << kPageBits)> pages{};
   const std::uint64_t spread = reinterpret_cast<std::uintptr_t>(object) * 0x9E37'79B9'7F4A'7C15U;
-  return buckets[spread >> (64 - kBits)];
+  std::atomic<Page*>& place = pages[spread >> (64 - kPageBits)];
+  Page* page = place.load(std::memory_order_acquire);
+  if (page == nullptr) [[unlikely]] {
+    auto made = std::make_unique<Page>();
+    if (place.compare_exchange_strong(page, made.get(), std::memory_order_acq_rel)) page = made.release();
+  }
+  return (*page)[spread << kPageBits >> (64 - kBucketBits)];
 }
 
 WatcherList* WatcherList::allocate(std::uint32_t capacity) {

@@ -4,11 +4,11 @@
 //   const Watch* watch = pin.find(setter);          null when nobody watches the key that this setter sets
 //   for (const Watcher& watcher : watch->watchers()) ...
 //
-// The table is an array of buckets chosen by the object's address. Each bucket chains one `Watch` per watched key of an
-// object, and each of those has a list of watchers. Writers take the bucket's lock; readers only count themselves in
-// (`Pin`), walk what they find, and count themselves out. What a writer takes out of a chain or a list is retired, and
-// freed by whoever finds no reader in the bucket: the writer, or the last reader to leave. So a reader never waits, never
-// sees freed memory, and pays two counts, and any code may run while it is inside.
+// The table is buckets chosen by the object's address, in pages made at first use. Each bucket chains one `Watch` per
+// watched key of an object, and each of those has a list of watchers. Writers take the bucket's lock; readers only
+// count themselves in (`Pin`), walk what they find, and count themselves out. What a writer takes out of a chain or a
+// list is retired, and freed by whoever finds no reader in the bucket: the writer, or the last reader to leave. So a
+// reader never waits, never sees freed memory, and pays two counts, and any code may run while it is inside.
 //
 // Order of locks: a registration's lock, then a bucket's. Nothing foreign runs, and no object of the program is
 // released, under either.
