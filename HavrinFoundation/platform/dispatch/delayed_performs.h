@@ -17,6 +17,8 @@
 namespace havrin {
 inline namespace platform {
 
+using detail::Work;
+
 /// What a delayed perform is known by when it is cancelled: three addresses. Its work keeps alive what they point to.
 struct PerformKey {
   const void* target = nullptr;

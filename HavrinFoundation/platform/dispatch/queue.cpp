@@ -94,7 +94,7 @@ void refuseQueueHeldHere(const DispatchQueue& queue) {
 
 std::string_view DispatchQueue::label() const { return stateOf(*this).label(); }
 
-void DispatchQueue::destroy(QueueOwners* owners) { delete static_cast<QueueState*>(owners); }
+void DispatchQueue::destroy(detail::QueueOwners* owners) { delete static_cast<QueueState*>(owners); }
 
 DispatchQueue dispatch_get_main_queue() { return MainQueueState::shared().reference(); }
 
@@ -113,7 +113,11 @@ void dispatch_set_target_queue(const DispatchQueue& queue, const DispatchQueue& 
   state.setTarget(target);
 }
 
-void queueWork(const DispatchQueue& queue, Work&& work) { stateOf(queue).append(std::move(work)); }
+}  // namespace platform
+
+void detail::queueWork(const DispatchQueue& queue, Work&& work) { stateOf(queue).append(std::move(work)); }
+
+inline namespace platform {
 
 void dispatch_sync(const DispatchQueue& queue, BlockView<void()> block) {
   QueueState& state = stateOf(queue);

@@ -31,11 +31,14 @@
 #include <utility>
 
 namespace havrin {
+
 inline namespace platform {
-
+class DispatchQueue;
 class QueueState;
+}  // namespace platform
 
-/// The part of a queue that its references see.
+namespace detail {
+// The part of a queue that its references see.
 class HAVRIN_EXPORT QueueOwners {
  protected:
   explicit constexpr QueueOwners(std::uint32_t count) : count_(count) {}
@@ -45,10 +48,15 @@ class HAVRIN_EXPORT QueueOwners {
   static constexpr std::uint32_t kImmortal = 0;
 
  private:
-  friend class DispatchQueue;
+  friend class platform::DispatchQueue;
 
   std::atomic<std::uint32_t> count_;
 };
+
+HAVRIN_EXPORT void queueWork(const DispatchQueue& queue, Work&& work);
+}  // namespace detail
+
+inline namespace platform {
 
 /// A shared reference to a queue; null by default. A queue lives as long as a reference to it or a closure on it.
 /// Threads: copies may be used from any thread.
@@ -77,11 +85,11 @@ class HAVRIN_EXPORT DispatchQueue {
   friend class QueueState;
 
   [[nodiscard]] bool isCounted() const {
-    return owners_ != nullptr && owners_->count_.load(std::memory_order_relaxed) != QueueOwners::kImmortal;
+    return owners_ != nullptr && owners_->count_.load(std::memory_order_relaxed) != detail::QueueOwners::kImmortal;
   }
-  static void destroy(QueueOwners* owners);
+  static void destroy(detail::QueueOwners* owners);
 
-  QueueOwners* owners_ = nullptr;
+  detail::QueueOwners* owners_ = nullptr;
 };
 
 /// How many closures of a queue may run at once: one, in the order of their queueing; or any number, begun in that
@@ -104,16 +112,13 @@ enum dispatch_queue_attr_t { DISPATCH_QUEUE_SERIAL, DISPATCH_QUEUE_CONCURRENT };
 /// Aborts when `target` runs through `queue` itself, or `queue` is one of the process's own.
 HAVRIN_EXPORT void dispatch_set_target_queue(const DispatchQueue& queue, const DispatchQueue& target);
 
-/// Queues `work` and returns. It is destroyed on the queue when it has run.
-HAVRIN_EXPORT void queueWork(const DispatchQueue& queue, Work&& work);
-
 /// Queues a closure to be run once and returns at once. It, or its copy, lives until it has run.
 /// Throws: NSException (InvalidArgument) when it is a null block or a null function; nothing is queued.
 /// Cost: no allocation for a block, or for a closure of at most three words.
 template <class Closure>
 requires std::invocable < std::decay_t<Closure>
 & > void dispatch_async(const DispatchQueue& queue, Closure&& closure) {
-  queueWork(queue, Work(std::forward<Closure>(closure)));
+  detail::queueWork(queue, detail::Work(std::forward<Closure>(closure)));
 }
 
 /// Runs `block` as a closure of `queue`, after everything queued before, and returns when it has run. It runs on the

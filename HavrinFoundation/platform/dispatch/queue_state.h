@@ -11,7 +11,9 @@
 namespace havrin {
 inline namespace platform {
 
-class QueueState : public QueueOwners {
+using detail::Work;
+
+class QueueState : public detail::QueueOwners {
  public:
   QueueState(const QueueState&) = delete;
   QueueState& operator=(const QueueState&) = delete;

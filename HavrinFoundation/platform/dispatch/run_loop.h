@@ -67,7 +67,7 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   template <class Closure>
   requires std::invocable < std::decay_t<Closure>
   & > void performAfter(double delaySeconds, Closure&& closure, std::string_view mode = NSDefaultRunLoopMode) {
-    schedule(delaySeconds, Work(std::forward<Closure>(closure)), mode);
+    schedule(delaySeconds, detail::Work(std::forward<Closure>(closure)), mode);
   }
 
   /// When the next delayed work of the mode is due; empty when there is none. Threads: the loop's own.
@@ -78,7 +78,7 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   template <class Closure>
   requires std::invocable < std::decay_t<Closure>
   & > bool perform(Closure&& closure, std::string_view mode = NSDefaultRunLoopMode) {
-    return post(Work(std::forward<Closure>(closure)), mode);
+    return post(detail::Work(std::forward<Closure>(closure)), mode);
   }
   /// Makes `mode` one of the common modes. Threads: any.
   void addCommonMode(std::string_view mode);
@@ -98,8 +98,8 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   ~RunLoop() = default;
 
  private:
-  void schedule(double delaySeconds, Work&& work, std::string_view mode);
-  bool post(Work&& work, std::string_view mode);
+  void schedule(double delaySeconds, detail::Work&& work, std::string_view mode);
+  bool post(detail::Work&& work, std::string_view mode);
 };
 
 }  // namespace platform

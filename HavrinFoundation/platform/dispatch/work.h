@@ -1,7 +1,7 @@
-// One closure that waits to be run once: what queues and run loops store. Small closures lie inside it, so that
-// posting one allocates nothing; a block is such a small closure.
+// A closure that is run once: what queues and run loops store. Closures of at most three words, blocks among them, are
+// stored inside it without an allocation. For dispatch_async and RunLoop::perform, which are templates.
 //
-//   Work work([&] { ++count; });
+//   detail::Work work([&] { ++count; });
 //   work.run();                          count is one higher, the closure is destroyed, the work is empty
 //
 // Left out: results and arguments, copying, cancelling.
@@ -16,16 +16,17 @@
 #include <type_traits>
 #include <utility>
 
-namespace havrin {
-inline namespace platform {
+namespace havrin::detail {
 
+/// Threads: one at a time; it may move to another thread before it is run.
 class Work {
  public:
-  /// No closure.
+  /// Empty: no closure.
   Work() = default;
 
-  /// Takes `closure` over by moving or copying it, inside when it has at most three words and moves without throwing.
-  /// Throws: NSException (InvalidArgument) when it is a null block, function or function pointer.
+  /// Moves or copies `closure` into the work.
+  /// Throws: NSException (InvalidArgument) when it is a null block, function or function pointer; what copying throws.
+  /// Cost: one allocation when the closure has more than three words, or may throw when it is moved.
   template <class Closure>
   requires(std::invocable<std::decay_t<Closure>&> &&
            !std::same_as<std::decay_t<Closure>, Work>) explicit Work(Closure&& closure) {
@@ -50,9 +51,11 @@ class Work {
   }
   ~Work() { destroy(); }
 
+  /// Whether there is a closure.
   explicit operator bool() const { return operations_ != nullptr; }
 
-  /// Calls the closure and destroys it, in this order, also when it throws. There must be one.
+  /// Calls the closure, then destroys it, also when it throws; the work is empty as soon as the call begins. There must
+  /// be a closure. Throws: what the closure throws.
   void run() {
     Work current(std::move(*this));
     current.operations_->run(current.storage_);
@@ -127,5 +130,4 @@ class Work {
   alignas(void*) std::byte storage_[kStorage];
 };
 
-}  // namespace platform
-}  // namespace havrin
+}  // namespace havrin::detail

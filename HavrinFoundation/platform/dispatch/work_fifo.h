@@ -10,6 +10,8 @@
 namespace havrin {
 inline namespace platform {
 
+using detail::Work;
+
 class WorkFifo {
  public:
   [[nodiscard]] bool empty() const { return head_ == items_.size(); }

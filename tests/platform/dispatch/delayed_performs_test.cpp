@@ -19,7 +19,7 @@ void cancelSame(DelayedPerforms& performs, const PerformKey& key) {
 TEST(DelayedPerforms, ABurstOfPostponementsHoldsOnePlace) {
   DelayedPerforms performs;
   const PerformKey key{address(1), address(2)};
-  performs.schedule(key, {0, 0}, Work([] {}));
+  performs.schedule(key, {0, 0}, detail::Work([] {}));
   std::uint64_t rank = 1;
   for (; rank <= 1'000'000; ++rank) {
     ASSERT_TRUE(performs.postpone(key.target, key.selector, {static_cast<double>(rank), rank}));
@@ -27,7 +27,7 @@ TEST(DelayedPerforms, ABurstOfPostponementsHoldsOnePlace) {
   EXPECT_EQ(performs.places(), 1u);
   for (; rank <= 2'000'000; ++rank) {  // the same by cancelling and arranging again
     cancelSame(performs, key);
-    performs.schedule(key, {static_cast<double>(rank), rank}, Work([] {}));
+    performs.schedule(key, {static_cast<double>(rank), rank}, detail::Work([] {}));
   }
   EXPECT_EQ(performs.places(), 1u);
   EXPECT_EQ(performs.first()->deadline, 2e6);
@@ -36,10 +36,10 @@ TEST(DelayedPerforms, ABurstOfPostponementsHoldsOnePlace) {
 TEST(DelayedPerforms, CancelledRequestsDoNotPileUp) {
   DelayedPerforms performs;
   std::uint64_t rank = 0;
-  performs.schedule({address(4001), address(0)}, {1, rank++}, Work([] {}));
+  performs.schedule({address(4001), address(0)}, {1, rank++}, detail::Work([] {}));
   for (std::size_t i = 1; i < 100'000; ++i) {
     const PerformKey key{address(i % 4000), address(i % 3)};
-    performs.schedule(key, {1e9, rank++}, Work([] {}));
+    performs.schedule(key, {1e9, rank++}, detail::Work([] {}));
     cancelSame(performs, key);
     ASSERT_LE(performs.places(), 200u);
   }
