@@ -1,6 +1,7 @@
 #include <HavrinFoundation/platform/documents/json_tokens.h>
 
 #include <HavrinFoundation/platform/documents/digit_words.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <algorithm>
 #include <array>
@@ -48,22 +49,6 @@ std::optional<Escape> readEscape(std::string_view text) {
   const auto low = fourHexDigits(text.substr(7));
   if (!low || *low < 0xDC00 || *low > 0xDFFF) return std::nullopt;
   return Escape{0x10000 + ((*unit - 0xD800) << 10) + (*low - 0xDC00), 12};
-}
-
-void appendUtf8(std::string& text, std::uint32_t scalar) {
-  const auto put = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
-  if (scalar < 0x80) return put(scalar);
-  if (scalar < 0x800) {
-    put(0xC0 | scalar >> 6);
-  } else if (scalar < 0x10000) {
-    put(0xE0 | scalar >> 12);
-    put(0x80 | (scalar >> 6 & 0x3F));
-  } else {
-    put(0xF0 | scalar >> 18);
-    put(0x80 | (scalar >> 12 & 0x3F));
-    put(0x80 | (scalar >> 6 & 0x3F));
-  }
-  put(0x80 | (scalar & 0x3F));
 }
 
 std::uint32_t nextBackslash(std::string_view text, std::size_t from) {
@@ -284,7 +269,7 @@ std::string JsonTokens::unescaped(Token string) const {
     text.append(rest.substr(0, backslash));
     if (backslash == std::string_view::npos) return text;
     const auto escape = readEscape(rest.substr(backslash + 1));
-    appendUtf8(text, escape->scalar);
+    appendScalar(text, escape->scalar);
     rest.remove_prefix(backslash + escape->length);
   }
 }
