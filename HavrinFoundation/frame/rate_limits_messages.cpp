@@ -29,7 +29,7 @@ void throttle(NSObject& self, Selector message, double intervalSeconds) {
 
   const Strong<NSObject> entry = timestamps ? timestamps->objectForKey(name) : nullptr;
   if (const auto* last = cast<NSNumber>(entry.get())) {
-    // Written so that an elapsed time equal to the interval, and an interval that is no number, drop the call.
+    // Negated so that an elapsed time equal to the interval, and a NaN interval, drop the call.
     if (!(monotonicSeconds() - last->doubleValue() > intervalSeconds)) return;
   }
   performSelectorOnThread(self, message, *NSThread::currentThread(), nullptr, true);

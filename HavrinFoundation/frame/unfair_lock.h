@@ -27,7 +27,7 @@ class HAVRIN_THREAD_SAFETY(capability("mutex")) UnfairLock {
   [[nodiscard]] bool tryLock() HAVRIN_THREAD_SAFETY(try_acquire_capability(true), no_thread_safety_analysis) {
     return os_unfair_lock_trylock(cell_);
   }
-  /// Waits until the lock is free and takes it; there is no limit to the wait.
+  /// Waits without limit until the lock is free, then takes it.
   void lock() HAVRIN_THREAD_SAFETY(acquire_capability(), no_thread_safety_analysis) { os_unfair_lock_lock(cell_); }
   /// Frees the lock; only the thread that took it may.
   void unlock() HAVRIN_THREAD_SAFETY(release_capability(), no_thread_safety_analysis) { os_unfair_lock_unlock(cell_); }

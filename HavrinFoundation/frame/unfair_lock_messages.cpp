@@ -15,7 +15,7 @@ void UnfairLock::withLock(BlockView<void()> block) {
   if (!block) throwNullArgument(*this, "withLock:", "block");
   const Strong<UnfairLock> hold(this);
   const UnfairLockGuard guard(lock_);
-  const Block<void()> held = block.share();  // let go of before the guard
+  const Block<void()> held = block.share();  // released before the lock is freed
   block();
 }
 

@@ -1,9 +1,9 @@
-// The message form of the unfair lock: a class of its own, whose word stands in the object. It shares nothing with the
-// typed lock (unfair_lock.h).
+// The message form of the unfair lock: a class of its own, with the lock word inside the object. It shares nothing with
+// the typed lock (unfair_lock.h).
 //
 //   const auto lock = make<message::UnfairLock>();
 //   send<"withLock:">(lock, [&] { ++counter; });
-//   send<"lock">(lock)                                a copy of the word: 0 when free; it is no lock
+//   send<"lock">(lock)                                a copy of the word, not a lock: 0 when free
 //
 // A thread that takes a lock it already holds ends the process with one line.
 #pragma once
@@ -21,8 +21,9 @@ class HAVRIN_EXPORT UnfairLock : public Object<UnfairLock, NSObject> {
 
   /// The lock itself, freed.
   Strong<UnfairLock> init();
-  /// Calls the block once, on the calling thread, with the lock held. A block that was passed is let go of before the
-  /// lock is. Throws: what the block throws, after the lock has been freed; NSException (InvalidArgument) for no block.
+  /// Calls the block once, on the calling thread, with the lock held. The reference to it is released before the lock
+  /// is freed. Throws: what the block throws, after the lock has been freed; NSException (InvalidArgument) for no
+  /// block.
   void withLock(BlockView<void()> block);
   /// The lock word as it is now, by value.
   [[nodiscard]] os_unfair_lock lock();

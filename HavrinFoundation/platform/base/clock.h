@@ -1,12 +1,12 @@
-// The two clocks, and the one place where a test puts its own in their stead.
+// The two clocks, and the one place where a test replaces them.
 //
 //   double start = monotonicSeconds();
 //   work();
 //   double took = monotonicSeconds() - start;      never negative, whatever happens to the date
 //   wallSecondsSince1970()                         1709649000.25 on 5 March 2024 at 14:30:00.25 GMT
 //
-// Dates, delayed performs, throttling, run loops, log lines and the look-up of the system's time zone read the time here.
-// Waiting without a deadline of this clock uses the system's: a run loop in waitForWake, idle worker threads.
+// Dates, delayed performs, throttling, run loops, log lines and the look-up of the system's time zone read the time
+// here. Waiting without a deadline of this clock uses the system's: a run loop in waitForWake, idle worker threads.
 //
 // Left out: time zones, and waiting (a run loop waits).
 #pragma once
@@ -18,7 +18,7 @@
 namespace havrin {
 inline namespace platform {
 
-/// Seconds of a clock that only runs forwards and that no change of the date touches; its zero means nothing.
+/// Seconds of a clock that only runs forwards, whatever happens to the date; its zero is arbitrary.
 /// Cost: one system clock reading without a system call, about 30 ns.
 /// Threads: any; two readings in one thread never decrease.
 [[nodiscard]] HAVRIN_EXPORT double monotonicSeconds();
@@ -31,7 +31,7 @@ inline namespace platform {
 /// Cost: a quarter of monotonicSeconds with the system's clocks.
 [[nodiscard]] HAVRIN_EXPORT std::int64_t coarseTick();
 
-/// What a test installs to own both clocks.
+/// Replaces both clocks in a test.
 class HAVRIN_EXPORT ClockSource {
  public:
   ClockSource() = default;

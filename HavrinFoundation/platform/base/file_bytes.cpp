@@ -11,7 +11,7 @@ namespace {
 
 class File {
  public:
-  // Not blocking, should it turn out to be a pipe that nobody writes to.
+  // Non-blocking, so that opening a pipe without a writer does not wait.
   explicit File(const std::string& path) : descriptor_(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
   File(const File&) = delete;
   File& operator=(const File&) = delete;

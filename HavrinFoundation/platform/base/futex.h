@@ -1,4 +1,4 @@
-// Sleeping on a 32-bit word until somebody changes it. Internal to the layer.
+// Sleeping on a 32-bit word until another thread changes it. Internal to the layer.
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>

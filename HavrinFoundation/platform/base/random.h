@@ -1,4 +1,4 @@
-// Random numbers, and the one place where a test puts its own in their stead.
+// Random numbers, and the one place where a test replaces them.
 //
 //   havrin::arc4random_uniform(6)        0 to 5, each equally likely
 //   secureRandomBits()                   64 bits from the system's secure source
@@ -20,11 +20,11 @@ inline namespace platform {
 /// 64 bits from the system's secure random-number generator. Threads and failure as above.
 [[nodiscard]] HAVRIN_EXPORT std::uint64_t secureRandomBits();
 
-/// An odd number, the same for the life of the process and another for each, so that nobody can choose what meets in a
-/// hash table. A test's source is not asked for it. Threads: any.
+/// An odd number, constant in a process and different between processes, so that no input can be made to collide in a
+/// hash table. Never taken from a test's source. Threads: any.
 [[nodiscard]] HAVRIN_EXPORT std::uint64_t hashSecret();
 
-/// What a test installs to own every random number but hashSecret().
+/// Replaces every random number but hashSecret() in a test.
 class HAVRIN_EXPORT RandomSource {
  public:
   RandomSource() = default;

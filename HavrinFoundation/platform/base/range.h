@@ -57,7 +57,7 @@ struct ClosedRange {
   Type upperBound;
 };
 
-/// What a search answers in place of a position it did not find: 2^63 - 1.
+/// The result of a search that finds nothing: 2^63 - 1.
 inline constexpr std::uint64_t kNotFound = 0x7FFF'FFFF'FFFF'FFFF;
 
 /// A range of UTF-16 units: where it begins and how many units it has. Nothing is checked.

@@ -5,7 +5,7 @@
 //   os_unfair_lock_trylock(&word)                   false: not even its holder takes it twice
 //   os_unfair_lock_unlock(&word);                   free again
 //
-// Unfair: whoever comes while the lock is free takes it, also before threads that have waited longer.
+// Unfair: a thread that finds the lock free takes it, even before threads that have waited longer.
 // A held word must not be moved, nor destroyed while a thread waits for it; it does not work across processes.
 // The holder is known by a number of its own and not by the system's thread number: it is never given to a second
 // thread (before 2^31 threads have taken a lock), and a forked child's thread still owns what it held.
@@ -22,7 +22,7 @@
 namespace havrin {
 inline namespace platform {
 
-/// The lock word: 0 when free. A copy of a held word is not zero, and is no lock.
+/// The lock word: 0 when free. A copy of a held word is not zero, and must not be used as a lock.
 struct HAVRIN_THREAD_SAFETY(capability("mutex")) os_unfair_lock {
   std::uint32_t _os_unfair_lock_opaque = 0;
 };
@@ -38,6 +38,7 @@ HAVRIN_EXPORT void lockSlowly(os_unfair_lock* lock);
 /// Frees the lock and wakes a waiter; aborts when this thread does not hold it.
 HAVRIN_EXPORT void unlockSlowly(os_unfair_lock* lock);
 
+// Acquires what the release of the last unlock published; a failed attempt orders nothing.
 inline bool take(os_unfair_lock* lock, std::uint32_t thread) {
   std::uint32_t expected = 0;
   return std::atomic_ref(lock->_os_unfair_lock_opaque)

@@ -9,9 +9,9 @@
 namespace havrin {
 inline namespace platform {
 
-/// A queue whose closures run inside its target's. It keeps them itself and queues *turns* on the target: a turn of a
-/// serial queue runs all that is there, and there is never more than one; a turn of a concurrent queue runs one.
-/// A turn that finds itself on a queue that is no longer the target goes on to the new one.
+/// A queue whose closures run inside its target's closures. It stores them itself and queues *turns* on the target. A
+/// serial queue has at most one turn, which runs all closures that are stored; a turn of a concurrent queue runs one.
+/// A turn that begins on a queue that is no longer the target is queued on the new target.
 class CreatedQueueState final : public QueueState {
  public:
   CreatedQueueState(std::string_view label, dispatch_queue_attr_t attribute, const DispatchQueue& target);
@@ -36,8 +36,9 @@ class CreatedQueueState final : public QueueState {
   DispatchQueue target_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
   // Serial queues: a turn is queued or running, or a dispatch_sync is inside.
   bool busy_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = false;
-  WorkFifo batch_;                       // serial queues: belongs to whoever made the queue busy
-  std::atomic<bool> retargeted_{false};  // since the present batch was begun
+  WorkFifo batch_;  // serial queues: accessed only by the thread that made the queue busy
+  std::atomic<bool> retargeted_{
+      false};  // since the present batch began; a late reading only delays the move, so relaxed
 };
 
 }  // namespace platform

@@ -8,7 +8,7 @@ inline namespace platform {
 namespace {
 
 constexpr std::size_t kFirstSlots = 16;
-// Below this many cancelled requests it is not worth while to rebuild the heap.
+// With fewer cancelled requests than this the heap is not rebuilt.
 constexpr std::size_t kFewCancelled = 64;
 
 }  // namespace
@@ -50,7 +50,7 @@ Work DelayedPerforms::withdraw(Request* request) {
 }
 
 void DelayedPerforms::cancel(const PerformKey& key, BlockView<bool(const void* argument)> sameArgument) {
-  // What the work holds is released after the walk: its destructors may arrange and cancel.
+  // The work is destroyed after the walk, because its destructors may add and cancel requests.
   Work first;
   std::vector<Work> others;
   for (Request* each = firstWith(key.target, key.selector); each != nullptr; each = each->next) {

@@ -1,9 +1,9 @@
 // The delayed work of one mode of one run loop. Internal to the layer; used on one thread.
 //
-// A heap finds what is due next, a hash table what bears a key. Debouncing moves one request's deadline again and
-// again, nearly always later, so a request's place in the heap may be older than its deadline: moving it later, or
-// cancelling it, writes the request and leaves the heap alone, and arranging it again finds the place it had. The heap
-// sets itself right when such a place comes to its top, or when they have become too many.
+// A heap finds the request that is due next, a hash table the requests with a key. Debouncing moves one request's
+// deadline repeatedly, nearly always later. So a request's place in the heap may be earlier than its deadline: moving
+// it later, or cancelling it, writes the request alone, and adding it again reuses its place. Such a place is corrected
+// when it comes to the top of the heap, or when there are too many of them.
 #pragma once
 
 #include <HavrinFoundation/platform/dispatch/work.h>
@@ -19,7 +19,7 @@ inline namespace platform {
 
 using detail::Work;
 
-/// What a delayed perform is known by when it is cancelled: three addresses. Its work keeps alive what they point to.
+/// The identity of a delayed perform when it is cancelled: three addresses, of objects that its work keeps alive.
 struct PerformKey {
   const void* target = nullptr;
   const void* selector = nullptr;

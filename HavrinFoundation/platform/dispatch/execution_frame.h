@@ -1,7 +1,7 @@
-// Which queue's closure a thread is running: the frames on its stack. Internal to the layer.
+// The queues whose closures a thread is running: a chain of frames on its stack. Internal to the layer.
 //
-// A closure's frame stands on the frames of the queues through which its queue runs, as they were when it began: that
-// chain, and not the queues' present targets, is what a closure can ask about. A dispatch_sync starts a new chain.
+// A closure's frame points to the frames of the queues through which its queue ran when it began. Questions about the
+// current queue follow that chain, not the queues' present targets. A dispatch_sync starts a new chain.
 #pragma once
 
 #include <HavrinFoundation/platform/dispatch/queue_state.h>
@@ -32,7 +32,7 @@ struct ExecutionFrame {
   static constinit thread_local const ExecutionFrame* innermost [[gnu::tls_model("initial-exec")]];
 };
 
-/// A closure of `queue` runs on this thread as long as this stands.
+/// Marks, for the length of a scope, that this thread runs a closure of `queue`.
 class EnterQueue {
  public:
   EnterQueue(QueueState& queue, const ExecutionFrame* target);

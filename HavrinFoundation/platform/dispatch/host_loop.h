@@ -1,4 +1,4 @@
-// The main queue inside somebody else's event loop. A program whose main thread already waits in another loop gives it
+// The main queue inside a foreign event loop. A program whose main thread already waits in another loop gives it
 // one descriptor to watch, and calls one function when the descriptor is readable.
 //
 //   int descriptor = mainLoopDescriptor();                      watch it for input, level-triggered

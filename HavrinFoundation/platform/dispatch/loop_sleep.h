@@ -13,8 +13,8 @@ inline namespace platform {
 class LoopSleep {
  public:
   /// Sleeps until woken, `seconds` at most; returns at once when `hasWork()`. Threads: the one that sleeps.
-  // First it is made known that the thread sleeps, then it looks once more: callers of wake have added their work
-  // before, so that one of the two sees the other.
+  // The thread stores that it sleeps, then looks for work; a caller of wake adds work, then reads that state. The
+  // accesses are sequentially consistent, so at least one of the two sees what the other wrote.
   template <std::predicate HasWork>
   void sleep(double seconds, HasWork hasWork) {
     state_.store(kAsleep, std::memory_order_seq_cst);

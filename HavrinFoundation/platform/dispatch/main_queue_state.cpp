@@ -20,7 +20,7 @@ void MainQueueState::append(Work&& work) {
     first = pending_.empty();
     pending_.push(std::move(work));
   }
-  // Whoever made the queue non-empty has woken the loop; it looks at the whole queue.
+  // One wake-up is enough: the loop runs the whole queue.
   if (first) RunLoop::main().wake();
 }
 

@@ -12,7 +12,7 @@ inline namespace platform {
 namespace once {
 namespace {
 
-// While the block runs the state is the thread that runs it, with this bit once somebody waits.
+// While the block runs the state is the thread that runs it, with this bit set once another thread waits.
 constexpr std::uint32_t kWaiters = 0x8000'0000;
 
 void run(BlockView<void()> block) {

@@ -3,7 +3,7 @@
 //   static dispatch_once_t once;
 //   dispatch_once(&once, [] { table = readTable(); });       all callers return after the one call has returned
 //
-// Left out: retrying. A block that throws ends the process: nobody could say whether it has happened.
+// Left out: retrying. A block that throws ends the process, since it would be neither done nor undone.
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>

@@ -4,7 +4,7 @@
 //   cancelPreviousPerformRequests(*field, selector<"search">, nullptr);        or never
 //   performSelectorOnThread(*view, selector<"show:">, *NSThread::mainThread(), image, true);
 //
-// A message takes no argument or one object. Target and argument are kept alive until the message has been sent, or the
+// A message takes no argument or one object. Target and argument are retained until the message has been sent, the
 // request is cancelled, or its thread ends.
 //
 // Left out: performing in the background, in several modes at once, and the results of the messages.
@@ -30,14 +30,14 @@ HAVRIN_EXPORT void performSelectorAfterDelay(NSObject& target, Selector selector
                                              double delaySeconds, std::string_view mode = NSDefaultRunLoopMode);
 
 /// Cancels what was arranged on the calling thread's run loop, in any mode, for this very target, this selector and an
-/// argument that `isEqual` to `argument`; null equals null only. Target and argument are let go of at once.
+/// argument that `isEqual` to `argument`; null equals null only. Target and argument are released at once.
 HAVRIN_EXPORT void cancelPreviousPerformRequests(NSObject& target, Selector selector, NSObject* argument);
 
 /// Cancels everything that was arranged on the calling thread's run loop for this very target.
 HAVRIN_EXPORT void cancelPreviousPerformRequests(NSObject& target);
 
-/// The same as cancelPreviousPerformRequests without an argument and then performSelectorAfterDelay in the default mode,
-/// in one step: of a burst of calls the last one counts.
+/// The same as cancelPreviousPerformRequests without an argument and then performSelectorAfterDelay in the default
+/// mode, in one step: only the last call of a burst sends the message.
 /// Throws: as performSelectorAfterDelay.
 /// Cost: when a request waits and moves later, the clock and one look-up.
 HAVRIN_EXPORT void reperformSelectorAfterDelay(NSObject& target, Selector selector, double delaySeconds);

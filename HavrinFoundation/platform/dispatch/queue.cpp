@@ -19,8 +19,8 @@ QueueState& stateOf(const DispatchQueue& queue) {
   return QueueState::of(queue);
 }
 
-// A dispatch_sync that has to wait for its turn. The thread that comes to it waits in its stead while the caller runs
-// the block, with the queue held for it; only the main thread runs the block itself.
+// A dispatch_sync that has to wait for its turn. The thread that reaches it holds the queue and waits while the caller
+// runs the block; only the main thread runs the block itself.
 class WaitingCall {
  public:
   WaitingCall(QueueState& queue, BlockView<void()> block) : queue_(queue), block_(block) {}
@@ -65,8 +65,8 @@ class WaitingCall {
     finish(*finished_, 1);
   }
 
-  // The other thread may be gone, and the word with it, as soon as it has seen the value: waking an address on which
-  // nobody sleeps any more does no harm.
+  // Once it has seen the value, the other thread may return and the word be gone. A wake-up of an address on which no
+  // thread sleeps does no harm.
   static void finish(std::atomic<std::uint32_t>& word, std::uint32_t value) {
     word.store(value, std::memory_order_release);
     futex::wake(word, 1);

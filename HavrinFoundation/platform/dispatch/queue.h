@@ -9,9 +9,9 @@
 // caller's. The main thread has the main queue as current queue whenever it is in no other queue's closure, also in a
 // plain main() before any run loop. Other threads that run no queue's closure have none.
 //
-// The main thread is the process's first thread, whoever touched a queue first. Its run loop runs what is queued on the
-// main queue (run_loop.h), or somebody else's event loop does (host_loop.h). Worker threads appear when something is
-// queued on another queue, and go when they have been idle for some seconds; none of them keeps the process alive.
+// The main thread is the process's first thread, whichever thread used a queue first. Its run loop runs the main queue
+// (run_loop.h), or a foreign event loop does (host_loop.h). Worker threads start when something is queued on another
+// queue and end after some idle seconds; none of them keeps the process alive.
 //
 // An exception that leaves a queued closure ends the process with one line; one that leaves a closure of dispatch_sync
 // reaches the caller.
@@ -58,7 +58,8 @@ HAVRIN_EXPORT void queueWork(const DispatchQueue& queue, Work&& work);
 
 inline namespace platform {
 
-/// A shared reference to a queue; null by default. A queue lives as long as a reference to it or a closure on it.
+/// A shared reference to a queue; null by default. A queue lives as long as there is a reference to it or a closure on
+/// it.
 /// Threads: copies may be used from any thread.
 class HAVRIN_EXPORT DispatchQueue {
  public:
@@ -96,7 +97,7 @@ class HAVRIN_EXPORT DispatchQueue {
 /// order.
 enum dispatch_queue_attr_t { DISPATCH_QUEUE_SERIAL, DISPATCH_QUEUE_CONCURRENT };
 
-/// The queue whose closures run on the main thread.
+/// The queue whose closures run on the main thread. Cost: no counting; the queue is never destroyed.
 [[nodiscard]] HAVRIN_EXPORT DispatchQueue dispatch_get_main_queue();
 
 /// The process's concurrent queue, whose closures run on worker threads: as many as there are processors, and more, up
@@ -104,16 +105,18 @@ enum dispatch_queue_attr_t { DISPATCH_QUEUE_SERIAL, DISPATCH_QUEUE_CONCURRENT };
 [[nodiscard]] HAVRIN_EXPORT DispatchQueue dispatch_get_global_queue();
 
 /// A new queue. Its closures run as closures of `target`, the global queue when that is null.
+/// Result: `label` is copied; it names the queue in messages about misuse.
 [[nodiscard]] HAVRIN_EXPORT DispatchQueue dispatch_queue_create(std::string_view label, dispatch_queue_attr_t attribute,
                                                                 const DispatchQueue& target = DispatchQueue());
 
-/// Lets the closures of `queue` that have not begun run as closures of `target`, the global queue when that is null:
+/// Makes the closures of `queue` that have not begun run as closures of `target`, the global queue when that is null:
 /// closures of all queues that target one serial queue run one at a time. The process's own queues have no target.
 /// Aborts when `target` runs through `queue` itself, or `queue` is one of the process's own.
+/// Throws: NSException (InvalidArgument) when `queue` is null.
 HAVRIN_EXPORT void dispatch_set_target_queue(const DispatchQueue& queue, const DispatchQueue& target);
 
-/// Queues a closure to be run once and returns at once. It, or its copy, lives until it has run.
-/// Throws: NSException (InvalidArgument) when it is a null block or a null function; nothing is queued.
+/// Queues a closure to be run once and returns at once. The closure, or its copy, is destroyed when it has run.
+/// Throws: NSException (InvalidArgument) when the queue, block or function is null; nothing is queued.
 /// Cost: no allocation for a block, or for a closure of at most three words.
 template <class Closure>
 requires std::invocable < std::decay_t<Closure>
@@ -124,18 +127,21 @@ requires std::invocable < std::decay_t<Closure>
 /// Runs `block` as a closure of `queue`, after everything queued before, and returns when it has run. It runs on the
 /// calling thread; on the main thread when `queue` is the main queue or runs through it.
 /// Aborts when the caller already holds `queue`, or a serial queue through which it runs: that could never begin.
-/// Throws: what the block throws; NSException (InvalidArgument) when it is null.
+/// Throws: what the block throws; NSException (InvalidArgument) when the queue or the block is null.
 HAVRIN_EXPORT void dispatch_sync(const DispatchQueue& queue, BlockView<void()> block);
 
 /// The value under `key` of the current queue, or else of the nearest queue through which its closure runs. Null when
-/// none of them has one, or no queue is current. Keys are compared as addresses.
+/// none of them has one, or there is no current queue. Keys are compared as addresses.
+/// Cost: linear in the keys of these queues; takes no lock.
 [[nodiscard]] HAVRIN_EXPORT void* dispatch_get_specific(const void* key);
 
-/// The value under `key` of this very queue, null when it has none.
+/// The value under `key` of this queue alone; null when it has none.
+/// Throws: NSException (InvalidArgument) when `queue` is null.
 [[nodiscard]] HAVRIN_EXPORT void* dispatch_queue_get_specific(const DispatchQueue& queue, const void* key);
 
-/// Puts `context` under `key`, or takes the value away when `context` is null. A value that is replaced or taken away,
-/// and every value of a queue that is destroyed, goes to the function it came with, later, on the global queue.
+/// Sets the value under `key`, or removes it when `context` is null. The destructor given with a value is called with
+/// it on the global queue, some time after the value is replaced or removed or the queue is destroyed.
+/// Throws: NSException (InvalidArgument) when `queue` is null.
 HAVRIN_EXPORT void dispatch_queue_set_specific(const DispatchQueue& queue, const void* key, void* context,
                                                void (*destructor)(void*));
 

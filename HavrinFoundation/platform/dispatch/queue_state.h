@@ -1,4 +1,4 @@
-// What stands behind a reference to a queue. Internal to the layer.
+// The object behind a reference to a queue. Internal to the layer.
 #pragma once
 
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
@@ -44,7 +44,7 @@ class QueueState : public detail::QueueOwners {
   /// Aborts on the process's own queues.
   virtual void setTarget(const DispatchQueue& target);
 
-  /// Runs `work`, whose exceptions nobody is there to catch: one ends the process with one line.
+  /// Runs `work`. An exception that leaves it ends the process with one line, since no caller could catch it.
   void runQueued(Work work) noexcept;
 
  protected:
@@ -52,7 +52,9 @@ class QueueState : public detail::QueueOwners {
   QueueState(std::string_view label, Lifetime lifetime);
 
  private:
-  // Only ever added to the front, so that reading needs no lock; a value taken away leaves its entry with null.
+  // Entries are only added at the front and never removed while the queue lives, so that reading needs no lock: a
+  // reader acquires the list's head, which a writer releases with the entry complete. A removed value leaves null in
+  // its entry.
   struct Specific {
     const void* key;
     std::atomic<void*> context;

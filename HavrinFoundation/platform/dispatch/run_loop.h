@@ -1,5 +1,5 @@
-// Run loops: one per thread, made when its thread first asks. A run loop runs delayed work when it is due and posted
-// work when it comes; the main thread's also runs the main queue.
+// Run loops: one per thread, made at the thread's first use of it. A run loop runs delayed work when it is due and
+// posted work when it arrives; the main thread's also runs the main queue.
 //
 //   RunLoop& loop = RunLoop::current();
 //   loop.performAfter(0.3, [] { redraw(); });
@@ -10,7 +10,8 @@
 // the default mode and those that were added to them, and the main queue is run in these. Times are readings of
 // monotonicSeconds (clock.h).
 //
-// A run loop ends with its thread: work that waits is destroyed there and never run. The main thread's never ends.
+// A run loop ends with its thread: pending work is destroyed on that thread without being run. The main thread's never
+// ends.
 //
 // A source keeps a loop waiting (run_loop_source.h).
 //
@@ -40,7 +41,7 @@ inline constexpr std::string_view NSRunLoopCommonModes = "havrin.common";
 
 class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
  public:
-  /// The calling thread's run loop. Other threads that post to it hold it by `shared_from_this`.
+  /// The calling thread's run loop. Other threads that post to it keep it by `shared_from_this`.
   [[nodiscard]] static RunLoop& current();
   /// The main thread's, on any thread.
   [[nodiscard]] static RunLoop& main();
@@ -48,21 +49,23 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   RunLoop(const RunLoop&) = delete;
   RunLoop& operator=(const RunLoop&) = delete;
 
-  /// Runs what the mode has: delayed work when it is due, posted work, in a common mode of the main thread's loop the
-  /// main queue. Waits for more, and returns when a batch of posted work or of the main queue has been run, at `limit`,
-  /// or when nothing is attached any more. Delayed work alone does not end the call.
+  /// Runs the work of the mode: delayed work when it is due, posted work, and in a common mode of the main thread's
+  /// loop the main queue. Waits for more, and returns when a batch of posted work or of the main queue has been run, at
+  /// `limit`, or when nothing is attached. Delayed work alone does not end the call.
   /// Result: false, at once, when nothing was attached: neither work nor a source nor the main queue.
   /// Throws: what delayed or posted work throws. Threads: the loop's own.
   bool runMode(std::string_view mode, double limit);
   /// Runs the default mode again and again until `limit`; returns at once when nothing is attached to it.
   /// Threads: the loop's own.
   void runUntil(double limit);
-  /// Runs what the mode has now, without waiting. Result: whether anything has run. Threads: the loop's own.
+  /// Runs the work of the mode that is due now, without waiting. Result: whether anything has run.
+  /// Throws: what the work throws. Threads: the loop's own.
   bool runDue(std::string_view mode = NSDefaultRunLoopMode);
 
   /// Runs `closure` once, when `delaySeconds` have passed and the loop runs in the mode. A delay that is zero, negative
-  /// or not a number is over at once, but never within the call. What is due together runs in the order of the due
-  /// times, then of the calls; what is arranged while due work runs waits for the next pass.
+  /// or NaN is over at once, but the closure never runs within the call. Due work runs in the order of the due times,
+  /// then of the calls; work that is added while due work runs waits for the next pass.
+  /// Cost: logarithmic in the delayed work; no allocation for a closure of at most three words but the request's own.
   /// Threads: the loop's own.
   template <class Closure>
   requires std::invocable < std::decay_t<Closure>
@@ -82,12 +85,12 @@ class HAVRIN_EXPORT RunLoop : public std::enable_shared_from_this<RunLoop> {
   }
   /// Makes `mode` one of the common modes. Threads: any.
   void addCommonMode(std::string_view mode);
-  /// Lets the loop look again, if it waits. Threads: any.
+  /// Makes a waiting loop look for work again. Threads: any.
   void wake();
-  /// Wakes every run loop of the process: for whoever moves the clock. Threads: any.
+  /// Wakes every run loop of the process, as an installed clock must when it moves. Threads: any.
   static void wakeAll();
   /// Waits until something is posted or the loop is woken, `seconds` at most, whatever the clock of the process says;
-  /// returns at once when posted work or the main queue is there. Threads: the loop's own.
+  /// returns at once when posted work is pending or the main queue is not empty. Threads: the loop's own.
   void waitForWake(double seconds, std::string_view mode = NSDefaultRunLoopMode);
 
   /// The object of the loop's thread. Threads: the loop's own; the main loop's on any.

@@ -1,4 +1,4 @@
-// What waits in one mode of one run loop. Internal to the layer.
+// The pending work of one mode of one run loop. Internal to the layer.
 #pragma once
 
 #include <HavrinFoundation/platform/dispatch/delayed_performs.h>
@@ -24,7 +24,7 @@ class RunLoopMode {
   std::size_t sources = 0;
 };
 
-/// What a loop that runs in one mode looks at.
+/// The modes whose work a loop runs while it runs in one of them.
 struct RunLoopModes {
   RunLoopMode* named;
   RunLoopMode* common;  // null when the named mode is none of the common ones

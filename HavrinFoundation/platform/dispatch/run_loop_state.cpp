@@ -90,7 +90,7 @@ Strong<NSThread> RunLoopState::threadObject() {
   return Strong<NSThread>(static_cast<NSThread*>(thread_.get()));
 }
 
-// What is destroyed here may arrange and post more: it is refused, and destroyed at once.
+// Destructors that run here may add and post more work, which is refused and destroyed at once.
 void RunLoopState::end() {
   delays.end();
   const ModeTable::All ending = modes.end();

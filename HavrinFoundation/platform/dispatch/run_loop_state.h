@@ -35,9 +35,9 @@ class RunLoopState final : public RunLoop {
   }
   void cancelPerforms(const void* target) { delays.cancel(target); }
 
-  /// What a foreign event loop watches, made at the first call. Main thread only.
+  /// The descriptor that a foreign event loop watches, made at the first call. Main thread only.
   [[nodiscard]] HostDescriptor& hostDescriptor();
-  /// Makes the descriptor readable when, and only when, something is there to run. Main thread only.
+  /// Makes the descriptor readable exactly when there is something to run. Main thread only.
   void reportToHost();
 
   [[nodiscard]] bool isAttached(const RunLoopModes& modes);

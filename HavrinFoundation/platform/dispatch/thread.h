@@ -1,4 +1,4 @@
-// Threads as objects: one for each thread, whoever made the thread.
+// Threads as objects: one for each thread, however the thread was started.
 //
 //   NSThread::currentThread() == NSThread::currentThread()         true
 //   NSThread::currentThread()->isMainThread()

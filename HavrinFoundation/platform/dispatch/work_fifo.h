@@ -1,4 +1,4 @@
-// Closures in the order in which they came. Not thread-safe; whoever owns one guards it.
+// A first-in, first-out list of closures. Not thread-safe; its owner guards it.
 #pragma once
 
 #include <HavrinFoundation/platform/dispatch/work.h>
@@ -25,7 +25,7 @@ class WorkFifo {
     if (empty()) {
       clear();
     } else if (head_ >= kCompactAt && head_ * 2 >= items_.size()) {
-      // A queue that never runs empty must not keep the places of all that it ever held.
+      // Without this, a queue that never becomes empty would grow with every closure it ever held.
       items_.erase(items_.begin(), items_.begin() + static_cast<std::ptrdiff_t>(head_));
       head_ = 0;
     }

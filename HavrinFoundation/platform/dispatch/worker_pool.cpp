@@ -78,7 +78,7 @@ void WorkerPool::append(Work&& work) {
   getHelp(wanted);
 }
 
-// Whether another thread must get up for what is pending, to run it or to stand by; it counts as busy at once.
+// Whether to wake or start a thread for pending work, to run it or to stand by. That thread counts as busy at once.
 WorkerPool::Help WorkerPool::help() {
   const bool someoneLooks = standingBy_ > 0 || chosen_ > 0 || starting_ > 0;
   if (pending_.empty() || (someoneLooks && busy() >= processors_)) return Help::kNone;
@@ -101,7 +101,7 @@ void WorkerPool::getHelp(Help wanted) {
   } catch (const std::system_error&) {
     UnfairLockGuard guard(lock_);
     --starting_;
-    // Without any thread the closures would wait for ever.
+    // Without any thread the closures would never run.
     if (threads_.size() + starting_ == 0) throw;
   }
 }
@@ -133,7 +133,8 @@ void WorkerPool::serve() {
   }
 }
 
-// A thread that has just got up and is one too many stands by, or lies down again; one that has run a closure goes on.
+// A thread that has just woken and exceeds the number of processors stands by, or sleeps again; one that has run a
+// closure goes on.
 WorkerPool::Turn WorkerPool::takeTurn(Work& work, bool gotUp) {
   Help wanted = Help::kNone;
   {
@@ -178,7 +179,7 @@ bool WorkerPool::standBy() {
   }
 }
 
-// Sleeps until some thread is chosen to get up, and is that thread. Result: false when it has ended instead.
+// Sleeps until this thread is chosen to wake up. Result: false when it is to end instead.
 bool WorkerPool::waitForWork() {
   bool inTime = true;
   for (;;) {

@@ -12,10 +12,10 @@
 namespace havrin {
 inline namespace platform {
 
-/// Begins closures in the order of their queueing, on threads of its own: as many as there are processors. While these
-/// are busy and closures wait, one more thread stands by; when no closure has begun for a moment although a processor
-/// is free, the busy threads must be blocked, perhaps by a closure that waits, and it runs one. Threads go when they
-/// have had nothing to do for some seconds; none is ever joined.
+/// Begins closures in the order in which they were queued, on as many threads as there are processors. While these are
+/// busy and closures wait, one more thread stands by. When no closure has begun for a moment although a processor is
+/// free, the busy threads must be blocked, perhaps by a closure that waits; the thread that stands by then runs one.
+/// Threads end after some idle seconds; none is joined.
 class WorkerPool final : public QueueState {
  public:
   static WorkerPool& shared();
@@ -49,10 +49,10 @@ class WorkerPool final : public QueueState {
   std::uint64_t begun_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;     // closures ever taken from `pending_`
   std::vector<pid_t> threads_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));  // those that have started and not ended
   std::size_t starting_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;    // those that have not started yet
-  std::size_t idle_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;  // those that wait and have not been chosen to get up
-  std::size_t chosen_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;      // those that may get up, whichever they are
+  std::size_t idle_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;        // waiting, and not chosen to wake up
+  std::size_t chosen_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;      // how many of the waiting threads may wake up
   std::size_t standingBy_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;  // none or one
-  std::atomic<std::uint32_t> wakes_{0};                                 // what the idle ones sleep on
+  std::atomic<std::uint32_t> wakes_{0};                                 // the futex word on which idle threads sleep
 };
 
 }  // namespace platform
