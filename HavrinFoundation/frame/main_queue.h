@@ -1,11 +1,10 @@
 // A block on the main queue: at once when the caller is on it already, later when not.
 //
 //   GuaranteeMainQueue([view] { view->redraw(); });
-//       on the main queue, or on a queue that runs through it:  has run when the call returns
-//       anywhere else:                                           is queued, and runs on the main thread's run loop
 //
-// The question is about the queue and not about the thread: the main thread inside a dispatch_sync to a private queue is
-// not on the main queue.
+// On the main queue, or on a queue that runs through it, the block has run when the call returns. Anywhere else it is
+// queued and runs on the main thread's run loop. What counts is the queue, not the thread: the main thread inside a
+// dispatch_sync to a private queue is not on the main queue.
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>

@@ -1,7 +1,11 @@
 // What a lock reports to clang's static analysis and to the thread sanitizer.
 //
-//   os_unfair_lock lock_;
-//   int count_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = 0;      clang -Wthread-safety refuses access without the lock
+//   struct Counter {
+//     os_unfair_lock lock;
+//     int count HAVRIN_THREAD_SAFETY(guarded_by(lock)) = 0;
+//   };
+//
+// With -Wthread-safety clang rejects code that uses `count` without holding `lock`.
 //
 // The sanitizer sees a lock, with its holder and its order, and not a loop over an atomic word. Without the sanitizer
 // the functions are empty; compilers other than clang ignore the annotations.

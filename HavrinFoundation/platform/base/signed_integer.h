@@ -1,8 +1,7 @@
-// The types that count as whole numbers where a function takes std::int64_t and must not quietly convert anything else.
+// The types of arguments that a function with a std::int64_t parameter accepts when it must not convert silently.
 //
-//   std::string base36Value(std::int64_t integer);
-//   template <OtherThanInt64 Type>
-//   std::string base36Value(Type) { static_assert(kFitsInt64<Type>, "..."); }      1.5, true, 'a', 7ull do not compile
+//   kFitsInt64<int>                      true
+//   kFitsInt64<unsigned long long>       false: a template for OtherThanInt64 rejects it, and 1.5, true and 'a'
 #pragma once
 
 #include <cstdint>

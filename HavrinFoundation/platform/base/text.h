@@ -1,7 +1,8 @@
-// A text as a template argument: selectors and keys in the source are spelt as string literals.
+// A text as a template argument: selectors and keys are string literals in the source.
 //
-//   send<"select:">(stations, isOnAir);
+//   Text("title").view()                    "title"
 //   setterSelector<"title">.view()          "setTitle:"
+//   selectorArgumentCount("insert:at:")     2
 #pragma once
 
 #include <cstddef>

@@ -1,9 +1,8 @@
 // The main queue inside a foreign event loop. A program whose main thread already waits in another loop gives it
 // one descriptor to watch, and calls one function when the descriptor is readable.
 //
-//   int descriptor = mainLoopDescriptor();                      watch it for input, level-triggered
-//   ... the host loop finds it readable:
-//   drainMainLoop();                                            runs what is due, and returns
+//   int descriptor = mainLoopDescriptor();      watch it for input, level-triggered
+//   drainMainLoop();                            when it is readable: runs what is due, and returns
 //
 // Nothing else is needed: the descriptor is readable when something is queued on the main queue or posted to the main
 // run loop's default mode, and when a delayed perform is due there; after a drain that left nothing it is not. A host

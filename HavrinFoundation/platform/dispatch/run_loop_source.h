@@ -1,4 +1,4 @@
-// Something outside that a run loop waits for.
+// An event from outside that keeps a run loop waiting, and the handler that runs when it occurs.
 //
 //   RunLoopSource arrived([&] { read(); });       the calling thread's loop waits, also when it has no work
 //   arrived.signal();                             on any thread: read() runs on the loop's thread
@@ -24,7 +24,7 @@ class HAVRIN_EXPORT RunLoopSource {
   RunLoopSource(const RunLoopSource&) = delete;
   RunLoopSource& operator=(const RunLoopSource&) = delete;
 
-  /// Lets the handler run once, on the loop's thread; signals before it begins count as one. Threads: any.
+  /// Makes the handler run once, on the loop's thread; signals before it begins count as one. Threads: any.
   void signal();
 
  private:
