@@ -104,7 +104,7 @@ TEST(InsecureUnarchiving, TellsBytesThatAreNoArchiveFromObjectsThatCannotBeDecod
        makeData("<plist><dict><key>$archiver</key><string>X</string></dict></plist>"), false},
       {"nothing under the root key", makeData(xml("<key>other</key>" + uid(1), "<string>x</string>")), true},
       {"null at the root", makeData(xml("<key>root</key>" + uid(0), "")), true},
-      {"a reference to no object", makeData(xml("<key>root</key>" + uid(9), "")), true},
+      {"reference to an object that does not exist", makeData(xml("<key>root</key>" + uid(9), "")), true},
       {"a class that nobody knows", makeData(point("Nobody")), true},
   };
   for (const Row& row : rows) {

@@ -5,11 +5,12 @@
 #include <bit>
 #include <cstring>
 
-// The form, which has no published standard: "bplist00"; the objects; the table of their offsets; 32 bytes of trailer.
-// All numbers are big-endian. An object begins with a byte that holds its kind in the upper half and a size in the lower
-// one, or 15 where an integer object with the size follows. A reference is the number of an object, which is the index of
-// its offset in the table. The trailer: 6 bytes unused, the widths of offsets and references, then, 8 bytes each, how
-// many objects there are, the number of the outermost one, and where the table stands.
+// The format, which has no published standard: "bplist00", the objects, the table of their offsets, a trailer of 32
+// bytes. All numbers are big-endian. An object begins with a byte that holds its type in the upper half and a size in
+// the lower half; the size 15 means that an integer object with the size follows. A reference is the number of an
+// object, which is the index of its offset in the table. The trailer has 6 unused bytes, the widths of offsets and
+// references, and then, in 8 bytes each, the number of objects, the number of the top object, and the offset of the
+// table.
 
 namespace havrin {
 inline namespace platform {
@@ -18,7 +19,8 @@ namespace {
 constexpr std::string_view kMagic = "bplist00";
 constexpr std::uint64_t kTrailerSize = 32;
 
-// The 1 to 8 bytes at `bytes`. Eight can be read there: at least the trailer stands behind every number.
+// The number in the `size` (1 to 8) bytes at `bytes`. Loads eight, which is safe because the trailer follows every
+// number.
 std::uint64_t bigEndian(const std::byte* bytes, std::uint64_t size) noexcept {
   std::uint64_t value = 0;
   std::memcpy(&value, bytes, sizeof value);
@@ -52,7 +54,7 @@ bool isBinaryPropertyList(std::span<const std::byte> bytes) noexcept {
 }
 
 Decoded<BinaryPropertyList> BinaryPropertyList::fromData(std::span<const std::byte> data) {
-  if (!isBinaryPropertyList(data)) return errorAtByte(0, "no binary property list");
+  if (!isBinaryPropertyList(data)) return errorAtByte(0, "not a binary property list: \"bplist00\" is missing");
   if (data.size() < kHeaderSize + kTrailerSize) return errorAtByte(data.size(), "the data ends before its trailer");
 
   const std::uint64_t trailerOffset = data.size() - kTrailerSize;
@@ -65,17 +67,16 @@ Decoded<BinaryPropertyList> BinaryPropertyList::fromData(std::span<const std::by
   list.topObject_ = bigEndian(trailer + 16, 8);
   list.tableOffset_ = bigEndian(trailer + 24, 8);
 
-  if (list.offsetSize_ - 1u > 7) return errorAtByte(trailerOffset + 6, "offsets of an unknown width");
-  if (list.referenceSize_ - 1u > 7) return errorAtByte(trailerOffset + 7, "references of an unknown width");
+  if (list.offsetSize_ - 1u > 7) return errorAtByte(trailerOffset + 6, "the offset width is not 1 to 8");
+  if (list.referenceSize_ - 1u > 7) return errorAtByte(trailerOffset + 7, "the reference width is not 1 to 8");
   if (list.tableOffset_ <= kHeaderSize || list.tableOffset_ > trailerOffset) {
-    return errorAtByte(trailerOffset + 24, "a table of offsets outside the data");
+    return errorAtByte(trailerOffset + 24, "the offset table is outside the data");
   }
   if (list.objectCount_ > (trailerOffset - list.tableOffset_) / list.offsetSize_) {
-    return errorAtByte(trailerOffset + 8, "more objects than the table of offsets has room for");
+    return errorAtByte(trailerOffset + 8, "more objects than the offset table has room for");
   }
   if (list.objectCount_ > list.objectBytes()) return errorAtByte(trailerOffset + 8, "more objects than bytes");
-  if (list.topObject_ >= list.objectCount_)
-    return errorAtByte(trailerOffset + 16, "an outermost object that is not there");
+  if (list.topObject_ >= list.objectCount_) return errorAtByte(trailerOffset + 16, "the top object does not exist");
   return list;
 }
 
@@ -93,7 +94,7 @@ std::optional<std::uint64_t> BinaryPropertyList::uid(std::uint64_t number) const
   return bigEndian(data_.data() + offset + 1, size);
 }
 
-// Reads one object from its first byte on, in front of the table of offsets. ASCII is not looked through.
+// Reads the object at an offset before the offset table. Does not check that ASCII text is ASCII.
 class BinaryPropertyList::Cursor {
  public:
   Cursor(const BinaryPropertyList& list, std::uint64_t offset) noexcept : list_(list), begin_(offset), at_(offset) {}
@@ -103,14 +104,14 @@ class BinaryPropertyList::Cursor {
     const unsigned size = marker & 15;
     switch (marker >> 4) {
       case 0x0:
-        if (size != 8 && size != 9) return error("a null or a filler, which is no value");
+        if (size != 8 && size != 9) return error("null and fill bytes are not values");
         return finish(BinaryObject::Kind::boolean, size - 8);
       case 0x1:
         return readInteger(size);
       case 0x2:
         return readReal(size);
       case 0x3:
-        if (size != 3) return error("a date of an unknown width");
+        if (size != 3) return error("invalid date width");
         return readNumber(BinaryObject::Kind::date, 8);
       case 0x4:
         return readSequence(BinaryObject::Kind::data, size, 1);
@@ -119,29 +120,29 @@ class BinaryPropertyList::Cursor {
       case 0x6:
         return readSequence(BinaryObject::Kind::utf16Text, size, 2);
       case 0x8:
-        if (size > 7) return error("a UID of more than 64 bits");
+        if (size > 7) return error("the UID does not fit into 64 bits");
         return readNumber(BinaryObject::Kind::uid, size + 1);
       case 0xA:
         return readSequence(BinaryObject::Kind::array, size, list_.referenceSize_);
       case 0xD:
         return readSequence(BinaryObject::Kind::dictionary, size, 2u * list_.referenceSize_);
       default:
-        return error("an object of an unknown kind");
+        return error("unknown object type");
     }
   }
 
  private:
-  static constexpr std::string_view kTooLong = "an object that ends behind the objects";
+  static constexpr std::string_view kTooLong = "the object extends past the end of the objects";
 
   [[nodiscard]] DecodingError error(std::string_view reason) const { return errorAtByte(begin_, reason); }
   [[nodiscard]] std::uint64_t room() const noexcept { return list_.tableOffset_ - at_; }
 
-  // The object whose last byte has been read. Made where it is wanted: copying what was just written stalls.
+  // The object whose last byte has been read. Constructed in place: a copy right after the stores would stall on them.
   Decoded<BinaryObject> finish(BinaryObject::Kind kind, std::uint64_t value) {
     return Decoded<BinaryObject>(std::in_place, kind, at_ - begin_, value);
   }
 
-  // The number in the next bytes, of which there are enough.
+  // The number in the next `size` bytes. Requires size <= room().
   std::uint64_t take(std::uint64_t size) noexcept {
     const std::uint64_t number = bigEndian(list_.data_.data() + at_, size);
     at_ += size;
@@ -153,22 +154,22 @@ class BinaryPropertyList::Cursor {
     return finish(kind, take(size));
   }
 
-  // 1, 2 and 4 bytes are unsigned, 8 signed; 16 bytes hold what is unsigned and needs all of 64 bits.
+  // Integers of 1, 2 and 4 bytes are unsigned, those of 8 bytes signed; 16 bytes hold unsigned values from 2^63 on.
   Decoded<BinaryObject> readInteger(unsigned widthBits) {
-    if (widthBits > 4) return error("an integer of an unknown width");
+    if (widthBits > 4) return error("invalid integer width");
     if (widthBits < 4) return readNumber(BinaryObject::Kind::integer, std::uint64_t{1} << widthBits);
     if (room() < 16) return error(kTooLong);
     const std::uint64_t high = take(8);
     const std::uint64_t low = take(8);
     const bool isNegative = low >> 63 != 0;
     if (high == (isNegative ? ~std::uint64_t{0} : 0)) return finish(BinaryObject::Kind::integer, low);
-    if (high != 0) return error("an integer of more than 64 bits");
+    if (high != 0) return error("the integer does not fit into 64 bits");
     return finish(BinaryObject::Kind::unsignedInteger, low);
   }
 
   Decoded<BinaryObject> readReal(unsigned widthBits) {
     if (widthBits == 3) return readNumber(BinaryObject::Kind::real, 8);
-    if (widthBits != 2) return error("a real of an unknown width");
+    if (widthBits != 2) return error("invalid real width");
     if (room() < 4) return error(kTooLong);
     const double value = std::bit_cast<float>(static_cast<std::uint32_t>(take(4)));
     return finish(BinaryObject::Kind::real, std::bit_cast<std::uint64_t>(value));
@@ -178,7 +179,7 @@ class BinaryPropertyList::Cursor {
     if (count == 15) {
       if (room() == 0) return error(kTooLong);
       const auto marker = std::to_integer<unsigned>(list_.data_[at_++]);
-      if (marker >> 4 != 1 || (marker & 15) > 3) return error("a size that is no integer");
+      if (marker >> 4 != 1 || (marker & 15) > 3) return error("the size is not an integer");
       const std::uint64_t width = std::uint64_t{1} << (marker & 15);
       if (width > room()) return error(kTooLong);
       count = take(width);
@@ -202,21 +203,21 @@ bool BinaryPropertyList::isText(std::uint64_t number, std::string_view text) con
     return (marker & 15) == text.size() && text.size() < tableOffset_ - offset &&
            std::memcmp(data_.data() + offset + 1, text.data(), text.size()) == 0;
   }
-  // A long text is not looked through, nor converted, only to see that it is another.
+  // The count is compared first: a long text is neither read nor converted only to find that it differs.
   const auto object = Cursor(*this, offset).read();
   if (!object || !object->isText() || object->count() > text.size()) return false;
   return object->kind() == BinaryObject::Kind::asciiText ? object->asciiText() == text : object->text() == text;
 }
 
 Decoded<BinaryObject> BinaryPropertyList::object(std::uint64_t number) const {
-  if (number >= objectCount_) return errorAtByte(tableOffset_, "a reference to no object");
+  if (number >= objectCount_) return errorAtByte(tableOffset_, "reference to an object that does not exist");
   const std::uint64_t offset = offsetOf(number);
   if (offset < kHeaderSize || offset >= tableOffset_) {
-    return errorAtByte(tableOffset_ + number * offsetSize_, "an offset outside the objects");
+    return errorAtByte(tableOffset_ + number * offsetSize_, "the offset is outside the objects");
   }
   auto object = Cursor(*this, offset).read();
   if (object && object->kind() == BinaryObject::Kind::asciiText && !isAscii(object->asciiText())) {
-    return errorAtByte(offset, "a text that is marked as ASCII and is not");
+    return errorAtByte(offset, "the ASCII string has a byte that is not ASCII");
   }
   return object;
 }

@@ -1,5 +1,5 @@
-// The binary form of property lists, object by object as they stand in the data: the reader of keyed archives finds its
-// way by number and makes no tree. Internal to the layer.
+// Random access to the objects of a binary property list, by object number and without building a tree: the reader of
+// keyed archives needs only some of them. Internal to the layer.
 //
 //   const auto list = BinaryPropertyList::fromData(bytes);
 //   const auto top = list->object(list->topObject());
@@ -7,9 +7,9 @@
 //     for (std::uint64_t i = 0; i < top->count(); ++i) list->object(top->key(i)) ...
 //   }
 //
-// Every answer was checked against the bounds of the data. What is not checked, because it takes a walk: that references
-// form a tree, that keys are text, and that objects do not overlap. Who walks counts: encodedSize() summed up over the
-// objects that were read, each once, stays within the size of the data, or they overlap.
+// Everything returned has been checked against the bounds of the data. Not checked, because it needs a walk over all
+// objects: that references form a tree, that keys are text, and that objects do not overlap. Callers that walk detect
+// overlap by adding up encodedSize() of each object once; a sum above objectBytes() means that objects overlap.
 #pragma once
 
 #include <HavrinFoundation/platform/documents/property_list.h>
@@ -27,7 +27,7 @@
 namespace havrin {
 inline namespace platform {
 
-/// One object, borrowed from the data.
+/// One object. Refers to the data and must not outlive it.
 class HAVRIN_EXPORT BinaryObject {
  public:
   /// Integers from 2^63 on are unsignedInteger.
@@ -46,19 +46,19 @@ class HAVRIN_EXPORT BinaryObject {
     dictionary
   };
 
-  /// As the list reads it: `value` is a number's bits, or how many `bytes` or parts there are.
+  /// An object read from the list. `value` is the bits of a number, or the number of bytes, units or parts at `bytes`.
   BinaryObject(Kind kind, std::uint64_t encodedSize, std::uint64_t value, const std::byte* bytes = nullptr,
                std::uint8_t referenceSize = 0) noexcept
       : kind_(kind), referenceSize_(referenceSize), encodedSize_(encodedSize), value_(value), bytes_(bytes) {}
 
-  /// An array or a dictionary whose parts have the numbers from `firstPart` on.
+  /// An array or a dictionary whose parts are numbered consecutively from `firstPart`.
   BinaryObject(Kind kind, std::uint64_t encodedSize, std::uint64_t count, std::uint64_t firstPart) noexcept
       : kind_(kind), referenceSize_(0), encodedSize_(encodedSize), value_(count), firstPart_(firstPart) {}
 
   [[nodiscard]] Kind kind() const noexcept { return kind_; }
   [[nodiscard]] bool isText() const noexcept { return kind_ >= Kind::asciiText && kind_ <= Kind::utf8Text; }
 
-  /// The value. Only of the kind that is named.
+  /// The value. Requires the kind of that name.
   [[nodiscard]] bool boolean() const noexcept { return value_ != 0; }
   [[nodiscard]] std::int64_t integer() const noexcept { return static_cast<std::int64_t>(value_); }
   [[nodiscard]] std::uint64_t unsignedInteger() const noexcept { return value_; }
@@ -66,21 +66,21 @@ class HAVRIN_EXPORT BinaryObject {
   [[nodiscard]] Date date() const noexcept { return Date::fromTimeIntervalSinceReferenceDate(real()); }
   [[nodiscard]] std::uint64_t uid() const noexcept { return value_; }
   [[nodiscard]] std::span<const std::byte> data() const noexcept { return {bytes_, value_}; }
-  /// Below U+0080 throughout; of a text in UTF-8, its bytes.
+  /// The bytes of an ASCII or a UTF-8 text.
   [[nodiscard]] std::string_view asciiText() const noexcept { return {reinterpret_cast<const char*>(bytes_), value_}; }
-  /// The units of a text that is not ASCII as they stand, lone surrogates too.
+  /// The UTF-16 units of a UTF-16 or a UTF-8 text, unchanged, lone surrogates included.
   [[nodiscard]] std::u16string utf16Text() const;
   /// Any text as UTF-8, lone surrogates as U+FFFD.
   [[nodiscard]] std::string text() const;
 
-  /// How many objects an array holds, or how many keys a dictionary; bytes of data and of UTF-8, units of text.
+  /// The number of elements of an array, entries of a dictionary, bytes of data and of UTF-8, or units of other text.
   [[nodiscard]] std::uint64_t count() const noexcept { return value_; }
-  /// The number of the object at `index` of an array; of a key and of a value of a dictionary.
+  /// The object number of an element of an array, or of a key or a value of a dictionary. Requires index < count().
   [[nodiscard]] std::uint64_t element(std::uint64_t index) const noexcept { return reference(index); }
   [[nodiscard]] std::uint64_t key(std::uint64_t index) const noexcept { return reference(index); }
   [[nodiscard]] std::uint64_t value(std::uint64_t index) const noexcept { return reference(value_ + index); }
 
-  /// How many bytes the object takes in the data, what it refers to not counted.
+  /// The size of the object in the data, in bytes, without the objects it refers to.
   [[nodiscard]] std::uint64_t encodedSize() const noexcept { return encodedSize_; }
 
  private:
@@ -92,34 +92,34 @@ class HAVRIN_EXPORT BinaryObject {
   std::uint64_t value_;
   union {
     const std::byte* bytes_;
-    std::uint64_t firstPart_;  // where references have no size
+    std::uint64_t firstPart_;  // if referenceSize_ is 0
   };
 };
 
 /// The objects of a binary property list, by number. Refers to the data.
 class HAVRIN_EXPORT BinaryPropertyList {
  public:
-  /// An error when: the header or the trailer is not there, or says what cannot be.
+  /// An error when: the header or the trailer is missing or inconsistent.
   /// Cost: constant.
   [[nodiscard]] static Decoded<BinaryPropertyList> fromData(std::span<const std::byte> data);
 
   [[nodiscard]] std::uint64_t objectCount() const noexcept { return objectCount_; }
   [[nodiscard]] std::uint64_t topObject() const noexcept { return topObject_; }
-  /// How many bytes all objects take together, at most.
+  /// The size of the region that holds the objects, in bytes.
   [[nodiscard]] std::uint64_t objectBytes() const noexcept { return tableOffset_ - kHeaderSize; }
 
   /// The object with this number.
-  /// An error when: there is none, its place or a part of it lies outside the objects, it is no object of a property
-  /// list, or a text that is marked as ASCII is not.
-  /// Cost: constant, but for looking through an ASCII text.
+  /// An error when: the number is out of range, the object is not wholly inside the region of the objects, its type is
+  /// unknown, or an ASCII text has a byte above 0x7F.
+  /// Cost: constant, except that an ASCII text is scanned.
   [[nodiscard]] Decoded<BinaryObject> object(std::uint64_t number) const;
 
-  /// The UID that the object with this number is. Empty when: it is none. Cost: less than asking for the object.
+  /// The value of the UID object with this number. Empty when: the object is not a UID. Cost: less than object().
   [[nodiscard]] std::optional<std::uint64_t> uid(std::uint64_t number) const noexcept;
-  /// Whether the object with this number is this text, in UTF-8. Cost: less than asking for the object, for short ASCII.
+  /// Whether the object with this number is the UTF-8 `text`. Cost: less than object() for short ASCII.
   [[nodiscard]] bool isText(std::uint64_t number, std::string_view text) const;
 
-  /// Where the object with this number stands, for errors of those who walk; 0 for a number that has none.
+  /// The byte offset of the object with this number, for error texts; 0 if the number is out of range.
   [[nodiscard]] std::uint64_t offsetOf(std::uint64_t number) const noexcept;
 
  private:
@@ -130,18 +130,18 @@ class HAVRIN_EXPORT BinaryPropertyList {
   std::span<const std::byte> data_;
   std::uint64_t objectCount_ = 0;
   std::uint64_t topObject_ = 0;
-  std::uint64_t tableOffset_ = 0;  // the objects stand in front of it
+  std::uint64_t tableOffset_ = 0;  // where the objects end
   std::uint8_t offsetSize_ = 0;
   std::uint8_t referenceSize_ = 0;
 };
 
-/// What is wrong with the binary form, and at which byte.
+/// The error dataCorrupted "byte <position>: <reason>".
 [[nodiscard]] DecodingError errorAtByte(std::uint64_t position, std::string_view reason);
 
-/// Whether `bytes` begin as the binary form does.
+/// Whether `bytes` begin with the magic number of the binary form.
 [[nodiscard]] HAVRIN_EXPORT bool isBinaryPropertyList(std::span<const std::byte> bytes) noexcept;
 
-/// The property list that the binary form in `bytes` writes; see readPropertyList.
+/// Reads the binary form; see readPropertyList.
 [[nodiscard]] Decoded<PropertyList> readBinaryPropertyList(std::span<const std::byte> bytes);
 
 }  // namespace platform

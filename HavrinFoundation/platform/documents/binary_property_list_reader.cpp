@@ -1,4 +1,4 @@
-// The tree over the objects of a binary property list.
+// Builds the tree of a binary property list.
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
 
 #include <algorithm>
@@ -8,7 +8,7 @@ namespace havrin {
 inline namespace platform {
 namespace {
 
-// Each object is made once, however many refer to it, and shared.
+// Each object is read once and shared by all that refer to it.
 class TreeReader {
  public:
   TreeReader(const BinaryPropertyList& list, std::uint64_t dataSize)
@@ -23,27 +23,27 @@ class TreeReader {
  private:
   struct Made {
     std::optional<PropertyList> value;
-    std::uint64_t expansion = 0;  // what the value stands for, shared parts counted each time, in bytes
-    bool isOpen = false;          // its parts are being read
+    std::uint64_t expansion = 0;  // the size in bytes with shared parts counted at each occurrence
+    bool isOpen = false;          // its parts are being read: meeting it now is a cycle
   };
   using Read = Decoded<const Made*>;
 
   static constexpr std::uint64_t kLargestExpansion = std::uint64_t{16} << 20;
-  static constexpr std::uint64_t kExpansionOfAnObject = 8;  // added, so that small objects do not count for nothing
+  static constexpr std::uint64_t kExpansionOfAnObject = 8;  // added to each, so that empty objects count too
 
-  // `number` as it stands in a reference of the object at `from`.
+  // The object with a number that the object at the offset `from` refers to.
   Read read(std::uint64_t number, std::size_t depth, std::uint64_t from = 0) {
-    if (number >= list_.objectCount()) return errorAtByte(from, "a reference to no object");
+    if (number >= list_.objectCount()) return errorAtByte(from, "reference to an object that does not exist");
     Made& made = made_[number];
     if (made.value) return &made;
     const std::uint64_t offset = list_.offsetOf(number);
-    if (made.isOpen) return errorAtByte(offset, "an object that holds itself");
-    if (depth > PropertyList::kDeepestNesting) return errorAtByte(offset, "an object that nests too deep");
+    if (made.isOpen) return errorAtByte(offset, "the object contains itself");
+    if (depth > PropertyList::kDeepestNesting) return errorAtByte(offset, "nested deeper than 512 levels");
 
     const auto object = list_.object(number);
     if (!object) return object.error();
     bytesRead_ += object->encodedSize();
-    if (bytesRead_ > list_.objectBytes()) return errorAtByte(offset, "objects that overlap");
+    if (bytesRead_ > list_.objectBytes()) return errorAtByte(offset, "objects overlap");
     made.expansion = kExpansionOfAnObject + object->encodedSize();
 
     made.isOpen = true;
@@ -110,7 +110,7 @@ class TreeReader {
       auto key = read(object.key(i), depth + 1, offset);
       if (!key) return std::move(key.failure());
       const std::string* text = (*key)->value->text();
-      if (!text) return errorAtByte(offset, "a key that is no text").holder();
+      if (!text) return errorAtByte(offset, "a dictionary key is not a string").holder();
       // Keys are copied, not shared.
       keyBytes_ += text->size();
       if (keyBytes_ > largestExpansion_) return errorAtByte(offset, kTooMuch).holder();
@@ -129,7 +129,7 @@ class TreeReader {
     return made.expansion <= largestExpansion_;
   }
 
-  static constexpr std::string_view kTooMuch = "shared parts that stand for too much";
+  static constexpr std::string_view kTooMuch = "shared objects expand beyond the size limit";
 
   const BinaryPropertyList& list_;
   std::vector<Made> made_;

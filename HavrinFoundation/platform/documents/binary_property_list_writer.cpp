@@ -16,7 +16,7 @@ namespace {
 
 using Number = BinaryPropertyListWriter::Number;
 
-// The kinds of containers, as their markers say.
+// The types of containers in their marker bytes.
 constexpr unsigned kArray = 0xA;
 constexpr unsigned kDictionary = 0xD;
 
@@ -28,7 +28,7 @@ void appendBigEndian(std::string& text, std::uint64_t value, std::uint64_t size)
   while (size > 0) text += static_cast<char>(value >> (8 * --size));
 }
 
-// 1, 2, 4 and 8 bytes: the narrowest that holds the value without a sign; 8 for negative ones.
+// Uses the narrowest of 1, 2, 4 and 8 bytes. The narrow forms are unsigned, so negative values take 8.
 void appendInteger(std::string& text, std::uint64_t value) {
   const std::uint64_t size = widthOf(value);
   text += static_cast<char>(0x10 | std::countr_zero(size));
@@ -108,7 +108,8 @@ class TreeWriter {
 
 }  // namespace
 
-// Eight bytes at a time, both halves of a product with a secret folded into one.
+// Multiplies eight bytes at a time by a secret and folds both halves of the product, so that collisions are not
+// predictable from outside.
 std::uint32_t BinaryPropertyListWriter::hashOf(std::string_view bytes) const {
   __extension__ using Wide = unsigned __int128;
   std::uint64_t hash = secret_ ^ bytes.size();
@@ -121,7 +122,7 @@ std::uint32_t BinaryPropertyListWriter::hashOf(std::string_view bytes) const {
   return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 
-// Where the index has the scalar of these bytes, or has room for it.
+// The index entry of the scalar with these bytes, or the free entry for it.
 BinaryPropertyListWriter::Place& BinaryPropertyListWriter::place(std::string_view bytes, std::uint32_t hash) {
   const std::size_t mask = index_.size() - 1;
   for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
@@ -131,7 +132,7 @@ BinaryPropertyListWriter::Place& BinaryPropertyListWriter::place(std::string_vie
   }
 }
 
-// Room in the index for one more.
+// Keeps the index at most half full, so that probing stays short.
 void BinaryPropertyListWriter::makeRoom() {
   if (2 * (indexed_ + 1) <= index_.size()) return;
   std::vector<Place> before(std::max<std::size_t>(64, 2 * index_.size()));
@@ -141,7 +142,7 @@ void BinaryPropertyListWriter::makeRoom() {
   }
 }
 
-// The number of the scalar that has been appended from `firstByte` on: that of an equal one, if there is one.
+// The number of the scalar whose bytes begin at `firstByte`; an equal earlier scalar is reused and the bytes dropped.
 Number BinaryPropertyListWriter::endScalar(std::size_t firstByte) {
   const Object scalar{.firstByte = firstByte, .byteCount = bytes_.size() - firstByte};
   if (scalar.byteCount > kLargestShared) {
@@ -172,7 +173,7 @@ Number BinaryPropertyListWriter::integer(std::int64_t value) {
   return endScalar(begin);
 }
 
-// What needs all of 64 bits takes 16 bytes, since 8 are signed.
+// Values from 2^63 on take 16 bytes, because integers of 8 bytes are signed.
 Number BinaryPropertyListWriter::integer(std::uint64_t value) {
   if (std::in_range<std::int64_t>(value)) return integer(static_cast<std::int64_t>(value));
   const std::size_t begin = bytes_.size();

@@ -5,9 +5,9 @@
 //   const auto names = list.array({&name, 1});
 //   const std::vector<std::byte> bytes = list.finish(names);
 //
-// Objects are referred to by the numbers that adding them answers. Equal scalars of up to kLargestShared bytes get one
-// number; larger ones stand in the list as often as they are added, so that what is read of a list is not out of all
-// proportion to its size.
+// Adding an object returns its number, by which containers refer to it. Equal scalars of up to kLargestShared bytes
+// share one number. Larger ones are written each time they are added, so that a list that is read stays in proportion
+// to its size.
 #pragma once
 
 #include <HavrinFoundation/platform/base/random.h>
@@ -38,37 +38,38 @@ class HAVRIN_EXPORT BinaryPropertyListWriter {
   Number data(std::span<const std::byte> bytes);
   /// UTF-8, ill-formed parts as U+FFFD.
   Number text(std::string_view text);
-  /// UTF-16 units as they stand, lone surrogates too.
+  /// UTF-16 units, written unchanged, lone surrogates included.
   Number text(std::u16string_view units);
 
-  /// An array or a dictionary to be: a number for it, before its parts are known. It may be set again.
+  /// Reserves the number of an array or a dictionary before its parts are known; setArray or setDictionary fill it in
+  /// and may be called again to replace the parts.
   Number container();
   void setArray(Number container, std::span<const Number> elements);
-  /// Keys are texts; as many as values.
+  /// Requires keys that are texts, and as many values as keys.
   void setDictionary(Number container, std::span<const Number> keys, std::span<const Number> values);
 
   Number array(std::span<const Number> elements);
   Number dictionary(std::span<const Number> keys, std::span<const Number> values);
 
-  /// How many bytes a scalar takes.
+  /// The encoded size of a scalar in bytes.
   [[nodiscard]] std::uint64_t sizeOf(Number scalar) const { return objects_[scalar].byteCount; }
 
-  /// The list whose outermost object is `top`. Every container has been set. Cost: linear.
+  /// The encoded list with `top` as its top object. Requires that every container has been set. Cost: linear.
   [[nodiscard]] std::vector<std::byte> finish(Number top) const;
 
  private:
-  // A scalar's bytes stand in `bytes_`, what a container refers to in `parts_`.
+  // The bytes of a scalar are in `bytes_`, the references of a container in `parts_`.
   struct Object {
     std::size_t firstByte = 0;
     std::size_t byteCount = 0;
     std::size_t firstPart = 0;
     std::size_t partCount = 0;
-    unsigned kind = 0;  // of a container, as its marker says
+    unsigned kind = 0;  // the upper half of a container's marker byte; 0 for a scalar
   };
-  // A scalar in the index: most that differ are told apart without a look at their bytes.
+  // An entry of the index. The stored hash avoids most comparisons of bytes.
   struct Place {
     std::uint32_t hash = 0;
-    std::uint32_t number = 0;  // plus one; 0 where there is none
+    std::uint32_t number = 0;  // plus one; 0 for a free entry
   };
 
   [[nodiscard]] std::string_view bytesOf(const Object& scalar) const {
@@ -85,7 +86,7 @@ class HAVRIN_EXPORT BinaryPropertyListWriter {
   std::vector<Number> parts_;
   std::vector<Place> index_;  // by the hash; a power of two, at most half full
   std::size_t indexed_ = 0;
-  // What stands in a tree may come from outside: nobody can choose which scalars meet.
+  // The scalars may come from an attacker, who must not be able to choose colliding ones.
   std::uint64_t secret_ = hashSecret();
 };
 

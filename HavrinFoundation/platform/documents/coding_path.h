@@ -1,18 +1,15 @@
-// The keys that lead to a value in decoded data, and the path they make.
+// The path of keys and indexes that leads to a value in decoded data.
 //
-//   CodingPath path = error.path();       "stations", index 12, "listeners"
+//   const CodingPath path{CodingKey("stations"), CodingKey(12), CodingKey("listeners")};
 //   path.description()                    "stations[12].listeners"
 //   path[1].stringValue()                 "Index 12"
 //   path[1].intValue()                    12
+//   path[0].intValue()                    empty
 //
-// A type of the caller's is a key as soon as it has a text:
+// A type of the caller's is usable as a key if its namespace has a function `std::string_view stringValue(Key)`, for
+// instance an enumeration of the keys of one object: `container.decode<std::string>(StationKey::song)`.
 //
-//   enum class StationKey { name, song };
-//   constexpr std::string_view stringValue(StationKey key) { return key == StationKey::name ? "name" : "song"; }
-//
-//   container.decode<std::string>(StationKey::song)
-//
-// Left out: keys whose text comes from their number alone.
+// Left out: keys whose text is derived from a number.
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
@@ -30,23 +27,24 @@
 namespace havrin {
 inline namespace platform {
 
-/// The text of a key that is a text already. Types of the caller's bring a function of this name in their own namespace.
+/// The text of a key that is a text already. Key types of the caller have a function of this name in their own
+/// namespace.
 constexpr std::string_view stringValue(std::string_view key) { return key; }
 
-/// What may stand as a key: anything for which `stringValue` gives a text.
+/// A type that can be used as a key: `stringValue(key)` returns its text.
 template <class Key>
 concept CodingKeyType = requires(const Key& key) {
   { stringValue(key) } -> std::convertible_to<std::string_view>;
 };
 
-/// A key type that can be made from a text: what `allKeys()` asks of a key of the caller's. Its namespace has
-/// `std::optional<Key> fromStringValue(std::type_identity<Key>, std::string_view)`.
+/// A key type that can be made from a text, as `allKeys()` requires. Its namespace has a function
+/// `std::optional<Key> fromStringValue(std::type_identity<Key>, std::string_view)`, empty for an unknown text.
 template <class Key>
 concept CodingKeyFromText = requires(std::string_view text) {
   { fromStringValue(std::type_identity<Key>{}, text) } -> std::same_as<std::optional<Key>>;
 };
 
-/// One step of a path: a name in an object, or a position in an array.
+/// One step of a path: the name of a value in an object, or the index of an element in an array, from 0.
 class HAVRIN_EXPORT CodingKey {
  public:
   explicit CodingKey(std::string_view name) : name_(name) {}
@@ -55,7 +53,7 @@ class HAVRIN_EXPORT CodingKey {
   /// The name, or "Index 3" for the fourth element of an array.
   [[nodiscard]] std::string stringValue() const;
 
-  /// The position. Empty when: the key is a name.
+  /// The index. Empty when: the key is a name.
   [[nodiscard]] std::optional<std::int64_t> intValue() const {
     return index_ < 0 ? std::nullopt : std::optional<std::int64_t>(index_);
   }
@@ -67,7 +65,7 @@ class HAVRIN_EXPORT CodingKey {
   std::int64_t index_ = -1;
 };
 
-/// The keys from the outermost value to one inside it, outermost first. Empty for the outermost value itself.
+/// The keys from the top-level value to a value inside it, outermost first. Empty for the top-level value itself.
 class HAVRIN_EXPORT CodingPath {
  public:
   CodingPath() = default;
@@ -76,12 +74,13 @@ class HAVRIN_EXPORT CodingPath {
 
   [[nodiscard]] bool empty() const { return keys_.empty(); }
   [[nodiscard]] std::size_t size() const { return keys_.size(); }
+  /// The key at `position`. Requires position < size().
   [[nodiscard]] const CodingKey& operator[](std::size_t position) const { return keys_[position]; }
   [[nodiscard]] auto begin() const { return keys_.begin(); }
   [[nodiscard]] auto end() const { return keys_.end(); }
 
-  /// The path as a person writes it: "stations[12].listeners". A name that is no plain word stands quoted in brackets
-  /// (`["a.b"]`), the empty path is "the top level".
+  /// A readable form: "stations[12].listeners". Names that are not plain words are quoted in brackets (`["a.b"]`); the
+  /// empty path is "the top level".
   [[nodiscard]] std::string description() const;
 
   friend bool operator==(const CodingPath&, const CodingPath&) = default;

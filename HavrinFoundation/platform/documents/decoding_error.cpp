@@ -11,7 +11,7 @@ namespace havrin {
 
 namespace detail {
 
-// What an error knows. Shared by the copies of the error; changed only while there is one.
+// The contents of an error. Shared by its copies; modified only while there is a single owner.
 struct DecodingErrorRecord {
   DecodingErrorRecord() = default;
   DecodingErrorRecord(const DecodingErrorRecord& other)
@@ -33,7 +33,7 @@ struct DecodingErrorRecord {
   std::string detail;
   std::vector<CodingKey> leafFirst;
   std::exception_ptr underlying;
-  std::atomic<const std::string*> text = nullptr;  // what(), built when it is first asked for
+  std::atomic<const std::string*> text = nullptr;  // the text of what(), built by its first call
   std::atomic<int> owners = 1;
 };
 
@@ -46,8 +46,8 @@ namespace {
 using detail::DecodingErrorRecord;
 using detail::ErrorHolder;
 
-// Lenient decoding of a bad array makes and drops one error per element. Each thread keeps the last record it dropped,
-// with the capacity of its texts, so that such a loop allocates nothing.
+// Lenient decoding of an array with many bad elements creates and discards one error per element. Each thread caches
+// the last discarded record with the capacity of its strings, so that such a loop does not allocate.
 constexpr std::size_t kSpareCapacity = 256;
 constinit thread_local DecodingErrorRecord* spareRecord = nullptr;
 constinit thread_local bool threadIsEnding = false;
@@ -83,7 +83,7 @@ DecodingErrorRecord* newRecord() {
   return record != nullptr ? record : new DecodingErrorRecord;
 }
 
-// At most kExcerptBytes of `text`, ending on a character of UTF-8, with an ellipsis where something is cut off.
+// At most kExcerptBytes of `text`, cut at a character boundary of UTF-8, with an ellipsis if something was cut off.
 constexpr std::size_t kExcerptBytes = 40;
 void assignExcerpt(std::string& excerpt, std::string_view text) {
   if (text.size() <= kExcerptBytes) {
@@ -162,7 +162,8 @@ const DecodingErrorRecord& ErrorHolder::operator*() const {
 void ErrorHolder::retain() const noexcept { record_->owners.fetch_add(1, std::memory_order_relaxed); }
 
 void ErrorHolder::release() noexcept {
-  // An only owner needs no locked instruction: nobody else can take a share from it meanwhile.
+  // A sole owner needs no atomic decrement: only an owner can add another one. The acquire load pairs with the
+  // releasing decrements of former owners.
   if (record_->owners.load(std::memory_order_acquire) == 1 ||
       record_->owners.fetch_sub(1, std::memory_order_acq_rel) == 1) {
     record_->owners.store(1, std::memory_order_relaxed);
@@ -194,7 +195,7 @@ void ErrorHolder::raise() const {
 
 ErrorHolder ErrorHolder::fromCurrentException() {
   const std::exception_ptr exception = std::current_exception();
-  DecodingError error = DecodingError::dataCorrupted("an exception of another type");
+  DecodingError error = DecodingError::dataCorrupted("an exception not derived from std::exception");
   try {
     throw;
   } catch (const DecodingError& caught) {
@@ -272,7 +273,7 @@ std::string DecodingError::description() const {
 }
 
 const char* DecodingError::what() const noexcept {
-  // The record is shared and unchanged from here on but for this text, which several threads may want at a time.
+  // The record is immutable while shared, except for this text, which several threads may build at a time; one wins.
   auto& slot = const_cast<DecodingErrorRecord&>(*holder_).text;
   const std::string* text = slot.load(std::memory_order_acquire);
   if (text != nullptr) return text->c_str();

@@ -1,12 +1,22 @@
-// Why a value could not be decoded, as an exception and as a value.
+// Decoding errors, used both as values and as exceptions.
 //
-//   typeMismatch at stations[12].listeners: expected a 64-bit integer, found the string "many"
-//   keyNotFound at stations[3]: no value for the key "name"
-//   valueNotFound at stations[4].name: expected a string, found null
-//   dataCorrupted at stations[7].plays: expected a 64-bit integer, found the number 99999999999999999999
+//   const auto error = DecodingError::typeMismatch("a 64-bit integer", Found::string, "many");
+//   error.kind() == DecodingError::Kind::typeMismatch          true
+//   error.found()                                              "the string \"many\""
+//   DecodingError::keyNotFound("name").description()
+//       "keyNotFound at the top level: no value for the key \"name\""
+//   const Decoded<int> outcome = error;
+//   outcome ? *outcome : -1                                    -1
 //
-// Decoding itself throws nothing: each step gives a `Decoded<Type>`, which holds a value or the error. Where a caller
-// asked for exceptions (`decode`, as against `tryDecode`), the error is thrown as a `DecodingError`.
+// Descriptions name the kind, the path and the reason:
+//
+// - typeMismatch at stations[12].listeners: expected a 64-bit integer, found the string "many"
+// - keyNotFound at stations[3]: no value for the key "name"
+// - valueNotFound at stations[4].name: expected a string, found null
+// - dataCorrupted at stations[7].plays: expected a 64-bit integer, found the number 99999999999999999999
+//
+// Decoding reports errors as values: each step returns a `Decoded<Type>`, which holds either a value or an error. The
+// throwing functions (`decode` beside `tryDecode`) throw the same error as a `DecodingError`.
 #pragma once
 
 #include <HavrinFoundation/platform/documents/coding_path.h>
@@ -25,13 +35,13 @@
 namespace havrin {
 inline namespace platform {
 
-/// What stands in decoded data where a value was looked for. `nothing` is the end of an array, or an empty document.
+/// The kind of value that was found in the data. `nothing` is the end of an array, or an empty document.
 enum class Found : std::uint8_t { nothing, null, boolean, number, string, array, object, date, data, uid };
 
 template <class Type>
 class Decoded;
 
-/// Whether an error is described. Who drops errors unseen asks for none, and pays nothing for them.
+/// Whether an error carries a description. Callers that discard errors pass `none` and pay nothing for them.
 enum class ErrorDetail : bool { none, full };
 
 }  // namespace platform
@@ -40,7 +50,7 @@ namespace detail {
 
 struct DecodingErrorRecord;
 
-/// Owns a share of an error's record, or nothing. One pointer wide, so that carrying "no error" costs nothing.
+/// A shared reference to the record of an error, or null. One pointer wide, so that "no error" is free to pass around.
 class HAVRIN_EXPORT ErrorHolder {
  public:
   ErrorHolder() = default;
@@ -57,27 +67,27 @@ class HAVRIN_EXPORT ErrorHolder {
     if (isDescribed()) release();
   }
 
-  /// An error that says nothing, for those who drop it unseen: it has no record.
+  /// An error without a record, for callers that discard it (ErrorDetail::none).
   [[nodiscard]] static ErrorHolder undescribed() { return ErrorHolder(noRecord()); }
 
   explicit operator bool() const { return record_ != nullptr; }
   [[nodiscard]] bool isDescribed() const { return reinterpret_cast<std::uintptr_t>(record_) > 1; }
   [[nodiscard]] const DecodingErrorRecord& operator*() const;
 
-  /// Puts a key in front of the error's path, unless the path is complete already.
+  /// Prepends a key to the path of the error, unless the path is complete.
   void prepend(std::string_view name) {
     if (isDescribed()) prependKey(CodingKey(name));
   }
   void prepend(std::size_t index) {
     if (isDescribed()) prependKey(CodingKey(index));
   }
-  /// Puts `path` in front of the error's path and marks it complete. Does nothing to a complete path.
+  /// Prepends `path` to the path of the error and marks it complete. A complete path is left alone.
   void complete(const CodingPath& path);
-  /// Throws the error; an exception of the caller's own type leaves as it came.
+  /// Throws the error. If it wraps an exception of another type, that exception is rethrown.
   [[noreturn]] void raise() const;
 
-  /// The exception that is being handled, as an error. An exception that is no DecodingError is kept inside; lack of
-  /// memory and a thread's cancellation are no errors of decoding and are thrown on.
+  /// The exception that is being handled, as an error. An exception that is not a DecodingError is wrapped; bad_alloc
+  /// and the cancellation of the thread are not decoding errors and are rethrown.
   [[nodiscard]] static ErrorHolder fromCurrentException();
 
  private:
@@ -94,19 +104,21 @@ class HAVRIN_EXPORT ErrorHolder {
 
 inline namespace platform {
 
-/// An error of decoding: its kind, the path of the value it concerns, and what was found there. Cheap to copy.
-/// Threads: an error may be read from several threads at a time.
+/// A decoding error: its kind, the path of the value it concerns, and the value found there.
+/// Cost: copying shares one record and does not allocate.
+/// Threads: one error, and copies of it, may be read by several threads at a time.
 class HAVRIN_EXPORT DecodingError : public std::exception {
  public:
   enum class Kind : std::uint8_t {
-    typeMismatch,   ///< a value of another type stands there
-    valueNotFound,  ///< null stands there, or the array has ended
-    keyNotFound,    ///< the object has no such key
-    dataCorrupted,  ///< the type is right and the value unusable, or the whole document is malformed
+    typeMismatch,   ///< the value has another type
+    valueNotFound,  ///< the value is null, or the array has ended
+    keyNotFound,    ///< the object does not have the key
+    dataCorrupted,  ///< the type is right but the value is unusable, or the document is malformed
   };
 
-  /// The error a decoder or a type of the caller's reports. Its path begins where it is reported; every container it
-  /// passes on its way out puts its own key in front. `excerpt` is the beginning of the value's text.
+  /// An error to return from a decoder or from `fromDecoder` of the caller's type. Its path starts empty; each
+  /// container that passes it outward prepends its key. `expected` is a noun phrase such as "a 64-bit integer";
+  /// `excerpt` is the text of the value, of which the first 40 bytes are kept.
   [[nodiscard]] static DecodingError typeMismatch(std::string_view expected, Found found,
                                                   std::string_view excerpt = {});
   [[nodiscard]] static DecodingError valueNotFound(std::string_view expected, Found found = Found::null);
@@ -117,19 +129,19 @@ class HAVRIN_EXPORT DecodingError : public std::exception {
   explicit DecodingError(detail::ErrorHolder holder) : holder_(std::move(holder)) {}
 
   [[nodiscard]] Kind kind() const;
-  /// Where the value stands, from the outermost value on once the error has reached the caller.
+  /// The path of the value; from the top level once the error has reached the caller.
   [[nodiscard]] CodingPath path() const;
-  /// What was wanted: "a 64-bit integer", "an array". Empty for a missing key and for a reason in words.
+  /// The expected value: "a 64-bit integer", "an array". Empty for keyNotFound and for errors that have a detail text.
   [[nodiscard]] std::string expected() const;
-  /// What stood there: "the string \"many\"", "null", "an object", "the end of the array".
+  /// The value found: "the string \"many\"", "null", "an object", "the end of the array". Empty where expected() is.
   [[nodiscard]] std::string found() const;
-  /// The key that is missing, or the reason in words that came with the error.
+  /// The missing key of keyNotFound, or the text passed to dataCorrupted. Empty for other errors.
   [[nodiscard]] std::string detail() const;
-  /// The exception that a type of the caller's threw, when it was no DecodingError. Null when there is none.
+  /// The exception thrown by the caller's type, if it was not a DecodingError; null otherwise.
   [[nodiscard]] std::exception_ptr underlyingError() const;
-  /// Everything in one line, as at the head of this file.
+  /// Kind, path and reason in one line, as in the opening comment.
   [[nodiscard]] std::string description() const;
-  /// `description()`, valid as long as this error or a copy of it.
+  /// `description()`; valid as long as this error or a copy of it. Without memory for the text, the name of the kind.
   [[nodiscard]] const char* what() const noexcept override;
 
   [[nodiscard]] const detail::ErrorHolder& holder() const& { return holder_; }
@@ -150,7 +162,7 @@ inline constexpr bool kIsOutcome<Decoded<Type>> = true;
 
 inline namespace platform {
 
-/// A value, or the error that stands in its place. Used like an optional: test it, then dereference it.
+/// A value or an error. Used like an optional: test it, then dereference it.
 template <class Type>
 class [[nodiscard]] Decoded {
  public:
@@ -176,18 +188,18 @@ class [[nodiscard]] Decoded {
 
   [[nodiscard]] explicit operator bool() const { return hasValue_; }
 
-  /// The value. Only after a test that it is there.
+  /// The value. Requires that there is one.
   [[nodiscard]] Type& operator*() & { return value_; }
   [[nodiscard]] const Type& operator*() const& { return value_; }
   [[nodiscard]] Type&& operator*() && { return std::move(value_); }
   [[nodiscard]] Type* operator->() { return &value_; }
   [[nodiscard]] const Type* operator->() const { return &value_; }
 
-  /// The error. Only after a test that the value is not there.
+  /// The error. Requires that there is no value.
   [[nodiscard]] DecodingError error() const { return DecodingError(failure_); }
   [[nodiscard]] detail::ErrorHolder& failure() { return failure_; }
 
-  /// Drops the value and holds the error instead. Only while the value is there.
+  /// Replaces the value by an error. Requires that there is a value.
   void fail(detail::ErrorHolder failure) noexcept {
     std::destroy_at(&value_);
     std::construct_at(&failure_, std::move(failure));
@@ -195,7 +207,7 @@ class [[nodiscard]] Decoded {
   }
 
   /// The value.
-  /// Throws: the DecodingError, or the exception that a type of the caller's threw, as it came.
+  /// Throws: the DecodingError, or the exception that it wraps (underlyingError).
   [[nodiscard]] Type value() && {
     if (!hasValue_) failure_.raise();
     return std::move(value_);

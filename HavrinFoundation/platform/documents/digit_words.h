@@ -12,7 +12,7 @@
 namespace havrin {
 inline namespace platform {
 
-/// The eight bytes at `bytes`, the first one lowest.
+/// The eight bytes at `bytes` as a word, the first byte in the lowest bits.
 inline std::uint64_t loadWord(const char* bytes) noexcept {
   std::uint64_t word = 0;
   std::memcpy(&word, bytes, sizeof word);
@@ -23,15 +23,15 @@ inline std::uint64_t loadWord(const char* bytes) noexcept {
 /// The number of digits before the first byte that is not one.
 inline unsigned leadingDigits(std::uint64_t word) noexcept {
   const std::uint64_t values = word ^ 0x3030303030303030;
-  // Above 9 a byte has high bits, or gets them. A carry reaches only the bytes behind it.
+  // A byte above 9 has a high bit set, or gets one by adding 6. A carry only affects later bytes.
   const std::uint64_t others = (values | (values + 0x0606060606060606)) & 0xF0F0F0F0F0F0F0F0;
   return static_cast<unsigned>(std::countr_zero(others)) / 8;
 }
 
-/// The number that the first `count` digits write.
+/// The value of the first `count` digits.
 inline std::uint64_t valueOfDigits(std::uint64_t word, unsigned count) noexcept {
   if (count == 0) return 0;
-  // Zeros in front, then two, four and eight digits to a number.
+  // The shift adds leading zeros. Then pairs of digits are combined, and the four pairs by two multiplications.
   std::uint64_t digits = (word ^ 0x3030303030303030) << (64 - 8 * count);
   digits = digits * 10 + (digits >> 8);
   constexpr std::uint64_t kPairs = 0x000000FF000000FF;

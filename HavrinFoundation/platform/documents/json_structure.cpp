@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t kBlock = 64;
 
-// Which of 64 characters are what, a bit for each, the first one lowest.
+// The classes of 64 characters, one bit each, the first character in the lowest bit.
 struct Block {
   std::uint64_t quote = 0;
   std::uint64_t backslash = 0;
@@ -29,7 +29,7 @@ struct Block {
   std::uint64_t other = 0;  // not ASCII
 };
 
-// A brace and a bracket differ in one bit.
+// Braces and brackets differ in this bit only: one comparison finds both.
 constexpr char kCaseBit = 0x20;
 
 #if defined(__x86_64__)
@@ -65,7 +65,7 @@ constexpr char kCaseBit = 0x20;
           bits(spaces(low), spaces(high)),   bits(controls(low), controls(high)), bits(low, high)};
 }
 
-// With 512 bits a comparison gives the bits by itself, and the places of bits are one instruction, too.
+// AVX-512 comparisons return bit masks, and one compress instruction turns a mask into positions.
 #define HAVRIN_WIDEST gnu::target("avx512f,avx512bw,avx512vbmi2,bmi,popcnt")
 
 [[HAVRIN_WIDEST]] inline std::uint64_t bitsOf(__m512i bytes, char c) {
@@ -117,13 +117,14 @@ Block classifyPlain(const char* text) {
   return block;
 }
 
-// Bit i is the parity of the bits up to i.
+// Bit i of the result is the parity of bits 0 to i: 1 inside quotes, if the input has the quotes.
 [[gnu::always_inline]] inline std::uint64_t parity(std::uint64_t flags) {
   for (int shift = 1; shift < 64; shift *= 2) flags ^= flags << shift;
   return flags;
 }
 
-// Eight at a time, some of them too many: a loop with one step a bit ends where no predictor expects it.
+// Writes in groups of eight, the last group too long: a loop with one step per bit mispredicts its end nearly every
+// time.
 [[gnu::always_inline]] inline void writeEights(std::uint64_t flags, std::uint32_t offset, std::uint32_t* tokens) {
   const int count = std::popcount(flags);
   for (int done = 0; done < count; done += 8) {
@@ -134,7 +135,7 @@ Block classifyPlain(const char* text) {
   }
 }
 
-// Takes the blocks one after the other, and writes where tokens begin.
+// Processes block after block and writes the offsets at which tokens begin.
 class Scanner {
  public:
   explicit Scanner(std::uint32_t* tokens) : tokens_(tokens) {}
@@ -161,27 +162,27 @@ class Scanner {
   [[nodiscard]] std::uint32_t* end() const { return tokens_; }
 
  private:
-  // The characters behind an odd number of backslashes.
+  // The characters that follow an odd number of backslashes.
   [[gnu::always_inline]] std::uint64_t escapedIn(std::uint64_t backslash) {
     if (backslash == 0) return std::exchange(escaped_, 0);
     constexpr std::uint64_t kEven = 0x5555555555555555;
     backslash &= ~escaped_;
     const std::uint64_t behind = backslash << 1 | escaped_;
     const std::uint64_t oddStarts = backslash & ~kEven & ~behind;
-    std::uint64_t runs = 0;  // a carry runs through each run of backslashes that begins at an odd place
+    std::uint64_t runs = 0;  // the addition carries through each run of backslashes that begins at an odd position
     escaped_ = __builtin_add_overflow(oddStarts, backslash, &runs) ? 1 : 0;
     return (kEven ^ runs << 1) & behind;
   }
 
   std::uint32_t* tokens_;
-  std::uint64_t escaped_ = 0;  // whether the next character is
+  std::uint64_t escaped_ = 0;  // 1 if the first character of the next block is escaped
   std::uint64_t inString_ = 0;
   std::uint64_t behindBare_ = 0;
   std::uint64_t controlInString_ = 0;
   std::uint64_t other_ = 0;
 };
 
-// Inlined where the instructions are known that it may use.
+// Always inlined, so that it is compiled with the instruction set of the function that calls it.
 template <auto Classify, auto Write>
 [[gnu::always_inline]] inline void scanBlocks(std::string_view text, Scanner& scanner) {
   std::size_t offset = 0;
@@ -219,7 +220,7 @@ JsonStructure::Instructions JsonStructure::best() {
 Decoded<std::span<std::uint32_t>> JsonStructure::find(std::string_view text) {
   constexpr std::size_t kSmallest = 4096;
   if (text.size() > capacity_ || capacity_ == 0) {
-    constexpr std::size_t kRoom = kBlock + 1;  // for what is written too many, and the last element
+    constexpr std::size_t kRoom = kBlock + 1;  // for the excess of the last group, and the final element
     capacity_ = 0;
     tokens_.reset();
     const std::size_t capacity = std::max(text.size(), kSmallest);
@@ -242,7 +243,7 @@ Decoded<std::span<std::uint32_t>> JsonStructure::find(std::string_view text) {
   std::uint32_t* const end = scanner.end();
   if (scanner.isInString()) return DecodingError::dataCorrupted("the document ends inside a string");
   if (scanner.hasControlInString()) {
-    return DecodingError::dataCorrupted("the document has a control character in a string");
+    return DecodingError::dataCorrupted("the document has an unescaped control character in a string");
   }
   if (end == tokens_.get()) return DecodingError::dataCorrupted("the document is empty");
   if (!scanner.isAscii() && !simdjson::validate_utf8(text.data(), text.size())) {

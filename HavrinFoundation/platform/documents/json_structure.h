@@ -12,20 +12,22 @@
 namespace havrin {
 inline namespace platform {
 
-/// Finds the tokens of one text after the other, in memory that it keeps between them.
+/// Finds the tokens of texts. Reuses its buffer from one text to the next.
 class JsonStructure {
  public:
-  /// Sets of instructions: what every processor has, AVX2, AVX-512. All give the same answers.
+  /// Instruction sets: the baseline, AVX2, AVX-512. All give the same results.
   enum class Instructions : std::uint8_t { plain, wide, widest };
-  /// The most that this processor has.
+  /// The widest set that this processor supports.
   [[nodiscard]] static Instructions best();
   explicit JsonStructure(Instructions instructions = best()) : instructions_(instructions) {}
 
   /// The offset of every brace, bracket, colon and comma outside strings, of every string's opening quote, and of every
-  /// other run of characters that is not white space; then, as one more element, the size of the text. What stands
-  /// between two of them is known to be UTF-8, and strings to be closed and free of control characters; nothing else is
-  /// checked. Valid until the next call; the caller may write over them. An error (dataCorrupted) when: the text is empty
-  /// or white space alone, not UTF-8, or ends inside a string. Throws: std::bad_alloc.
+  /// other run of characters that is not white space; then, as a final element, the size of the text. The text has been
+  /// checked to be UTF-8, and its strings to be closed and free of control characters; nothing else is checked.
+  /// Result: valid until the next call; the caller may overwrite it.
+  /// An error (dataCorrupted) when: the text is empty or only white space, is not UTF-8, ends inside a string, or has a
+  /// control character in a string.
+  /// Throws: std::bad_alloc.
   [[nodiscard]] Decoded<std::span<std::uint32_t>> find(std::string_view text);
 
  private:

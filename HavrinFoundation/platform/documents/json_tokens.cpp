@@ -28,8 +28,8 @@ std::optional<std::uint32_t> fourHexDigits(std::string_view text) {
   return value;
 }
 
-// What the escape at the head of `text` (behind its backslash) writes, and how many characters it takes with the
-// backslash. Empty when: it is no escape, or half a surrogate pair.
+// The character and the length, backslash included, of the escape whose backslash is in front of `text`.
+// Empty when: the escape is invalid, or is half a surrogate pair.
 struct Escape {
   std::uint32_t scalar;
   std::size_t length;
@@ -55,7 +55,8 @@ std::uint32_t nextBackslash(std::string_view text, std::size_t from) {
   return static_cast<std::uint32_t>(std::min(text.find('\\', from), text.size()));
 }
 
-// Checks every escape between the backslash at `from` and `end`: the first backslash behind. Empty when: one means nothing.
+// Checks the escapes from the backslash at `from` to `end`. Returns the first backslash at or after `end`.
+// Empty when: an escape is invalid.
 [[gnu::noinline]] std::optional<std::uint32_t> behindEscapes(std::string_view text, std::uint32_t from,
                                                              std::uint32_t end) {
   while (from < end) {
@@ -68,14 +69,14 @@ std::uint32_t nextBackslash(std::string_view text, std::size_t from) {
 
 }  // namespace
 
-// The second pass: checks the grammar over the tokens of the first, and marks them.
+// The second pass: checks the grammar over the tokens of the first pass and sets their flags.
 class JsonReading {
  public:
   struct Outcome {
-    const char* problem;  // null, or what is wrong with the document
-    std::size_t offset;   // where
+    const char* problem;  // null if the document is valid
+    std::size_t offset;   // of the problem
   };
-  // Everything is inlined here, so that the state of the reading lives in registers.
+  // Everything is inlined here, which keeps the state of the reader in registers.
   [[gnu::flatten]] static Outcome outcome(std::string_view text, std::span<std::uint32_t> tokens) {
     JsonReading reading(text, tokens);
     return {reading.document() ? nullptr : reading.problem_, *reading.token_};
@@ -103,7 +104,7 @@ class JsonReading {
         return false;
       }
       if (!afterValue()) return false;
-      if (depth_ == 0) return token_ == end_ || wrong("there is more text after the document");
+      if (depth_ == 0) return token_ == end_ || wrong("unexpected text after the document");
     }
   }
 
@@ -112,11 +113,11 @@ class JsonReading {
     return false;
   }
 
-  // The character at the next token; NUL at the end of the text, which is no character of JSON.
+  // The character at the next token; NUL, which JSON never has outside strings, at the end of the text.
   char peek() const { return token_ == end_ ? '\0' : text_[*token_]; }
 
   bool open(char bracket) {
-    if (depth_ == JsonTokens::kDeepestNesting) return wrong("it nests deeper than 512 levels");
+    if (depth_ == JsonTokens::kDeepestNesting) return wrong("nested deeper than 512 levels");
     const std::uint32_t mark = bracket == '{' ? JsonTokens::kContainer | JsonTokens::kObject : JsonTokens::kContainer;
     containers_[depth_] = static_cast<std::uint32_t>(token_ - tokens_) | mark;
     commas_[depth_++] = 0;
@@ -138,7 +139,7 @@ class JsonReading {
     if (depth_ != 0) closing_ = (containers_[depth_ - 1] & JsonTokens::kObject) != 0 ? '}' : ']';
   }
 
-  // Takes what follows a value up to the next value, or to the end of the outermost one.
+  // Consumes tokens after a value up to the next value, or to the end of the document.
   bool afterValue() {
     while (depth_ != 0) {
       const char c = peek();
@@ -147,16 +148,16 @@ class JsonReading {
         ++commas_[depth_ - 1];
         return closing_ != '}' || key();
       }
-      if (c != closing_) return wrong(closing_ == '}' ? "a comma or } is missing" : "a comma or ] is missing");
+      if (c != closing_) return wrong(closing_ == '}' ? "expected ',' or '}'" : "expected ',' or ']'");
       close();
     }
     return true;
   }
 
   bool key() {
-    if (peek() != '"') return wrong("a key in quotes is missing");
+    if (peek() != '"') return wrong("expected a key in quotes");
     if (!string()) return false;
-    if (peek() != ':') return wrong("a colon is missing");
+    if (peek() != ':') return wrong("expected ':'");
     ++token_;
     return true;
   }
@@ -172,21 +173,21 @@ class JsonReading {
       case 'n':
         return literal("null");
       default:
-        return first == '-' || isJsonDigit(first) ? number() : wrong("a value is missing");
+        return first == '-' || isJsonDigit(first) ? number() : wrong("expected a value");
     }
   }
 
-  // The closing quote is the last character before the next token that is not white space.
+  // The closing quote is the last character before the next token, white space skipped.
   bool string() {
     const std::uint32_t begin = *token_ + 1;
     std::uint32_t end = token_[1] - 1;
     if (text_[end] != '"' || end < begin) {
       while (end >= begin && JsonTokens::isWhiteSpace(text_[end])) --end;
-      if (end < begin || text_[end] != '"') return wrong("a string is followed by something else");
+      if (end < begin || text_[end] != '"') return wrong("unexpected text after a string");
     }
     if (backslash_ < end) {
       const auto behind = behindEscapes(text_, backslash_, end);
-      if (!behind) return wrong("a string holds an escape that means nothing");
+      if (!behind) return wrong("invalid escape in a string");
       backslash_ = *behind;
       *token_ |= JsonTokens::kEscapes;
     }
@@ -195,7 +196,7 @@ class JsonReading {
   }
 
   bool literal(std::string_view word) {
-    if (text_.substr(*token_, word.size()) != word) return wrong("a value is missing");
+    if (text_.substr(*token_, word.size()) != word) return wrong("expected a value");
     return scalarEndsAt(*token_ + word.size());
   }
 
@@ -216,18 +217,18 @@ class JsonReading {
     if (at != limit && *at == '0') {
       ++at;
     } else if (!digits()) {
-      return wrong("a number is malformed");
+      return wrong("invalid number");
     }
-    if (at != limit && *at == '.' && (++at, !digits())) return wrong("a number is malformed");
+    if (at != limit && *at == '.' && (++at, !digits())) return wrong("invalid number");
     if (at != limit && (*at == 'e' || *at == 'E')) {
       if (++at != limit && (*at == '+' || *at == '-')) ++at;
-      if (!digits()) return wrong("a number is malformed");
+      if (!digits()) return wrong("invalid number");
     }
     return scalarEndsAt(static_cast<std::size_t>(at - text_.data()));
   }
 
   bool scalarEndsAt(std::size_t end) {
-    if (end != token_[1] && !JsonTokens::isWhiteSpace(text_[end])) return wrong("a value is malformed");
+    if (end != token_[1] && !JsonTokens::isWhiteSpace(text_[end])) return wrong("invalid literal or number");
     ++token_;
     return true;
   }
@@ -240,12 +241,12 @@ class JsonReading {
   const char* problem_ = nullptr;
   char closing_ = '\0';
   std::size_t depth_ = 0;
-  std::array<std::uint32_t, JsonTokens::kDeepestNesting> containers_;  // those that are open, with their marks
-  std::array<std::uint32_t, JsonTokens::kDeepestNesting> commas_;      // between their values, so far
+  std::array<std::uint32_t, JsonTokens::kDeepestNesting> containers_;  // the open ones, with their flags
+  std::array<std::uint32_t, JsonTokens::kDeepestNesting> commas_;      // seen so far in each
 };
 
 Decoded<void> JsonTokens::read(std::string_view text) {
-  if (text.size() > kLargestText) return DecodingError::dataCorrupted("the document is too large");
+  if (text.size() > kLargestText) return DecodingError::dataCorrupted("the document has 1 GiB or more");
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
   auto tokens = structure_.find(text);
   if (!tokens) return std::move(tokens.failure());

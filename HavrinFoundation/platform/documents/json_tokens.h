@@ -1,8 +1,8 @@
-// A JSON document as the places of its tokens, over its text, which keeps each number as it is written. Internal to the
-// JSON decoder.
+// A JSON document as the offsets of its tokens in the text. Numbers stay text until they are decoded, so that no digit
+// is lost. Internal to the JSON decoder.
 //
 //   {"a": [1, 2], "b": 3}      tokens { "a" : [ 1 , 2 ] , "b" : 3 }, by number from 0
-//   afterValue(3) is 9         the comma behind the array: a bracket that opens knows the one that closes it
+//   afterValue(3) is 9         the comma after the array: an opening bracket stores the token that closes it
 #pragma once
 
 #include <HavrinFoundation/platform/documents/decoding_error.h>
@@ -28,11 +28,13 @@ class JsonTokens {
   /// A token, by its number. The outermost value begins with token 0.
   using Token = std::uint32_t;
 
-  /// Reads `text` whole, and refers to it. An error (dataCorrupted, with line and byte) when: it is no JSON as RFC 8259 has
-  /// it, nests deeper than kDeepestNesting, or an escape in a string writes half a surrogate pair.
+  /// Checks and indexes the whole of `text`, which must outlive its use here.
+  /// An error (dataCorrupted, with line and byte, from 1) when: `text` is not JSON, is larger than kLargestText, is
+  /// nested deeper than kDeepestNesting, or an escape in a string is half a surrogate pair.
+  /// Source: RFC 8259.
   [[nodiscard]] Decoded<void> read(std::string_view text);
 
-  /// What a value begins with, which tells its kind: { [ " t f n - or a digit.
+  /// The first character of a value, which determines its kind: { [ " t f n - or a digit.
   [[nodiscard]] char kindOf(Token value) const {
     const std::uint32_t word = tokens_[value];
     if ((word & kContainer) != 0) return (word & kObject) != 0 ? '{' : '[';
@@ -43,9 +45,9 @@ class JsonTokens {
     const char* const begin = text_.data() + tokens_[scalar];
     return {begin, static_cast<std::size_t>(endBefore(scalar + 1) - begin)};
   }
-  /// How many bytes the document has from a scalar on.
+  /// The number of bytes from the start of a scalar to the end of the document.
   [[nodiscard]] std::size_t bytesFrom(Token scalar) const { return text_.size() - tokens_[scalar]; }
-  /// The text of a string between its quotes, escapes as they are written.
+  /// The text of a string between its quotes, with escapes unresolved.
   [[nodiscard]] std::string_view insideOf(Token string) const {
     const char* const begin = text_.data() + (tokens_[string] & kMask) + 1;
     return {begin, static_cast<std::size_t>(endBefore(string + 1) - 1 - begin)};
@@ -53,33 +55,33 @@ class JsonTokens {
   [[nodiscard]] bool hasEscapes(Token string) const { return (tokens_[string] & kEscapes) != 0; }
   /// The string's characters, escapes resolved.
   [[nodiscard]] std::string unescaped(Token string) const;
-  /// Whether a key says `text`.
+  /// Whether a string, with escapes resolved, equals `text`.
   [[nodiscard]] bool says(Token string, std::string_view text) const {
     if (hasEscapes(string)) [[unlikely]]
       return unescaped(string) == text;
-    // Behind the last quote of a string stands the next token.
+    // The bounds check is enough: the closing quote lies before the next token.
     const std::size_t end = tokens_[string] + 1 + text.size();
     return end < tokens_[string + 1] && text_.data()[end] == '"' &&
            haveEqualBytes(text_.data() + end - text.size(), text.data(), text.size());
   }
 
-  /// The first value of an array, the first key of an object; or the closing bracket.
+  /// The first value of an array or first key of an object; the closing bracket if it is empty.
   [[nodiscard]] static Token firstIn(Token container) { return container + 1; }
   /// The closing bracket.
   [[nodiscard]] Token endOf(Token container) const { return tokens_[container] & kMask; }
-  /// The comma or closing bracket behind `value` and everything in it.
+  /// The comma or closing bracket that follows `value`.
   [[nodiscard]] Token afterValue(Token value) const {
     const std::uint32_t word = tokens_[value];
     if ((word & kContainer) != 0) return (word & kMask) + 1;
     return value + 1;
   }
-  /// The value, or the key, behind `value` in a container that ends at `end`; or `end`.
+  /// The next value or key after `value` in a container whose closing bracket is `end`; `end` if there is none.
   [[nodiscard]] Token next(Token value, Token end) const {
     const Token after = afterValue(value);
     return after == end ? end : after + 1;
   }
   [[nodiscard]] static Token valueOf(Token key) { return key + 2; }
-  /// How many values an array holds. Cost: a step for each, where the first is a scalar.
+  /// The number of values of an array. Cost: linear if the first value is a scalar, otherwise constant.
   [[nodiscard]] std::size_t countOf(Token array) const;
 
  private:
@@ -87,14 +89,14 @@ class JsonTokens {
 
   static bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
 
-  // The end of what stands before `token`, which is no bracket that opens, without the white space between.
+  // The end of the text before `token`, without white space. `token` is not an opening bracket, whose offset is gone.
   [[nodiscard]] const char* endBefore(Token token) const {
     const char* end = text_.data() + tokens_[token];
     while (isWhiteSpace(end[-1])) --end;
     return end;
   }
 
-  // Keys are short: two overlapping words beat a call.
+  // Keys are short: comparing two overlapping words is faster than calling memcmp.
   [[nodiscard]] static bool haveEqualBytes(const char* left, const char* right, std::size_t size) {
     const auto differ = [&]<class Word>(Word, std::size_t at) {
       Word a;
@@ -109,9 +111,9 @@ class JsonTokens {
     return std::equal(left, left + size, right);
   }
 
-  // A token is an offset in the text; a string with escapes has a mark; a bracket that opens has a mark and, in place of
-  // its offset, the token that closes it. The offset of a comma is wanted only as the end of a scalar before it: behind a
-  // container that is the first of several values, the comma holds their count.
+  // A token is an offset in the text. A string with escapes has a flag; an opening bracket has a flag and stores the
+  // closing token in place of its offset. The offset of a comma is needed only as the end of a scalar before it, so the
+  // comma after a container that is the first of several values stores their count instead.
   static constexpr std::uint32_t kContainer = 0x80000000;
   static constexpr std::uint32_t kObject = 0x40000000;
   static constexpr std::uint32_t kEscapes = 0x40000000;

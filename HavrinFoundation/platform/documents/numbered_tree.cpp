@@ -22,7 +22,7 @@ NumberedTree::NumberedTree(PropertyList root) : root_(std::move(root)) {
 
 BinaryObject NumberedTree::object(std::uint64_t number) const {
   using Kind = BinaryObject::Kind;
-  constexpr std::uint64_t kReference = 4;  // about what one takes in the binary form
+  constexpr std::uint64_t kReference = 4;  // roughly its size in the binary form: the same limits apply to both
   const auto bytes = [](const auto& sequence) { return reinterpret_cast<const std::byte*>(sequence.data()); };
   const auto scalar = [](Kind kind, std::uint64_t value) { return BinaryObject(kind, 1 + sizeof value, value); };
   const auto& [value, text, firstPart] = parts_[number];

@@ -1,5 +1,5 @@
-// The parts of a property list by number, as the binary form numbers its objects: for the reader of keyed archives,
-// which finds its way by number, over what was read from XML. For the project's own sources.
+// The parts of a property list that was read from XML, by number, with the interface of BinaryPropertyList: the reader
+// of keyed archives works with object numbers in both forms. Internal to the layer.
 #pragma once
 
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
@@ -17,12 +17,12 @@ inline namespace platform {
 
 class HAVRIN_EXPORT NumberedTree {
  public:
-  /// The root is 0. Shared parts are numbered each time they occur.
+  /// The root has the number 0. Parts that are shared get a number for each occurrence.
   explicit NumberedTree(PropertyList root);
   NumberedTree(const NumberedTree&) = delete;
   NumberedTree& operator=(const NumberedTree&) = delete;
 
-  // As of BinaryPropertyList. Numbers come from objects, so that there is always one.
+  // As in BinaryPropertyList. Requires a number that came from an object here, or 0.
   [[nodiscard]] BinaryObject object(std::uint64_t number) const;
   [[nodiscard]] std::optional<std::uint64_t> uid(std::uint64_t number) const;
   [[nodiscard]] bool isText(std::uint64_t number, std::string_view text) const;
@@ -35,7 +35,7 @@ class HAVRIN_EXPORT NumberedTree {
   };
 
   PropertyList root_;
-  std::vector<Part> parts_;  // those of a container in a row, keys before values
+  std::vector<Part> parts_;  // those of one container are consecutive, keys before values
 };
 
 }  // namespace platform

@@ -16,8 +16,8 @@ struct ByKey {
   bool operator()(const Entry& first, const Entry& second) const noexcept { return first.key < second.key; }
 };
 
-// Releasing a tree nests up to this many containers; what lies deeper is put on a list, which the frame at this depth
-// releases.
+// Destroying a tree recurses up to this depth. Deeper containers are put on a list that the frame at this depth
+// empties, so that the stack is bounded.
 constexpr std::size_t kNestedReleases = 32;
 constinit thread_local std::size_t releaseDepth = 0;
 constinit thread_local std::vector<std::shared_ptr<const void>>* deferredReleases = nullptr;
@@ -42,7 +42,7 @@ void release(std::shared_ptr<const void> container) noexcept {
 
 PropertyList::PropertyList(Dictionary value) : value_(std::make_shared<const Dictionary>(std::move(value))) {}
 
-// Out of line: ten alternatives make much code at every place where a value is moved.
+// Out of line: with ten alternatives, inlining them at each move would bloat the callers.
 PropertyList::PropertyList(const PropertyList& other) = default;
 PropertyList::PropertyList(PropertyList&& other) noexcept : value_(std::exchange(other.value_, Value())) {}
 PropertyList& PropertyList::operator=(PropertyList other) noexcept {

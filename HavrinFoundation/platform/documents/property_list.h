@@ -1,19 +1,22 @@
-// Property lists: trees of dictionaries, arrays, text, bytes, numbers, booleans and dates, as settings, bundles and keyed
-// archives keep them, read from either of their two forms and written in the binary one.
-//
-//   const auto info = readPropertyList(bytes);                      "bplist00..." or "<?xml ..."
-//   if (!info) std::puts(info.error().detail().c_str());            "line 7: an element that is not closed"
-//   const PropertyList* build = info->valueForKey("CFBundleVersion");
-//   if (build && build->text()) ...                                 "612345"
+// Property lists: trees of dictionaries, arrays, text, bytes, numbers, booleans and dates, the format of settings,
+// bundles and keyed archives. Reads the binary and the XML form, writes the binary form.
 //
 //   PropertyList::Dictionary entries;
+//   entries.set("CFBundleVersion", PropertyList("612345"));
 //   entries.set("favourites", PropertyList(PropertyList::Array{PropertyList("jazz"), PropertyList(3)}));
-//   const std::vector<std::byte> written = binaryPropertyList(PropertyList(std::move(entries)));
+//   const std::vector<std::byte> bytes = binaryPropertyList(PropertyList(std::move(entries)));
 //
-// Reading takes nothing on trust: sizes, counts and references are checked before they are used, nesting and the size of
-// what shared parts stand for are bounded, cycles are refused.
+//   const auto info = readPropertyList(bytes);
+//   info ? std::string() : info.error().detail()                    ""
+//   *info->valueForKey("CFBundleVersion")->text()                   "612345"
+//   info->valueForKey("favourites")->array()->at(1).integer()       3
+//   info->valueForKey("name")                                       null
 //
-// Left out: the old text form, writing XML, sets and nulls (which property lists do not have), changing a tree in place.
+// Input is not trusted: sizes, counts and references are checked before use, nesting and the expanded size of shared
+// parts are limited, and cycles are errors.
+//
+// Left out: the old text form, writing XML, sets and nulls (which property lists do not have), modifying a tree in
+// place.
 #pragma once
 
 #include <HavrinFoundation/platform/documents/decoding_error.h>
@@ -35,17 +38,17 @@
 namespace havrin {
 inline namespace platform {
 
-/// One value and all that it holds. Copies share what they hold; nothing is changed in place.
+/// A value with everything it contains. Immutable; copies share their contents.
 /// Cost: releasing and comparing use constant stack, however deep the value is.
 /// Threads: a tree may be read from several threads at a time.
 class HAVRIN_EXPORT PropertyList {
  public:
-  /// Trees deeper than this are not read.
+  /// The deepest nesting that is read.
   static constexpr std::size_t kDeepestNesting = 512;
 
   enum class Kind : std::uint8_t { boolean, integer, real, date, uid, text, data, array, dictionary };
 
-  /// The number of another object, as keyed archives refer to them.
+  /// A reference to another object by its number, as used by keyed archives.
   struct UID {
     std::uint64_t value = 0;
     friend bool operator==(const UID&, const UID&) = default;
@@ -63,7 +66,7 @@ class HAVRIN_EXPORT PropertyList {
   explicit PropertyList(double value) : value_(value) {}
   explicit PropertyList(Date value) : value_(value) {}
   explicit PropertyList(UID value) : value_(value) {}
-  /// Text in UTF-8; ill-formed parts are kept here and written as U+FFFD.
+  /// UTF-8 text. Ill-formed sequences are kept in memory and written as U+FFFD.
   explicit PropertyList(std::string value) : value_(std::make_shared<const std::string>(std::move(value))) {}
   explicit PropertyList(std::string_view value) : PropertyList(std::string(value)) {}
   explicit PropertyList(const char* value) : PropertyList(std::string(value)) {}
@@ -71,7 +74,7 @@ class HAVRIN_EXPORT PropertyList {
   explicit PropertyList(Array value) : value_(std::make_shared<const Array>(std::move(value))) {}
   explicit PropertyList(Dictionary value);
 
-  /// What was moved from is the boolean false.
+  /// A moved-from value is the boolean false.
   PropertyList(const PropertyList& other);
   PropertyList(PropertyList&& other) noexcept;
   PropertyList& operator=(PropertyList other) noexcept;
@@ -79,13 +82,12 @@ class HAVRIN_EXPORT PropertyList {
 
   [[nodiscard]] Kind kind() const noexcept;
 
-  /// The value, where it is of that kind.
-  /// Empty when: it is of another.
+  /// The value. Empty when: it is of another kind.
   [[nodiscard]] std::optional<bool> boolean() const noexcept { return get<bool>(); }
   [[nodiscard]] std::optional<double> real() const noexcept { return get<double>(); }
   [[nodiscard]] std::optional<Date> date() const noexcept { return get<Date>(); }
   [[nodiscard]] std::optional<UID> uid() const noexcept { return get<UID>(); }
-  /// Empty when: it is no integer, or lies outside the type.
+  /// Empty when: it is not an integer, or is outside the range of the type.
   [[nodiscard]] std::optional<std::int64_t> integer() const noexcept { return get<std::int64_t>(); }
   [[nodiscard]] std::optional<std::uint64_t> unsignedInteger() const noexcept;
   /// Null when: it is of another kind.
@@ -93,10 +95,10 @@ class HAVRIN_EXPORT PropertyList {
   [[nodiscard]] const Data* data() const noexcept { return at<Data>(); }
   [[nodiscard]] const Array* array() const noexcept { return at<Array>(); }
   [[nodiscard]] const Dictionary* dictionary() const noexcept { return at<Dictionary>(); }
-  /// The value under `key`. Null when: this is no dictionary, or has no such key.
+  /// The value under `key`. Null when: this is not a dictionary, or does not have the key. Cost: logarithmic.
   [[nodiscard]] const PropertyList* valueForKey(std::string_view key) const noexcept;
 
-  /// Kind by kind and part by part; 1, 1.0 and true differ.
+  /// Compares kind and contents, recursively; 1, 1.0 and true differ.
   [[nodiscard]] friend bool operator==(const PropertyList& first, const PropertyList& second) {
     return first.isEqual(second);
   }
@@ -104,7 +106,7 @@ class HAVRIN_EXPORT PropertyList {
  private:
   template <class Type>
   using Shared = std::shared_ptr<const Type>;
-  // An unsigned integer stands here only where a signed one cannot hold the value. The order is that of Kind, but for it.
+  // In the order of Kind, except that std::uint64_t comes last; it is used only for values from 2^63 on.
   using Value = std::variant<bool, std::int64_t, double, Date, UID, Shared<std::string>, Shared<Data>, Shared<Array>,
                              Shared<Dictionary>, std::uint64_t>;
 
@@ -129,7 +131,7 @@ class HAVRIN_EXPORT PropertyList {
   Value value_;
 };
 
-/// Values under different keys, in the order of the keys' bytes.
+/// Values under distinct keys, sorted by the bytes of the keys.
 class HAVRIN_EXPORT PropertyList::Dictionary {
  public:
   struct Entry {
@@ -139,13 +141,13 @@ class HAVRIN_EXPORT PropertyList::Dictionary {
   };
 
   Dictionary() = default;
-  /// Of several entries with one key the first counts.
+  /// If several entries have the same key, the first is kept.
   explicit Dictionary(std::vector<Entry> entries);
 
   [[nodiscard]] std::span<const Entry> entries() const noexcept { return entries_; }
-  /// Null when: there is no such key. Cost: logarithmic.
+  /// The value under `key`. Null when: the key is missing. Cost: logarithmic.
   [[nodiscard]] const PropertyList* find(std::string_view key) const noexcept;
-  /// Puts `value` under `key`, in place of what stood there. Cost: linear.
+  /// Sets the value under `key`, replacing an existing one. Cost: linear.
   void set(std::string_view key, PropertyList value);
 
   friend bool operator==(const Dictionary&, const Dictionary&) = default;
@@ -154,16 +156,19 @@ class HAVRIN_EXPORT PropertyList::Dictionary {
   std::vector<Entry> entries_;
 };
 
-/// The property list that `bytes` hold, in the binary form or as XML.
-/// Result: text is UTF-8, what is ill-formed in the binary form as U+FFFD; a dictionary whose one key is "CF$UID", with an
-/// integer, is read as a UID from XML; of several equal keys the first counts. Parts that the binary form shares are shared.
-/// An error (dataCorrupted, with byte or line; bytes count from 0) when: the bytes are in neither form, or break it anywhere; something is no part of property lists (null, set,
-/// a key that is no text, an integer beyond 64 bits); it nests deeper than PropertyList::kDeepestNesting, holds itself, or
-/// stands, shared parts counted each time, for more than 16 MiB and sixteen times its size; XML declares an entity.
+/// The property list in `bytes`, in the binary or the XML form.
+/// Result: text is UTF-8, with U+FFFD for ill-formed UTF-16 of the binary form; from XML, a dictionary whose only key
+/// is "CF$UID" with an integer is a UID; of equal keys the first is kept. Objects shared in the binary form stay
+/// shared.
+/// An error (dataCorrupted, with the line from 1, or the byte from 0) when: the bytes are in neither form or are
+/// malformed; a value has no counterpart here (null, set, a dictionary key that is not a string, an integer beyond 64
+/// bits); nesting exceeds PropertyList::kDeepestNesting; an object contains itself; the expanded size, with shared
+/// parts counted at each occurrence, exceeds the larger of 16 MiB and 16 times the size of `bytes`; XML declares an
+/// entity.
 /// Cost: linear.
 [[nodiscard]] HAVRIN_EXPORT Decoded<PropertyList> readPropertyList(std::span<const std::byte> bytes);
 
-/// `list` in the binary form. Equal scalars are written once, and so are parts that are shared.
+/// `list` in the binary form. Equal scalars of up to 256 bytes and shared parts are written once.
 /// Cost: linear in the parts written.
 [[nodiscard]] HAVRIN_EXPORT std::vector<std::byte> binaryPropertyList(const PropertyList& list);
 

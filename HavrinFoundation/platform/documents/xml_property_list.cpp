@@ -23,7 +23,7 @@ std::string_view trimmed(std::string_view text) noexcept {
   return text;
 }
 
-// An optional sign, then decimal digits, or hexadecimal ones behind "0x".
+// An optional sign, then decimal digits, or "0x" and hexadecimal digits.
 std::optional<PropertyList> integerOf(std::string_view text) {
   text = trimmed(text);
   const bool isNegative = text.starts_with('-');
@@ -39,7 +39,7 @@ std::optional<PropertyList> integerOf(std::string_view text) {
   return PropertyList(static_cast<std::int64_t>(0 - magnitude));
 }
 
-// A number as C writes it, without hexadecimal digits; "inf", "infinity" and "nan" too, in either case.
+// A decimal number in the syntax of strtod, including "inf", "infinity" and "nan" in either case.
 std::optional<PropertyList> realOf(std::string_view text) {
   text = trimmed(text);
   if (text.starts_with('+')) {
@@ -83,7 +83,7 @@ int base64Value(char c) noexcept {
   return c == '+' ? 62 : c == '/' ? 63 : -1;
 }
 
-// RFC 4648, 4: four characters for three bytes, the last four filled up with "="; blanks anywhere.
+// Base64 of RFC 4648, section 4, with padding required and white space allowed anywhere.
 std::optional<PropertyList> dataOf(std::string_view text) {
   PropertyList::Data data;
   data.reserve(text.size() / 4 * 3);
@@ -106,7 +106,7 @@ std::optional<PropertyList> dataOf(std::string_view text) {
   return PropertyList(std::move(data));
 }
 
-// Takes the events of the parser and builds the tree from the inside out.
+// Builds the tree from the events of the parser.
 class XmlReader {
  public:
   XmlReader() : parser_(XML_ParserCreate(nullptr)) {
@@ -118,15 +118,16 @@ class XmlReader {
     XML_SetCharacterDataHandler(parser_, [](void* self, const char* text, int length) {
       of(self).guarded([&](auto& r) { r.addText({text, static_cast<std::size_t>(length)}); });
     });
-    // Entities of the document's own are the way to make a small text large.
-    XML_SetEntityDeclHandler(parser_, [](void* self, const char*, int, const char*, int, const char*, const char*,
-                                         const char*, const char*) { of(self).fail("an entity is declared"); });
+    // Entity declarations are refused: nested entities expand a small document without bound.
+    XML_SetEntityDeclHandler(parser_,
+                             [](void* self, const char*, int, const char*, int, const char*, const char*, const char*,
+                                const char*) { of(self).fail("entity declarations are not allowed"); });
   }
   XmlReader(const XmlReader&) = delete;
   ~XmlReader() { XML_ParserFree(parser_); }
 
   Decoded<PropertyList> read(std::span<const std::byte> bytes) {
-    if (bytes.size() > INT_MAX) return errorHere("more than 2 GiB of XML");
+    if (bytes.size() > INT_MAX) return errorHere("the XML is larger than 2 GiB");
     const auto status =
         XML_Parse(parser_, reinterpret_cast<const char*>(bytes.data()), static_cast<int>(bytes.size()), XML_TRUE);
     if (thrown_) std::rethrow_exception(thrown_);
@@ -141,20 +142,20 @@ class XmlReader {
   }
 
  private:
-  // What an element is for. The scalars stand behind kText.
+  // The elements of property lists.
   enum class Element { list, dictionary, array, key, yes, no, text, data, integer, real, date };
 
-  // A dictionary or an array that is not closed yet.
+  // A dictionary or an array that is still open.
   struct Open {
     Element element;
-    std::optional<std::string> key;  // whose value comes next
+    std::optional<std::string> key;  // of the next value
     PropertyList::Array elements;
     std::vector<PropertyList::Dictionary::Entry> entries;
   };
 
   static XmlReader& of(void* self) { return *static_cast<XmlReader*>(self); }
 
-  // No exception passes through the parser.
+  // Exceptions must not unwind through the parser, which is C: they are kept and rethrown after it has stopped.
   template <class F>
   void guarded(F&& handler) {
     if (error_ || thrown_) return;
@@ -171,10 +172,10 @@ class XmlReader {
                                         std::string(reason));
   }
 
-  // To the parser, data that ends too early has no elements, however many it began.
+  // The parser reports truncated data as "no elements", even after the start of one.
   [[nodiscard]] std::string_view whatIsMissing(std::span<const std::byte> bytes) const noexcept {
     if (bytes.empty()) return "the data is empty";
-    return isInsideList_ || scalar_ || !open_.empty() ? "an element that is not closed" : "no element found";
+    return isInsideList_ || scalar_ || !open_.empty() ? "an element is not closed" : "no element found";
   }
 
   void fail(std::string_view reason) {
@@ -202,8 +203,8 @@ class XmlReader {
 
   void begin(std::string_view name) {
     const auto element = elementOf(name);
-    if (!element) return fail("an element that property lists do not have");
-    if (scalar_) return fail("an element inside text");
+    if (!element) return fail("unknown property list element");
+    if (scalar_) return fail("an element inside a scalar element");
     if (*element == Element::list) {
       if (isInsideList_ || root_ || !open_.empty()) return fail("a <plist> inside another element");
       isInsideList_ = true;
@@ -218,7 +219,7 @@ class XmlReader {
       if (open_.empty() && root_) return fail("more than one value");
     }
     if (*element == Element::dictionary || *element == Element::array) {
-      if (open_.size() == PropertyList::kDeepestNesting) return fail("an element that nests too deep");
+      if (open_.size() == PropertyList::kDeepestNesting) return fail("nested deeper than 512 levels");
       open_.push_back({*element, std::nullopt, {}, {}});
     } else {
       scalar_ = element;
@@ -234,7 +235,7 @@ class XmlReader {
     }
   }
 
-  // The parser sees to it that elements end in the order in which they begin.
+  // The parser guarantees that start and end tags match.
   void end(std::string_view name) {
     if (scalar_) {
       const Element element = *scalar_;
@@ -263,13 +264,13 @@ class XmlReader {
       case Element::text:
         return addValue(PropertyList(std::move(text_)));
       case Element::data:
-        return addValue(dataOf(text_), "data that is no base64");
+        return addValue(dataOf(text_), "<data> is not base64");
       case Element::integer:
-        return addValue(integerOf(text_), "an integer that is no number of 64 bits");
+        return addValue(integerOf(text_), "<integer> is not a 64-bit integer");
       case Element::real:
-        return addValue(realOf(text_), "a real that is no number");
+        return addValue(realOf(text_), "<real> is not a number");
       default:
-        return addValue(dateOf(text_), "a date that is none");
+        return addValue(dateOf(text_), "<date> is not a date in the form 2024-10-01T12:34:56Z");
     }
   }
 
@@ -291,7 +292,7 @@ class XmlReader {
   XML_Parser parser_;
   bool isInsideList_ = false;
   std::vector<Open> open_;
-  std::optional<Element> scalar_;  // the element whose text is read
+  std::optional<Element> scalar_;  // the scalar element whose text is being collected
   std::string text_;
   std::optional<PropertyList> root_;
   std::optional<DecodingError> error_;

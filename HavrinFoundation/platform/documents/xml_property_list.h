@@ -9,7 +9,7 @@
 namespace havrin {
 inline namespace platform {
 
-/// The property list that the XML in `bytes` writes; see readPropertyList.
+/// Reads the XML form; see readPropertyList.
 [[nodiscard]] Decoded<PropertyList> readXmlPropertyList(std::span<const std::byte> bytes);
 
 }  // namespace platform

@@ -122,7 +122,7 @@ struct Case {
 };
 
 constexpr std::string_view kTooDeep = "objects nest too deep";
-constexpr std::string_view kTooMuch = "shared parts that stand for too much";
+constexpr std::string_view kTooMuch = "shared objects expand beyond the size limit";
 constexpr std::string_view kTooLarge = "the objects stand for more than an archive of this size should hold";
 constexpr std::string_view kTooHard = "telling the objects apart takes more";
 

@@ -300,7 +300,7 @@ TEST(KeyedArchiver, SaysWhatCannotBeWritten) {
       {make<Puppet>(), true, "the class Puppet does not adopt NSSecureCoding"},
       {holdsItself, false, "a collection holds itself"},
       {deepest, false, "objects nest too deep"},
-      {laughs, false, "shared parts that stand for too much"},
+      {laughs, false, "shared objects expand beyond the size limit"},
       {copies, false, "more than an archive of this size should hold"},
   };
   for (const auto& row : rows) {

@@ -152,7 +152,7 @@ TEST(JSONDecoder, RefusesAMalformedDocumentAsAWhole) {
   expectRefused(std::string_view("[1]\0", 4));
   expectRefused(std::string_view("[\0]", 3));
   EXPECT_EQ(JSONDecoder().tryDecode<int>("{\n  \"a\": [1,\n   oops]}").error().description(),
-            "dataCorrupted at the top level: the document is not JSON: a value is missing (line 3, byte 4)");
+            "dataCorrupted at the top level: the document is not JSON: expected a value (line 3, byte 4)");
 }
 
 TEST(JSONDecoder, RefusesEveryBeginningOfADocument) {

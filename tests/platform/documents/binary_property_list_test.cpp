@@ -47,26 +47,26 @@ TEST(BinaryPropertyList, SaysWhatIsWrongAndAtWhichByte) {
     Binary binary;
     std::string_view error;
   } rows[] = {
-      {{{"00"}}, "byte 8: a null or a filler, which is no value"},
-      {{{"15 00"}}, "byte 8: an integer of an unknown width"},
-      {{{"14 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00"}}, "byte 8: an integer of more than 64 bits"},
-      {{{"14 00 00 00 00 00 00 00 01"}}, "byte 8: an object that ends behind the objects"},
-      {{{"21 00 00"}}, "byte 8: a real of an unknown width"},
-      {{{"5F"}}, "byte 8: an object that ends behind the objects"},
-      {{{"5F 51 61"}}, "byte 8: a size that is no integer"},
-      {{{"5F 13 FF FF FF FF FF FF FF FF 61"}}, "byte 8: an object that ends behind the objects"},
-      {{{"51 E9"}}, "byte 8: a text that is marked as ASCII and is not"},
-      {{{"88 00 00 00 00 00 00 00 00 01"}}, "byte 8: a UID of more than 64 bits"},
-      {{{"71 61"}}, "byte 8: an object of an unknown kind"},
-      {{{"A1 01"}}, "byte 8: a reference to no object"},
-      {{{"D1 01 01", "09"}}, "byte 8: a key that is no text"},
-      {{{"A1 01", "D1 02 00", "51 61"}}, "byte 8: an object that holds itself"},
-      {{{}}, "byte 32: a table of offsets outside the data"},
-      {{{"09"}, 1}, "byte 26: an outermost object that is not there"},
-      {{{"09"}, 0, 9}, "byte 17: references of an unknown width"},
-      {{{"09"}, 0, 1, 0}, "byte 15: offsets of an unknown width"},
+      {{{"00"}}, "byte 8: null and fill bytes are not values"},
+      {{{"15 00"}}, "byte 8: invalid integer width"},
+      {{{"14 00 00 00 00 00 00 00 01 00 00 00 00 00 00 00 00"}}, "byte 8: the integer does not fit into 64 bits"},
+      {{{"14 00 00 00 00 00 00 00 01"}}, "byte 8: the object extends past the end of the objects"},
+      {{{"21 00 00"}}, "byte 8: invalid real width"},
+      {{{"5F"}}, "byte 8: the object extends past the end of the objects"},
+      {{{"5F 51 61"}}, "byte 8: the size is not an integer"},
+      {{{"5F 13 FF FF FF FF FF FF FF FF 61"}}, "byte 8: the object extends past the end of the objects"},
+      {{{"51 E9"}}, "byte 8: the ASCII string has a byte that is not ASCII"},
+      {{{"88 00 00 00 00 00 00 00 00 01"}}, "byte 8: the UID does not fit into 64 bits"},
+      {{{"71 61"}}, "byte 8: unknown object type"},
+      {{{"A1 01"}}, "byte 8: reference to an object that does not exist"},
+      {{{"D1 01 01", "09"}}, "byte 8: a dictionary key is not a string"},
+      {{{"A1 01", "D1 02 00", "51 61"}}, "byte 8: the object contains itself"},
+      {{{}}, "byte 32: the offset table is outside the data"},
+      {{{"09"}, 1}, "byte 26: the top object does not exist"},
+      {{{"09"}, 0, 9}, "byte 17: the reference width is not 1 to 8"},
+      {{{"09"}, 0, 1, 0}, "byte 15: the offset width is not 1 to 8"},
       {{{"09", ""}}, "byte 19: more objects than bytes"},
-      {{{"A1 01", ""}}, "byte 11: an offset outside the objects"},
+      {{{"A1 01", ""}}, "byte 11: the offset is outside the objects"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.error);
@@ -82,7 +82,7 @@ TEST(BinaryPropertyList, RefusesObjectsThatOverlap) {
   text += std::string("\x08\x0C\x0C\x0C", 4);  // three objects that are one in truth
   Binary::append(text, 0x0101, 8);
   for (const unsigned value : {4U, 0U, 15U}) Binary::append(text, value, 8);
-  EXPECT_EQ(samples::reasonOf(readPropertyList(samples::bytesOf(text))), "objects that overlap");
+  EXPECT_EQ(samples::reasonOf(readPropertyList(samples::bytesOf(text))), "objects overlap");
 }
 
 std::vector<std::byte> nested(std::size_t depth) {
@@ -94,7 +94,7 @@ std::vector<std::byte> nested(std::size_t depth) {
 
 TEST(BinaryPropertyList, BoundsTheNesting) {
   EXPECT_TRUE(readPropertyList(nested(List::kDeepestNesting)));
-  EXPECT_EQ(samples::reasonOf(readPropertyList(nested(List::kDeepestNesting + 1))), "an object that nests too deep");
+  EXPECT_EQ(samples::reasonOf(readPropertyList(nested(List::kDeepestNesting + 1))), "nested deeper than 512 levels");
   EXPECT_FALSE(readPropertyList(nested(1'000'000)));
 }
 
@@ -104,7 +104,7 @@ TEST(BinaryPropertyList, BoundsWhatSharedPartsStandFor) {
   for (std::size_t i = 1; i < 60; ++i) objects.push_back("A2 " + hexadecimal(i, 2) + hexadecimal(i, 2));
   objects.emplace_back("09");
   EXPECT_EQ(samples::reasonOf(readPropertyList(Binary{{objects.begin(), objects.end()}}.bytes())),
-            "shared parts that stand for too much");
+            "shared objects expand beyond the size limit");
   // A thousand dictionaries under one long key: keys are copied.
   objects = {"AF 11 03 E8 ", "5F 12 00 01 00 00 " + samples::repeated("61", 65536)};
   for (std::size_t i = 0; i < 1000; ++i) {
@@ -112,7 +112,7 @@ TEST(BinaryPropertyList, BoundsWhatSharedPartsStandFor) {
     objects.emplace_back("D1 00 01 00 01");
   }
   EXPECT_EQ(samples::reasonOf(readPropertyList(Binary{{objects.begin(), objects.end()}, 0, 2, 4}.bytes())),
-            "shared parts that stand for too much");
+            "shared objects expand beyond the size limit");
 }
 
 TEST(BinaryPropertyList, SurvivesEveryDamage) {

@@ -113,17 +113,17 @@ TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
       {"<array><key>a</key></array>", "line 1: a key outside a dictionary"},
       {"<true/>\n\n<true/>", "line 3: more than one value"},
       {"", "line 1: no value"},
-      {"<set/>", "line 1: an element that property lists do not have"},
-      {"<string><true/></string>", "line 1: an element inside text"},
+      {"<set/>", "line 1: unknown property list element"},
+      {"<string><true/></string>", "line 1: an element inside a scalar element"},
       {"<array>a</array>", "line 1: text between elements"},
-      {"<integer>1.5</integer>", "line 1: an integer that is no number of 64 bits"},
-      {"<integer>18446744073709551616</integer>", "line 1: an integer that is no number of 64 bits"},
-      {"<integer>--1</integer>", "line 1: an integer that is no number of 64 bits"},
-      {"<real>+-1</real>", "line 1: a real that is no number"},
-      {"<date>2023-02-29T00:00:00Z</date>", "line 1: a date that is none"},
-      {"<date>2024-01-01 00:00:00Z</date>", "line 1: a date that is none"},
-      {"<data>Y=Q=</data>", "line 1: data that is no base64"},
-      {"<data>YQ==YQ==</data>", "line 1: data that is no base64"},
+      {"<integer>1.5</integer>", "line 1: <integer> is not a 64-bit integer"},
+      {"<integer>18446744073709551616</integer>", "line 1: <integer> is not a 64-bit integer"},
+      {"<integer>--1</integer>", "line 1: <integer> is not a 64-bit integer"},
+      {"<real>+-1</real>", "line 1: <real> is not a number"},
+      {"<date>2023-02-29T00:00:00Z</date>", "line 1: <date> is not a date in the form 2024-10-01T12:34:56Z"},
+      {"<date>2024-01-01 00:00:00Z</date>", "line 1: <date> is not a date in the form 2024-10-01T12:34:56Z"},
+      {"<data>Y=Q=</data>", "line 1: <data> is not base64"},
+      {"<data>YQ==YQ==</data>", "line 1: <data> is not base64"},
       {"<string>\xFF</string>", "line 1: not well-formed (invalid token)"},
   };
   for (const auto& row : rows) {
@@ -137,11 +137,12 @@ TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
   } wholes[] = {
       {"", "line 1: the data is empty"},
       {"<?xml version=\"1.0\"?>", "line 1: no element found"},
-      {"<plist>\n<dict>\n<key>a</key>\n", "line 4: an element that is not closed"},
-      {"<string>a", "line 1: an element that is not closed"},
+      {"<plist>\n<dict>\n<key>a</key>\n", "line 4: an element is not closed"},
+      {"<string>a", "line 1: an element is not closed"},
       {"{ a = b; }", "line 1: not well-formed (invalid token)"},
       {"bplist00", "byte 8: the data ends before its trailer"},
-      {"<!DOCTYPE plist [\n<!ENTITY a 'aaaa'>]><plist><string>&a;</string></plist>", "line 2: an entity is declared"},
+      {"<!DOCTYPE plist [\n<!ENTITY a 'aaaa'>]><plist><string>&a;</string></plist>",
+       "line 2: entity declarations are not allowed"},
   };
   for (const auto& row : wholes) {
     const auto read = readPropertyList(bytesOf(row.whole));
@@ -155,7 +156,7 @@ TEST(PropertyList, BoundsTheNestingOfXml) {
     return readXml(repeated("<array>", depth) + repeated("</array>", depth));
   };
   EXPECT_TRUE(nested(List::kDeepestNesting));
-  EXPECT_EQ(samples::reasonOf(nested(List::kDeepestNesting + 1)), "an element that nests too deep");
+  EXPECT_EQ(samples::reasonOf(nested(List::kDeepestNesting + 1)), "nested deeper than 512 levels");
   EXPECT_FALSE(nested(1'000'000));
 }
 
@@ -184,7 +185,7 @@ TEST(PropertyList, SharesWhatIsSharedAndWritesItOnce) {
   EXPECT_EQ(taken.array(), inner.array());
   EXPECT_EQ(binaryPropertyList(left), binaryPropertyList(List(false)));  // NOLINT(bugprone-use-after-move)
   // 65536 times a thousand bytes are more than a thousand bytes may stand for.
-  EXPECT_EQ(samples::reasonOf(readPropertyList(bytes)), "shared parts that stand for too much");
+  EXPECT_EQ(samples::reasonOf(readPropertyList(bytes)), "shared objects expand beyond the size limit");
 }
 
 }  // namespace
