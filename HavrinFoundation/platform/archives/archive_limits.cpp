@@ -3,7 +3,7 @@
 namespace havrin {
 inline namespace platform {
 
-// The smallest archive may stand for so many bytes, and each of its own for so many more.
+// The minimum lets small archives share parts freely; beyond it, the factors bound the amplification.
 ArchiveBudget::ArchiveBudget(std::uint64_t archiveSize)
     : room_(std::max(std::uint64_t{16} << 20, 32 * archiveSize)),
       work_(std::max(NSKeyedUnarchiver::kLargestExpansion, 8 * archiveSize)) {}

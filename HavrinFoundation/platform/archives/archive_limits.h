@@ -1,5 +1,5 @@
-// What an archive may ask of its reader, for the reader and the writer: what would not be read is not written. Internal
-// to archives/.
+// The limits on archives, for the reader and the writer: an archive that would not be read is not written. Internal to
+// archives/.
 #pragma once
 
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
@@ -12,25 +12,25 @@
 namespace havrin {
 inline namespace platform {
 
-/// About what things take in memory, in bytes.
-inline constexpr std::uint64_t kArchivedObjectSize = 64;   // an object, whatever it holds
+/// Approximate sizes in memory, in bytes.
+inline constexpr std::uint64_t kArchivedObjectSize = 64;   // an object without its contents
 inline constexpr std::uint64_t kArchivedElementSize = 8;   // an element of an array
 inline constexpr std::uint64_t kArchivedMemberSize = 40;   // a member of a set, or a key
-inline constexpr std::uint64_t kArchivedKeyPartSize = 32;  // a part of a key, which is copied
+inline constexpr std::uint64_t kArchivedKeyPartSize = 32;  // a part of a key, because keys are copied
 inline constexpr std::uint64_t kArchivedRunSize = 64;      // a run of attributes
 
-/// The memory and the work that an archive may take, in proportion to its size.
+/// The memory and the work that decoding an archive may take, in proportion to its size.
 class ArchiveBudget {
  public:
   explicit ArchiveBudget(std::uint64_t archiveSize);
 
-  /// Counts `bytes` of what is made. An error when: that is too much.
+  /// Counts `bytes` of memory. An error when: the budget is exceeded.
   [[nodiscard]] Decoded<void> takeRoom(std::uint64_t bytes) {
-    return take(room_, bytes, "the objects stand for more than an archive of this size should hold");
+    return take(room_, bytes, "the objects take too much memory for an archive of this size");
   }
-  /// The same for parts that are hashed or compared.
+  /// Counts `parts` that are hashed or compared. An error when: the budget is exceeded.
   [[nodiscard]] Decoded<void> takeWork(std::uint64_t parts) {
-    return take(work_, parts, "telling the objects apart takes more than an archive of this size should need");
+    return take(work_, parts, "too many colliding keys or set members");
   }
 
   [[nodiscard]] static Decoded<void> refusal(std::string_view tooMuch);
@@ -47,23 +47,25 @@ class ArchiveBudget {
   std::uint64_t work_;
 };
 
-/// How much an object holds, itself counted: what bounds the walks over it (hashing, comparing, describing).
+/// The size of the object graph below an object, itself included. Bounds the cost of hashing, comparing and describing
+/// it.
 struct ArchivedExtent {
-  // The parts, and parts of parts, shared ones each time; of a set and of keys each once more for every other one of its
-  // hash, with which it is compared. 8 units of text are a part, and 256 bytes of data.
+  // The number of parts, recursively, with shared parts counted at each occurrence. A member of a set or a key counts
+  // once more for each other one with the same hash, with which it is compared. 8 units of text or 256 bytes of data
+  // are a part.
   std::uint32_t expansion = 1;
-  std::uint16_t height = 0;  // how deep they nest
+  std::uint16_t height = 0;  // the depth of nesting below the object
 
-  /// Adds a part, or so much work. An error when: that is too much.
+  /// Adds a part, or an amount of work. An error when: a limit of NSKeyedUnarchiver is exceeded.
   [[nodiscard]] Decoded<void> add(const ArchivedExtent& part) {
     height = std::max<std::uint16_t>(height, static_cast<std::uint16_t>(part.height + 1));
     if (height > NSKeyedUnarchiver::kDeepestNesting) [[unlikely]]
-      return ArchiveBudget::refusal("objects nest too deep");
+      return ArchiveBudget::refusal("objects are nested deeper than 1024 levels");
     return add(part.expansion);
   }
   [[nodiscard]] Decoded<void> add(std::uint64_t work) {
     if (work > NSKeyedUnarchiver::kLargestExpansion - expansion) [[unlikely]]
-      return ArchiveBudget::refusal("shared parts that stand for too much");
+      return ArchiveBudget::refusal("shared objects expand beyond the size limit");
     expansion += static_cast<std::uint32_t>(work);
     return {};
   }
@@ -76,8 +78,8 @@ struct SoughtObject {
   std::uint64_t hash;
   std::uint64_t work;  // its expansion
 };
-/// What telling the objects of a row apart takes: each is compared with those of its hash, again whenever the collection
-/// is compared with another. Sorts the row.
+/// The work of comparing members or keys with equal hashes: each with all others of its hash, which is repeated
+/// whenever the collection is compared with another. Sorts `sought`.
 [[nodiscard]] std::uint64_t searchWork(std::span<SoughtObject> sought);
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-// What has been made of an archive so far, by UID. Internal to archives/.
+// The objects decoded from an archive so far, by UID. Internal to archives/.
 #pragma once
 
 #include <HavrinFoundation/platform/archives/archive_limits.h>
@@ -13,18 +13,18 @@ inline namespace platform {
 
 class ArchiveObjects {
  public:
-  static constexpr std::uint8_t kOthers = 255;  // sets of classes that are not numbered
+  static constexpr std::uint8_t kOthers = 255;  // any set of allowed classes beyond the first 255
 
-  /// An object. Unread until it is asked for, open while its values are read.
+  /// An object: unread until it is decoded for the first time, open while its values are being decoded.
   struct Slot {
     enum class State : std::uint8_t { unread, open, openToItself, made, classRecord };
     Strong<NSObject> object;
     ArchivedExtent extent;
     State state = State::unread;
-    std::uint8_t allowed = kOthers;  // which classes could come when it was made
-    std::uint32_t classIndex = 0;    // of a record of a class
+    std::uint8_t allowed = kOthers;  // the number of the classes allowed when it was made
+    std::uint32_t classIndex = 0;    // of a class record
   };
-  /// A class that a record names.
+  /// The class named by a class record.
   struct ClassEntry {
     ClassObject* cls = nullptr;
     const ArchivedForm* form = nullptr;  // null for classes of the application
@@ -36,7 +36,7 @@ class ArchiveObjects {
   [[nodiscard]] std::uint64_t count() const { return slots_.size(); }
   [[nodiscard]] Slot& operator[](std::uint64_t uid) { return slots_[uid]; }
 
-  /// The class of a record that has been read. Null when: it has not, or is not one.
+  /// The class of a class record. Null when: the slot is not a class record that has been read.
   [[nodiscard]] const ClassEntry* classIn(const Slot& slot) const {
     return slot.state == Slot::State::classRecord ? &classes_[slot.classIndex] : nullptr;
   }

@@ -7,13 +7,13 @@
 
 #include <utility>
 
-// Which classes may come while secure coding is required. Objects are made once and may be asked for again when other
-// classes may come.
+// The check of classes under secure coding. An object is made once but may be decoded again with other classes allowed,
+// so it is checked again then.
 
 namespace havrin {
 inline namespace platform {
 
-// While it lives, these classes may come.
+// Sets the allowed classes for its lifetime.
 class ArchiveReader::Allowing {
  public:
   Allowing(ArchiveReader& reader, const AllowedClasses& allowed)
@@ -42,14 +42,14 @@ NSObject* ArchiveReader::objectOfClasses(std::string_view key, const AllowedClas
 bool ArchiveReader::permits(const ClassObject* cls) {
   if (!coder_.requiresSecureCoding()) return true;
   if (!allowed_.permits(cls)) {
-    fail("an object of class " + quoted(cls->name()) + ", which is not among the classes asked for");
+    fail("class " + quoted(cls->name()) + " is not among the allowed classes");
   } else if (!cls->adopts(protocolOf<NSSecureCoding>())) {
-    fail("an object of class " + quoted(cls->name()) + ", which does not adopt NSSecureCoding");
+    fail("class " + quoted(cls->name()) + " does not adopt NSSecureCoding");
   }
   return !hasFailed();
 }
 
-// The classes that may come, as a number: slots remember them.
+// The number of a set of allowed classes, which a slot stores so that decoding again with the same set skips the check.
 std::uint8_t ArchiveReader::numberOf(const AllowedClasses& allowed) {
   for (std::size_t i = 0; i < allowedBefore_.size(); ++i) {
     const AllowedClasses& before = allowedBefore_[i];
@@ -79,7 +79,7 @@ bool ArchiveReader::permitsParts(NSObject* object, std::size_t depth) {
     return true;
   };
   if (depth > NSKeyedUnarchiver::kDeepestNesting) {
-    fail("objects nest too deep");
+    fail("objects are nested deeper than 1024 levels");
     return false;
   }
   if (const NSArray* const array = cast<NSArray>(object)) return all(array);
@@ -90,7 +90,7 @@ bool ArchiveReader::permitsParts(NSObject* object, std::size_t depth) {
   return !dictionary || (all(dictionary->allKeys()) && all(dictionary->allValues()));
 }
 
-// Attributes are read with the layer's own classes allowed, too.
+// In attributes the layer's own classes are allowed, too.
 bool ArchiveReader::permitsAttributes(const NSAttributedString& text, std::size_t depth) {
   const Allowing allowing(*this, allowedAndLayersOwn());
   for (std::uint64_t at = 0; at < text.length();) {

@@ -13,7 +13,8 @@ namespace havrin {
 inline namespace platform {
 using Kind = BinaryObject::Kind;
 
-// While it lives, the values of one object are read. An object that is not made then is as if it had not been touched.
+// Makes the values of one object current for its lifetime. If the object is not made by the end, its slot is reset, so
+// that it can be decoded again.
 class ArchiveReader::Nested {
  public:
   Nested(ArchiveReader& reader, std::uint64_t uid, const BinaryObject& values)
@@ -54,15 +55,15 @@ void ArchiveReader::fail(std::string_view reason) {
   coder_.failWithError(makeCodingError(NSCoderReadCorruptError, text += reason));
 }
 
-void ArchiveReader::failWithValue(std::string_view key, std::string_view wanted) {
-  fail("the value under " + quoted(key) + " is no " + std::string(wanted));
+void ArchiveReader::failWithValue(std::string_view key, std::string_view wanted, std::string_view got) {
+  fail("expected " + std::string(wanted) + ", got " + std::string(got) + " (key " + quoted(key) + ')');
 }
 
 // Values.
 
 bool ArchiveReader::contains(std::string_view key) {
   if (hasFailed() || !archive_->find(frame_->values, key, frame_->next)) return false;
-  --frame_->next;  // the value is asked for next
+  --frame_->next;  // the same key is usually decoded next
   return true;
 }
 
@@ -72,7 +73,7 @@ std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
   if (!number) return std::nullopt;
   const auto object = archive_->objectAt(*number);
   if (!object) {
-    fail("the value under " + quoted(key) + " cannot be read: " + object.error().detail());
+    fail(object.error().detail() + " (key " + quoted(key) + ')');
     return std::nullopt;
   }
   if (!charge(object->encodedSize())) return std::nullopt;
@@ -86,9 +87,11 @@ std::optional<BinaryObject> ArchiveReader::value(std::string_view key) {
 std::optional<BinaryObject> ArchiveReader::value(std::string_view key, Kind kind) {
   const auto found = value(key);
   if (!found || found->kind() == kind) return found;
-  constexpr std::string_view kNames[] = {"boolean", "integer", "integer", "real", "date",  "reference",
-                                         "data",    "text",    "text",    "text", "array", "dictionary"};
-  failWithValue(key, kNames[static_cast<std::size_t>(kind)]);
+  constexpr std::string_view kNames[] = {
+      "boolean", "integer", "unsigned integer", "real", "date", "reference", "data", "text", "text",
+      "text",    "array",   "dictionary"};
+  const auto nameOf = [&](Kind one) { return kNames[static_cast<std::size_t>(one)]; };
+  failWithValue(key, nameOf(kind), nameOf(found->kind()));
   return std::nullopt;
 }
 
@@ -98,7 +101,7 @@ NSObject* ArchiveReader::object(std::string_view key) {
   if (!number) return nullptr;
   const auto uid = archive_->uidAt(*number);
   if (uid) return objectWithUid(*uid);
-  failWithValue(key, "reference to an object");
+  failWithValue(key, "reference to an object", "another value");
   return nullptr;
 }
 
@@ -107,7 +110,7 @@ NSObject* ArchiveReader::object(std::string_view key) {
 NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
   if (uid == 0 || hasFailed()) return nullptr;
   if (uid >= objects_.count()) {
-    fail("a reference to object " + std::to_string(uid) + ", which is not there");
+    fail("reference to object " + std::to_string(uid) + ", which does not exist");
     return nullptr;
   }
   Slot& slot = objects_[uid];
@@ -116,10 +119,10 @@ NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
       if (!makeObject(uid)) return nullptr;
       break;
     case Slot::State::open:
-      fail("object " + std::to_string(uid) + " holds itself");
+      fail("object " + std::to_string(uid) + " contains itself");
       return nullptr;
     case Slot::State::classRecord:
-      fail("a class stands where an object should");
+      fail("expected an object, got a class record");
       return nullptr;
     case Slot::State::openToItself:
     case Slot::State::made:
@@ -133,7 +136,7 @@ NSObject* ArchiveReader::objectWithUid(std::uint64_t uid) {
 bool ArchiveReader::makeObject(std::uint64_t uid) {
   const auto object = archive_->object(uid);
   if (!object) {
-    fail("object " + std::to_string(uid) + " cannot be read: " + object.error().detail());
+    fail("object " + std::to_string(uid) + ": " + object.error().detail());
     return false;
   }
   if (!charge(kArchivedObjectSize + object->encodedSize())) return false;
@@ -147,7 +150,7 @@ bool ArchiveReader::makeObject(std::uint64_t uid) {
   return true;
 }
 
-// Strings, numbers and data stand in the archive as they are.
+// Strings, numbers and data are plain values in the archive.
 Strong<NSObject> ArchiveReader::makePlain(const BinaryObject& object) {
   switch (object.kind()) {
     case Kind::asciiText:
@@ -162,7 +165,7 @@ Strong<NSObject> ArchiveReader::makePlain(const BinaryObject& object) {
     case Kind::uid:
     case Kind::array:
     case Kind::dictionary:
-      fail("a reference or an array stands where an object should");
+      fail("expected an object, got a reference, an array or a dictionary");
       return nullptr;
     default:
       break;
@@ -175,17 +178,17 @@ Strong<NSObject> ArchiveReader::makePlain(const BinaryObject& object) {
 
 bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) {
   if (depth_ == NSKeyedUnarchiver::kDeepestNesting) {
-    fail("objects nest too deep");
+    fail("objects are nested deeper than 1024 levels");
     return false;
   }
   const Nested nested(*this, uid, values);
-  // Objects of one class have their keys in one order: the search begins where it ended for the last one.
+  // Objects of one class usually have their keys in the same order: the search begins where the last one ended.
   const auto classNumber = archive_->find(values, "$class", nextClassKey_);
   nextClassKey_ = nextClassKey_ == 0 ? 0 : nextClassKey_ - 1;
   const auto classUid = classNumber ? archive_->uidAt(*classNumber) : std::nullopt;
   const ArchivedClassEntry* const found = classUid ? classEntry(*classUid) : nullptr;
   if (!found) {
-    fail("it has no class");
+    fail("it has no valid \"$class\"");
     return false;
   }
   const ArchivedClassEntry entry = *found;
@@ -196,7 +199,7 @@ bool ArchiveReader::makeInstance(std::uint64_t uid, const BinaryObject& values) 
   frame_->isBounded = entry.form != nullptr;
   Strong<NSObject> made = entry.form ? entry.form->decode(*this) : makeOwn(slot, entry);
   if (hasFailed() || (entry.form && !made)) {
-    fail("it cannot be made");
+    fail("its values could not be decoded");
     return false;
   }
   slot.object = std::move(made);
@@ -243,7 +246,7 @@ std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const Bi
   const auto number = archive_->find(record, "$classname", from);
   const auto name = number ? archive_->objectAt(*number) : detail::ErrorHolder::undescribed();
   if (!name || !name->isText()) {
-    fail("the record of its class has no name");
+    fail("its class record has no \"$classname\"");
     return std::nullopt;
   }
   if (!charge(name->encodedSize())) return std::nullopt;
@@ -255,12 +258,12 @@ std::optional<ArchiveReader::ArchivedClassEntry> ArchiveReader::resolve(const Bi
     entry = entryForName(hint->text());
   }
   if (!entry) {
-    fail("no class " + quoted(name->text()) + " is known to archives");
+    fail("unknown class " + quoted(name->text()) + ": declare an ArchivedClass for it");
     return std::nullopt;
   }
   const auto readable = entry->form ? Decoded<void>() : checkReadable(*entry->cls);
   if (readable) return entry;
-  fail("the class " + quoted(name->text()) + ' ' + readable.error().detail());
+  fail("class " + quoted(name->text()) + ' ' + readable.error().detail());
   return std::nullopt;
 }
 

@@ -1,4 +1,4 @@
-// A keyed archive that is being read: its objects by number, made when they are first asked for. Internal to archives/.
+// The decoder of a keyed archive. Objects are made when they are first decoded. Internal to archives/.
 #pragma once
 
 #include <HavrinFoundation/platform/archives/archive_limits.h>
@@ -27,73 +27,74 @@ class ArchiveReader {
   ArchiveReader(const ArchiveReader&) = delete;
   ArchiveReader& operator=(const ArchiveReader&) = delete;
 
-  // Values of the object that is being read; outside of any, of the top. After a failure all are absent.
+  // Values of the object that is being decoded; of "$top" if there is none. After a failure all values are absent.
 
   [[nodiscard]] bool contains(std::string_view key);
-  /// The value under `key`, as it stands. Empty when: there is none, or it cannot be read, which is a failure.
+  /// The raw value under `key`. Empty when: there is none, or it cannot be read, which is a failure.
   [[nodiscard]] std::optional<BinaryObject> value(std::string_view key);
-  /// The value of one kind. Empty when: there is none. A failure when: it is of another.
+  /// The value under `key`, which must be of `kind`. Empty when: there is none. A failure when: it is of another kind.
   [[nodiscard]] std::optional<BinaryObject> value(std::string_view key, BinaryObject::Kind kind);
-  /// The object that the value under `key` refers to, borrowed from the reader. Null when: there is none.
+  /// The object that the value under `key` refers to, owned by the reader. Null when: there is none.
   [[nodiscard]] NSObject* object(std::string_view key);
   [[nodiscard]] NSObject* objectOfClasses(std::string_view key, const AllowedClasses& allowed);
-  /// The same, of the layer's own classes and those that may come anyway.
+  /// The same, allowing the layer's own classes in addition to the classes allowed now.
   [[nodiscard]] NSObject* objectOfLayersOwn(std::string_view key) {
     return objectOfClasses(key, allowedAndLayersOwn());
   }
-  /// The object under `key` as a Type. A failure when: it is none, or null.
+  /// The object under `key` as a Type. A failure when: it is missing, null, or of another class.
   template <class Type>
   [[nodiscard]] Type* object(std::string_view key) {
-    Type* const found = cast<Type>(objectOfClasses(key, {.cls = classOf<Type>()}));
-    if (!found) failWithValue(key, typeName<Type>());
-    return found;
+    NSObject* const found = objectOfClasses(key, {.cls = classOf<Type>()});
+    Type* const typed = cast<Type>(found);
+    if (!typed) failWithValue(key, typeName<Type>(), found ? classOf(*found).name() : "no object");
+    return typed;
   }
 
-  // Rows of objects: archive_rows.cpp.
+  // Arrays of objects, for collections: archive_rows.cpp.
 
   using Objects = std::vector<NSObject*>;
-  /// What a row is for: keys are copied, and members and keys are found by equality.
+  /// The use of a row, which determines its cost: keys are copied; members and keys are hashed and compared.
   enum class Use { inOrder, members, keys };
-  /// Appends the objects that the array under `key` refers to, and answers true; false after a failure, null among them
-  /// included.
+  /// Appends the objects that the array under `key` refers to. Result: false after a failure; null elements are one.
   [[nodiscard]] bool objects(std::string_view key, Use use, Objects& row);
-  /// The same for members, one value each under "<prefix>0", "<prefix>1" and so on, up to a number that is not there.
+  /// The same for set members stored under the keys "<prefix>0", "<prefix>1" and so on.
   [[nodiscard]] bool numberedObjects(std::string_view prefix, Objects& row);
 
   struct Part {
     NSObject* object;
-    std::uint64_t work;  // what comparing it takes
+    std::uint64_t work;  // the cost of comparing it
   };
-  /// The parts of an array that has been made, from its own values. Empty when: an object of the application answered it.
+  /// The elements of a decoded array. Empty when: the array was replaced by an object of the application.
   [[nodiscard]] std::vector<Part> partsOf(std::string_view key);
 
-  /// Counts `bytes` of what is made. Result: false, and a failure, when that is out of all proportion to the archive.
+  /// Counts `bytes` of memory. Result: false, with a failure, if that exceeds the budget of the archive.
   bool charge(std::uint64_t bytes) { return isWithinBounds(budget_.takeRoom(bytes)); }
-  /// The same for work: parts that are hashed or compared.
+  /// Counts `parts` that are hashed or compared, likewise.
   bool chargeWork(std::uint64_t parts) { return isWithinBounds(budget_.takeWork(parts)); }
-  /// Adds to what walks over the object that is being read will take. Result: false, and a failure, when that is too much.
+  /// Adds to the extent of the object that is being decoded. Result: false, with a failure, if that exceeds the limit.
   bool addExtent(std::uint64_t work) { return !frame_->isBounded || isWithinBounds(frame_->extent.add(work)); }
   [[nodiscard]] bool hasFailed() const { return coder_.hasFailed(); }
-  /// Whether an object is being read: the reader is needed still.
+  /// Whether an object is being decoded, so that the reader must not be destroyed.
   [[nodiscard]] bool isInside() const { return depth_ != 0; }
-  /// A failure of the object that is being read.
+  /// Records a failure of the object that is being decoded. Only the first failure is kept.
   void fail(std::string_view reason);
-  void failWithValue(std::string_view key, std::string_view wanted);
+  /// "expected <wanted>, got <got> (key "<key>")"
+  void failWithValue(std::string_view key, std::string_view wanted, std::string_view got);
 
  private:
   using Slot = ArchiveObjects::Slot;
   using ArchivedClassEntry = ArchiveObjects::ClassEntry;
   static constexpr std::uint8_t kOthers = ArchiveObjects::kOthers;
 
-  /// A name from outside, as errors quote it.
+  /// An untrusted name in quotes, cut to 80 bytes.
   [[nodiscard]] static std::string quoted(std::string_view name);
 
-  // The object that is being read.
+  // The object that is being decoded.
   struct Frame {
     BinaryObject values;     // a dictionary
     std::uint64_t uid = 0;   // 0: the top
-    std::uint64_t next = 0;  // where the search for the next key begins: mostly they are read in their order
-    // The top and the objects of the application are one part: how they are compared is their own affair.
+    std::uint64_t next = 0;  // where the search for the next key begins: keys are mostly decoded in their order
+    // "$top" and objects of the application count as one part: the cost of comparing them is up to the application.
     ArchivedExtent extent;
     bool isBounded = false;
   };
@@ -107,7 +108,7 @@ class ArchiveReader {
   [[nodiscard]] const ArchivedClassEntry* classEntry(std::uint64_t uid);
   [[nodiscard]] std::optional<ArchivedClassEntry> resolve(const BinaryObject& record);
   [[nodiscard]] static std::optional<ArchivedClassEntry> entryForName(std::string_view name);
-  // Which classes may come: archive_permissions.cpp.
+  // Secure coding, the check of allowed classes: archive_permissions.cpp.
   class Allowing;
   [[nodiscard]] AllowedClasses allowedAndLayersOwn() const {
     return {.cls = allowed_.cls, .classes = allowed_.classes, .layersOwn = true};
@@ -136,7 +137,7 @@ class ArchiveReader {
   std::uint64_t nextClassKey_ = 0;
   AllowedClasses allowed_;
   std::uint8_t allowedNumber_ = kOthers;
-  std::vector<AllowedClasses> allowedBefore_;  // what may have come for some object; the sets stand in the other
+  std::vector<AllowedClasses> allowedBefore_;  // by number; their sets are owned by allowedSets_
   std::vector<Strong<NSSet>> allowedSets_;
   ArchiveObjects objects_;
   ArchiveBudget budget_;

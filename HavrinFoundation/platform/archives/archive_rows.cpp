@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-// The rows of objects that collections are made of. What a collection does with a row bounds how long it may be.
+// The rows of objects that collections are made of, charged according to their use.
 
 namespace havrin {
 inline namespace platform {
@@ -11,12 +11,12 @@ using Kind = BinaryObject::Kind;
 bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector<SoughtObject>& sought) {
   const auto uid = archive_->uidAt(number);
   if (!uid) {
-    fail("a value is no reference to an object");
+    fail("an element of a collection is not a reference to an object");
     return false;
   }
   NSObject* const object = objectWithUid(*uid);
   if (!object) {
-    if (!hasFailed()) fail("a collection holds null");
+    if (!hasFailed()) fail("a collection contains null");
     return false;
   }
   row.push_back(object);
@@ -30,7 +30,7 @@ bool ArchiveReader::add(std::uint64_t number, Use use, Objects& row, std::vector
 bool ArchiveReader::objects(std::string_view key, Use use, Objects& row) {
   const auto array = value(key, Kind::array);
   if (!array) {
-    fail("there is no array under \"" + std::string(key) + '"');
+    fail("expected array, got no value (key \"" + std::string(key) + "\")");
     return false;
   }
   const std::uint64_t count = array->count();
@@ -44,7 +44,7 @@ bool ArchiveReader::objects(std::string_view key, Use use, Objects& row) {
   return chargeSearch(sought);
 }
 
-// The keys stand in any order: one walk puts each in its place.
+// The keys come in any order, so one pass sorts the values by number; a look-up per number would be quadratic.
 bool ArchiveReader::numberedObjects(std::string_view prefix, Objects& row) {
   constexpr std::uint64_t kMissing = ~std::uint64_t{0};
   const BinaryObject& values = frame_->values;
@@ -66,7 +66,7 @@ bool ArchiveReader::numberedObjects(std::string_view prefix, Objects& row) {
   std::vector<SoughtObject> sought;
   for (std::uint64_t i = 0; i < found; ++i) {
     if (numbers[i] == kMissing) {
-      fail("a number is missing among the keys that begin with \"" + std::string(prefix) + '"');
+      fail("the keys \"" + std::string(prefix) + "<n>\" are not numbered consecutively from 0");
       return false;
     }
     if (!add(numbers[i], Use::members, row, sought)) return false;

@@ -8,7 +8,7 @@
 namespace havrin {
 inline namespace platform {
 
-// While it lives, values are added to one object.
+// Makes one object the target of added values for its lifetime.
 class ArchiveWriter::Nested {
  public:
   Nested(ArchiveWriter& writer, std::uint64_t uid, bool isBounded)
@@ -41,7 +41,7 @@ void ArchiveWriter::fail(std::string_view reason) {
 
 void ArchiveWriter::add(std::string_view key, Number value, std::uint64_t work) {
   const Number name = list_.text(key);
-  if (frame_.has(name)) return fail("two values under the key \"" + std::string(key) + '"');
+  if (frame_.has(name)) return fail("key \"" + std::string(key) + "\" is encoded twice");
   frame_.keys.push_back(name);
   frame_.values.push_back(value);
   charge(list_.sizeOf(value));
@@ -100,8 +100,8 @@ std::uint64_t ArchiveWriter::uidOf(const NSObject* object) {
     write(uid, *object);
   }
   const Written& written = written_[uid];
-  // An object of the application may hold itself; it meets itself when it is read, as one part.
-  if (written.isOpen && planFor(dispatchClass(object)->shown()).form) fail("a collection holds itself");
+  // An object of the application may contain itself; only collections must not, because walks over them would not end.
+  if (written.isOpen && planFor(dispatchClass(object)->shown()).form) fail("a collection contains itself");
   if (frame_.isBounded) {
     if (const auto fits = frame_.extent.add(written.extent); !fits) fail(fits.error().detail());
   }
@@ -109,7 +109,7 @@ std::uint64_t ArchiveWriter::uidOf(const NSObject* object) {
 }
 
 void ArchiveWriter::write(std::uint64_t uid, const NSObject& object) {
-  if (depth_ == NSKeyedUnarchiver::kDeepestNesting) return fail("objects nest too deep");
+  if (depth_ == NSKeyedUnarchiver::kDeepestNesting) return fail("objects are nested deeper than 1024 levels");
   ClassObject* const cls = dispatchClass(&object)->shown();
   Plan& plan = planFor(cls);
   if (!plan.refusal.empty()) return fail(plan.refusal);
@@ -131,8 +131,8 @@ void ArchiveWriter::encode(const NSObject& object, const Plan& plan) try {
   } else {
     send<"encodeWithCoder:">(object, &coder_);
   }
-} catch (...) {  // half an object stands in the archive
-  fail("an exception while an object was being written");
+} catch (...) {  // the archive has an incomplete object
+  fail("an exception was thrown while an object was being encoded");
   throw;
 }
 
@@ -148,9 +148,9 @@ ArchiveWriter::Plan ArchiveWriter::makePlan(ClassObject* cls) const {
   if (known) {
     plan.name = *known;
     if (!cls->row(selector<"encodeWithCoder:">)) {
-      plan.refusal = "the class " + name + " does not answer encodeWithCoder:";
+      plan.refusal = "class " + name + " does not respond to encodeWithCoder:";
     } else if (const auto readable = checkReadable(*cls); !readable) {
-      plan.refusal = "the class " + name + ' ' + readable.error().detail();
+      plan.refusal = "class " + name + ' ' + readable.error().detail();
     }
   } else {
     const ClassObject* nearest = cls;
@@ -161,12 +161,12 @@ ArchiveWriter::Plan ArchiveWriter::makePlan(ClassObject* cls) const {
     if (plan.form) {
       plan.name = plan.form->name;
     } else {
-      plan.refusal = "an object of class " + name + ", which archives do not know: an ArchivedClass names it";
+      plan.refusal = "unknown class " + name + ": declare an ArchivedClass for it";
     }
   }
   if (!plan.refusal.empty()) return plan;
   if (coder_.requiresSecureCoding() && !cls->adopts(protocolOf<NSSecureCoding>())) {
-    plan.refusal = "the class " + name + " does not adopt NSSecureCoding";
+    plan.refusal = "class " + name + " does not adopt NSSecureCoding";
   }
   return plan;
 }
@@ -185,7 +185,7 @@ std::uint64_t ArchiveWriter::classUid(Plan& plan, ClassObject* cls) {
   return plan.classUid;
 }
 
-// More may be added, and the archive be finished again: the containers around the objects stay the same ones.
+// May be called again after more values were added: the outer containers keep their numbers and are set anew.
 std::vector<std::byte> ArchiveWriter::finish() {
   std::vector<Number> objects;
   objects.reserve(written_.size());

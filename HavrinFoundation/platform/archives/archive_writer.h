@@ -1,4 +1,4 @@
-// A keyed archive that is being written: archive_reader.h tells the form. Internal to archives/.
+// The encoder of a keyed archive; keyed_archive.h describes the format. Internal to archives/.
 #pragma once
 
 #include <HavrinFoundation/platform/archives/archive_limits.h>
@@ -27,43 +27,43 @@ class ArchiveWriter {
   ArchiveWriter(const ArchiveWriter&) = delete;
   ArchiveWriter& operator=(const ArchiveWriter&) = delete;
 
-  // What is added goes to the object that is being written; outside of any, to the top.
+  // Values are added to the object that is being encoded; to "$top" if there is none.
 
   /// The list under construction, for values.
   [[nodiscard]] BinaryPropertyListWriter& list() { return list_; }
-  /// Adds a value under `key`, and what walking over it takes. A failure when: there is one.
+  /// Adds a value under `key`, and its work to the extent. A failure when: the key has a value already.
   void add(std::string_view key, Number value, std::uint64_t work = 0);
-  /// Adds a reference to `object`, which is written when it has not been.
+  /// Adds a reference to `object` and encodes the object if it is new.
   void addObject(std::string_view key, const NSObject* object);
   /// Adds an array of references.
   void addObjects(std::string_view key, std::span<const Strong<NSObject>> objects);
-  /// Adds what telling these parts apart takes, which stand in a set, or are keys, of whose parts each takes `partSize`.
+  /// Adds the cost of hashing and comparing set members or keys; `partSize` is the memory for each part of a key.
   void addSearch(std::span<const Strong<NSObject>> parts, std::uint64_t partSize = 0);
 
-  // Reading counts what it takes; what would be too much is not written.
+  // The costs that the reader will count, so that an archive that it would refuse is not written.
 
-  /// What walking over a part takes that has been added.
+  /// The expansion of a part that has been added.
   [[nodiscard]] std::uint64_t workOf(const NSObject* part) const { return written_[uids_.at(part)].extent.expansion; }
-  /// Adds to what walking over the object that is being written takes.
+  /// Adds to the extent of the object that is being encoded.
   void addExtent(std::uint64_t work);
-  /// Adds to what reading the archive takes: memory, and work.
+  /// Adds to the memory and the work of decoding the archive.
   void charge(std::uint64_t bytes) { room_ += bytes; }
   void chargeWork(std::uint64_t parts) { work_ += parts; }
 
-  /// Says that the object is this value, and no dictionary.
+  /// Stores the object as the plain `value` instead of a dictionary.
   void setPlain(Number value, const ArchivedExtent& extent = {});
 
-  /// Whether an object is being written: code of the application may be running in the middle of it.
+  /// Whether an object is being encoded, possibly by code of the application.
   [[nodiscard]] bool isWriting() const { return depth_ > 0; }
   void fail(std::string_view reason);
   [[nodiscard]] bool hasFailed() const { return coder_.hasFailed(); }
 
-  /// The archive of what has been added. Not to be used after a failure, which it may be itself.
+  /// The archive of the values added so far. Check hasFailed() afterwards: exceeding the budget is a failure.
   [[nodiscard]] std::vector<std::byte> finish();
 
  private:
   struct Written {
-    Strong<NSObject> object;  // held, so that no other comes to its address
+    Strong<NSObject> object;  // retained, so that its address is not reused while it is a key of uids_
     Number number = 0;
     ArchivedExtent extent;
     bool isOpen = false;   // its values are being added
@@ -74,17 +74,17 @@ class ArchiveWriter {
     std::vector<Number> keys = {};
     std::vector<Number> values = {};
     ArchivedExtent extent = {};
-    bool isBounded = false;                // neither the top nor an object of the application
-    std::unordered_set<Number> many = {};  // the keys again, when they are
+    bool isBounded = false;                // false for "$top" and objects of the application
+    std::unordered_set<Number> many = {};  // the keys again, if there are many
 
-    // Whether there is a value under the key, which is added next where there is none.
+    // Whether the key has a value. If not, the caller adds one.
     [[nodiscard]] bool has(Number key);
   };
-  // How objects of a class are written.
+  // How objects of a class are encoded.
   struct Plan {
     const ArchivedForm* form = nullptr;  // null for classes of the application
     std::string name;
-    std::string refusal;         // why they are not
+    std::string refusal;         // the error, if they cannot be encoded
     std::uint64_t classUid = 0;  // 0 until the record is written
   };
   class Nested;

@@ -21,7 +21,7 @@ void appendVarint(std::vector<std::byte>& bytes, std::uint64_t value) {
   bytes.push_back(static_cast<std::byte>(value));
 }
 
-// The number at the beginning of `bytes`, which move behind it. Empty when: it does not end, or takes more than 63 bits.
+// Removes a varint from the front of `bytes`. Empty when: it is truncated or has more than 63 bits.
 std::optional<std::uint64_t> takeVarint(std::span<const std::byte>& bytes) {
   std::uint64_t value = 0;
   for (unsigned shift = 0; shift < 63 && !bytes.empty(); shift += 7) {
@@ -33,7 +33,7 @@ std::optional<std::uint64_t> takeVarint(std::span<const std::byte>& bytes) {
   return std::nullopt;
 }
 
-// Attributes are held immutable. Null when: that takes too much.
+// An immutable copy of attributes that are mutable. Null when: it is not a dictionary, or exceeds the budget.
 Strong<NSDictionary> immutableAttributes(NSObject* object, ArchiveReader& reader) {
   NSDictionary* const attributes = cast<NSDictionary>(object);
   if (!attributes || !isKind<NSMutableDictionary>(attributes)) return attributes;
@@ -41,7 +41,7 @@ Strong<NSDictionary> immutableAttributes(NSObject* object, ArchiveReader& reader
   return cast<NSDictionary>(attributes->copy());
 }
 
-// The runs that `info` tells of, equal neighbours as one. Empty when: it tells no such thing, or comparing is too much.
+// The runs encoded in `info`, with equal neighbours merged. Empty when: `info` is malformed, or a limit is exceeded.
 std::optional<Runs> runsOf(std::span<const std::byte> info, const std::vector<ArchiveReader::Part>& parts,
                            ArchiveReader& reader) {
   const auto numbers =
@@ -74,7 +74,7 @@ std::optional<Runs> runsOf(std::span<const std::byte> info, const std::vector<Ar
   return runs;
 }
 
-// What reading the runs counts.
+// Counts the cost of decoding the runs.
 void addRuns(std::span<const Strong<NSObject>> attributes, ArchiveWriter& writer) {
   if (writer.hasFailed()) return;
   writer.charge(kArchivedRunSize * attributes.size());
@@ -124,9 +124,9 @@ Strong<NSObject> decodeAttributedString(ArchiveReader& reader) {
   const auto runs = info ? runsOf(info->bytes(), reader.partsOf("NSAttributes"), reader) : std::nullopt;
   try {
     if (runs) return make<C>(string, std::span<const NSAttributedString::Run>(*runs));
-  } catch (const NSException&) {  // runs that are not those of the text
+  } catch (const NSException&) {  // the runs do not cover the text exactly
   }
-  reader.fail("attributes that do not fit the text");
+  reader.fail("the attributes do not match the text");
   return nullptr;
 }
 

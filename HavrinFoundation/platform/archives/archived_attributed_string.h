@@ -1,4 +1,4 @@
-// How attributed strings stand in an archive; archived_forms.cpp tells the form. Internal to archives/.
+// Encoding and decoding of attributed strings; archived_forms.cpp describes the format. Internal to archives/.
 #pragma once
 
 #include <HavrinFoundation/platform/object/reference.h>

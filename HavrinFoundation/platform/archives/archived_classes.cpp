@@ -13,11 +13,11 @@ namespace havrin {
 inline namespace platform {
 namespace {
 
-// The classes that programs have named. Never destroyed: threads may read archives until the process ends.
+// The registered classes. Never destroyed, because threads may decode archives until the process ends.
 struct NamedClasses {
   struct Named {
     Class cls;
-    std::uint64_t order;  // of two names of a class the one with the lower is written
+    std::uint64_t order;  // a class is encoded under the name with its lowest order
   };
   SharedLock lock;
   std::map<std::string, Named, std::less<>> byName HAVRIN_THREAD_SAFETY(guarded_by(lock));
@@ -33,7 +33,7 @@ struct NamedClasses {
 
 void NSKeyedUnarchiver::setClass(Class cls, std::string_view name) {
   if (name.empty())
-    throw NSException(NSInvalidArgumentException, "+[NSKeyedUnarchiver setClass:forClassName:]: no name");
+    throw NSException(NSInvalidArgumentException, "+[NSKeyedUnarchiver setClass:forClassName:]: the name is empty");
   NamedClasses& named = NamedClasses::shared();
   const WriterGuard guard(named.lock);
   const auto found = named.byName.find(name);
@@ -64,7 +64,7 @@ std::optional<std::string> archivedNameForClass(Class cls) {
 
 Decoded<void> checkReadable(const ClassObject& cls) {
   if (!cls.adopts(protocolOf<NSCoding>())) return DecodingError::dataCorrupted("does not adopt NSCoding");
-  if (!cls.row(selector<"initWithCoder:">)) return DecodingError::dataCorrupted("does not answer initWithCoder:");
+  if (!cls.row(selector<"initWithCoder:">)) return DecodingError::dataCorrupted("does not respond to initWithCoder:");
   return {};
 }
 

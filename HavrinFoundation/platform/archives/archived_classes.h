@@ -1,4 +1,4 @@
-// Which classes archives know, by which names, and how the layer's own stand in an archive. Internal to archives/.
+// The registry of archived classes by name, and the archived forms of the layer's own classes. Internal to archives/.
 #pragma once
 
 #include <HavrinFoundation/platform/documents/decoding_error.h>
@@ -15,28 +15,29 @@ class ArchiveReader;
 class ArchiveWriter;
 class NSSet;
 
-/// The form of one of the layer's classes: what is written of an object, and made of what was written.
+/// The archived form of one of the layer's classes: how its objects are encoded and decoded.
 struct ArchivedForm {
   std::string_view name;
   ClassObject* (*cls)();
-  /// Makes the object whose values `reader` stands at. Null when: it could not; the reader knows why.
+  /// Makes an object from the current values of `reader`. Null when: that failed; the reader has the error.
   Strong<NSObject> (*decode)(ArchiveReader& reader);
-  /// Adds the values of `object`, which is of the class, to what `writer` stands at.
+  /// Adds the values of `object`, which is of the class, to the current object of `writer`.
   void (*encode)(const NSObject& object, ArchiveWriter& writer);
 };
 
-/// Null when: the layer has no such class.
+/// The form of a class. Null when: it is not one of the layer's own classes.
 [[nodiscard]] const ArchivedForm* archivedFormForName(std::string_view name);
 [[nodiscard]] const ArchivedForm* archivedFormForClass(const ClassObject* cls);
 
-/// The name under which archives know a class of the application: the first that it still has. Empty when: they do not.
-/// Cost: linear in the classes that have been named.
+/// The name under which a class of the application is encoded: the first one registered that is still its own.
+/// Empty when: it has none.
+/// Cost: linear in the number of registered names.
 [[nodiscard]] std::optional<std::string> archivedNameForClass(Class cls);
 
-/// Whether objects of a class of the application can be read. The error is to be said after the name of the class.
+/// Whether objects of a class of the application can be decoded. The error text continues "class <name> ".
 [[nodiscard]] Decoded<void> checkReadable(const ClassObject& cls);
 
-/// The classes that may come while secure coding is required: one, a set of them, all that are the layer's own.
+/// The classes allowed under secure coding: one class, a set of classes, all of the layer's own classes.
 struct AllowedClasses {
   Class cls;
   const NSSet* classes = nullptr;

@@ -1,11 +1,11 @@
-// How each of the layer's classes stands in an archive: reading and writing side by side.
+// The archived forms of the layer's classes, with encoding and decoding side by side.
 //
 //   NSString, NSNumber, NSData      the value itself
 //   NSMutableString                 NS.string: text
 //   NSMutableData                   NS.data: data
 //   NSNull                          nothing
 //   NSArray, NSSet                  NS.objects: references
-//   NSOrderedSet                    NS.object.0, NS.object.1, ...: a reference each; NS.objects is read, too
+//   NSOrderedSet                    NS.object.0, NS.object.1, ...: a reference each; NS.objects is also accepted
 //   NSDictionary                    NS.keys, NS.objects: references, in the same order
 //   NSDate                          NS.time: seconds since 2001, a real
 //   NSUUID                          NS.uuidbytes: 16 bytes
@@ -15,7 +15,7 @@
 //                                   index of its attributes, 7 bits to a byte, the low ones first, bit 7 on all but the
 //                                   last
 //
-// Mutable collections, sets and attributed strings stand as the immutable ones do.
+// Mutable arrays, dictionaries, sets, ordered sets and attributed strings have the form of the immutable ones.
 #include <HavrinFoundation/platform/archives/archive_reader.h>
 #include <HavrinFoundation/platform/archives/archive_writer.h>
 #include <HavrinFoundation/platform/archives/archived_attributed_string.h>
@@ -45,7 +45,7 @@ namespace {
 using Kind = BinaryObject::Kind;
 using Use = ArchiveReader::Use;
 
-// An object as what its form is for: forms are found by class.
+// The object as the class of its form. The cast is safe, because forms are found by class.
 template <class C>
 const C& as(const NSObject& object) {
   return static_cast<const C&>(object);
@@ -96,7 +96,7 @@ void encodeNumber(const NSObject& object, ArchiveWriter& writer) {
 }
 
 Strong<NSObject> decodeNumber(ArchiveReader& reader) {
-  reader.fail("a number with a class of its own");
+  reader.fail("NSNumber must be a plain value, got a record");
   return nullptr;
 }
 
@@ -207,7 +207,7 @@ Strong<NSObject> decodeDictionary(ArchiveReader& reader) {
   try {
     return make<C>(std::span<const NSDictionary::KeyAndValue>(entries));
   } catch (const NSException& exception) {
-    reader.fail("keys that are none: " + exception.reason());
+    reader.fail("invalid dictionary key: " + exception.reason());
     return nullptr;
   }
 }
@@ -221,7 +221,7 @@ void encodeDate(const NSObject& object, ArchiveWriter& writer) {
 Strong<NSObject> decodeDate(ArchiveReader& reader) {
   const auto seconds = reader.value("NS.time", Kind::real);
   if (seconds) return make<NSDate>(Date::fromTimeIntervalSinceReferenceDate(seconds->real()));
-  reader.failWithValue("NS.time", "real");
+  reader.failWithValue("NS.time", "real", "no value");
   return nullptr;
 }
 
@@ -235,7 +235,8 @@ Strong<NSObject> decodeUUID(ArchiveReader& reader) {
   const auto data = reader.value("NS.uuidbytes", Kind::data);
   UUID::Bytes bytes;
   if (!data || data->data().size() != bytes.size()) {
-    reader.failWithValue("NS.uuidbytes", "identifier of 16 bytes");
+    reader.failWithValue("NS.uuidbytes", "16 bytes",
+                         data ? std::to_string(data->data().size()) + " bytes" : "no value");
     return nullptr;
   }
   std::memcpy(bytes.data(), data->data().data(), bytes.size());
@@ -252,17 +253,17 @@ void encodeURL(const NSObject& object, ArchiveWriter& writer) {
   writer.addObject("NS.relative", url.relativeString());
 }
 
-// Links come back as they were, with or without a base, also those whose text is not a URI reference.
+// A URL is restored unchanged, with or without a base, even if its text is not a URI reference.
 Strong<NSObject> decodeURL(ArchiveReader& reader) {
   NSObject* const base = reader.objectOfClasses("NS.base", {.cls = classOf<NSURL>()});
   const NSString* const text = reader.object<NSString>("NS.relative");
   if (!text) return nullptr;
   const NSURL* const baseURL = cast<NSURL>(base);
   if (base && !baseURL) {
-    reader.failWithValue("NS.base", "NSURL");
+    reader.failWithValue("NS.base", "NSURL", classOf(*base).name());
     return nullptr;
   }
-  // Each link has its text, and that of its base in its absolute form, for itself.
+  // Each URL has its own copy of its text and of its absolute text.
   const std::uint64_t size = text->length() + (baseURL ? baseURL->absoluteString()->length() : 0);
   if (!reader.charge(3 * size) || !reader.chargeWork(size)) return nullptr;
   const std::string relative = utf8(*text);

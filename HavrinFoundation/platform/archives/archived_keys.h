@@ -1,4 +1,4 @@
-// The keys of objects' own values, as they stand in an archive. Internal to archives/.
+// The escaping of keys in an archive. Internal to archives/.
 #pragma once
 
 #include <string>
@@ -7,7 +7,8 @@
 namespace havrin {
 inline namespace platform {
 
-/// A key that begins with "$", as the archive's own do, gets one more.
+/// A key of the application as stored in an archive: one that begins with "$", like the archive's own, gets another
+/// "$".
 class ArchivedKey {
  public:
   explicit ArchivedKey(std::string_view key) : key_(key) {

@@ -14,9 +14,10 @@ inline namespace platform {
 namespace {
 
 [[noreturn]] void throwOtherHalf(const NSCoder& coder, std::string_view selector) {
-  throw NSException(NSInvalidArgumentException, "-[" + std::string(classOf(coder).name()) + " " +
-                                                    std::string(selector) +
-                                                    "]: one coder encodes, another decodes, and this is the other");
+  throw NSException(
+      NSInvalidArgumentException,
+      "-[" + std::string(classOf(coder).name()) + " " + std::string(selector) +
+          "]: this coder does not support the operation; NSKeyedArchiver encodes, NSKeyedUnarchiver decodes");
 }
 
 std::string quoted(std::string_view key) { return '"' + std::string(key) + '"'; }
@@ -50,7 +51,7 @@ std::int32_t NSCoder::decodeInt32ForKey(std::string_view key) {
   const std::int64_t value = decodeIntegerForKey(key);
   if (std::in_range<std::int32_t>(value)) return static_cast<std::int32_t>(value);
   failWithError(
-      makeCodingError(NSCoderReadCorruptError, "the integer under " + quoted(key) + " takes more than 32 bits"));
+      makeCodingError(NSCoderReadCorruptError, "the integer does not fit into 32 bits (key " + quoted(key) + ')'));
   return 0;
 }
 
@@ -59,23 +60,24 @@ float NSCoder::decodeFloatForKey(std::string_view key) {
   const auto narrow = static_cast<float>(value);
   if (!std::isinf(narrow) || std::isinf(value)) return narrow;
   failWithError(
-      makeCodingError(NSCoderReadCorruptError, "the real under " + quoted(key) + " is too large for a float"));
+      makeCodingError(NSCoderReadCorruptError, "the real is too large for a float (key " + quoted(key) + ')'));
   return 0;
 }
 
 NSDecodingFailurePolicy NSCoder::decodingFailurePolicy() const { return NSDecodingFailurePolicy::SetErrorAndReturn; }
 
 void NSCoder::failWithError(NSError* error) {
-  if (!error_) error_ = error ? error : makeCodingError(NSCoderReadCorruptError, "a failure without an error").get();
+  if (!error_)
+    error_ = error ? error : makeCodingError(NSCoderReadCorruptError, "failWithError: without an error").get();
   if (decodingFailurePolicy() == NSDecodingFailurePolicy::RaiseException) {
     throw NSException(NSInvalidUnarchiveOperationException, utf8(*error_->description()));
   }
 }
 
 void NSCoder::failWithWrongClass(NSObject* object, std::string_view wanted, std::string_view key) {
-  failWithError(makeCodingError(NSCoderReadCorruptError, "under " + quoted(key) + " stands an object of class " +
-                                                             std::string(classOf(*object).name()) + ", not " +
-                                                             std::string(wanted)));
+  failWithError(makeCodingError(NSCoderReadCorruptError, "expected " + std::string(wanted) + ", got " +
+                                                             std::string(classOf(*object).name()) + " (key " +
+                                                             quoted(key) + ')'));
 }
 
 Strong<NSError> makeCodingError(std::int64_t code, std::string_view text) {

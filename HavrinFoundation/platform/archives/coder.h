@@ -1,4 +1,5 @@
-// NSCoder: how objects write themselves into an archive and come back from it, value by value, each under a key.
+// NSCoder: the interface by which objects encode themselves into an archive and decode themselves, value by value, each
+// under a key.
 //
 //   class Favourite : public Object<Favourite, NSObject> {
 //     Strong<NSString> name_;
@@ -17,10 +18,10 @@
 //     using Members = List<Method<"encodeWithCoder:", &Favourite::encodeWithCoder>,
 //                          Method<"initWithCoder:", &Favourite::initWithCoder>>;
 //   };
-//   const ArchivedClass<Favourite> kArchivedFavourite("Favourite");       keyed_unarchiver.h: archives know the name
+//   const ArchivedClass<Favourite> kArchivedFavourite("Favourite");       keyed_unarchiver.h: registers the name
 //
-// The coders are NSKeyedArchiver and NSKeyedUnarchiver; each answers its half, the other half throws NSException
-// (InvalidArgument). Keys are UTF-8, and one object uses each key once.
+// The coders are NSKeyedArchiver, which encodes, and NSKeyedUnarchiver, which decodes; the other half of the functions
+// throws NSException (InvalidArgument). Keys are UTF-8, and an object uses each key once.
 // Left out: values without keys, objects that are written only when something else holds them, stand-ins for objects
 // while they are written, geometry, selectors and arrays of numbers as values.
 #pragma once
@@ -41,20 +42,20 @@ inline namespace platform {
 class NSCoder;
 class NSSet;
 
-/// Writes the receiver's values to `coder`. The classes of foundation/, time/ and net/ that adopt NSCoding are written by
-/// the archiver itself and do not answer this.
+/// Encodes the receiver's values with `coder`. The layer's own classes that adopt NSCoding are encoded by the archiver
+/// itself and do not respond to this.
 template <>
 struct Message<NSObject, "encodeWithCoder:"> : Signature<void(NSCoder* coder)> {};
 
-/// Makes an allocated object of what `coder` holds. Result: the object to use in its place, or null for none.
+/// Initialises an allocated object from `coder`. Result: the object to use in its place; null if decoding failed.
 template <>
 struct Message<NSObject, "initWithCoder:"> : Signature<Strong<NSObject>(NSCoder* coder)> {};
 
-/// Sent to each object that `initWithCoder:` made, where its class answers. Result: the object to use in its place.
+/// Sent to each object after `initWithCoder:`, if its class responds. Result: the object to use in its place.
 template <>
 struct Message<NSObject, "awakeAfterUsingCoder:"> : Signature<Strong<NSObject>(NSCoder* coder)> {};
 
-/// What an exception is named that says that something could not be decoded.
+/// The name of the exception thrown on a decoding failure under NSDecodingFailurePolicy::RaiseException.
 inline constexpr std::string_view NSInvalidUnarchiveOperationException = "NSInvalidUnarchiveOperationException";
 
 /// The codes of coding errors, in NSCocoaErrorDomain.
@@ -62,28 +63,28 @@ inline constexpr std::int64_t NSCoderReadCorruptError = 4864;
 inline constexpr std::int64_t NSCoderValueNotFoundError = 4865;
 inline constexpr std::int64_t NSCoderInvalidValueError = 4866;
 
-/// What a coder does when something cannot be decoded.
+/// What a coder does on a decoding failure: throw, or keep the first error and return null or 0.
 enum class NSDecodingFailurePolicy : std::int64_t { RaiseException = 0, SetErrorAndReturn = 1 };
 
-/// Threads: one at a time.
+/// The base class of archiver and unarchiver. Threads: one at a time.
 class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
  public:
-  /// Writes a value under `key`. An object is written once, however often it is encoded; null is kept as null.
+  /// Encodes a value under `key`. An object that is encoded several times is written once; null is decoded as null.
   virtual void encodeObject(NSObject* object, std::string_view key);
   virtual void encodeBool(bool value, std::string_view key);
   virtual void encodeInteger(std::int64_t value, std::string_view key);
   virtual void encodeDouble(double value, std::string_view key);
   virtual void encodeBytes(std::span<const std::byte> bytes, std::string_view key);
 
-  /// Whether there is a value under `key`, be it null.
+  /// Whether there is a value under `key`, null included.
   [[nodiscard]] virtual bool containsValueForKey(std::string_view key);
 
-  // The value under `key`; null, 0, false or no bytes where there is none.
-  // A failure, see failWithError, when: the value is of another kind, or a number lies outside the type. Integers are no
-  // reals, numbers are no booleans, and the reverse.
+  // The value under `key`; null, 0, false or no bytes if there is none.
+  // A failure, see failWithError, when: the value is of another kind, or a number is out of the range of the type.
+  // Integers, reals and booleans are different kinds.
 
-  /// While secure coding is required only the classes named may come, with their subclasses, and inside collections the
-  /// same ones; each adopts NSSecureCoding. While it is not, any class may, and which is named means nothing.
+  /// The object under `key`. While secure coding is required, only the given classes and their subclasses are allowed,
+  /// inside collections too, and each must adopt NSSecureCoding. Otherwise the classes are not checked.
   [[nodiscard]] virtual Strong<NSObject> decodeObjectOfClass(Class cls, std::string_view key);
   [[nodiscard]] virtual Strong<NSObject> decodeObjectOfClasses(const NSSet* classes, std::string_view key);
   /// An object of any class. A failure while secure coding is required.
@@ -94,7 +95,7 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
   [[nodiscard]] virtual double decodeDoubleForKey(std::string_view key);
   /// The nearest float. A failure when a finite number becomes infinite.
   [[nodiscard]] float decodeFloatForKey(std::string_view key);
-  /// Good until the coder has finished decoding or ends.
+  /// Result: valid until the coder has finished decoding or is destroyed.
   [[nodiscard]] virtual std::span<const std::byte> decodeBytesForKey(std::string_view key);
 
   /// The object under `key` as a Type. A failure when it is of another class, whether or not secure coding is required.
@@ -109,8 +110,9 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
   [[nodiscard]] virtual bool requiresSecureCoding() const { return false; }
   [[nodiscard]] virtual NSDecodingFailurePolicy decodingFailurePolicy() const;
 
-  /// Gives up: the first error is kept, and from then on every value decodes as null or 0. `initWithCoder:` calls it for
-  /// values that it cannot use. Throws: NSException (InvalidUnarchiveOperation) where the policy says so.
+  /// Fails decoding: the first error is kept, and every further value decodes as null or 0. Call it from
+  /// `initWithCoder:` for values that are not usable.
+  /// Throws: NSException (InvalidUnarchiveOperation) under the policy RaiseException.
   virtual void failWithError(NSError* error);
   /// The first failure; null while there is none.
   [[nodiscard]] virtual Strong<NSError> error() const { return error_; }
@@ -122,7 +124,7 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
   Strong<NSError> error_;
 };
 
-/// An error of coding, in NSCocoaErrorDomain, with a text for developers.
+/// An error in NSCocoaErrorDomain with the debug description `text`.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSError> makeCodingError(std::int64_t code, std::string_view text);
 
 }  // namespace platform

@@ -15,8 +15,8 @@ Decoded<std::unique_ptr<KeyedArchive>> KeyedArchive::open(NSData& data) {
   const auto because = [](const char* what, detail::ErrorHolder failure) {
     return DecodingError::dataCorrupted(what + DecodingError(std::move(failure)).detail());
   };
-  if (auto failure = archive->readList()) return because("no property list: ", std::move(failure));
-  if (auto failure = archive->findParts()) return because("no keyed archive: ", std::move(failure));
+  if (auto failure = archive->readList()) return because("not a property list: ", std::move(failure));
+  if (auto failure = archive->findParts()) return because("not a keyed archive: ", std::move(failure));
   return archive;
 }
 
@@ -38,7 +38,7 @@ detail::ErrorHolder KeyedArchive::findParts() {
   auto root = objectAt(tree_ ? 0 : list_.topObject());
   if (!root) return std::move(root.failure());
   const auto wrong = [](std::string_view what) { return DecodingError::dataCorrupted(what).holder(); };
-  if (root->kind() != Kind::dictionary) return wrong("the property list is no dictionary");
+  if (root->kind() != Kind::dictionary) return wrong("the top object is not a dictionary");
   std::uint64_t from = 0;
   const auto archiver = find(*root, "$archiver", from);
   const auto version = member(*root, "$version", Kind::integer);
@@ -47,8 +47,8 @@ detail::ErrorHolder KeyedArchive::findParts() {
   constexpr std::int64_t kVersion = 100000;
   if (!archiver || !isTextAt(*archiver, "NSKeyedArchiver")) return wrong("\"$archiver\" is not \"NSKeyedArchiver\"");
   if (!version || version->integer() != kVersion) return wrong("\"$version\" is not 100000");
-  if (!objects) return wrong("\"$objects\" is no array");
-  if (!top) return wrong("\"$top\" is no dictionary");
+  if (!objects) return wrong("\"$objects\" is not an array");
+  if (!top) return wrong("\"$top\" is not a dictionary");
   objects_ = *objects;
   top_ = *top;
   return {};

@@ -1,8 +1,8 @@
-// The bytes of a keyed archive, checked as far as that takes no walk. Internal to archives/.
+// The format of keyed archives, with checks of everything but the objects themselves. Internal to archives/.
 //
-// An archive is a property list. Its top dictionary holds "$objects", an array in which the objects stand, and "$top",
-// whose values refer to them by UID, the index in the array; 0 is null. Strings, numbers and data stand there as they
-// are; any other object is a dictionary of its values and, under "$class", the UID of a dictionary that names its class.
+// An archive is a property list. Its top dictionary holds "$objects", the array of all objects, and "$top", whose
+// values refer to them by UID, the index in the array; 0 is null. Strings, numbers and data are plain values; any other
+// object is a dictionary of its values and, under "$class", the UID of a dictionary that names its class.
 #pragma once
 
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
@@ -27,9 +27,9 @@ class KeyedArchive {
   KeyedArchive(const KeyedArchive&) = delete;
   KeyedArchive& operator=(const KeyedArchive&) = delete;
 
-  /// How many bytes it came in.
+  /// The size of the archive in bytes.
   [[nodiscard]] std::uint64_t size() const { return data_->length(); }
-  /// The objects by number, UIDs not meant: as in the property list.
+  /// The objects of the property list by object number, which is not the UID.
   [[nodiscard]] Decoded<BinaryObject> objectAt(std::uint64_t number) const {
     return tree_ ? tree_->object(number) : list_.object(number);
   }
@@ -39,14 +39,14 @@ class KeyedArchive {
   [[nodiscard]] bool isTextAt(std::uint64_t number, std::string_view text) const {
     return tree_ ? tree_->isText(number, text) : list_.isText(number, text);
   }
-  /// How many UIDs there are, and the object that one stands for.
+  /// The number of UIDs, and the object with a UID.
   [[nodiscard]] std::uint64_t count() const { return objects_.count(); }
   [[nodiscard]] Decoded<BinaryObject> object(std::uint64_t uid) const { return objectAt(objects_.element(uid)); }
   /// The dictionary "$top".
   [[nodiscard]] const BinaryObject& top() const { return top_; }
 
-  /// The number of the value under `key` in a dictionary. The search begins at `from`, which moves behind what was found:
-  /// keys are mostly asked for in the order in which they stand. Empty when: there is no such key.
+  /// The object number of the value under `key` in a dictionary. The search starts at `from` and leaves it after the
+  /// key that was found: keys are mostly looked up in their order. Empty when: the key is missing.
   [[nodiscard]] std::optional<std::uint64_t> find(const BinaryObject& dictionary, std::string_view key,
                                                   std::uint64_t& from) const;
   /// The value under `key`, if it is of this kind.
@@ -59,8 +59,8 @@ class KeyedArchive {
   [[nodiscard]] detail::ErrorHolder findParts();
 
   Strong<NSData> data_;
-  BinaryPropertyList list_;           // of the binary form,
-  std::optional<NumberedTree> tree_;  // of XML
+  BinaryPropertyList list_;           // of the binary form
+  std::optional<NumberedTree> tree_;  // of the XML form
   BinaryObject objects_{BinaryObject::Kind::array, 0, 0, nullptr};
   BinaryObject top_{BinaryObject::Kind::dictionary, 0, 0, nullptr};
 };

@@ -27,7 +27,7 @@ Strong<NSData> NSKeyedArchiver::archivedDataWithRootObject(NSObject* object, boo
   return data;
 }
 
-// What an application does while its objects are written may let go of the archiver.
+// Code of the application that runs while its objects are encoded may release the archiver.
 void NSKeyedArchiver::encodeObject(NSObject* object, std::string_view key) {
   const Strong<NSKeyedArchiver> held(writer_->isWriting() ? nullptr : this);
   writer_->addObject(ArchivedKey(key), object);
@@ -50,7 +50,7 @@ void NSKeyedArchiver::encodeBytes(std::span<const std::byte> bytes, std::string_
 }
 
 Strong<NSData> NSKeyedArchiver::encodedData() {
-  if (writer_->isWriting()) writer_->fail("encodedData while an object is being written");
+  if (writer_->isWriting()) writer_->fail("encodedData was called while an object was being encoded");
   if (hasFailed()) return nullptr;
   auto bytes = writer_->finish();
   return hasFailed() ? nullptr : make<NSData>(std::move(bytes));

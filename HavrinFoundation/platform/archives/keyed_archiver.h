@@ -2,17 +2,17 @@
 //
 //   Strong<NSError> why;
 //   const auto data = NSKeyedArchiver::archivedDataWithRootObject(names, false, &why);
-//   if (!data) std::puts(utf8(*why->description()).c_str());      an object of class Station, which archives do not ...
+//   if (!data) std::puts(utf8(*why->description()).c_str());      unknown class Station: declare ...
 //
 //   auto archiver = make<NSKeyedArchiver>();                      or value by value
 //   archiver->encodeObject(names, "names");
 //   archiver->encodeInteger(3, "version");
 //   const auto bytes = archiver->encodedData();
 //
-// What can be written is what can be read, when the values of an object are asked for in the order in which they were
-// written; in another order, long chains of the application's objects may nest too deep. See keyed_unarchiver.h.
-// Objects of a subclass of one of the layer's classes are written as that class, unless archives know the subclass.
-// Left out: writing XML, delegates, stand-ins for objects, names of classes for one archiver alone.
+// Every archive that is written can be read if objects decode their values in the order of encoding; in another order,
+// long chains of the application's objects may exceed the nesting limit. See keyed_unarchiver.h.
+// Objects of a subclass of one of the layer's classes are written as that class, unless the subclass is registered.
+// Left out: writing XML, delegates, substitution of objects, class names for a single archiver.
 #pragma once
 
 #include <HavrinFoundation/platform/archives/coder.h>
@@ -31,21 +31,22 @@ inline namespace platform {
 class ArchiveWriter;
 class NSData;
 
-/// A failure, after which encodedData() is null, when: archives do not know the class of an object, or it does not adopt
-/// NSCoding (NSSecureCoding, where that is required); a collection holds itself; objects nest deeper than
-/// NSKeyedUnarchiver::kDeepestNesting, or stand for more than kLargestExpansion; one object encodes a key twice.
+/// An archiver. A failure, after which encodedData() is null, when: the class of an object is not registered, or does
+/// not adopt NSCoding (NSSecureCoding, where required); a collection contains itself; objects exceed
+/// NSKeyedUnarchiver::kDeepestNesting or kLargestExpansion; an object encodes a key twice.
 /// Threads: one at a time.
 class HAVRIN_EXPORT NSKeyedArchiver : public Object<NSKeyedArchiver, NSCoder> {
  public:
   NSKeyedArchiver();
   ~NSKeyedArchiver() override;
 
-  /// Whether each object's class must adopt NSSecureCoding; said before anything is encoded. Result: the archiver to use in its place, here itself.
+  /// Sets whether the class of each object must adopt NSSecureCoding. Call it before anything is encoded.
+  /// Result: the archiver itself.
   virtual Strong<NSKeyedArchiver> initRequiringSecureCoding(bool required);
 
-  /// An archive whose outermost object is `object`, null included.
-  /// Null when: it cannot be written; `error`, if there is one, then says why, as NSCoderInvalidValueError.
-  /// Cost: linear in what is written. Strings and data that occur several times are written once.
+  /// An archive with the root object `object`, which may be null.
+  /// Null when: it cannot be encoded; `error`, unless null, then receives NSCoderInvalidValueError with the reason.
+  /// Cost: linear in the output. Strings and data of up to 256 bytes that occur several times are written once.
   [[nodiscard]] static Strong<NSData> archivedDataWithRootObject(NSObject* object, bool requiringSecureCoding,
                                                                  Strong<NSError>* error);
 
@@ -57,8 +58,8 @@ class HAVRIN_EXPORT NSKeyedArchiver : public Object<NSKeyedArchiver, NSCoder> {
 
   [[nodiscard]] bool requiresSecureCoding() const override { return requiresSecureCoding_; }
 
-  /// The archive of what has been encoded so far. Null when: something could not be; an object is being written, by its
-  /// `encodeWithCoder:`, which is a failure.
+  /// The archive of the values encoded so far. Null when: there was a failure; it is called from `encodeWithCoder:`,
+  /// which is a failure.
   [[nodiscard]] virtual Strong<NSData> encodedData();
 
  private:

@@ -23,7 +23,7 @@ Strong<NSObject> unarchived(const AllowedClasses& allowed, NSData* data, Strong<
                               : unarchiver->decodeObjectOfClass(allowed.cls, NSKeyedArchiveRootObjectKey);
   if (!root && error) {
     *error = unarchiver->hasFailed() ? unarchiver->error()
-                                     : makeCodingError(NSCoderValueNotFoundError, "there is no object at the root");
+                                     : makeCodingError(NSCoderValueNotFoundError, "the root object is null or missing");
   }
   return root;
 }
@@ -36,9 +36,10 @@ NSKeyedUnarchiver::~NSKeyedUnarchiver() = default;
 
 Strong<NSKeyedUnarchiver> NSKeyedUnarchiver::initForReadingFromData(NSData* data, Strong<NSError>* error) {
   const auto open = [&]() -> Decoded<std::unique_ptr<KeyedArchive>> {
-    if (reader_ && reader_->isInside()) return DecodingError::dataCorrupted("an archive is being read");
+    if (reader_ && reader_->isInside())
+      return DecodingError::dataCorrupted("the unarchiver is still decoding another archive");
     reader_.reset();
-    if (!data) return DecodingError::dataCorrupted("no keyed archive: there is no data");
+    if (!data) return DecodingError::dataCorrupted("not a keyed archive: the data is null");
     return KeyedArchive::open(*data);
   };
   auto archive = open();
@@ -69,7 +70,7 @@ bool NSKeyedUnarchiver::containsValueForKey(std::string_view key) {
 
 Strong<NSObject> NSKeyedUnarchiver::decodeObjectForKey(std::string_view key) {
   if (reader_ && requiresSecureCoding()) {
-    reader_->fail("decodeObjectForKey: names no class, and secure coding is required");
+    reader_->fail("decodeObjectForKey: is not allowed with secure coding; use decodeObjectOfClass:forKey:");
     return nullptr;
   }
   return decode(nullptr, nullptr, key);
@@ -83,7 +84,7 @@ Strong<NSObject> NSKeyedUnarchiver::decodeObjectOfClasses(const NSSet* classes, 
   return decode(nullptr, classes, key);
 }
 
-// What an application does while its objects are made may let go of the unarchiver, or of the set.
+// Code of the application that runs while its objects are decoded may release the unarchiver or the set.
 Strong<NSObject> NSKeyedUnarchiver::decode(Class cls, const NSSet* classes, std::string_view key) {
   if (!reader_) return nullptr;
   const Strong<NSKeyedUnarchiver> held(reader_->isInside() ? nullptr : this);
@@ -112,7 +113,8 @@ std::span<const std::byte> NSKeyedUnarchiver::decodeBytesForKey(std::string_view
 }
 
 void NSKeyedUnarchiver::finishDecoding() {
-  if (reader_ && reader_->isInside()) return reader_->fail("decoding is finished while an object is being read");
+  if (reader_ && reader_->isInside())
+    return reader_->fail("finishDecoding was called while an object was being decoded");
   reader_.reset();
 }
 

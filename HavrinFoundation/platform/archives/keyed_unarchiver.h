@@ -2,26 +2,24 @@
 //
 //   Strong<NSError> why;
 //   auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(data, &why);
-//   if (!unarchiver) std::puts(utf8(*why->description()).c_str());           no keyed archive
-//   unarchiver->setRequiresSecureCoding(false);                              or ask for classes: ...OfClasses
+//   if (!unarchiver) std::puts(utf8(*why->description()).c_str());           not a keyed archive: ...
+//   unarchiver->setRequiresSecureCoding(false);                              or pass classes: ...OfClasses
 //   const auto names = unarchiver->decodeObject<NSArray>(NSKeyedArchiveRootObjectKey);
-//   if (unarchiver->error()) ...                                             object 7: no class "Favourite" is known
+//   if (unarchiver->error()) std::puts("damaged");                           object 7: unknown class "Favourite": ...
 //
-//   NSKeyedUnarchiver::unarchivedObjectOfClass(classOf<NSString>(), data, &why)     all of that in one call
+//   NSKeyedUnarchiver::unarchivedObjectOfClass(classOf<NSString>(), data, &why)     all of this in one call
 //
 // Archives hold strings, numbers, nulls, data, dates, identifiers, links, arrays, dictionaries, sets and ordered sets,
-// mutable or not, attributed strings, and objects of the application's classes, which say how in coder.h and are made
-// known by one line:
+// mutable or not, attributed strings, and objects of the application's classes that adopt NSCoding (coder.h) and are
+// registered by one line, `const ArchivedClass<Favourite> kArchivedFavourite("Favourite");`.
 //
-//   const ArchivedClass<Favourite> kArchivedFavourite("Favourite");
+// Input is not trusted. Sizes and references are checked before use; nesting is limited to kDeepestNesting and the
+// expanded size, with shared parts counted at each occurrence, to kLargestExpansion; a collection that contains itself
+// is refused. The memory for decoded objects is limited to the larger of 16 MiB and 32 times the size of the archive.
+// The work of comparing keys and set members is limited, too: thousands with the same hash are refused. An object of
+// the application may contain itself and is then visible to its own `initWithCoder:` before that has returned.
 //
-// Reading takes nothing on trust. Sizes and references are checked before they are used; objects nest no deeper than
-// kDeepestNesting, and stand, shared parts counted each time, for no more than kLargestExpansion; a collection that holds
-// itself is refused; what is made stays within 32 times the size of the archive, or 16 MiB where that is more, and so does
-// the work of telling keys and members of sets apart: thousands with one hash are refused. An object of the application
-// may hold itself, by a value of its own: it meets itself before its `initWithCoder:` has returned.
-//
-// Left out: delegates, classes by name for one unarchiver alone, archives without keys, archives inside archives.
+// Left out: delegates, class names for a single unarchiver, archives without keys, archives inside archives.
 #pragma once
 
 #include <HavrinFoundation/platform/archives/coder.h>
@@ -40,47 +38,46 @@ inline namespace platform {
 class ArchiveReader;
 class NSData;
 
-/// The key of the outermost object of an archive that holds one.
+/// The key of the root object of an archive.
 inline constexpr std::string_view NSKeyedArchiveRootObjectKey = "root";
 
-/// Threads: one at a time; any thread with 2 MiB of stack, which reading what nests deepest takes.
+/// An unarchiver. Threads: one at a time; the deepest nesting needs 2 MiB of stack.
 class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder> {
  public:
-  /// Objects nest at most so deep in what is read and in what NSKeyedArchiver writes.
+  /// The deepest nesting of objects, in reading and in NSKeyedArchiver.
   static constexpr std::size_t kDeepestNesting = 1024;
-  /// How many parts a collection may stand for, parts of parts counted, and shared ones each time; members of a set and
-  /// keys count once more for every other one of their hash.
+  /// The largest number of parts of a collection, counted recursively and shared parts at each occurrence. Set members
+  /// and keys count once more for each other one with the same hash.
   static constexpr std::uint64_t kLargestExpansion = std::uint64_t{1} << 24;
 
-  /// An unarchiver of nothing, for an init message.
+  /// An unarchiver without an archive, for initForReadingFromData.
   NSKeyedUnarchiver();
   ~NSKeyedUnarchiver() override;
 
-  /// Makes an allocated unarchiver read `data`. Result: the unarchiver to use in its place, here itself.
-  /// Null when: the data is no keyed archive; then `error`, if there is one, gets NSCoderReadCorruptError. Null data is
-  /// no archive.
+  /// Opens the archive in `data`. Result: the unarchiver itself.
+  /// Null when: `data` is null or not a keyed archive; `error`, unless null, then receives NSCoderReadCorruptError.
   /// Cost: constant for the binary form, linear for XML. Objects are made when they are decoded, each once.
   virtual Strong<NSKeyedUnarchiver> initForReadingFromData(NSData* data, Strong<NSError>* error);
 
-  /// The outermost object of an archive, with secure coding required.
-  /// Null when: it cannot be decoded, or is not among the classes. `error`, if there is one, then says why; null at the
-  /// root is the error NSCoderValueNotFoundError.
+  /// The root object of an archive, with secure coding required.
+  /// Null when: it cannot be decoded, or is not of the classes; `error`, unless null, then receives the reason. A null
+  /// root is NSCoderValueNotFoundError.
   [[nodiscard]] static Strong<NSObject> unarchivedObjectOfClass(Class cls, NSData* data, Strong<NSError>* error);
   [[nodiscard]] static Strong<NSObject> unarchivedObjectOfClasses(const NSSet* classes, NSData* data,
                                                                   Strong<NSError>* error);
 
-  /// Makes archives know a class of the application by `name`, or takes the name away for null. Names of the layer's own
-  /// classes may be given too. One class may be read under several names; it is written under the first that still is
-  /// its own. Threads: any.
+  /// Registers a class under `name`; null removes the name. Names of the layer's own classes may be replaced, too. A
+  /// class may have several names for decoding; it is encoded under the first of them that is still its own.
+  /// Threads: any.
   /// Throws: NSException (InvalidArgument) for an empty name.
   static void setClass(Class cls, std::string_view name);
-  /// The class that archives know by `name`; null for none.
+  /// The class registered under `name`; null if there is none. Threads: any.
   [[nodiscard]] static Class classForName(std::string_view name);
 
-  /// True at first. It is switched off before anything is decoded.
+  /// True by default. Set it before anything is decoded.
   virtual void setRequiresSecureCoding(bool required);
   [[nodiscard]] bool requiresSecureCoding() const override { return requiresSecureCoding_; }
-  /// SetErrorAndReturn at first.
+  /// SetErrorAndReturn by default.
   virtual void setDecodingFailurePolicy(NSDecodingFailurePolicy policy);
   [[nodiscard]] NSDecodingFailurePolicy decodingFailurePolicy() const override { return policy_; }
 
@@ -93,8 +90,8 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
   [[nodiscard]] double decodeDoubleForKey(std::string_view key) override;
   [[nodiscard]] std::span<const std::byte> decodeBytesForKey(std::string_view key) override;
 
-  /// Says that nothing more is decoded, and lets the archive go. Not needed before the unarchiver ends. A failure while
-  /// an object is being read.
+  /// Releases the archive; further values are absent. Not needed before the unarchiver is destroyed. A failure when: it
+  /// is called from `initWithCoder:`.
   virtual void finishDecoding();
 
  private:
@@ -105,11 +102,12 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
   bool requiresSecureCoding_ = true;
 };
 
-/// Makes the class Type known to archives before the program begins, as a constant beside the class.
+/// Registers the class Type with archives, as a constant at namespace scope beside the class.
 template <class Type>
 struct ArchivedClass {
-  static_assert(std::is_default_constructible_v<Type>,
-                "ArchivedClass: archives make objects before they know their values");
+  static_assert(
+      std::is_default_constructible_v<Type>,
+      "ArchivedClass: Type needs a default constructor, because objects are made before their values are decoded");
   explicit ArchivedClass(std::string_view name = typeName<Type>()) {
     NSKeyedUnarchiver::setClass(classOf<Type>(), name);
   }

@@ -46,7 +46,7 @@ class Maker {
     const auto [found, isNew] = made_.try_emplace(part);
     if (!isNew) return found->second;
     Strong<NSObject> object = makePart(*part);
-    made_[part] = object;  // not through `found`, which more entries may have moved
+    made_[part] = object;  // not through `found`, which a rehash may have invalidated
     return object;
   }
 

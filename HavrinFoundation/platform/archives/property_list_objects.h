@@ -1,4 +1,4 @@
-// Property lists as objects. Internal to the layer.
+// Conversion of property lists to objects. Internal to the layer.
 #pragma once
 
 #include <HavrinFoundation/platform/documents/property_list.h>
@@ -7,8 +7,8 @@
 namespace havrin {
 inline namespace platform {
 
-/// `list` as strings, numbers, dates, data, arrays and dictionaries; parts that are shared stay shared.
-/// Null when: it is a UID; UIDs are left out of arrays and dictionaries.
+/// `list` as strings, numbers, dates, data, arrays and dictionaries; shared parts stay shared.
+/// Null when: it is a UID. UIDs inside arrays and dictionaries are dropped.
 [[nodiscard]] Strong<NSObject> objectOf(const PropertyList& list);
 
 }  // namespace platform

@@ -102,7 +102,7 @@ TEST_F(ArchiveReentry, WhatAnObjectBecomesIsOfTheClassesAskedFor) {
   const auto data = NSKeyedArchiver::archivedDataWithRootObject(make<Meddler>(), true, nullptr);
   const auto secure = unarchiverOf(data);
   EXPECT_FALSE(secure->decodeObjectOfClass(classOf<Meddler>(), "root"));
-  EXPECT_TRUE(text(secure->error()).find("\"NSNumber\", which is not among the classes") != std::string::npos);
+  EXPECT_TRUE(text(secure->error()).find("\"NSNumber\" is not among the allowed classes") != std::string::npos);
   secure->finishDecoding();
   const auto any = unarchiverOf(data);
   any->setRequiresSecureCoding(false);
@@ -120,7 +120,7 @@ TEST_F(ArchiveReentry, AttributesReadBeforeAreHeldToTheClassesOfNow) {
   EXPECT_TRUE(read);
   EXPECT_EQ(unarchiver->decodeObjectOfClasses(both, "text"), read);
   EXPECT_FALSE(unarchiver->decodeObjectOfClass(classOf<NSAttributedString>(), "text"));
-  EXPECT_TRUE(text(unarchiver->error()).find("\"Meddler\", which is not among the classes") != std::string::npos);
+  EXPECT_TRUE(text(unarchiver->error()).find("\"Meddler\" is not among the allowed classes") != std::string::npos);
   unarchiver->finishDecoding();
 }
 

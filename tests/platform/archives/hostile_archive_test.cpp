@@ -121,10 +121,10 @@ struct Case {
   std::string_view error;
 };
 
-constexpr std::string_view kTooDeep = "objects nest too deep";
+constexpr std::string_view kTooDeep = "objects are nested deeper than 1024 levels";
 constexpr std::string_view kTooMuch = "shared objects expand beyond the size limit";
-constexpr std::string_view kTooLarge = "the objects stand for more than an archive of this size should hold";
-constexpr std::string_view kTooHard = "telling the objects apart takes more";
+constexpr std::string_view kTooLarge = "the objects take too much memory for an archive of this size";
+constexpr std::string_view kTooHard = "too many colliding keys or set members";
 
 TEST(HostileArchive, GivesNothingOrWhatIsHarmlessInLittleMemory) {
   const Case cases[] = {
@@ -144,8 +144,8 @@ TEST(HostileArchive, GivesNothingOrWhatIsHarmlessInLittleMemory) {
       {"a large dictionary of attributes in many texts", [] { return largeAttributes(2000, 2); }, kTooLarge},
       {"a large dictionary of attributes of many runs", [] { return largeAttributes(1, kMany); }, kTooMuch},
       {"many runs", manyRuns, "none"},
-      {"long keys", [] { return widest("NSArray", false); }, "there is no array under"},
-      {"long wide keys", [] { return widest("NSArray", true); }, "there is no array under"},
+      {"long keys", [] { return widest("NSArray", false); }, "expected array, got no value"},
+      {"long wide keys", [] { return widest("NSArray", true); }, "expected array, got no value"},
       {"long keys in an ordered set", [] { return widest("NSOrderedSet", false); }, kTooHard},
       {"large members of one hash", [] { return membersOfOneHash(200, 0); }, kTooHard},
       {"large members of one hash among many small ones", [] { return membersOfOneHash(200, kMany); }, kTooHard},
@@ -227,7 +227,7 @@ TEST(HostileArchive, HoldsNoCollectionThatHoldsItself) {
            holding("NSMutableString", key("NS.string", uid(1))),
            holding("NSMutableData", key("NS.data", uid(1))),
        }) {
-    EXPECT_TRUE(saysWhy(failureOf(data), "object 1 holds itself"));
+    EXPECT_TRUE(saysWhy(failureOf(data), "object 1 contains itself"));
   }
   // Its class is itself: harmless, and a class for nothing else.
   const std::string own = key("$classname", "<string>NSArray</string>");

@@ -26,23 +26,23 @@ TEST(KeyedUnarchiver, LetsOnlyClassesComeThatAreAskedFor) {
   } rows[] = {
       {text, {strings}, "none", "the class itself"},
       {text, {classOf<NSObject>()}, "none", "a subclass"},
-      {text, {arrays}, "class \"NSString\", which is not among the classes", "another class"},
-      {text, {classOf<NSMutableString>()}, "class \"NSString\", which is not among the classes", "a class above"},
-      {text, {none}, "class \"NSString\", which is not among the classes", "no class"},
+      {text, {arrays}, "class \"NSString\" is not among the allowed classes", "another class"},
+      {text, {classOf<NSMutableString>()}, "class \"NSString\" is not among the allowed classes", "a class above"},
+      {text, {none}, "class \"NSString\" is not among the allowed classes", "no class"},
       {text, {arrays, strings}, "none", "one of several"},
-      {makeArray({text}), {arrays}, "object 1: an object of class \"NSString\"", "another class in a collection"},
-      {makeArray({makeSet({text})}), {arrays, strings}, "\"NSSet\", which is not among", "a collection in another"},
+      {makeArray({text}), {arrays}, "object 1: class \"NSString\"", "another class in a collection"},
+      {makeArray({makeSet({text})}), {arrays, strings}, "\"NSSet\" is not among", "a collection in another"},
       {makeDictionary({{text, makeNumber(1)}}), {classOf<NSDictionary>(), strings}, "\"NSNumber\"", "a value"},
       {makeArray({text}), {arrays, strings}, "none", "what stands in it is named too"},
-      {puppet, {objects}, "class \"Puppet\", which does not adopt NSSecureCoding", "no promise of secure coding"},
-      {makeArray({puppet}), {objects}, "class \"Puppet\", which does not adopt NSSecureCoding", "inside, too"},
+      {puppet, {objects}, "class \"Puppet\" does not adopt NSSecureCoding", "no promise of secure coding"},
+      {makeArray({puppet}), {objects}, "class \"Puppet\" does not adopt NSSecureCoding", "inside, too"},
       {node, {classOf<Node>()}, "none", "objects name the classes of their own values"},
-      {makeArray({node}), {arrays}, "class \"Node\", which is not among the classes", "an object in a collection"},
+      {makeArray({node}), {arrays}, "class \"Node\" is not among the allowed classes", "an object in a collection"},
       {link, {classOf<NSURL>()}, "none", "a link names the classes of its parts"},
       {styled(makeNumber(1)), {classOf<NSAttributedString>()}, "none", "attributes of the layer's classes"},
-      {styled(node), {classOf<NSAttributedString>()}, "class \"Node\", which is not among", "other attributes"},
+      {styled(node), {classOf<NSAttributedString>()}, "class \"Node\" is not among", "other attributes"},
       {styled(node), {classOf<NSAttributedString>(), classOf<Node>()}, "none", "other attributes that are asked for"},
-      {nullptr, {objects}, "Code=4865 \"there is no object at the root\"", "null"},
+      {nullptr, {objects}, "Code=4865 \"the root object is null or missing\"", "null"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
@@ -60,7 +60,7 @@ TEST(KeyedUnarchiver, LetsOnlyClassesComeThatAreAskedFor) {
   }
   const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(archived(text), nullptr);
   EXPECT_FALSE(unarchiver->decodeObjectForKey("root")) << "names no class";
-  EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "names no class"));
+  EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "is not allowed with secure coding"));
 }
 
 // The contents of what was read before are held to the classes that are asked for now.
@@ -72,7 +72,7 @@ TEST(KeyedUnarchiver, LooksAgainAtWhatIsSharedUnderOtherClasses) {
   const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(archiver->encodedData(), nullptr);
   EXPECT_TRUE(unarchiver->decodeObjectOfClass(classOf<NSObject>(), "wide"));
   EXPECT_FALSE(unarchiver->decodeObjectOfClasses(makeSet({classOf<NSArray>(), classOf<NSString>()}), "narrow"));
-  EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "\"NSNumber\", which is not among"));
+  EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "\"NSNumber\" is not among"));
 }
 
 TEST(KeyedUnarchiver, AnswersNothingAfterTheFirstFailure) {
@@ -119,21 +119,21 @@ TEST(KeyedUnarchiver, TakesNoValueOfAnotherKind) {
     std::string error;
   } rows[] = {
       {"<integer>2147483647</integer>", isInt, "none"},
-      {"<integer>2147483648</integer>", isInt, "takes more than 32 bits"},
-      {"<integer>-2147483649</integer>", isInt, "takes more than 32 bits"},
-      {"<integer>18446744073709551615</integer>", isLong, "is no integer"},
+      {"<integer>2147483648</integer>", isInt, "does not fit into 32 bits"},
+      {"<integer>-2147483649</integer>", isInt, "does not fit into 32 bits"},
+      {"<integer>18446744073709551615</integer>", isLong, "expected integer, got"},
       {"<real>3.4e38</real>", isFloat, "none"},
       {"<real>3.5e38</real>", isFloat, "too large for a float"},
       {"<real>-inf</real>", isFloat, "none"},
-      {"<integer>1</integer>", isDouble, "is no real"},
-      {"<real>1</real>", isLong, "is no integer"},
-      {"<true/>", isLong, "is no integer"},
-      {"<integer>1</integer>", isBool, "is no boolean"},
-      {"<string>1</string>", isBytes, "is no data"},
-      {"<string>1</string>", isText, "no reference to an object"},
-      {uid(1), isLong, "is no integer"},
-      {uid(1), isText, "stands an object of class NSNumber, not NSString"},
-      {references({1}), isText, "no reference to an object"},
+      {"<integer>1</integer>", isDouble, "expected real, got integer"},
+      {"<real>1</real>", isLong, "expected integer, got"},
+      {"<true/>", isLong, "expected integer, got"},
+      {"<integer>1</integer>", isBool, "expected boolean, got integer"},
+      {"<string>1</string>", isBytes, "expected data, got text"},
+      {"<string>1</string>", isText, "expected reference to an object, got another value"},
+      {uid(1), isLong, "expected integer, got"},
+      {uid(1), isText, "expected NSString, got NSNumber (key \"v\")"},
+      {references({1}), isText, "expected reference to an object, got another value"},
       {uid(0), isText, "absent"},
   };
   for (const auto& row : rows) {
@@ -152,7 +152,7 @@ TEST(KeyedUnarchiver, UsesWhatInitAndAwakeAnswer) {
   EXPECT_EQ(shapeOf(root(data)), "NSArray(NSStringanother NSStringbehind )");
   Puppet::initialise = [](Puppet&, NSCoder&) -> Strong<NSObject> { return nullptr; };
   EXPECT_FALSE(root(single));
-  EXPECT_TRUE(saysWhy(failureOf(data), "object 1: a collection holds null"));
+  EXPECT_TRUE(saysWhy(failureOf(data), "object 1: a collection contains null"));
   Puppet::initialise = nullptr;
   Puppet::awake = [](Puppet&) -> Strong<NSObject> { return makeNumber(1); };
   EXPECT_EQ(shapeOf(root(single)), "NSNumber11");
@@ -198,40 +198,46 @@ TEST(KeyedUnarchiver, SaysWhatIsWrongWithAnObject) {
     std::vector<std::string> objects;
     std::string error;
   } rows[] = {
-      {{}, "at the top: a reference to object 1, which is not there"},
-      {{"<dict/>"}, "object 1: it has no class"},
-      {{object(1, "")}, "object 1: the record of its class has no name"},
-      {{object(9, "")}, "object 1: it has no class"},
-      {{object(2, ""), hello}, "object 1: it has no class"},
-      {{object(2, ""), "<dict><key>$classname</key><true/></dict>"}, "object 1: the record of its class has no name"},
-      {{object(2, ""), classRecord("Hidden")}, "object 1: no class \"Hidden\" is known to archives"},
-      {{object(2, ""), classRecord("NSArray")}, "object 1: there is no array under \"NS.objects\""},
-      {{object(2, key("NS.objects", uid(0))), classRecord("NSArray")}, "under \"NS.objects\" is no array"},
-      {{object(2, key("NS.objects", "<array><true/></array>")), classRecord("NSArray")}, "a value is no reference"},
-      {{object(2, key("NS.objects", references({0}))), classRecord("NSSet")}, "object 1: a collection holds null"},
-      {{object(2, key("NS.objects", references({1}))), classRecord("NSArray")}, "object 1 holds itself"},
-      {{object(2, key("NS.objects", references({2}))), classRecord("NSSet")}, "a class stands where an object should"},
-      {{object(2, key("NS.objects", empty)), classRecord("NSDictionary")}, "there is no array under \"NS.keys\""},
+      {{}, "at the top: reference to object 1, which does not exist"},
+      {{"<dict/>"}, "object 1: it has no valid \"$class\""},
+      {{object(1, "")}, "object 1: its class record has no \"$classname\""},
+      {{object(9, "")}, "object 1: it has no valid \"$class\""},
+      {{object(2, ""), hello}, "object 1: it has no valid \"$class\""},
+      {{object(2, ""), "<dict><key>$classname</key><true/></dict>"},
+       "object 1: its class record has no \"$classname\""},
+      {{object(2, ""), classRecord("Hidden")}, "object 1: unknown class \"Hidden\""},
+      {{object(2, ""), classRecord("NSArray")}, "object 1: expected array, got no value (key \"NS.objects\")"},
+      {{object(2, key("NS.objects", uid(0))), classRecord("NSArray")},
+       "expected array, got reference (key \"NS.objects\")"},
+      {{object(2, key("NS.objects", "<array><true/></array>")), classRecord("NSArray")}, "is not a reference"},
+      {{object(2, key("NS.objects", references({0}))), classRecord("NSSet")}, "object 1: a collection contains null"},
+      {{object(2, key("NS.objects", references({1}))), classRecord("NSArray")}, "object 1 contains itself"},
+      {{object(2, key("NS.objects", references({2}))), classRecord("NSSet")}, "expected an object, got a class record"},
+      {{object(2, key("NS.objects", empty)), classRecord("NSDictionary")},
+       "expected array, got no value (key \"NS.keys\")"},
       {{object(2, key("NS.objects", empty) + key("NS.keys", references({3}))), classRecord("NSDictionary"), hello},
        "a dictionary of 1 keys and 0 values"},
       {{object(2, key("NS.keys", references({3})) + key("NS.objects", references({3}))), classRecord("NSDictionary"),
         object(4, ""), classRecord("Node")},
-       "keys that are none"},
-      {{object(2, key("NS.object.1", uid(3))), classRecord("NSOrderedSet"), hello}, "a number is missing"},
-      {{object(2, key("NS.uuidbytes", "<data>AAAA</data>")), classRecord("NSUUID")}, "identifier of 16 bytes"},
-      {{object(2, key("NS.time", "<integer>1</integer>")), classRecord("NSDate")}, "\"NS.time\" is no real"},
-      {{object(2, ""), classRecord("NSDate")}, "\"NS.time\" is no real"},
-      {{object(2, ""), classRecord("NSURL")}, "\"NS.relative\" is no NSString"},
+       "invalid dictionary key"},
+      {{object(2, key("NS.object.1", uid(3))), classRecord("NSOrderedSet"), hello}, "are not numbered consecutively"},
+      {{object(2, key("NS.uuidbytes", "<data>AAAA</data>")), classRecord("NSUUID")},
+       "expected 16 bytes, got 3 bytes (key \"NS.uuidbytes\")"},
+      {{object(2, key("NS.time", "<integer>1</integer>")), classRecord("NSDate")},
+       "expected real, got integer (key \"NS.time\")"},
+      {{object(2, ""), classRecord("NSDate")}, "expected real, got no value (key \"NS.time\")"},
+      {{object(2, ""), classRecord("NSURL")}, "expected NSString, got no object (key \"NS.relative\")"},
       {{object(2, key("NS.relative", uid(3)) + key("NS.base", uid(3))), classRecord("NSURL"), hello},
-       "\"NS.base\" is no NSURL"},
-      {{object(2, key("NS.relative", uid(3)) + key("NS.base", uid(1))), classRecord("NSURL"), hello}, "holds itself"},
-      {{object(2, ""), classRecord("NSNumber")}, "a number with a class of its own"},
-      {{object(2, ""), classRecord("NSMutableString")}, "\"NS.string\" is no NSString"},
-      {{object(2, ""), classRecord("NSMutableData")}, "\"NS.data\" is no NSData"},
+       "expected NSURL, got NSString (key \"NS.base\")"},
+      {{object(2, key("NS.relative", uid(3)) + key("NS.base", uid(1))), classRecord("NSURL"), hello},
+       "contains itself"},
+      {{object(2, ""), classRecord("NSNumber")}, "NSNumber must be a plain value, got a record"},
+      {{object(2, ""), classRecord("NSMutableString")}, "expected NSString, got no object (key \"NS.string\")"},
+      {{object(2, ""), classRecord("NSMutableData")}, "expected NSData, got no object (key \"NS.data\")"},
       {{object(2, key("NSString", uid(3)) + key("NSAttributes", uid(3))), classRecord("NSAttributedString"), hello},
-       "attributes that do not fit the text"},
-      {{empty}, "a reference or an array stands where an object should"},
-      {{uid(1)}, "a reference or an array stands where an object should"},
+       "the attributes do not match the text"},
+      {{empty}, "expected an object, got a reference, an array or a dictionary"},
+      {{uid(1)}, "expected an object, got a reference, an array or a dictionary"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.error);
