@@ -1,13 +1,18 @@
-// How each type is decoded. Comes with decoding.h.
+// The rules by which types are decoded. Included by decoding.h.
 //
-//   template <> struct havrin::DecodingTraits<Colour> {
-//     static Decoded<Colour> fromDecoder(Decoder& decoder) {
-//       auto code = decodeValue<std::string>(decoder);
-//       if (!code) return code.error();
-//       if (code->size() != 7) return DecodingError::dataCorrupted("no colour code: " + *code);
-//       return Colour(*code);
+//   struct Station {
+//     std::string name;
+//     std::optional<std::string> song;
+//     using Fields = FieldList<Field<"name", &Station::name>, Field<"song", &Station::song>>;
+//     static Decoded<Station> fromDecoder(Decoder& decoder) {
+//       auto station = decodeFields<Station>(decoder);
+//       if (station && station->name.empty()) return DecodingError::dataCorrupted("the name of a station is empty");
+//       return station;
 //     }
 //   };
+//   JSONDecoder().decode<Station>(R"({"name": "Nord"})").name      "Nord"
+//   JSONDecoder().tryDecode<Station>(R"({"name": ""})").error().detail()
+//       "the name of a station is empty"
 #pragma once
 
 #include <HavrinFoundation/platform/base/text.h>
@@ -30,20 +35,22 @@
 namespace havrin {
 inline namespace platform {
 
-/// The way to decode a type whose class cannot be changed: specialise it with a `static Decoded<Type>
+/// Customisation point for types that cannot be changed: specialise it with `static Decoded<Type>
 /// fromDecoder(Decoder&)`.
 template <class Type>
 struct DecodingTraits;
 
-/// One field of a type: the key under which it stands, and the member it fills. A member that is an optional stays empty
-/// where the key is absent or null stands there; for any other member the key must be there.
+/// One field of a type: its key and the member that receives its value. An optional member stays empty if the key is
+/// absent or its value null. For any other member, an absent key is keyNotFound and null is valueNotFound.
 template <Text Name, auto Member>
 struct Field {
   static constexpr std::string_view kName = Name.view();
   static constexpr auto kMember = Member;
 };
 
-/// The fields of a type, decoded in this order, as its member type `Fields`. The type is default-constructible.
+/// The fields of a type, decoded in this order; a type names it `Fields`. Requires that the type is
+/// default-constructible.
+/// Cost: one pass over the object if the keys of the document come in this order.
 template <class... Fields>
 struct FieldList {};
 
@@ -82,13 +89,14 @@ concept DecodesByFields = requires {
 
 inline namespace platform {
 
-/// A type that decodes: each of the four ways and the built-in types at the head of decoding.h.
+/// A type that can be decoded: a built-in type, or a type of the caller in one of the four ways listed in decoding.h.
 template <class Type>
 concept Decodable = DecodableScalar<Type> || detail::kIsOptional<Type> || detail::kIsVector<Type> ||
     detail::kIsTextMap<Type> || detail::DecodesByTraits<Type> || detail::DecodesByFunction<Type> ||
     detail::DecodesByConstructor<Type> || detail::DecodesByFields<Type>;
 
-/// A Type filled as its list `Fields` says: for a `fromDecoder` that only adds a check to it.
+/// A Type decoded by its list `Fields`, for a `fromDecoder` that adds checks.
+/// Result: the value, or the first error, with its path.
 template <class Type>
 [[nodiscard]] Decoded<Type> decodeFields(Decoder& decoder);
 
@@ -96,7 +104,7 @@ template <class Type>
 
 namespace detail {
 
-// What growing ahead of decoding may cost, whatever a document claims about its counts.
+// Limits the memory reserved before decoding to 64 MiB: the count is a claim of the document.
 template <class Type>
 inline constexpr std::size_t kReservedElements = (std::size_t{64} << 20) / sizeof(Type);
 

@@ -13,7 +13,7 @@ class NullSource final : public DecodingSource {
  public:
   Found kind(Value) const override { return Found::null; }
   void read(Value, ScalarTarget& target) const override { target.putNull(); }
-  // There are no containers.
+  // Never called: null is not a container.
   std::vector<std::string> allKeys(Value) const override { return {}; }
   Decoded<Value> find(ObjectCursor&, std::string_view) const override { return kNone; }
   std::optional<std::size_t> count(Value) const override { return 0; }
@@ -79,7 +79,7 @@ Decoded<bool> KeyedContainerCore::decodeNil(std::string_view key) const {
       [&]() -> Decoded<bool> { return DecodingError::keyNotFound(key); });
 }
 
-// The container of T that the value under `key` is.
+// The value under `key` as a container T.
 template <class T>
 Decoded<T> KeyedContainerCore::nested(std::string_view key) const {
   const auto open = [&](Decoder& decoder) -> Decoded<T> {

@@ -33,10 +33,10 @@ class KeyedDecodingContainer;
 class SingleValueDecodingContainer;
 class UnkeyedDecodingContainer;
 
-/// What the caller of a decoder tells the types that are decoded.
+/// Context that the caller of a decoder passes to the types that are decoded.
 using UserInfo = std::map<std::string, std::any, std::less<>>;
 
-/// Decodes a ValueType from what `decoder` stands on: every other operation ends here.
+/// Decodes a ValueType from the value of `decoder`. All other operations call this.
 template <class ValueType>
 [[nodiscard]] Decoded<ValueType> decodeValue(Decoder& decoder);
 
@@ -51,24 +51,24 @@ inline constexpr bool kIsOptional = false;
 template <class ValueType>
 inline constexpr bool kIsOptional<std::optional<ValueType>> = true;
 
-// One link of the path to the value that is being decoded: it stands on the stack of the call that decodes it.
+// One link of the path to the value that is being decoded, on the stack of the call that decodes it.
 struct CodingStep {
   const CodingStep* parent = nullptr;
   std::string_view name;
-  std::int64_t index = -1;  // the position in an array; negative: the step is a name
+  std::int64_t index = -1;  // the index in an array; negative if the step is a name
   const UserInfo* userInfo = nullptr;
 };
 
 [[nodiscard]] HAVRIN_EXPORT CodingPath pathOf(const CodingStep* step);
 
-// A step that a container holds itself, because it outlives the call that made it.
+// A step owned by a container, which outlives the call that made it.
 struct OwnedStep {
   std::string name;
   std::shared_ptr<const OwnedStep> parentOwner;
   CodingStep step;
 };
 
-// Where a container stands: its step, and what keeps the step.
+// The position of a container in the document: its step and the owner of the step.
 struct Place {
   const CodingStep* step = nullptr;
   std::shared_ptr<const OwnedStep> owner;
@@ -77,7 +77,7 @@ struct Place {
   [[nodiscard]] HAVRIN_EXPORT Place inside(std::size_t index) const;
 };
 
-// What `body` gives, or the exception that leaves it as an error: for types and formats that throw.
+// The result of `body`, with an exception turned into an error: types and formats may throw.
 template <class Body>
 auto captured(Body&& body) -> std::invoke_result_t<Body> {
   try {
@@ -96,7 +96,7 @@ ValueType valueOrThrow(Decoded<ValueType>&& outcome, const CodingStep* step) {
 // A document that is null.
 [[nodiscard]] HAVRIN_EXPORT const DecodingSource& nullSource();
 
-// Why `value` is not the container that is wanted.
+// The error for a value that is not the expected container.
 [[nodiscard]] HAVRIN_EXPORT ErrorHolder notContainer(const DecodingSource& source, DecodingSource::Value value,
                                                      ScalarTarget::Type wanted, ErrorDetail detail);
 
@@ -104,7 +104,8 @@ ValueType valueOrThrow(Decoded<ValueType>&& outcome, const CodingStep* step) {
 
 inline namespace platform {
 
-/// One value of the data, about to be decoded: what a type of the caller's gets.
+/// Access to one value of the document, passed to `fromDecoder` of the caller's type. Valid during that call.
+/// Threads: one.
 class HAVRIN_EXPORT Decoder {
  public:
   /// A decoder of one value of `source`, which must outlive it, as must `userInfo`.
@@ -116,24 +117,24 @@ class HAVRIN_EXPORT Decoder {
   [[nodiscard]] CodingPath codingPath() const { return detail::pathOf(place_.step); }
   [[nodiscard]] const UserInfo& userInfo() const { return *place_.step->userInfo; }
 
-  /// The value as an object. Throws: typeMismatch, or valueNotFound for null.
+  /// The value as an object. Throws: DecodingError, typeMismatch or, for null, valueNotFound.
   template <CodingKeyType Key = std::string_view>
   [[nodiscard]] KeyedDecodingContainer<Key> container() const;
   template <CodingKeyType Key = std::string_view>
   [[nodiscard]] Decoded<KeyedDecodingContainer<Key>> tryContainer() const;
 
-  /// The value as an array, at its first element. Throws: typeMismatch, or valueNotFound for null.
+  /// The value as an array, at its first element. Throws: DecodingError, typeMismatch or, for null, valueNotFound.
   [[nodiscard]] UnkeyedDecodingContainer unkeyedContainer() const;
   [[nodiscard]] Decoded<UnkeyedDecodingContainer> tryUnkeyedContainer() const;
 
-  /// The value as it is.
+  /// The value, to be decoded as a whole.
   [[nodiscard]] SingleValueDecodingContainer singleValueContainer();
 
   [[nodiscard]] const DecodingSource& source() const { return *source_; }
   [[nodiscard]] DecodingSource::Value value() const { return value_; }
   [[nodiscard]] bool isNull() const { return source_->kind(value_) == Found::null; }
   [[nodiscard]] const detail::Place& place() const { return place_; }
-  // What the errors of this decoder and its containers tell: everything, as soon as code of the caller's may see them.
+  // The detail of errors of this decoder and its containers: full as soon as code of the caller may see them.
   [[nodiscard]] ErrorDetail errorDetail() const { return errorDetail_; }
   [[nodiscard]] Decoder& describingErrors() {
     errorDetail_ = ErrorDetail::full;
@@ -155,7 +156,7 @@ class HAVRIN_EXPORT SingleValueDecodingContainer {
   explicit SingleValueDecodingContainer(Decoder& decoder) : decoder_(&decoder) {}
 
   [[nodiscard]] CodingPath codingPath() const { return decoder_->codingPath(); }
-  /// Whether null stands here.
+  /// Whether the value is null.
   [[nodiscard]] bool decodeNil() const { return decoder_->isNull(); }
 
   template <class ValueType>

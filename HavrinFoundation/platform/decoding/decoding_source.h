@@ -34,7 +34,8 @@ class HAVRIN_EXPORT DecodingSource {
   using Value = std::uintptr_t;
   static constexpr Value kNone = ~Value{0};
 
-  /// A position in an object. `state` begins as 0 and belongs to the format: where the next search begins, for instance.
+  /// A position in an object. `state` begins as 0 and belongs to the format: where the next search begins, for
+  /// instance.
   struct ObjectCursor {
     Value object = kNone;
     std::uint64_t state[2] = {};

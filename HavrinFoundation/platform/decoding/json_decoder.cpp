@@ -38,10 +38,10 @@ void readScalar(const JsonTokens& tokens, Token value, ScalarTarget& target) {
   }
 }
 
-// The outermost value stands under no key.
+// The top-level value, token 0, has no key, so it can represent "not found".
 constexpr Token kNoToken = 0;
 
-// The keys of an object in the order of their texts, each with the first value that stands under it.
+// The keys of an object, sorted, each with its first value.
 struct KeyIndex {
   struct Row {
     std::string_view key;
@@ -71,7 +71,7 @@ struct KeyIndex {
   std::vector<Row> rows;
 };
 
-// A document over its tokens, which are its values.
+// A JSON document as a source; its values are token numbers.
 class JsonSource final : public DecodingSource {
  public:
   JsonTokens& tokens() { return tokens_; }
@@ -142,9 +142,9 @@ class JsonSource final : public DecodingSource {
     cursor.at = tokens_.next(token(cursor.at), tokens_.endOf(token(cursor.array)));
   }
 
-  // Types ask for their keys in the order of the data, as a rule: the search goes on where the last one ended. It may do
-  // so unless the key could already have passed, which a mask with one bit for each key passed rules out. Where it could,
-  // the walk begins again, since of equal keys the first counts.
+  // Keys are mostly decoded in the order of the document, so the search continues where the last one ended. A mask with
+  // one hash bit for each key passed shows whether the key may have been passed already; then the search starts over,
+  // because of equal keys the first is used.
   Token valueUnder(ObjectCursor& cursor, std::string_view key) const {
     auto& [passed, position] = cursor.state;
     const std::uint64_t bit = maskBit(key);
@@ -173,7 +173,7 @@ class JsonSource final : public DecodingSource {
     return std::uint64_t{1} << ((key.size() * 5 + first) % 64);
   }
 
-  // An object that is walked over and over gets an index, so that asking for every key is never quadratic.
+  // Builds an index after many search steps in one object, so that decoding all of its keys is never quadratic.
   [[gnu::noinline]] Token valueAnywhere(ObjectCursor& cursor, std::string_view key) const {
     constexpr std::uint64_t kOneStep = std::uint64_t{1} << 32;  // counted above the position
     constexpr std::uint64_t kStepsWithoutIndex = 400 * kOneStep;
@@ -214,8 +214,8 @@ JSONDecoder::Document::~Document() { decoder_.memory_ = std::move(memory_); }
 
 Decoded<const DecodingSource*> JSONDecoder::Document::open(std::string_view text) const {
   if (text.size() > decoder_.maximumSize) {
-    return DecodingError::dataCorrupted("the document has " + std::to_string(text.size()) + " bytes, of which " +
-                                        std::to_string(decoder_.maximumSize) + " are allowed");
+    return DecodingError::dataCorrupted("the document has " + std::to_string(text.size()) + " bytes; the maximum is " +
+                                        std::to_string(decoder_.maximumSize));
   }
   memory_->source.forget();
   if (auto outcome = memory_->source.tokens().read(text); !outcome) return std::move(outcome.failure());

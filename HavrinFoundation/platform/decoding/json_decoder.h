@@ -1,16 +1,18 @@
 // Decoding from JSON (RFC 8259).
 //
-//   auto stations = JSONDecoder().decode<std::vector<Station>>(text);
+//   JSONDecoder json;
+//   json.decode<std::vector<int>>("[1, 2e1]").at(1)      20
+//   json.tryDecode<std::vector<int>>("[1, 2.5]").error().description()
+//       "dataCorrupted at [1]: expected a 32-bit integer, found the number 2.5"
+//   json.read(R"({"name": "Nord"})", [](Decoder& document) {
+//     return document.container().decode<std::string>("name");
+//   })                                                   "Nord"
 //
-//   auto stations = JSONDecoder().read(text, [](Decoder& document) {
-//     return decodeArraySkippingInvalidElements<Station>(document.container(), "stations");
-//   });
-//
-// Strict: UTF-8 only (a byte order mark is skipped), no comments, no trailing commas, nothing after the document; half a
-// surrogate pair in an escape is refused. A malformed document is one error for the whole. A number is kept as it is
-// written until a type asks for it, so one that fits no type is one bad value and no more. Of equal keys the first
-// counts. A document of one scalar is a document.
-// Left out: UTF-16 and UTF-32; dates and bytes inside texts; key strategies; numbers that are no numbers.
+// Strict: UTF-8 only (a byte order mark is skipped), no comments, no trailing commas, nothing after the document, no
+// half surrogate pairs in escapes. A malformed document is one error for the whole document. Numbers are kept as text
+// until a type decodes them, so a number that fits no type is a single bad value. Of equal keys the first is used. A
+// document may be a single scalar.
+// Left out: UTF-16 and UTF-32; dates and bytes in strings; key strategies; NaN and infinities.
 #pragma once
 
 #include <HavrinFoundation/platform/decoding/decoding.h>
@@ -25,8 +27,8 @@
 namespace havrin {
 inline namespace platform {
 
-/// Decodes JSON documents, one after the other, in memory that it keeps: some four bytes for each byte of the largest
-/// document. Threads: one at a time. Decoding may be nested: a type may use the decoder that is decoding it.
+/// A decoder of JSON documents, reusable. Keeps its buffers: four bytes for each byte of the largest document.
+/// Threads: one at a time. Reentrant: a type may use the decoder that is decoding it.
 /// Source: RFC 8259.
 class HAVRIN_EXPORT JSONDecoder {
  public:
@@ -35,13 +37,13 @@ class HAVRIN_EXPORT JSONDecoder {
   JSONDecoder& operator=(JSONDecoder&&) noexcept;
   ~JSONDecoder();
 
-  /// What the types that are decoded get as `decoder.userInfo()`.
+  /// Context for the decoded types, available to them as `decoder.userInfo()`.
   UserInfo userInfo;
   /// Larger documents are refused. Choice: 256 MiB; never more than 1 GiB, whatever is set.
   std::size_t maximumSize = std::size_t{256} << 20;
 
-  /// A Type from the whole document. `text` must stay as it is during the call.
-  /// Throws: DecodingError; whatever a type of the caller's throws; std::bad_alloc.
+  /// A Type decoded from the whole document. `text` must not change during the call.
+  /// Throws: DecodingError; any exception of the caller's types; std::bad_alloc.
   template <Decodable Type>
   [[nodiscard]] Type decode(std::string_view text) {
     return tryDecode<Type>(text).value();
@@ -55,8 +57,8 @@ class HAVRIN_EXPORT JSONDecoder {
     Decoder decoder(**source, 0, userInfo);
     return decoder.singleValueContainer().template tryDecode<Type>();
   }
-  /// What `body` gives for a decoder of the whole document, which is valid until `body` returns.
-  /// Throws: DecodingError for a malformed document; whatever `body` throws.
+  /// The result of `body`, called with a decoder of the whole document that is valid during the call.
+  /// Throws: DecodingError for a malformed document; any exception of `body`.
   template <class Body>
   std::invoke_result_t<Body, Decoder&> read(std::string_view text, Body&& body) {
     const Document document(*this);
@@ -69,7 +71,7 @@ class HAVRIN_EXPORT JSONDecoder {
  private:
   struct Memory;
 
-  // Borrows the decoder's memory for one document, and gives it back.
+  // Takes the decoder's buffers for one document and returns them.
   class HAVRIN_EXPORT Document {
    public:
     explicit Document(JSONDecoder& decoder);

@@ -48,7 +48,7 @@ void readScalar(const PropertyList& list, ScalarTarget& target) {
   }
 }
 
-// The values are addresses of the lists.
+// A property list as a source; its values are addresses of PropertyList objects.
 class ListSource final : public DecodingSource {
  public:
   Found kind(Value value) const override { return foundIn(list(value)); }
@@ -85,7 +85,7 @@ class ListSource final : public DecodingSource {
 
 Decoded<PropertyList> PropertyListDecoder::listIn(std::span<const std::byte> bytes) {
   auto list = readPropertyList(bytes);
-  if (!list) return DecodingError::dataCorrupted("the document is no property list: " + list.error().detail());
+  if (!list) return DecodingError::dataCorrupted("the document is not a property list: " + list.error().detail());
   return list;
 }
 

@@ -1,11 +1,13 @@
-// Decoding from property lists, in the binary form or as XML.
+// Decoding from property lists, in the binary or the XML form.
 //
-//   auto settings = PropertyListDecoder().decode<Settings>(bytes);
-//   auto settings = PropertyListDecoder().decode<Settings>(list);       a PropertyList that was read already
+//   const PropertyListDecoder decoder;
+//   const PropertyList numbers(PropertyList::Array{PropertyList(1), PropertyList(2.0)});
+//   decoder.decode<std::vector<int>>(numbers).at(1)      2
+//   decoder.tryDecode<int>(PropertyList("two")).error().description()
+//       "typeMismatch at the top level: expected a 32-bit integer, found the string \"two\""
 //
-// The rules are those of every decoder: a real that is a whole number is an integer, a boolean is no number. A property
-// list has no null. What property lists hold beyond scalars, arrays and dictionaries (dates, bytes, references) is
-// typeMismatch to every built-in type.
+// The rules are those of every decoder: a real with a whole value is accepted for an integer, a boolean is not accepted
+// for a number. Property lists have no null. Their dates, bytes and UIDs are typeMismatch for every built-in type.
 // Left out: dates and bytes as built-in types.
 #pragma once
 
@@ -21,14 +23,14 @@
 namespace havrin {
 inline namespace platform {
 
-/// Decodes property lists. Keeps nothing between them. Threads: any number at a time, while `userInfo` stays as it is.
+/// A decoder of property lists, without state. Threads: any number at a time, as long as `userInfo` does not change.
 class HAVRIN_EXPORT PropertyListDecoder {
  public:
-  /// What the types that are decoded get as `decoder.userInfo()`.
+  /// Context for the decoded types, available to them as `decoder.userInfo()`.
   UserInfo userInfo;
 
-  /// A Type from the whole property list.
-  /// Throws: DecodingError, for malformed bytes with the place in its text; whatever a type of the caller's throws.
+  /// A Type decoded from the whole property list.
+  /// Throws: DecodingError, for malformed bytes with the line or byte; any exception of the caller's types.
   template <Decodable Type>
   [[nodiscard]] Type decode(std::span<const std::byte> bytes) const {
     return tryDecode<Type>(bytes).value();
@@ -48,8 +50,8 @@ class HAVRIN_EXPORT PropertyListDecoder {
   [[nodiscard]] Decoded<Type> tryDecode(const PropertyList& list) const {
     return read(list, [](Decoder& decoder) { return decoder.singleValueContainer().tryDecode<Type>(); });
   }
-  /// What `body` gives for a decoder of the whole property list, which is valid until `body` returns.
-  /// Throws: DecodingError for malformed bytes; whatever `body` throws.
+  /// The result of `body`, called with a decoder of the whole property list that is valid during the call.
+  /// Throws: DecodingError for malformed bytes; any exception of `body`.
   template <class Body>
   std::invoke_result_t<Body, Decoder&> read(std::span<const std::byte> bytes, Body&& body) const {
     return read(listIn(bytes).value(), std::forward<Body>(body));

@@ -18,10 +18,10 @@ namespace {
 
 using detail::ErrorHolder;
 
-// A double holds every whole number up to here exactly; beyond, a whole double may stand for another number's text.
+// Doubles represent every integer up to this limit; beyond it, a whole double may be the rounding of another number.
 constexpr double kExactLimit = 9007199254740992.0;  // 2^53
 
-// Digits of a number's text, eight at a time where so many bytes may be read.
+// Reads decimal digits, eight at a time while eight bytes are readable.
 struct Digits {
   const char* at;
   const char* end;
@@ -41,7 +41,7 @@ struct Digits {
   }
 };
 
-// Where the first digit that is not zero stands, as a power of ten; the number is not zero. Saturates.
+// The decimal exponent of the first non-zero digit, saturated. Requires a number that is not zero.
 long decimalExponent(std::string_view text) {
   const std::size_t e = text.find_first_of("eE");
   const std::string_view digits = text.substr(0, e);
@@ -58,8 +58,7 @@ long decimalExponent(std::string_view text) {
   return position + std::min(std::max(power, -kFar), kFar);
 }
 
-// The number nearest to the one that `text` writes; a number too small to tell from zero reads as zero. Empty when: it
-// is too large.
+// The Real nearest to the number in `text`; underflow gives zero. Empty when: the number overflows.
 template <class Real>
 std::optional<Real> readReal(std::string_view text) {
   Real value = 0;
@@ -107,7 +106,7 @@ void ScalarTarget::putNull() {
 bool ScalarTarget::storeInteger(bool isNegative, std::uint64_t magnitude) {
   const std::uint64_t value = isNegative ? 0 - magnitude : magnitude;
   if (type_ == Type::int64 && std::in_range<std::int64_t>(magnitude)) return store(scalar_, value), true;  // most
-  // An integer becomes a real with one rounding, as its digits would.
+  // Converted from the integer directly, so that it is rounded once.
   if (type_ == Type::float32) {
     const auto real = static_cast<float>(magnitude);
     return store(scalar_, isNegative ? -real : real), true;
@@ -143,7 +142,7 @@ void ScalarTarget::putInteger(std::uint64_t value) {
   if (!storeInteger(false, value)) refuseNumber(std::to_string(value));
 }
 
-// Whether the target, a number, could hold `value`.
+// Stores `value` in a numeric target. Result: false if it does not fit.
 bool ScalarTarget::storeReal(double value) {
   if (type_ == Type::float64) return store(scalar_, value), true;
   if (type_ == Type::float32) {
@@ -151,7 +150,7 @@ bool ScalarTarget::storeReal(double value) {
     if (std::isinf(narrow) && !std::isinf(value)) return false;
     return store(scalar_, narrow), true;
   }
-  // A number that is not a number fails the first comparison.
+  // NaN fails the first comparison.
   if (!(std::fabs(value) < kExactLimit) || std::trunc(value) != value) return false;
   return storeInteger(value < 0, static_cast<std::uint64_t>(std::fabs(value)));
 }
@@ -164,8 +163,8 @@ void ScalarTarget::putReal(double value) {
 }
 
 void ScalarTarget::putNumberText(std::string_view text, std::size_t readable) {
-  constexpr std::ptrdiff_t kSafeDigits = 19;  // always fit
-  // One division of numbers that doubles hold exactly rounds once (Clinger, 1990). Most reals of the world are such.
+  constexpr std::ptrdiff_t kSafeDigits = 19;  // never overflow 64 bits
+  // Fast path (Clinger, 1990): if digits and power of ten are exact as doubles, one division rounds once.
   static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
                                        1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
   if (!isInteger() && !isReal()) return refuseNumber(text);
@@ -207,7 +206,7 @@ void ScalarTarget::refuse(Found found, std::string_view excerpt) {
   fail(DecodingError::typeMismatch(expected(), found, excerpt));
 }
 
-// A number that does not fit a number, or a number where none is wanted.
+// The error for a number that is out of range, or that was found in place of another type.
 void ScalarTarget::refuseNumber(std::string_view number) {
   if (!isInteger() && !isReal()) return refuse(Found::number, number);
   if (detail_ == ErrorDetail::none) return fail(ErrorHolder::undescribed());

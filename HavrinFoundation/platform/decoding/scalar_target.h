@@ -42,8 +42,8 @@ concept DecodableScalar = std::same_as<ValueType, std::string> || std::same_as<V
     std::same_as<ValueType, double> ||
     (std::integral<ValueType> && sizeof(ValueType) <= 8 && !detail::kIsCharacter<ValueType>);
 
-/// A typed reference to a scalar of the caller's, to be filled once. Each `put` stores the value, or leaves the scalar as
-/// it is and keeps the error.
+/// A typed reference to a scalar of the caller's, to be filled once. Each `put` stores the value, or leaves the scalar
+/// as it is and keeps the error.
 class HAVRIN_EXPORT ScalarTarget {
  public:
   enum class Type : std::uint8_t {
@@ -105,8 +105,8 @@ class HAVRIN_EXPORT ScalarTarget {
   void putInteger(std::int64_t value);
   void putInteger(std::uint64_t value);
   void putReal(double value);
-  /// Takes a number as JSON writes it (RFC 8259, section 6); `text` must have that form. `readable`: how many bytes may be
-  /// read from its first one on, which makes short numbers fast; the first byte behind `text` is not a digit.
+  /// Takes a number as JSON writes it (RFC 8259, section 6); `text` must have that form. `readable`: how many bytes may
+  /// be read from its first one on, which makes short numbers fast; the first byte behind `text` is not a digit.
   void putNumberText(std::string_view text, std::size_t readable = 0);
   void putText(std::string_view value) {
     if (type_ != Type::text) return refuse(Found::string, value);

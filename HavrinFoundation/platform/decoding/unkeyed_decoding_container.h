@@ -1,7 +1,12 @@
-// The values of an array, read one after the other. Comes with decoding.h.
+// The values of an array, decoded one after the other. Included by decoding.h.
 //
-//   auto container = decoder.unkeyedContainer();
-//   while (!container.isAtEnd()) numbers.push_back(container.decode<std::int64_t>());
+//   JSONDecoder json;
+//   json.read("[1, 2, 39]", [](Decoder& decoder) {
+//     auto numbers = decoder.unkeyedContainer();
+//     std::int64_t sum = 0;
+//     while (!numbers.isAtEnd()) sum += numbers.decode<std::int64_t>();
+//     return sum;
+//   })                                                 42
 #pragma once
 
 #include <HavrinFoundation/platform/decoding/decoder.h>
@@ -24,7 +29,7 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
   [[nodiscard]] static Decoded<UnkeyedDecodingContainer> of(const Decoder& decoder);
 
   [[nodiscard]] CodingPath codingPath() const { return detail::pathOf(place_.step); }
-  /// The number of values. Empty when: the format cannot know.
+  /// The number of values in the array. Empty when: the format does not know it.
   [[nodiscard]] std::optional<std::size_t> count() const { return source_->count(cursor_.array); }
   [[nodiscard]] bool isAtEnd() const {
     isBeforeEnd_ = !source_->isAtEnd(cursor_);
@@ -32,7 +37,7 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
   }
   [[nodiscard]] std::size_t currentIndex() const { return cursor_.index; }
 
-  /// Whether null stands here; then the position moves past it. Throws: valueNotFound at the end.
+  /// Whether the value at the position is null; if so, moves past it. Throws: valueNotFound at the end of the array.
   [[nodiscard]] bool decodeNil() { return orThrow(tryDecodeNil()); }
   [[nodiscard]] Decoded<bool> tryDecodeNil();
 
@@ -44,11 +49,12 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
   [[nodiscard]] Decoded<Type> tryDecode() {
     return tryDecode<Type>(errorDetail_);
   }
-  /// The same; the error is described only as far as the caller will look at it.
+  /// The same, with the given detail of errors.
   template <class Type>
   [[nodiscard]] Decoded<Type> tryDecode(ErrorDetail detail);
 
-  /// The value. Empty when: null stands here (the position moves past it), or the array has ended.
+  /// The value at the position. Empty when: it is null (the position moves past it), or the array has ended.
+  /// Throws: typeMismatch; dataCorrupted.
   template <class Type>
   [[nodiscard]] std::optional<Type> decodeIfPresent() {
     return orThrow(tryDecodeIfPresent<Type>());
@@ -59,7 +65,7 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
     return tryDecode<std::optional<Type>>();
   }
 
-  /// The object that stands here; the position moves past it. Throws: valueNotFound for null; typeMismatch.
+  /// The object at the position, which moves past it. Throws: valueNotFound for null or at the end; typeMismatch.
   template <CodingKeyType Key = std::string_view>
   [[nodiscard]] KeyedDecodingContainer<Key> nestedContainer() {
     return orThrow(tryNestedContainer<Key>());
@@ -67,19 +73,19 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
   template <CodingKeyType Key = std::string_view>
   [[nodiscard]] Decoded<KeyedDecodingContainer<Key>> tryNestedContainer();
 
-  /// The array that stands here; the position moves past it. Throws: valueNotFound for null; typeMismatch.
+  /// The array at the position, which moves past it. Throws: valueNotFound for null or at the end; typeMismatch.
   [[nodiscard]] UnkeyedDecodingContainer nestedUnkeyedContainer() { return orThrow(tryNestedUnkeyedContainer()); }
   [[nodiscard]] Decoded<UnkeyedDecodingContainer> tryNestedUnkeyedContainer();
 
-  /// A decoder of the value that stands here; the position moves past it.
+  /// A decoder of the value at the position, which moves past it. Throws: valueNotFound at the end.
   [[nodiscard]] Decoder superDecoder() { return orThrow(trySuperDecoder()); }
   [[nodiscard]] Decoded<Decoder> trySuperDecoder();
 
  private:
-  // What `use` gives for the value at the position, with the position in the path of its error. `use` moves on.
+  // The result of `use`, which must advance the position; an error gets the index prepended to its path.
   template <class Type, class Use>
   [[nodiscard]] Decoded<Type> passing(Use&& use);
-  // What `open` makes of a decoder of the value at the position, which is then passed.
+  // The result of `open` for a decoder of the value at the position; then advances.
   template <class Type, class Open>
   [[nodiscard]] Decoded<Type> opening(Open&& open);
   [[nodiscard]] Decoded<detail::KeyedContainerCore> nestedCore();

@@ -177,7 +177,7 @@ TEST(JSONDecoder, BoundsDepthAndSize) {
   small.maximumSize = 5;
   EXPECT_EQ(small.decode<std::vector<int>>("[1,2]").size(), 2u);
   EXPECT_EQ(small.tryDecode<int>("[1,2] ").error().description(),
-            "dataCorrupted at the top level: the document has 6 bytes, of which 5 are allowed");
+            "dataCorrupted at the top level: the document has 6 bytes; the maximum is 5");
 }
 
 TEST(JSONDecoder, CountsTheElementsOfAnArray) {

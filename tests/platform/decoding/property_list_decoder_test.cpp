@@ -80,7 +80,7 @@ TEST(PropertyListDecoder, SaysWhatFailedAndWhere) {
   const auto refused = PropertyListDecoder().tryDecode<int>(std::as_bytes(std::span(garbage)));
   ASSERT_FALSE(refused);
   EXPECT_EQ(refused.error().kind(), DecodingError::Kind::dataCorrupted);
-  EXPECT_EQ(refused.error().detail().substr(0, 33), "the document is no property list:");
+  EXPECT_EQ(refused.error().detail().substr(0, 37), "the document is not a property list: ");
 }
 
 }  // namespace
