@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t kLargestInformation = std::size_t{16} << 20;
 
-// The folder's one path, links followed.
+// The canonical path of a folder, with links resolved, so that each folder has one bundle.
 std::optional<std::string> folderAt(std::string_view path) {
   std::error_code failed;
   const std::filesystem::path folder = std::filesystem::canonical(path, failed);
@@ -59,7 +59,7 @@ Strong<NSBundle> bundleOfFolder(const std::string& folder) {
 
 }  // namespace
 
-// Read at the first question, once.
+// Read on first use, once.
 struct NSBundle::Information {
   std::once_flag once;
   std::optional<PropertyList> list;

@@ -1,13 +1,13 @@
-// NSBundle: a folder with a program or its resources, and what its Info.plist says of it.
+// NSBundle: a folder with a program or its resources, and the values of its Info.plist.
 //
 //   const auto bundle = NSBundle::mainBundle();                            the folder of the program
 //   bundle->objectForInfoDictionaryKey(makeString("CFBundleVersion"))      "612345"
 //   NSBundle::bundleWithPath("/opt/radio") == NSBundle::mainBundle()       true where that is the program's folder
 //
-// Info.plist stands in the folder itself and may be in either form of property lists.
+// Info.plist is in the folder itself, in either form of property lists.
 //
-// Left out: localised values, resources, loading code, identifiers, bundles of classes, bundles with a Contents folder, the
-// whole dictionary at once.
+// Left out: localised values, resources, loading code, identifiers, bundles of classes, bundles with a Contents folder,
+// the whole dictionary at once.
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
@@ -21,30 +21,30 @@
 namespace havrin {
 inline namespace platform {
 
-/// Equal only to itself.
-/// Threads: any.
+/// A bundle. Equal only to itself. Threads: any.
 class HAVRIN_EXPORT NSBundle : public Object<NSBundle, NSObject> {
  public:
-  /// A bundle of no folder, which says nothing of itself.
+  /// A bundle without a folder and without values.
   NSBundle();
-  /// A bundle of its own for the folder at `path`, which is not looked at yet; see bundleWithPath.
+  /// A new bundle for the folder at `path`, which is not accessed yet; see bundleWithPath for shared ones.
   explicit NSBundle(std::string_view path);
   explicit NSBundle(std::nullptr_t) = delete;  // not a path
   ~NSBundle() override;
 
-  /// The bundle of the folder that the program stands in. Always the same object, but for installMainBundle.
+  /// The bundle of the folder of the program. Always the same object, unless installMainBundle replaces it.
   [[nodiscard]] static Strong<NSBundle> mainBundle();
 
-  /// The bundle of the folder at `path`: one object for each folder, the main bundle for its own. It is kept for good.
-  /// Null when: there is no folder.
+  /// The bundle of the folder at `path`: one object for each folder, the main bundle for the program's folder.
+  /// Result: shared; it lives until the process ends.
+  /// Null when: there is no folder at `path`.
   [[nodiscard]] static Strong<NSBundle> bundleWithPath(std::string_view path);
   static Strong<NSBundle> bundleWithPath(std::nullptr_t) = delete;  // not a path
 
   [[nodiscard]] virtual Strong<NSString> bundlePath() const;
 
-  /// What Info.plist says under `key`, as strings, numbers, dates, data, arrays and dictionaries. The file is read once.
-  /// Null when: it says nothing, for null, and for every key where the file is missing, no property list, or larger than
-  /// 16 MiB.
+  /// The value of Info.plist under `key`, as strings, numbers, dates, data, arrays and dictionaries.
+  /// Null when: the key is missing or null; the file is missing, not a property list, or larger than 16 MiB.
+  /// Cost: the file is read by the first call.
   [[nodiscard]] virtual Strong<NSObject> objectForInfoDictionaryKey(const NSString* key) const;
 
  private:
@@ -54,8 +54,8 @@ class HAVRIN_EXPORT NSBundle : public Object<NSBundle, NSObject> {
   Information* const information_;
 };
 
-/// Puts `bundle` in place of the main bundle, or the program's own back when it is null.
-/// Result: the bundle that was in its place before, null for the program's own.
+/// Replaces the main bundle by `bundle`; null restores the program's own.
+/// Result: the previous replacement; null if there was none.
 /// Threads: any; meant for test programs.
 HAVRIN_EXPORT Strong<NSBundle> installMainBundle(NSBundle* bundle);
 

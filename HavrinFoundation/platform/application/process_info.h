@@ -1,4 +1,4 @@
-// What the process knows of itself and of the system it runs on.
+// NSProcessInfo: the environment of the process and the version of the system.
 //
 //   NSProcessInfo::processInfo()->environmentValue("HOME")            "/home/listener"
 //   NSProcessInfo::processInfo()->operatingSystemVersionString()      "Debian GNU/Linux 12 (bookworm)"
@@ -19,16 +19,17 @@ inline namespace platform {
 
 class HAVRIN_EXPORT NSProcessInfo : public Object<NSProcessInfo, NSObject> {
  public:
-  /// The one object for this process.
+  /// The object for this process.
   [[nodiscard]] static NSProcessInfo* processInfo();
 
-  /// A new dictionary of the environment as it is now: names to values, both strings, split at the first "=". Entries
-  /// without "=" are dropped; text that is no UTF-8 is repaired.
+  /// A snapshot of the environment: names to values, both strings, split at the first "=". Entries without "=" are
+  /// dropped; ill-formed UTF-8 becomes U+FFFD.
   [[nodiscard]] virtual Strong<NSDictionary> environment() const;
-  /// The value of the variable with this null-terminated name; empty when it is absent. Asks `environment` where a subclass has its own.
+  /// The value of the variable with this null-terminated name. Empty when: it is not set. Uses `environment` if a
+  /// subclass overrides it.
   [[nodiscard]] std::optional<std::string> environmentValue(const char* name) const;
 
-  /// The system's name and version for people, never empty, never for parsing.
+  /// The name and the version of the system for display, not for parsing. Never empty.
   [[nodiscard]] virtual Strong<NSString> operatingSystemVersionString() const;
 };
 

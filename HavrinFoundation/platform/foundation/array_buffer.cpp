@@ -94,8 +94,8 @@ void ArrayBuffer::end(std::uint64_t length) noexcept {
   }
 }
 
-// Releases the elements that no handle holds, and then the caller's handle, which counts until then so that the buffer
-// stands. They are taken out under the lock and released outside it, a few at a time.
+// Releases the elements that no handle covers, then the caller's handle, which until then keeps the buffer alive.
+// Elements are taken out under the lock in small batches and released outside of it, because releasing runs user code.
 void ArrayBuffer::giveBack() noexcept {
   constexpr int kBatch = 16;
   for (;;) {

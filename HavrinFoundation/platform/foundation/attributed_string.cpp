@@ -54,7 +54,7 @@ NSAttributedString::NSAttributedString(NSString* string, std::span<const Run> ru
     if (end == kNotFound) break;
     end = endOf(run.range);
   }
-  if (end != string_->length()) throw NSException(NSInvalidArgumentException, "the runs do not fit the text");
+  if (end != string_->length()) throw NSException(NSInvalidArgumentException, "the runs do not cover the text exactly");
 }
 
 Strong<NSAttributedString> NSAttributedString::initWithString(NSString* string) {

@@ -14,7 +14,7 @@ bool NSData::isEqual(const NSObject* other) const {
   return data && std::ranges::equal(bytes(), data->bytes());
 }
 
-// FNV-1a over the first bytes and the length: data is long, and its beginning tells most of it apart.
+// FNV-1a over the first bytes and the length: hashing all of a long value is slow, and most values differ early.
 std::uint64_t NSData::hash() const {
   constexpr std::size_t kHashed = 80;
   const auto all = bytes();

@@ -143,8 +143,8 @@ Strong<NSObject> NSDictionary::mutableCopy() const {
 }
 
 void NSMutableDictionary::setObject(NSObject* value, NSObject* key) {
-  if (!key) throwNullArgument(*this, "setObject:forKey:", "the key");
-  if (!value) throwNullArgument(*this, "setObject:forKey:", "the value");
+  if (!key) throwNullArgument(*this, "setObject:forKey:", "key");
+  if (!value) throwNullArgument(*this, "setObject:forKey:", "value");
   Strong<NSObject> stored(value);
   if (Entry* entry = entries_.find(*key)) {
     std::swap(entry->value, stored);
@@ -155,7 +155,7 @@ void NSMutableDictionary::setObject(NSObject* value, NSObject* key) {
 }
 
 void NSMutableDictionary::removeObjectForKey(NSObject* key) {
-  if (!key) throwNullArgument(*this, "removeObjectForKey:", "the key");
+  if (!key) throwNullArgument(*this, "removeObjectForKey:", "key");
   if (entries_.erase(*key)) ++mutations_;
 }
 
@@ -192,7 +192,7 @@ void NSMutableDictionary::removeAllObjects() {
 }
 
 void NSMutableDictionary::setValueForKey(NSObject* value, NSString* key) {
-  if (!key) throwNullArgument(*this, "setValue:forKey:", "the key");
+  if (!key) throwNullArgument(*this, "setValue:forKey:", "key");
   willChangeValueForKey(key);
   set(key, value);
   didChangeValueForKey(key);

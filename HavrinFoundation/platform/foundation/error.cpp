@@ -14,7 +14,7 @@ constinit const LazyString NSUnderlyingErrorKey{"NSUnderlyingError"};
 
 namespace {
 
-// The text among the details; null when there is none, or no text.
+// The string under a key of the user info; null if there is none, or it is not a string.
 Strong<NSString> textUnder(const LazyString& key, const NSError& error) {
   return cast<NSString>(error.userInfo()->objectForKey(key));
 }
@@ -35,7 +35,7 @@ std::string detailsOf(const NSDictionary& userInfo) {
 NSError::NSError() : domain_(makeString("")), userInfo_(make<NSDictionary>()) {}
 
 NSError::NSError(NSString* domain, std::int64_t code, NSDictionary* userInfo) : code_(code) {
-  if (domain == nullptr) throwNullArgument(*this, "initWithDomain:code:userInfo:", "the domain");
+  if (domain == nullptr) throwNullArgument(*this, "initWithDomain:code:userInfo:", "domain");
   domain_ = cast<NSString>(domain->copy());
   userInfo_ = userInfo ? Strong<NSDictionary>(cast<NSDictionary>(userInfo->copy())) : make<NSDictionary>();
 }

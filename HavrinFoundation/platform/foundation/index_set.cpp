@@ -94,7 +94,7 @@ Strong<NSObject> NSIndexSet::copy() const { return const_cast<NSIndexSet*>(this)
 Strong<NSIndexSet> makeIndexSet(std::span<const std::uint64_t> indexes) {
   std::vector<NSRange> ranges;
   for (const std::uint64_t index : indexes) {
-    if (index >= kNotFound) throw NSException(NSRangeException, "makeIndexSet: no index is above 2^63 - 2");
+    if (index >= kNotFound) throw NSException(NSRangeException, "makeIndexSet: an index exceeds 2^63 - 2");
     appendIndex(ranges, index);
   }
   return make<NSIndexSet>(std::move(ranges));

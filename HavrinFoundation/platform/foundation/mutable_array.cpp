@@ -46,7 +46,7 @@ void NSMutableArray::resize(std::uint64_t length) noexcept {
   length_ = length;
 }
 
-// Drops the elements from `length` on, for which nobody's storage has to be copied.
+// Drops the elements from `length` on. Never copies the storage, even if it is shared.
 void NSMutableArray::shorten(std::uint64_t length) noexcept {
   ++mutations_;
   const std::uint64_t before = std::exchange(length_, length);

@@ -10,7 +10,7 @@ inline namespace platform {
 
 namespace {
 
-// An ordered set seen as an array: whatever the set is at the moment.
+// A live view of an ordered set as an array; it follows changes of the set.
 class OrderedSetArray : public Object<OrderedSetArray, NSArray> {
  public:
   explicit OrderedSetArray(const NSOrderedSet& set) : set_(const_cast<NSOrderedSet*>(&set)) {}

@@ -53,7 +53,7 @@ Strong<NSArray> NSSet::allObjects() const {
 }
 
 Strong<NSSet> NSSet::objectsPassingTest(Test test) const {
-  if (!test) throwNullArgument(*this, "objectsPassingTest:", "the test");
+  if (!test) throwNullArgument(*this, "objectsPassingTest:", "test");
   const Strong<NSSet> hold(const_cast<NSSet*>(this));
   auto passing = make<NSSet>();
   bool stop = false;

@@ -84,7 +84,7 @@ void os_log(os_log_t log, std::string_view text, os_log_type_t type) {
   line += text;
   std::replace(line.begin(), line.end(), '\n', ' ');
   line += '\n';
-  // A log line that cannot be written is lost: there is nobody to tell.
+  // The result is ignored: a failure to log cannot be reported anywhere.
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
 }
 
