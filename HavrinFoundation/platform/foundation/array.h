@@ -12,11 +12,11 @@
 //   list->copy()                                       an immutable array, in constant time
 //
 // A subclass that overrides `count` and `objectAtIndex` works everywhere an array does; a mutable one overrides
-// `insertObject`, `removeObjectAtIndex` and `replaceObjectAtIndex` too, which all other changes of a subclass go through.
-// Whether an object is in an array, its `isEqual` decides, asked of each element, identity first.
+// `insertObject`, `removeObjectAtIndex` and `replaceObjectAtIndex` too, which all other changes of a subclass go
+// through. Whether an object is in an array, its `isEqual` decides, asked of each element, identity first.
 //
-// Left out: sorting, sort descriptors and predicates, joining strings, reading and writing files, key-value coding of all
-// elements at once, sparse and typed arrays.
+// Left out: sorting, sort descriptors and predicates, joining strings, reading and writing files, key-value coding of
+// all elements at once, sparse and typed arrays.
 #pragma once
 
 #include <HavrinFoundation/platform/base/range.h>
@@ -83,7 +83,7 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   /// From the count and the first sixteen objects, of which collections count for nothing.
   [[nodiscard]] std::uint64_t hash() const override;
-  /// "(Nord, Sud)". What is nested deeper than 64 collections is "..." in brackets.
+  /// "(Nord, Sud)". Collections nested deeper than 64 levels are shown as "...", in brackets.
   [[nodiscard]] Strong<NSString> description() const override;
   /// The array itself; of a mutable array or a subclass, an immutable array with its present objects.
   [[nodiscard]] Strong<NSObject> copy() const override;
@@ -134,8 +134,8 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
 };
 
 /// An array that changes. Its `copy` shares its storage until one of them has to differ.
-/// Throws: NSException (InvalidArgument) for a null object or index set, NSException (Range) for an index beyond the end,
-/// both before anything has changed. Threads: one at a time; copies may be used elsewhere meanwhile.
+/// Throws: NSException (InvalidArgument) for a null object or index set, NSException (Range) for an index beyond the
+/// end, both before anything has changed. Threads: one at a time; copies may be used elsewhere meanwhile.
 class HAVRIN_EXPORT NSMutableArray : public Object<NSMutableArray, NSArray> {
  public:
   NSMutableArray() noexcept = default;
@@ -195,8 +195,8 @@ class HAVRIN_EXPORT ArrayBuilder {
       grow();
     new (room() + count_++) Strong<NSObject>(std::move(object));
   }
-  /// Appends an object, which is not null, where `wanted`. Without a branch: no predictor learns the answers of a filter.
-  /// The object's owner keeps it until `finish`. Every object of one builder is added in the same way.
+  /// Appends an object, which is not null, where `wanted`. Without a branch: no predictor learns the answers of a
+  /// filter. The object's owner keeps it until `finish`. Every object of one builder is added in the same way.
   void addWhere(bool wanted, NSObject* object) {
     if (noted_ == capacity_) [[unlikely]]
       grow();

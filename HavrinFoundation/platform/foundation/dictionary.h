@@ -50,16 +50,16 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
   /// The values, in the order of the keys.
   [[nodiscard]] Strong<NSArray> allValues() const;
   /// Calls `body` with each key and value, in the order of the keys, until it answers false.
-  /// Throws: NSException (Generic) after `body` has added or taken away a key.
+  /// Throws: NSException (Generic) after `body` has added or removed a key.
   void forEach(BlockView<bool(NSObject*, NSObject*)> body) const;
 
   /// True for a dictionary with equal keys and values, mutable or not.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
-  /// From the keys and values, of which collections count for nothing. Cost: linear.
+  /// Derived from the keys and values, except those that are collections. Cost: linear.
   [[nodiscard]] std::uint64_t hash() const override;
   /// The entry under `key`; null for none.
   [[nodiscard]] Strong<NSObject> valueForKey(NSString* key) const override;
-  /// "{key = value; key = value}". What is nested deeper than 64 collections is "..." in brackets.
+  /// "{key = value; key = value}". Collections nested deeper than 64 levels are shown as "...", in brackets.
   [[nodiscard]] Strong<NSString> description() const override;
   /// The dictionary itself.
   [[nodiscard]] Strong<NSObject> copy() const override;
@@ -69,7 +69,7 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
   /// Hands out the keys.
   std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
                                             std::span<Strong<NSObject>> slots) const override;
-  /// A number that changes when a key is added or taken away.
+  /// A number that changes when a key is added or removed.
   [[nodiscard]] virtual const std::uint64_t& mutations() const;
 
   using Protocols = List<NSSecureCoding>;
@@ -99,7 +99,7 @@ class HAVRIN_EXPORT NSMutableDictionary : public Object<NSMutableDictionary, NSD
   /// Sets the value of `key`: an equal key that is there stays and gets the value, else a copy of `key` is added.
   /// Throws: NSException (InvalidArgument) for a null key or value, and for a key whose class has no copies.
   virtual void setObject(NSObject* value, NSObject* key);
-  /// Takes the entry of `key` away, if there is one. Throws: NSException (InvalidArgument) for a null key.
+  /// Removes the entry of `key`, if there is one. Throws: NSException (InvalidArgument) for a null key.
   virtual void removeObjectForKey(NSObject* key);
 
   /// `setObject`, or `removeObjectForKey` when `value` is null.
@@ -108,7 +108,7 @@ class HAVRIN_EXPORT NSMutableDictionary : public Object<NSMutableDictionary, NSD
   void addEntriesFromDictionary(const NSDictionary* other);
   void removeAllObjects();
 
-  /// `set`, between the two halves of a change that observers of the key are told of.
+  /// `set`, with notification of the observers of the key.
   void setValueForKey(NSObject* value, NSString* key) override;
   /// An NSDictionary with the entries of now.
   [[nodiscard]] Strong<NSObject> copy() const override;

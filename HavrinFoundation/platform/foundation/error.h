@@ -5,8 +5,7 @@
 //   error->localizedDescription()          "Error 4864 of NSCocoaErrorDomain."
 //   error->description()                   "Error Domain=NSCocoaErrorDomain Code=4864 "why" UserInfo={...}"
 //
-// A function that may fail takes a place for the error, `Strong<NSError>*`, and writes it only when it fails; null is no
-// place.
+// A function that may fail takes a `Strong<NSError>*`, which may be null, and sets it only on failure.
 // Left out: reasons, suggestions and ways of recovery, values that a domain provides later, translated texts.
 #pragma once
 

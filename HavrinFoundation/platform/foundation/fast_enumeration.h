@@ -25,9 +25,9 @@
 namespace havrin {
 inline namespace platform {
 
-/// What a collection and the loop over it pass to and fro. Zero at the first call.
+/// The state shared by a collection and the loop over it. Zero at the first call.
 struct NSFastEnumerationState {
-  /// The collection's own note of where it stands.
+  /// The position, in a form that the collection chooses.
   std::uint64_t state = 0;
   /// Set by the collection: the batch, in its own storage or in the slots it was lent.
   const Strong<NSObject>* items = nullptr;
@@ -40,9 +40,9 @@ struct NSFastEnumerationState {
 /// Implemented by collections, as a base beside NSObject.
 class HAVRIN_EXPORT NSFastEnumeration {
  public:
-  /// Sets `state.items` to the next batch and `state.mutations`, and answers how many objects the batch has; 0 ends the
-  /// enumeration. `slots` is room for 16 objects, to be used where the objects do not stand in a row already; it is the
-  /// same at every call of one enumeration.
+  /// Sets `state.items` to the next batch and `state.mutations`. `slots` has room for 16 objects, for collections that
+  /// do not store them contiguously; it is the same at every call of one enumeration.
+  /// Result: the number of objects in the batch; 0 ends the enumeration.
   virtual std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
                                                     std::span<Strong<NSObject>> slots) const = 0;
 
@@ -65,8 +65,8 @@ struct Held<NSFastEnumeration*> : Held<NSObject*> {
 
 inline namespace platform {
 
-/// Throws NSException (Generic): `collection`, which may be null where it is no NSObject, was changed while its elements
-/// were being handed out.
+/// Throws NSException (Generic), which says that `collection` was mutated during its enumeration. `collection` is null
+/// if it is not an NSObject.
 [[noreturn]] HAVRIN_EXPORT void throwMutatedWhileEnumerated(const NSObject* collection);
 
 /// One enumeration of a collection, as the range of a `for` loop. Made by `each`.
@@ -119,7 +119,7 @@ class HAVRIN_EXPORT FastEnumeration {
   std::array<Strong<NSObject>, kSlots> slots_;
 };
 
-/// The objects of `collection`, for a `for` loop; none for null. The objects are borrowed, the collection is held.
+/// The objects of `collection`, for a `for` loop; empty for null. The objects are borrowed; the collection is retained.
 /// Throws, from the step after the change: NSException (Generic) when the collection was mutated in the loop.
 template <std::derived_from<NSFastEnumeration> ClassType>
 [[nodiscard]] FastEnumeration each(const ClassType* collection) {

@@ -30,12 +30,12 @@ class HAVRIN_EXPORT NSIndexSet : public Object<NSIndexSet, NSObject> {
 
   /// The empty set.
   NSIndexSet() = default;
-  /// All indexes of all ranges, which may overlap and stand in any order.
-  /// Throws: NSException (Range) when an index reaches `kNotFound`, which is no index.
+  /// All indexes of all ranges, which may overlap and be in any order.
+  /// Throws: NSException (Range) when an index is `kNotFound` or above.
   explicit NSIndexSet(std::vector<NSRange> ranges);
 
   [[nodiscard]] std::uint64_t count() const { return count_; }
-  /// The lowest and the highest index; `kNotFound` when there is none.
+  /// The lowest and the highest index; `kNotFound` if the set is empty.
   [[nodiscard]] std::uint64_t firstIndex() const { return ranges_.empty() ? kNotFound : ranges_.front().location; }
   [[nodiscard]] std::uint64_t lastIndex() const;
   [[nodiscard]] bool containsIndex(std::uint64_t index) const;
@@ -62,7 +62,7 @@ class HAVRIN_EXPORT NSIndexSet : public Object<NSIndexSet, NSObject> {
 [[nodiscard]] HAVRIN_EXPORT Strong<NSIndexSet> makeIndexSet(std::initializer_list<std::uint64_t> indexes);
 [[nodiscard]] HAVRIN_EXPORT Strong<NSIndexSet> makeIndexSet(NSRange range);
 
-/// Appends `index` to ascending ranges: to the last one where it follows on, else as a range of its own.
+/// Appends `index` to ascending ranges: extends the last one if it is adjacent, else adds a range.
 inline void appendIndex(std::vector<NSRange>& ranges, std::uint64_t index) {
   if (!ranges.empty() && ranges.back().location + ranges.back().length == index) {
     ++ranges.back().length;

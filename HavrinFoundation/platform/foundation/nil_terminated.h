@@ -2,7 +2,7 @@
 //
 //   send<"arrayByCombiningElementsOfArrays:">(classOf<NSArray>(), nilTerminated(first, second, nullptr))
 //
-// A null ends the list wherever it stands, and nothing behind it is read; so does the end of the list.
+// The list ends at its first null, or at its end; nothing after the null is read.
 #pragma once
 
 #include <HavrinFoundation/platform/object/call_hold.h>

@@ -33,8 +33,8 @@ class HAVRIN_EXPORT NSURL : public Object<NSURL, NSObject> {
   /// A new link, as initWithString makes it.
   [[nodiscard]] static Strong<NSURL> URLWithString(NSString* text);
 
-  /// Makes an allocated link the one that `text` writes. Result: the link to use in its place, here itself; null for null
-  /// and where the text is none (see URL::fromString).
+  /// Initialises an allocated link with `text`. Result: the link itself.
+  /// Null when: `text` is null or not a URI reference (see URL::fromString).
   virtual Strong<NSURL> initWithString(NSString* text);
   /// The same with a link to see it from; null for none.
   virtual Strong<NSURL> initWithStringRelativeToURL(NSString* text, const NSURL* base);

@@ -1,4 +1,4 @@
-// NSNumber: a boolean, an integer or a real as an object. NSNull: the object that stands for none.
+// NSNumber: a boolean, an integer or a real as an object. NSNull: the null object, for use in collections.
 //
 //   makeNumber(3)->isEqual(makeNumber(3.0))        true: by value, whatever the type; true == 1
 //   makeNumber(-3.99)->integerValue()              -3
@@ -33,8 +33,8 @@ class HAVRIN_EXPORT NSNumber : public Object<NSNumber, NSObject> {
   explicit NSNumber(double value) noexcept : kind_(Kind::real), real_(value) {}
 
   [[nodiscard]] Kind kind() const { return kind_; }
-  /// As a signed integer: reals are truncated toward zero and saturate, not-a-number gives 0; unsigned values from 2^63
-  /// on keep their bits.
+  /// The value as a signed integer: reals are truncated toward zero and saturate, NaN gives 0; unsigned values from
+  /// 2^63 on wrap modulo 2^64.
   [[nodiscard]] virtual std::int64_t integerValue() const;
   [[nodiscard]] virtual std::uint64_t unsignedIntegerValue() const;
   [[nodiscard]] virtual double doubleValue() const;
@@ -43,7 +43,7 @@ class HAVRIN_EXPORT NSNumber : public Object<NSNumber, NSObject> {
   /// The text of the value: "1", "-3", "0.5".
   [[nodiscard]] virtual Strong<NSString> stringValue() const;
 
-  /// By value across types; not-a-number equals itself.
+  /// Compares by value across types; NaN equals NaN.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] std::uint64_t hash() const override;
   [[nodiscard]] Strong<NSString> description() const override;

@@ -6,7 +6,7 @@
 //   send<"setWithSet:">(classOf<NSMutableSet>(), genres)     a mutable set with the same elements
 //   for (NSObject* genre : each(genres)) ...            fast_enumeration.h
 //
-// Of two equal objects the one that came first stays. The order of the elements means nothing.
+// Of two equal objects the first is kept. The order of the elements is unspecified.
 // A subclass that overrides `count`, `member` and `allObjects` (mutable: `addObject` and `removeObject` too) works
 // everywhere a set does; filtering gives it an instance of itself, made by `setWithSet:`.
 // Left out: counted sets, set algebra, sorted sets.
@@ -59,16 +59,16 @@ class HAVRIN_EXPORT NSSet : public Object<NSSet, NSObject>, public NSFastEnumera
 
   /// True for a set with equal elements, mutable or not.
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
-  /// From the elements, of which collections count for nothing. Cost: linear.
+  /// Derived from the elements, except those that are collections. Cost: linear.
   [[nodiscard]] std::uint64_t hash() const override;
-  /// "{jazz, news}". What is nested deeper than 64 collections is "..." in brackets.
+  /// "{jazz, news}". Collections nested deeper than 64 levels are shown as "...", in brackets.
   [[nodiscard]] Strong<NSString> description() const override;
   [[nodiscard]] Strong<NSObject> copy() const override;
   [[nodiscard]] Strong<NSObject> mutableCopy() const override;
 
   std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
                                             std::span<Strong<NSObject>> slots) const override;
-  /// A number that changes when an element is added or taken away.
+  /// A number that changes when an element is added or removed.
   [[nodiscard]] virtual const std::uint64_t& mutations() const;
 
   using Protocols = List<NSSecureCoding>;
@@ -93,7 +93,7 @@ class HAVRIN_EXPORT NSMutableSet : public Object<NSMutableSet, NSSet> {
   /// Adds the object unless an equal one is there, which then stays.
   /// Throws: NSException (InvalidArgument) for null.
   virtual void addObject(NSObject* object);
-  /// Takes the equal element away, if there is one. Null takes nothing.
+  /// Removes the equal element, if there is one. Does nothing for null.
   virtual void removeObject(const NSObject* object);
   void removeAllObjects();
 
