@@ -16,7 +16,7 @@ std::string detail::repeatedText(std::string_view text, std::int64_t times, std:
   std::string result;
   if (period == 0) return result;
   if (static_cast<std::uint64_t>(times) > result.max_size() / period) {
-    throw std::length_error("repeating: no string holds that many copies");
+    throw std::length_error("repeating: the result does not fit in a string");
   }
   const std::size_t size = period * static_cast<std::size_t>(times) - joinedBy.size();
   result.reserve(size);

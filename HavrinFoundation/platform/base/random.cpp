@@ -38,7 +38,7 @@ std::uint64_t secureRandomBits() {
   std::uint64_t bits = 0;
   RandomSource* source = installed.load(std::memory_order_acquire);
   if (!(source ? source->fill(bits) : systemBits(bits))) {
-    abortOnMisuse("secure random bits", "the system's random-number generator gives none");
+    abortOnMisuse("secure random bits", "the system's random-number generator failed");
   }
   return bits;
 }

@@ -10,7 +10,7 @@ inline namespace platform {
 namespace {
 
 RunLoopState& mainLoop(const char* function) {
-  if (!isMainThread()) abortOnMisuse(function, "called on another thread than the main thread");
+  if (!isMainThread()) abortOnMisuse(function, "must be called on the main thread");
   return RunLoopState::of(RunLoop::main());
 }
 

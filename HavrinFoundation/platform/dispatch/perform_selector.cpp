@@ -37,7 +37,7 @@ PerformKey keyOf(NSObject& target, Selector selector, NSObject* argument) {
 
 [[noreturn]] void throwThreadEnded(Selector selector) {
   throw NSException(NSDestinationInvalidException,
-                    "the thread ended before it came to perform " + std::string(selector.name()));
+                    "the thread ended before performing " + std::string(selector.name()));
 }
 
 }  // namespace

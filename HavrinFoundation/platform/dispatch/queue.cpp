@@ -85,7 +85,7 @@ void refuseQueueHeldHere(const DispatchQueue& queue) {
     QueueState& state = QueueState::of(each);
     const bool mainOnMain = &state == &MainQueueState::shared() && isMainThread();
     if (mainOnMain || (state.isSerial() && ExecutionFrame::isHeldHere(state))) {
-      abortOnMisuse("dispatch_sync", "called on a queue that the caller already holds: " + std::string(state.label()));
+      abortOnMisuse("dispatch_sync", "deadlock: the caller already runs on the queue " + std::string(state.label()));
     }
   }
 }
@@ -108,7 +108,7 @@ DispatchQueue dispatch_queue_create(std::string_view label, dispatch_queue_attr_
 void dispatch_set_target_queue(const DispatchQueue& queue, const DispatchQueue& target) {
   QueueState& state = stateOf(queue);
   for (DispatchQueue each = target; each; each = QueueState::of(each).target()) {
-    if (each == queue) abortOnMisuse("dispatch_set_target_queue", "the queue would run through itself");
+    if (each == queue) abortOnMisuse("dispatch_set_target_queue", "the target queue leads back to this queue");
   }
   state.setTarget(target);
 }

@@ -60,7 +60,7 @@ void QueueState::setSpecific(const void* key, void* context, void (*destructor)(
 }
 
 void QueueState::setTarget(const DispatchQueue&) {
-  abortOnMisuse("dispatch_set_target_queue", "the process's own queues have no target");
+  abortOnMisuse("dispatch_set_target_queue", "the target of a global queue or of the main queue cannot be set");
 }
 
 void QueueState::runQueued(Work work) noexcept {

@@ -234,7 +234,7 @@ Implementation ClassObject::resolve(const SelectorConstant& constant, const std:
     if (row) {
       throw NSException(NSInvalidArgumentException,
                         methodReason(*receiver, constant.name,
-                                     "the method that answers has other argument or result types than the declared "
+                                     "the argument or result types of its method differ from those of the declared "
                                      "message"));
     }
   }
@@ -263,8 +263,7 @@ bool ClassObject::adopts(const AnyProtocol& protocol) const {
 
 Strong<NSObject> ClassObject::create() const {
   if (!create_) {
-    throw NSException(NSInvalidArgumentException,
-                      "the class " + std::string(name_) + " makes no objects without arguments");
+    throw NSException(NSInvalidArgumentException, "the class " + std::string(name_) + " has no default constructor");
   }
   return create_();
 }
@@ -294,8 +293,8 @@ bool AnyProtocol::inheritsFrom(const AnyProtocol& other) const {
 }
 
 void throwWrongClass(const NSObject* object, std::string_view wanted) {
-  const std::string given = object ? "an object of class " + std::string(classOf(*object).name()) : "null";
-  throw NSException(NSInvalidArgumentException, given + " came where a " + std::string(wanted) + " is asked for");
+  const std::string_view given = object ? classOf(*object).name() : "null";
+  throw NSException(NSInvalidArgumentException, "expected " + std::string(wanted) + ", got " + std::string(given));
 }
 
 namespace {

@@ -19,9 +19,7 @@ std::string methodReason(const NSObject& receiver, std::string_view selector, st
 
 void throwNullBlock() { throw NSException(NSInvalidArgumentException, "a null block was called"); }
 
-void throwUncopiableBlock() {
-  throw NSException(NSInvalidArgumentException, "a callable that cannot be copied was to be kept as a block");
-}
+void throwUncopiableBlock() { throw NSException(NSInvalidArgumentException, "a block that is kept must be copyable"); }
 
 }  // namespace platform
 }  // namespace havrin

@@ -117,11 +117,12 @@ Strong<NSString> NSObject::description() const {
 Strong<NSString> NSObject::debugDescription() const { return description(); }
 
 Strong<NSObject> NSObject::copy() const {
-  throw NSException(NSInvalidArgumentException, methodReason(*this, "copy", "the class has no copies"));
+  throw NSException(NSInvalidArgumentException, methodReason(*this, "copy", "the class cannot be copied"));
 }
 
 Strong<NSObject> NSObject::mutableCopy() const {
-  throw NSException(NSInvalidArgumentException, methodReason(*this, "mutableCopy", "the class has no mutable copies"));
+  throw NSException(NSInvalidArgumentException,
+                    methodReason(*this, "mutableCopy", "the class has no mutable counterpart"));
 }
 
 bool NSObject::isKindOfClass(Class cls) const { return cls && dispatchClass(this)->inheritsFrom(cls.object()); }
@@ -138,10 +139,9 @@ Strong<NSObject> NSObject::performSelector(Selector selector, NSObject* argument
   if (!row) throwUnrecognized(*cls, selector.name(), this);
   const SignatureInfo& signature = *row->signature;
   if (!signature.call || signature.argumentCount > 1) {
-    throw NSException(NSInvalidArgumentException,
-                      methodReason(*this, selector.name(),
-                                   "performed by selector, which is for messages of no argument or one object or "
-                                   "number"));
+    throw NSException(NSInvalidArgumentException, methodReason(*this, selector.name(),
+                                                               "only messages with no argument or with one object or "
+                                                               "number"));
   }
   const Strong<NSObject> holdSelf(this);
   const Strong<NSObject> holdArgument(argument);

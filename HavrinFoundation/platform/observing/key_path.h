@@ -64,7 +64,7 @@ consteval bool checkedPath() {
   constexpr std::size_t kDot = Path.view().find('.');
   constexpr std::size_t kEnd = kDot == std::string_view::npos ? Path.view().size() : kDot;
   if constexpr (std::is_void_v<ClassType>) {
-    static_assert(never<ClassType>, "keyPath: a step before the last is no object");
+    static_assert(never<ClassType>, "keyPath: a step before the last is not an object");
   } else {
     using Found = decltype(findGetter<ClassType, textPart<Path, 0, kEnd>()>());
     if constexpr (std::is_same_v<Found, NotFound>) {

@@ -49,7 +49,7 @@ const WalkedKey* note(std::vector<WalkedKey>& walked, NSObject& object, const St
     return &*known;
   }
   if (walked.size() == kMostKeys) {
-    throw NSException(NSInternalInconsistencyException, "the key paths that affect \"" + utf8(*key) + "\" have no end");
+    throw NSException(NSInternalInconsistencyException, "the key paths that affect \"" + utf8(*key) + "\" never end");
   }
   requireObservable(object);
   walked.push_back({&object, key, factsForKey(*classOf(object).object(), *key), moves, isEnd});

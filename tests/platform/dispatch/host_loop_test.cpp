@@ -124,8 +124,7 @@ TEST(HostLoop, AnExceptionLeavesTheDescriptorTellingTheTruth) {
 
 TEST(HostLoopDeathTest, BelongsToTheMainThread) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_DEATH(std::thread([] { drainMainLoop(); }).join(),
-               "drainMainLoop: called on another thread than the main thread\n");
+  EXPECT_DEATH(std::thread([] { drainMainLoop(); }).join(), "drainMainLoop: must be called on the main thread\n");
 }
 
 }  // namespace

@@ -229,16 +229,17 @@ TEST(QueueDeathTest, StopsTheProcessWithOneLine) {
   } rows[] = {
       {"a sync onto what runs through a held queue",
        [&] { dispatch_sync(line, [&] { dispatch_sync(above, nothing); }); },
-       "dispatch_sync: called on a queue that the caller already holds: line\n"},
+       "dispatch_sync: deadlock: the caller already runs on the queue line\n"},
       {"a sync from inside an async",
        [&] {
          dispatch_async(line, [&] { dispatch_sync(line, nothing); });
          finish(line);
        },
-       "already holds: line\n"},
-      {"the main thread onto the main queue", [&] { dispatch_sync(main, nothing); }, "already holds: main\n"},
+       "already runs on the queue line\n"},
+      {"the main thread onto the main queue", [&] { dispatch_sync(main, nothing); },
+       "already runs on the queue main\n"},
       {"the main thread onto a queue through main", [&] { dispatch_sync(throughMain, nothing); },
-       "already holds: main\n"},
+       "already runs on the queue main\n"},
       {"an exception on the main queue",
        [&] {
          dispatch_async(main, [] { throw NSException(NSRangeException, "index 3 beyond 2"); });
@@ -251,9 +252,10 @@ TEST(QueueDeathTest, StopsTheProcessWithOneLine) {
          finish(line);
        },
        "an exception left a closure on the queue line: it is not derived from std::exception\n"},
-      {"a circle of targets", [&] { dispatch_set_target_queue(line, above); }, "the queue would run through itself\n"},
+      {"a circle of targets", [&] { dispatch_set_target_queue(line, above); },
+       "the target queue leads back to this queue\n"},
       {"a target for the main queue", [&] { dispatch_set_target_queue(main, line); },
-       "the process's own queues have no target\n"},
+       "the target of a global queue or of the main queue cannot be set\n"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
