@@ -3,39 +3,11 @@
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <algorithm>
 #include <atomic>
 
 namespace {
 
 using namespace havrin;
-
-// Addresses that serve as keys and values.
-int mainKey;
-int valueA;
-
-TEST(MainQueue, IsCurrentOnTheMainThreadOutsideOtherQueues) {
-  dispatch_queue_set_specific(dispatch_get_main_queue(), &mainKey, &valueA, nullptr);
-  ASSERT_TRUE(isMainThread());
-  EXPECT_EQ(dispatch_get_specific(&mainKey), &valueA) << "also before any run loop";
-  dispatch_sync(dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL), [&] {
-    EXPECT_EQ(dispatch_get_specific(&mainKey), nullptr) << "the main thread, but not the main queue";
-    EXPECT_TRUE(isMainThread());
-  });
-  std::thread([&] {
-    EXPECT_EQ(dispatch_get_specific(&mainKey), nullptr);
-    EXPECT_FALSE(isMainThread());
-  }).join();
-
-  TestClock clock;
-  int seen = 0;
-  const auto look = [&seen] { seen += isMainThread() && dispatch_get_specific(&mainKey) == &valueA; };
-  RunLoop::current().performAfter(1, look);
-  clock.advance(1);
-  EXPECT_EQ(seen, 1);
-  dispatch_async(dispatch_queue_create("through main", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue()), look);
-  EXPECT_TRUE(clock.runUntil([&] { return seen == 2; }));
-}
 
 TEST(MainQueue, RunsInOrderAndNotWithinItself) {
   TestClock clock;
