@@ -224,7 +224,7 @@ template <class Type>
   return isKind<Type>(object) ? static_cast<const Type*>(object) : nullptr;
 }
 
-/// Throws NSException (InvalidArgument): an object of one class came where another was asked for.
+/// Throws NSException (InvalidArgument): the object is of another class.
 [[noreturn]] HAVRIN_EXPORT void throwWrongClass(const NSObject* object, std::string_view wanted);
 
 template <class Derived>
