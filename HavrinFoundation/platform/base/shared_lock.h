@@ -13,6 +13,8 @@
 namespace havrin {
 inline namespace platform {
 
+// A defaulted destructor takes no annotation.
+// NOLINTBEGIN(modernize-use-equals-default)
 /// std::shared_mutex, which the standard library does not annotate for clang's analysis.
 class HAVRIN_THREAD_SAFETY(capability("mutex")) SharedLock {
   friend class ReaderGuard;
@@ -37,6 +39,7 @@ class HAVRIN_THREAD_SAFETY(scoped_lockable) WriterGuard {
  private:
   std::unique_lock<std::shared_mutex> lock_;
 };
+// NOLINTEND(modernize-use-equals-default)
 
 }  // namespace platform
 }  // namespace havrin

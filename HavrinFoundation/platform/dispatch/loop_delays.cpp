@@ -24,7 +24,8 @@ double LoopDelays::schedule(const PerformKey& key, double delaySeconds, Work&& w
   return due.deadline;
 }
 
-// By index: what is called or destroyed may arrange work in a further mode.
+// By index: code that is called or destroyed may arrange work in a further mode.
+// NOLINTBEGIN(modernize-loop-convert)
 void LoopDelays::cancel(const PerformKey& key, BlockView<bool(const void*)> sameArgument) {
   for (std::size_t i = 0; i < modes_.size(); ++i) modes_[i]->delayed.cancel(key, sameArgument);
 }
@@ -32,6 +33,7 @@ void LoopDelays::cancel(const PerformKey& key, BlockView<bool(const void*)> same
 void LoopDelays::cancel(const void* target) {
   for (std::size_t i = 0; i < modes_.size(); ++i) modes_[i]->delayed.cancel(target);
 }
+// NOLINTEND(modernize-loop-convert)
 
 bool LoopDelays::runDue(const RunLoopModes& modes) {
   RunLoopMode* mode = modeOfFirst(modes);

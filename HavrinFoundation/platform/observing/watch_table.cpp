@@ -154,6 +154,7 @@ WatcherList::~WatcherList() {
   for (const Watcher& watcher : watchers()) watcher.~Watcher();
 }
 
+// NOLINTNEXTLINE(misc-new-delete-overloads): see its declaration
 void WatcherList::operator delete(void* memory) { std::free(memory); }
 
 bool WatcherList::append(Registration& registration, bool moves, bool isEnd) {

@@ -57,6 +57,7 @@ class WatcherList final : public Retired {
   /// The watchers of `source` that count, with room for more.
   static WatcherList* copy(const WatcherList& source, std::uint32_t capacity);
   ~WatcherList() override;
+  // NOLINTNEXTLINE(misc-new-delete-overloads): allocate() makes room for the watchers behind the list
   static void operator delete(void* memory);
 
   /// Those that stand in the list now.

@@ -19,6 +19,7 @@ class DateFormat::Compiled {
   std::string string(Date date) const {
     const Instant instant = instantOf(date);
     // To the nearest microsecond first: what a double adds to a decimal fraction is noise.
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): a fraction is never negative
     const int microseconds = static_cast<int>(instant.fraction * 1e6 + 0.5);
     const bool isNextSecond = microseconds == 1'000'000;
     const std::int64_t second = instant.seconds + isNextSecond;
