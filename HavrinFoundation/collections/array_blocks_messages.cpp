@@ -21,7 +21,7 @@ void requireBlock(const NSArray& self, std::string_view selector, const AnyBlock
   if (!block) throwNullArgument(self, selector, "block");
 }
 
-// Calls `body(element)` in order: where the elements stand in an array of the layer's own class, through the receiver's
+// Calls `body(element)` in order: in place for an array of the layer's own class, through the receiver's
 // enumeration in a subclass, which may have its own. The caller holds the array.
 template <class Body>
 void forEach(const NSArray& array, Body body) {
@@ -61,9 +61,10 @@ Strong<NSArray> map(NSArray& self, ElementTransform transform) {
   return mapped.finish();
 }
 
-// The asynchronous map. Going on inside the completion or the `result` that asks for it would nest the rest of the chain
-// in it. So a completion that is called inside its own transform leaves the next step with a loop below, which sends it
-// when the transform has returned, and a chain that begins inside a `result` uses the loop that runs the `result`.
+// The asynchronous map. Going on inside the completion or the `result` that asks for it would nest the rest of the
+// chain in it. So a completion that is called inside its own transform leaves the next step with a loop below, which
+// sends it when the transform has returned, and a chain that begins inside a `result` uses the loop that runs the
+// `result`.
 
 struct Step {
   Strong<NSArray> array;

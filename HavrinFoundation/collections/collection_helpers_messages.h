@@ -5,13 +5,13 @@
 //   send<"arrayByCombiningElementsOfArrays:">(classOf<NSArray>(), nilTerminated(news, music, nullptr))
 //   send<"safeAddObject:">(list, station)                                    null adds nothing
 //   send<"shuffle">(list)
-//   send<"uniqueInsertObject:atPreferredIdx:">(list, station, 0)             where it stands, already or from now on
+//   send<"uniqueInsertObject:atPreferredIdx:">(list, station, 0)             its index, old or new
 //   send<"hav_removeObjectsInArray:">(list, hidden)                          the positions that were removed
 //   send<"removeObjectsFromIndex:">(list, 3)                                 the objects that were removed
 //
 // Whether an object is in an array, `isEqual` decides. Random numbers come from `arc4random_uniform` (random.h), whose
-// bound has 32 bits: arrays that are shuffled have fewer than 2^32 objects, those that a random one is picked from fewer
-// than 2^31.
+// bound has 32 bits: arrays that are shuffled have fewer than 2^32 objects, those that a random one is picked from
+// fewer than 2^31.
 #pragma once
 
 #include <HavrinFoundation/image.h>
@@ -47,8 +47,8 @@ struct platform::Message<NSMutableSet, "safeAddObject:"> : Signature<void(NSObje
 template <>
 struct platform::Message<NSMutableArray, "safeAddObject:"> : Signature<void(NSObject*)> {};
 
-/// Puts the elements in a random order, each equally likely, from the front: one draw and one exchange for every element
-/// but the last, the exchange of an element with itself included.
+/// Puts the elements in a random order, each equally likely, from the front: one draw and one exchange for every
+/// element but the last, the exchange of an element with itself included.
 template <>
 struct platform::Message<NSMutableArray, "shuffle"> : Signature<void()> {};
 
@@ -58,14 +58,15 @@ template <>
 struct platform::Message<NSMutableArray, "uniqueInsertObject:atPreferredIdx:">
     : Signature<std::uint64_t(NSObject*, std::uint64_t index)> {};
 
-/// Removes every element that `array` contains, in one step. Result: their positions before that. Null contains nothing.
+/// Removes every element that `array` contains, in one step. Result: their positions before that. Null contains
+/// nothing.
 /// Cost: asks `array` once for each element.
 template <>
 struct platform::Message<NSMutableArray, "hav_removeObjectsInArray:"> : Signature<Strong<NSIndexSet>(NSArray* array)> {
 };
 
-/// Removes the elements from `index` on: all of them for 0 and below, none from the count on. Result: those elements, in
-/// order, as an immutable array.
+/// Removes the elements from `index` on: all of them for 0 and below, none from the count on. Result: those elements,
+/// in order, as an immutable array.
 template <>
 struct platform::Message<NSMutableArray, "removeObjectsFromIndex:"> : Signature<Strong<NSArray>(std::int64_t index)> {};
 

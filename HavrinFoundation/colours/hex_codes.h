@@ -6,8 +6,8 @@
 //   fromHexString<UIColor>("#FFF")                  null
 //   randomColor()                                   any of the 2^24 opaque colours
 //
-// Alpha comes last (RRGGBBAA), as in web style sheets; toolkits that write AARRGGBB put it first, and a code copied from
-// one of them reads as another colour here.
+// Alpha comes last (RRGGBBAA), as in web style sheets; toolkits that write AARRGGBB put it first, and a code copied
+// from one of them reads as another colour here.
 // A code that was read is written back the same, but for its case and the "#".
 #pragma once
 
@@ -36,7 +36,7 @@ struct HexCode {
 // The digits that a loosely written code leaves, as `fromHexString` describes.
 [[nodiscard]] HAVRIN_EXPORT std::optional<HexCode> sanitizedHexCode(std::string_view code);
 
-// The components that a loosely written code stands for.
+// The components of a loosely written code.
 [[nodiscard]] HAVRIN_EXPORT std::optional<RGBA> readHexCode(std::string_view code);
 
 }  // namespace detail
@@ -48,7 +48,7 @@ struct HexCode {
 /// Choice: components are not held to 0...1: 1.2 writes 132, and of a negative number the low 32 bits (FFFFFFCD).
 [[nodiscard]] HAVRIN_EXPORT std::optional<std::string> hexString(const UIColor& color);
 
-/// The colour that a code stands for, an instance of ClassType. Accepted are 6 to 11 characters that leave 6 or 8
+/// The colour of a code, an instance of ClassType. Accepted are 6 to 11 characters that leave 6 or 8
 /// hexadecimal digits once "0x" at the very start and every other character are dropped.
 /// Empty when (null): there is no code; it has fewer than 6 or more than 11 characters before anything is dropped, or
 /// leaves another number of digits; an override of `initWithRed` answers null or a colour of another class.

@@ -61,7 +61,7 @@ template <>
 HAVRIN_EXPORT std::optional<UTMParameters> fromUrl<UTMParameters>(const std::optional<URL>& url);
 
 /// `url`, resolved against its base, with an item for each present field appended to its query, in the order of the
-/// fields. What stands in the query stays as it is written, older parameters too: they are neither removed nor
+/// fields. The query stays as it is written, older parameters too: they are neither removed nor
 /// replaced. The query is written also when no field is present: it is then a lone "?" where there was none. Empty
 /// when: the link, or a base that is to be resolved against, cannot be decomposed.
 [[nodiscard]] HAVRIN_EXPORT std::optional<URL> adding(const URL& url, const UTMParameters& parameters);

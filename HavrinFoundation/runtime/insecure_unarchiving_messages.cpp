@@ -7,8 +7,7 @@ namespace havrin {
 
 namespace {
 
-// Nothing is asked of the unarchiver but the object: it goes without being told that decoding has finished, and what it
-// knows of a failure goes with it.
+// Only the object is decoded: the unarchiver is released without `finishDecoding`, and its error with it.
 template <class Decode>
 Strong<NSObject> unarchived(ClassOf<NSKeyedUnarchiver> self, NSData* data, Strong<NSError>* error, Decode decode) {
   if (!data) return nullptr;

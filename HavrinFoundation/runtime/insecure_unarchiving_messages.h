@@ -18,8 +18,8 @@ inline namespace platform {
 class NSData;
 
 /// The outermost object of the archive in `data`, the one under NSKeyedArchiveRootObjectKey.
-/// Null when: data is null; it is no keyed archive, and then `error`, if there is one, says why; the object is null, or
-/// cannot be decoded, and then `error` stays as it is.
+/// Null when: data is null; it is not a keyed archive, and then `error`, if there is one, says why; the object is null,
+/// or cannot be decoded, and then `error` stays as it is.
 /// Sent on the way: `initForReadingFromData`, `setRequiresSecureCoding`, and `decodeObjectOfClass` or
 /// `decodeObjectOfClasses` of a new instance of the receiver. Cost: linear in the archive. Threads: any.
 template <>

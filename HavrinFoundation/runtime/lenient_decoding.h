@@ -8,8 +8,8 @@
 //   });                           typeMismatch at stations[12].listeners: expected a 64-bit integer, found the string "many"
 //
 // An element fails or decodes as a whole, nested arrays and half-read objects included; a null is an element like any
-// other. Works on any decoder: JSON, property lists, formats of the caller's. Both operations stand here twice, as
-// decoding does: throwing, and with `try` giving a Decoded, for a type's own `fromDecoder`.
+// other. Works on any decoder: JSON, property lists, formats of the caller's. There are two forms of each operation,
+// as of decoding itself: throwing, and with `try` giving a Decoded, for a type's own `fromDecoder`.
 #pragma once
 
 #include <HavrinFoundation/platform/decoding/decoding.h>
@@ -41,7 +41,7 @@ struct SkippedElement {
 template <class Report>
 concept SkippedElementReport = std::invocable<Report&, const SkippedElement&>;
 
-/// The report of a caller who wants none: the elements are skipped silently.
+/// The report of callers that want none: bad elements are skipped silently.
 struct NoReport {
   void operator()(const SkippedElement&) const {}
 };
@@ -58,8 +58,8 @@ template <Decodable Type, SkippedElementReport Report = NoReport>
                                                                           Report&& report = {});
 
 /// The elements of type Type of the array under `key`.
-/// Throws: what opening the array throws (keyNotFound; typeMismatch where no array stands; valueNotFound for null), and
-/// what stepping past an element that failed throws.
+/// Throws: what opening the array throws (keyNotFound; typeMismatch where there is no array; valueNotFound for null),
+/// and what stepping past an element that failed throws.
 template <Decodable Type, CodingKeyType Key, SkippedElementReport Report = NoReport>
 [[nodiscard]] std::vector<Type> decodeArraySkippingInvalidElements(const KeyedDecodingContainer<Key>& container,
                                                                    const std::type_identity_t<Key>& key,

@@ -1,7 +1,7 @@
 // A clock that moves only when the test says so, and the run loop that follows it. While a TestClock lives, everything
 // in the process that asks for the time gets the test's: dates, delayed performs, throttling, run loops.
 //
-//   TestClock clock;                              // time stands still
+//   TestClock clock;                              // time does not pass
 //   send<"h_debounce:delay:">(field, selector<"search">, 0.3);
 //   clock.advance(0.2);                           // nothing runs
 //   clock.advance(0.1);                           // search runs, at exactly 0.3 s

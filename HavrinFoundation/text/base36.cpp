@@ -24,7 +24,7 @@ constexpr auto kBase36Pairs = [] {
   return pairs;
 }();
 
-// The value of each byte as a digit. What is no digit has the high bit, so that the digits of a run can be tested at
+// The value of each byte as a digit. Other bytes have the high bit, so that the digits of a run can be tested at
 // once.
 constexpr std::uint8_t kNoDigit = 0x80;
 constexpr auto kDigitValues = [] {
@@ -43,7 +43,7 @@ char* writePair(char* end, std::uint64_t pair) {
   return end;
 }
 
-// What a run of at most kUncheckedDigits characters writes; empty if one of them is no digit.
+// The value of a run of at most kUncheckedDigits characters; empty if one of them is not a digit.
 std::optional<std::uint64_t> readDigits(std::string_view digits) {
   std::uint64_t value = 0;
   unsigned seen = 0;

@@ -67,7 +67,7 @@ std::uint32_t wholeThousands(std::uint32_t number) {
   return whole + (rest > 500 || (rest == 500 && whole % 2 == 1) ? 1 : 0);
 }
 
-// Millions without a decimal, rounded from the quotient: beyond 2^53 the number itself is no double any more.
+// Millions without a decimal, rounded from the quotient: beyond 2^53 the number itself is not a double any more.
 std::uint64_t wholeMillions(std::uint64_t number) {
   return static_cast<std::uint64_t>(std::llrint(static_cast<double>(number) / 1e6));
 }

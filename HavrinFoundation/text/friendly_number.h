@@ -18,7 +18,7 @@
 namespace havrin {
 
 /// The number as it is below 1,000, in thousands ("k") below 1,000,000, in millions ("m") from there on: there is no
-/// larger unit. One decimal stands there below 100 of the unit, none from 100 upward; which of the two it is, and the
+/// larger unit. There is one decimal below 100 of the unit, none from 100 upward; which of the two it is, and the
 /// unit, is decided before rounding, so 999,999 is "1000k". No locale, no grouping, the decimal point is ".".
 /// Result: what printf's "%.1f" or "%.0f" writes for the quotient as a double, computed without it; an exact tie goes
 /// to the even digit. The smallest integer is written from its magnitude: "-9223372036855m".

@@ -16,7 +16,7 @@ namespace havrin {
 
 /// The digest of the bytes of `text` up to, and without, its first zero byte: eight groups of eight lower-case
 /// hexadecimal digits, joined by "-", 71 characters.
-/// Empty when: text is not well-formed UTF-8; 2^32 bytes or more stand before the first zero byte.
+/// Empty when: text is not well-formed UTF-8; there are 2^32 bytes or more before the first zero byte.
 /// Source: FIPS 180-4.
 [[nodiscard]] HAVRIN_EXPORT std::optional<std::string> groupedSHA256(std::string_view text);
 std::optional<std::string> groupedSHA256(std::nullptr_t) = delete;

@@ -22,7 +22,7 @@ std::string detail::repeatedText(std::string_view text, std::int64_t times, std:
   result.reserve(size);
   result.append(text);
   if (size > text.size()) result.append(joinedBy);
-  // What stands there is whole periods: it is doubled until the last copies are only a part of it.
+  // The text so far is whole periods: it is doubled until the last copies are only a part of it.
   while (result.size() < size) result.append(result, 0, std::min(result.size(), size - result.size()));
   return result;
 }

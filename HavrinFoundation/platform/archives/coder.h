@@ -22,7 +22,7 @@
 //
 // The coders are NSKeyedArchiver, which encodes, and NSKeyedUnarchiver, which decodes; the other half of the functions
 // throws NSException (InvalidArgument). Keys are UTF-8, and an object uses each key once.
-// Left out: values without keys, objects that are written only when something else holds them, stand-ins for objects
+// Left out: values without keys, objects that are written only when another object holds them, stand-ins for objects
 // while they are written, geometry, selectors and arrays of numbers as values.
 #pragma once
 

@@ -1,7 +1,7 @@
 #include <HavrinFoundation/platform/crypto/sha256.h>
 
 // The one-shot functions look the digest up by name at every call, which costs ten times the digest of a short text.
-// These stand below them; they are marked as old but kept.
+// These functions below them are deprecated but kept.
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <openssl/sha.h>
 

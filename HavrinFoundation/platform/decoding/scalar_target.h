@@ -1,6 +1,6 @@
 // Where one scalar goes while it is decoded: a boolean, an integer of some width, a floating-point number or a text of
-// the caller's. A decoder says what stands in its data; the target takes it or says why it does not fit. So the rules
-// below hold for every format and are written once.
+// the caller's. A decoder passes the value in its data; the target takes it or reports why it does not fit. So the
+// rules below hold for every format and are written once.
 //
 //   std::int8_t level = 0;
 //   ScalarTarget target(level);
@@ -10,7 +10,8 @@
 //
 // Rules: an integer takes any number with a whole value in its range, also one written with a fraction or an exponent
 // (`34.0`, `1e2`, `-0`) as long as its magnitude stays below 2^53; a floating-point number takes any number in its
-// range; a number is no boolean, a boolean no number, and a text neither. Null is a value only to a nullable target.
+// range; a number is not a boolean, a boolean is not a number, and a text is neither. Null is a value only to a
+// nullable target.
 #pragma once
 
 #include <HavrinFoundation/platform/documents/decoding_error.h>
@@ -112,7 +113,7 @@ class HAVRIN_EXPORT ScalarTarget {
     if (type_ != Type::text) return refuse(Found::string, value);
     static_cast<std::string*>(scalar_)->assign(value);
   }
-  /// Takes nothing: what stands there (an object, an array, a date) is no scalar that a target can hold.
+  /// Takes nothing: the value (an object, an array, a date) is not a scalar that a target can hold.
   void refuse(Found found, std::string_view excerpt = {});
   /// Takes nothing: the value cannot be had, for a reason of the format's.
   void fail(detail::ErrorHolder failure) { failure_ = std::move(failure); }

@@ -94,7 +94,7 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
 
   /// True when the class is the layer's own, so that `elements` are the array and no override is passed over.
   [[nodiscard]] bool isPlain() const { return isExactly<NSArray>() || isExactly<NSMutableArray>(); }
-  /// The elements where they stand, of a plain array; good until it changes.
+  /// The elements in place, of a plain array; valid until it changes.
   [[nodiscard]] std::span<const Strong<NSObject>> elements() const { return {slots_, length_}; }
   /// An immutable, plain array with the present objects: `copy` with its type.
   [[nodiscard]] Strong<NSArray> snapshot() const {
@@ -104,7 +104,7 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
   [[nodiscard]] virtual const std::uint64_t& mutations() const;
 
   /// Calls `body(NSObject*, index)` in ascending order until it answers false. The caller holds the array; its elements
-  /// are held, also when `body` removes them. A plain array's are read where they stand.
+  /// are held, also when `body` removes them. A plain array's are read in place.
   /// Throws: NSException (Generic) after `body` has changed the array.
   template <class Body>
   void visit(Body body) const;
@@ -116,7 +116,7 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
   friend class NSMutableArray;
   using Slot = Strong<NSObject>;
   struct Behind {};
-  // The elements stand behind the object, in one allocation with it.
+  // The elements are behind the object, in one allocation with it.
   NSArray(Behind, std::uint64_t length) noexcept : slots_(reinterpret_cast<Slot*>(this + 1)), length_(length) {}
 
   template <class ClassType>
@@ -130,7 +130,7 @@ class HAVRIN_EXPORT NSArray : public Object<NSArray, NSObject>, public NSFastEnu
 
   Slot* slots_ = nullptr;
   std::uint64_t length_ = 0;
-  ArrayBuffer* buffer_ = nullptr;  // null: the elements stand behind the object, or there are none
+  ArrayBuffer* buffer_ = nullptr;  // null: the elements are behind the object, or there are none
 };
 
 /// An array that changes. Its `copy` shares its storage until one of them has to differ.
@@ -178,7 +178,7 @@ class HAVRIN_EXPORT NSMutableArray : public Object<NSMutableArray, NSArray> {
 ///   ArrayBuilder titles(stations->count());
 ///   for (NSObject* station : each(stations)) titles.add(titleOf(station));
 ///   return titles.finish();
-/// Cost: objects are written where they will stand; when more come than were expected, they are moved. Memory that was
+/// Cost: objects are written to their final place; when more come than were expected, they are moved. Memory that was
 /// expected and not used is given back where that is worth a call.
 class HAVRIN_EXPORT ArrayBuilder {
  public:

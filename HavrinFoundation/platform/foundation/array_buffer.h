@@ -1,9 +1,9 @@
 // The growable storage that array snapshots share.
 //
-// A buffer is reached through handles, which are its arrays: each is a length, and its elements are the slots before it.
-// The handle whose length equals the number of filled slots may claim the next ones; any other has to copy, since the
-// slots behind it are taken. So every array that has been handed out stays as it is, its elements stand in a row, and a
-// chain of n additions copies a number of slots that is linear in n.
+// A buffer is reached through handles, which are its arrays: each is a length, and its elements are the slots before
+// it. The handle whose length equals the number of filled slots may claim the next ones; any other has to copy, since
+// the slots behind it are taken. So every array that has been handed out stays as it is, its elements are contiguous,
+// and a chain of n additions copies a number of slots that is linear in n.
 //
 //   handle A, length 3     [a b c      ]
 //   A claims a slot: B     [a b c d    ]     A still is a b c

@@ -20,7 +20,7 @@
 namespace havrin {
 inline namespace platform {
 
-/// How the receiver stands to the argument.
+/// The order of the receiver and the argument.
 enum class NSComparisonResult : std::int64_t { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
 
 class HAVRIN_EXPORT NSDate : public Object<NSDate, NSObject> {
@@ -48,7 +48,8 @@ class HAVRIN_EXPORT NSDate : public Object<NSDate, NSObject> {
     return Date::fromTimeIntervalSinceReferenceDate(timeIntervalSinceReferenceDate());
   }
 
-  /// Whether the receiver is the earlier, the same or the later instant. Throws: NSException (InvalidArgument) for null.
+  /// Whether the receiver is the earlier, the same or the later instant. Throws: NSException (InvalidArgument) for
+  /// null.
   [[nodiscard]] virtual NSComparisonResult compare(const NSDate* other) const;
 
   /// Equal instants.

@@ -5,7 +5,7 @@
 //   ObjectTable<Entry> table;
 //   table.insert({key, value})            true: there was none; an entry of an equal key stays as it is
 //   table.find(*key)                      Entry*, or null
-//   table.erase(*key)                     optional<Entry>: what was there, for the caller to let go of
+//   table.erase(*key)                     optional<Entry>: the removed entry, which the caller releases
 //   table.forEach([](Entry& e) { return true; });     false ends it
 //
 // The index is hash_index.h's: chosen keys do not collide in it, but keys of one hash are compared with each other.

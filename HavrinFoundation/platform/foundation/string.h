@@ -67,7 +67,7 @@ class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
   [[nodiscard]] Strong<NSObject> mutableCopy() const override;
 
   /// The units as stored, without copying: either view may be empty. Empty both for a subclass that overrides `length`
-  /// or `characterAtIndex`, which `isPlain` tells apart.
+  /// or `characterAtIndex`; `isPlain` says which.
   [[nodiscard]] std::string_view narrow() const { return wide_ ? std::string_view() : view<char>(); }
   [[nodiscard]] std::u16string_view wide() const { return wide_ ? view<char16_t>() : std::u16string_view(); }
   [[nodiscard]] bool isWide() const { return wide_; }

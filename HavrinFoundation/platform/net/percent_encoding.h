@@ -15,8 +15,8 @@ inline namespace platform {
 /// hexadecimal digits behind it.
 [[nodiscard]] std::string percentDecoded(std::string_view text);
 
-/// Appends `text` as it stands in a name or value of a query item: all but A-Z a-z 0-9 - . _ ~ ! $ ' ( ) * , : @ / ? is
-/// escaped, upper case; ill-formed parts are written as U+FFFD.
+/// Appends `text` as it is written in a name or value of a query item: all but A-Z a-z 0-9 - . _ ~ ! $ ' ( ) * , : @ /
+/// ? is escaped, upper case; ill-formed parts are written as U+FFFD.
 /// Choice: "+" and ";" are legal there and escaped all the same: some servers read them as a blank and a separator.
 /// Source: RFC 3986, 2.1 and 3.4.
 void appendQueryEncoded(std::string& result, std::string_view text);

@@ -18,7 +18,7 @@ using Mask = std::int8_t __attribute__((vector_size(16)));
 
 constexpr std::uint8_t byteOf(char c) { return static_cast<std::uint8_t>(c); }
 
-// All bits where a byte may stand in no part behind the scheme: controls, the blank, what is not ASCII, and
+// All bits where a byte is allowed in no part behind the scheme: controls, the blank, what is not ASCII, and
 // " # < > [ \ ] ^ ` { | }. The brackets of an address, and what each part alone refuses, are looked at apart.
 Mask refused(Bytes bytes) noexcept {
   return (Mask)((bytes - byteOf('!') > byteOf('~' - '!')) | (bytes - byteOf('[') <= byteOf('^' - '[')) |
@@ -207,7 +207,7 @@ bool isUriReference(std::string_view text) noexcept {
   const UriParts parts = splitUri(text);
   if (parts.scheme && !isScheme(*parts.scheme)) return false;
   if (parts.authority && !isAuthority(*parts.authority)) return false;
-  // A colon in the first segment: behind anything it would have ended a scheme, so it can only stand in front.
+  // A colon in the first segment: behind anything it would have ended a scheme, so it can only be in front.
   if (!parts.scheme && parts.path.starts_with(':')) return false;
   return noneRefused(parts.path) && (!parts.query || noneRefused(*parts.query)) &&
          (!parts.fragment || noneRefused(*parts.fragment));

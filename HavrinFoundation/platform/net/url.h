@@ -29,10 +29,9 @@ inline namespace platform {
 class HAVRIN_EXPORT URL {
  public:
   /// The link that `text` writes.
-  /// Empty when: text is empty, or is no URI reference to the letter: a blank or another character that must be
-  /// escaped,
-  /// "%" without two hexadecimal digits, a port that is no number, a bad "[...]" address, ":" in the first segment of a
-  /// relative path.
+  /// Empty when: the text is empty or not a URI reference. It is none with a blank or another character that must be
+  /// escaped, "%" without two hexadecimal digits, a port that is not a number, a malformed "[...]" address, or a ":" in
+  /// the first segment of a relative path.
   [[nodiscard]] static std::optional<URL> fromString(std::string_view text);
   static std::optional<URL> fromString(std::nullptr_t) = delete;
 

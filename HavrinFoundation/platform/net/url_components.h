@@ -34,10 +34,10 @@ class HAVRIN_EXPORT URLQueryItemView {
   /// As it is written.
   [[nodiscard]] std::string_view text() const noexcept { return text_; }
 
-  /// What stands before the first "=", or all; percent-decoded.
+  /// The text before the first "=", or all of it; percent-decoded.
   [[nodiscard]] std::string name() const { return decoded(text_.substr(0, nameLength_)); }
 
-  /// What stands behind the first "=", percent-decoded; it may be the empty text.
+  /// The text behind the first "=", percent-decoded; it may be empty.
   /// Empty when: there is no "=".
   [[nodiscard]] std::optional<std::string> value() const {
     if (nameLength_ == text_.npos) return std::nullopt;
@@ -63,7 +63,7 @@ class HAVRIN_EXPORT URLQueryItemView {
 
   std::string_view text_;
   std::size_t nameLength_;  // npos: no "="
-  bool hasEscapes_;         // whether "%" stands in the text
+  bool hasEscapes_;         // whether there is a "%" in the text
   bool nameHasEscapes_;
 };
 
@@ -76,7 +76,7 @@ class HAVRIN_EXPORT URLQueryItem {
   /// An item that was read; it keeps its text.
   explicit URLQueryItem(URLQueryItemView read) : text_(read.text()) {}
 
-  /// How the item stands in a query.
+  /// The item as it is written in a query.
   [[nodiscard]] const std::string& text() const noexcept { return text_; }
   [[nodiscard]] std::string name() const { return view().name(); }
   [[nodiscard]] std::optional<std::string> value() const { return view().value(); }
@@ -109,7 +109,7 @@ class HAVRIN_EXPORT URLComponents {
   [[nodiscard]] std::optional<std::string_view> percentEncodedFragment() const noexcept;
 
   /// The items of the query, in its order. Empty pieces are items too: "a&" gives "a" and one without name and value.
-  /// Behind a lone "?" stands an empty list.
+  /// A lone "?" is followed by an empty list.
   /// Empty when: there is no "?".
   [[nodiscard]] std::optional<std::vector<URLQueryItem>> queryItems() const;
 
@@ -150,7 +150,7 @@ class HAVRIN_EXPORT URLComponents {
   // Together they follow the grammar. They are taken apart further where a part is asked for.
   std::string beforeFragment_;
   std::string fragment_;   // with its "#"; empty: there is none
-  std::size_t queryMark_;  // where "?" stands in beforeFragment_, or its length
+  std::size_t queryMark_;  // the position of "?" in beforeFragment_, or its length
 };
 
 }  // namespace platform

@@ -16,7 +16,7 @@ inline namespace platform {
 [[nodiscard]] HAVRIN_EXPORT Strong<NSObject> boxInteger(std::int64_t value);
 [[nodiscard]] HAVRIN_EXPORT Strong<NSObject> boxUnsigned(std::uint64_t value);
 [[nodiscard]] HAVRIN_EXPORT Strong<NSObject> boxReal(double value);
-/// The value of a number object. Throws: NSException (InvalidArgument) for null and for objects that are no numbers.
+/// The value of a number object. Throws: NSException (InvalidArgument) for null and for objects that are not numbers.
 [[nodiscard]] HAVRIN_EXPORT bool unboxBoolean(NSObject* object);
 [[nodiscard]] HAVRIN_EXPORT std::int64_t unboxInteger(NSObject* object);
 [[nodiscard]] HAVRIN_EXPORT std::uint64_t unboxUnsigned(NSObject* object);

@@ -299,7 +299,7 @@ void throwWrongClass(const NSObject* object, std::string_view wanted) {
 
 namespace {
 
-// Rows are referred to until the process ends: the library that has them stays, whoever closes it.
+// Rows are referred to until the process ends, so the library that has them stays loaded after dlclose.
 void pin(const Image& image) {
   Dl_info found{};
   if (dladdr(&image, &found) != 0 && found.dli_fname) dlopen(found.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);

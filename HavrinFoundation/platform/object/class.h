@@ -32,15 +32,16 @@ using Implementation = void (*)();
 
 struct SignatureInfo;
 
-/// One method of a class or category: constant data. The implementation is asked for rather than held, since a function
-/// pointer of another type is no constant; asked with `observed`, a setter answers the twin that notifies.
+/// One method of a class or category: constant data. The implementation comes from a call rather than a field, since a
+/// function pointer of another type is not a constant; called with `observed`, it returns the notifying twin of a
+/// setter.
 struct MethodRow {
   const SelectorConstant* selector;
   Implementation (*implementation)(bool observed);
   const SignatureInfo* signature;
 };
 
-/// What the runtime is told of a class when it is first used.
+/// The description of a class from which the runtime builds it at first use.
 struct ClassDescription {
   const std::type_info* type;
   std::string_view name;
@@ -68,8 +69,8 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   [[nodiscard]] ClassObject* shown() const { return shown_; }
   [[nodiscard]] bool isNotifying() const { return shown_ != this; }
   [[nodiscard]] bool isMetaclass() const { return instance_ != nullptr; }
-  /// Whether methods of instances run no code of the program: no override, no block, no observer. False once a category of
-  /// the program has been attached.
+  /// Whether methods of instances run no code of the program: no override, no block, no observer. False once a category
+  /// of the program has been attached.
   [[nodiscard]] bool isLeaf() const { return isLeaf_.load(std::memory_order_relaxed); }
   [[nodiscard]] bool inheritsFrom(const ClassObject* other) const {
     if (other->depth_ < kAncestors) [[likely]]
@@ -96,8 +97,8 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   /// The implementation a row has for receivers of this class.
   [[nodiscard]] Implementation implementation(const MethodRow& row) const { return row.implementation(isNotifying()); }
 
-  /// Adds or replaces methods; sends that have been resolved before see them at their next call. `ofProgram`: they may run
-  /// code of the program, so the class is a leaf no longer.
+  /// Adds or replaces methods; sends that have been resolved before see them at their next call. `ofProgram`: they may
+  /// run code of the program, so the class is a leaf no longer.
   void addRows(std::span<const MethodRow> rows, bool ofProgram);
   /// The subclass of this class whose setters notify; made at first use.
   [[nodiscard]] ClassObject* notifyingClass();
@@ -142,7 +143,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   std::vector<std::pair<const SelectorRecord*, const MethodRow*>> rows_;  // sorted; guarded by the runtime's lock
 };
 
-/// Counts the changes of any class's methods: a cache of rows is good while the number stands.
+/// Counts the changes of any class's methods: a cache of rows is valid while the number is unchanged.
 [[nodiscard]] HAVRIN_EXPORT std::uint64_t methodChanges();
 
 /// A class, as a value. Null by default.

@@ -137,8 +137,8 @@ struct Method {
   }
 };
 
-/// A method that calls blocks or sends messages while it works with its receiver or arguments: as `Method`, and both are
-/// kept alive for the call, whatever the code it runs drops. Cost: two atomic counts for each object.
+/// A method that calls blocks or sends messages while it works with its receiver or arguments: as `Method`, and both
+/// are kept alive for the call, whatever the code it runs drops. Cost: two atomic counts for each object.
 template <Text Name, auto Member>
 struct HeldMethod : Method<Name, Member> {
   template <class ClassType>
@@ -227,7 +227,8 @@ std::span<const AnyProtocol* const> protocolList(List<Parent...>) {
   return ParentProtocols<Parent...>::list();
 }
 
-// A class says of itself, and of none of its subclasses, that its methods run no code of the program: `using Leaf = Me;`.
+// A class says of itself, and of none of its subclasses, that its methods run no code of the program: `using Leaf =
+// Me;`.
 template <class ValueType>
 constexpr bool isLeaf() {
   if constexpr (requires { typename ValueType::Leaf; }) {
@@ -250,7 +251,7 @@ constexpr auto creator() -> Strong<NSObject> (*)() {
 
 inline namespace platform {
 
-/// What the runtime is told of the class ValueType.
+/// The description of the class ValueType for the runtime.
 template <class ValueType>
 ClassDescription describeClass(ClassObject* superclass) {
   return {.type = &typeid(ValueType),
@@ -283,7 +284,7 @@ inline constexpr std::string_view nameOf = typeName<Me>();
 
 inline namespace platform {
 
-/// The base of every class: tells the runtime which class an object is of while it is constructed and destroyed, level
+/// The base of every class: sets the class of an object while it is constructed and destroyed, level
 /// by level, as its virtual functions do.
 template <class Me, class Super>
 class HAVRIN_EXPORT Object : public Super {
@@ -296,7 +297,7 @@ class HAVRIN_EXPORT Object : public Super {
   Object(const Object&) = delete;
   Object& operator=(const Object&) = delete;
   constexpr ~Object() override {
-    // Nothing is sent to an object from ~NSObject: the last level need not be told.
+    // Nothing is sent to an object from ~NSObject: the last level does not set the class.
     if constexpr (!std::is_same_v<Super, NSObject>) {
       if (!std::is_constant_evaluated()) become<Super>();
     }

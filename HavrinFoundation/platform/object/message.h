@@ -10,7 +10,7 @@
 //   sendSuper<"select:">(*this, isOnAir)       in an override: the method that it overrides
 //
 // A receiver is an object by reference, pointer or `Strong`, or a class. Objects go in as pointers, borrowed, and may
-// be null; objects come out as `Strong`. `Self` in a signature stands for the receiver's static class.
+// be null; objects come out as `Strong`. `Self` in a signature is the receiver's static class.
 //
 // Cost: the receiver's class, a table slot, an indirect call. The first send of a selector to a class looks the method
 // up and checks its signature. Throws: what the method throws; NSException (InvalidArgument) when no method answers.
@@ -60,7 +60,8 @@ struct ReplaceSelf<Strong<Self>, ClassType> {
 
 struct NotFound {};
 
-// A number goes in as the parameter's own type, so that a literal need not be spelt with it; a real is no integer.
+// A number goes in as the parameter's own type, so that a literal needs no suffix; a floating-point number is not an
+// integer.
 template <class Parameter, class Given>
 inline constexpr bool fitsParameter =
     std::is_convertible_v<Given, Parameter> &&
@@ -98,8 +99,8 @@ struct FoundMessage<Owner, ResultType(Arguments...)> {
   }
 };
 
-// A message whose `Self` is not narrowed below the class that declares it: one of instances that a class object receives,
-// and one that an override sends to its superclass.
+// A message whose `Self` is not narrowed below the class that declares it: one of instances that a class object
+// receives, and one that an override sends to its superclass.
 template <class Found>
 struct NotNarrowed : Found {
   template <class>
@@ -162,7 +163,7 @@ using MessageOf = decltype(findMessage<ClassType, Name>());
 template <class ClassType, Text Name>
 using ClassMessageOf = decltype(findClassMessage<ClassType, Name>());
 
-// What may stand as a receiver: `Static` is the class that the declaration is looked up in.
+// The possible receivers: `Static` is the class that the declaration is looked up in.
 template <class ValueType>
 struct Receiver {
   static constexpr bool isObject = false;
@@ -215,8 +216,8 @@ inline typename Declaration::template ResultFor<Static> dispatchIn(ClassObject* 
   if constexpr (std::is_same_v<Result, typename Declaration::Result>) {
     return Declaration::call(implementation, receiver, std::forward<Arguments>(arguments)...);
   } else {
-    // `Self` is narrowed to the receiver's static class. The object's own word decides, as everywhere: one that claims a
-    // class without being of it is handed out as that class all the same.
+    // `Self` is narrowed to the receiver's static class. The object's own word decides, as everywhere: one that claims
+    // a class without being of it is handed out as that class all the same.
     using Narrow = typename Result::Object;
     typename Declaration::Result wide =
         Declaration::call(implementation, receiver, std::forward<Arguments>(arguments)...);

@@ -35,7 +35,7 @@ void destroyNow(NSObject* object) noexcept {
   header.strong.store(ObjectHeader::kDestroying, std::memory_order_relaxed);
   if (dispatchClass(object)->isNotifying()) dropObservations(object);
   object->~NSObject();
-  header.strong.store(ObjectHeader::kDestroyed, std::memory_order_release);  // for those who hold a Weak
+  header.strong.store(ObjectHeader::kDestroyed, std::memory_order_release);  // for the holders of a Weak
   const auto isLast = [](std::uint32_t weak) { return (weak & ~ObjectHeader::kHasAssociations) == 1; };
   // Where nobody holds a Weak, nobody can come by one any more: nothing needs to be counted down.
   if (isLast(header.weak.load(std::memory_order_acquire)) ||

@@ -99,7 +99,7 @@ class HAVRIN_EXPORT NSObject {
   virtual void setValueForUndefinedKey(NSObject* value, NSString* key);
   virtual void setNilValueForKey(NSString* key);
 
-  // Changes told to observers: the rules are in observing/key_value_observing.h.
+  // Changes reported to observers: the rules are in observing/key_value_observing.h.
 
   virtual void addObserver(NSObject* observer, NSString* keyPath, std::uint64_t options, void* context);
   virtual void removeObserver(NSObject* observer, NSString* keyPath, void* context);
@@ -111,7 +111,7 @@ class HAVRIN_EXPORT NSObject {
   virtual void didChangeValuesAtIndexes(NSKeyValueChange kind, NSIndexSet* indexes, NSString* key);
 
  protected:
-  // For class objects and constant objects, whose header is written by whoever places them.
+  // For class objects and constant objects, whose header is written where they are placed.
   struct Placed {};
   constexpr explicit NSObject(Placed) noexcept {}
 

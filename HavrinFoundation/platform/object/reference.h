@@ -1,12 +1,12 @@
 // References to objects: `Strong` owns a share, `Weak` reads nil from the moment the last share goes.
 //
-//   Strong<Station> station = make<Station>("Nord");   // counts and class stand in front of the object
+//   Strong<Station> station = make<Station>("Nord");   // counts and class are in front of the object
 //   Weak<Station> later = station;
 //   station = nullptr;                                 // destroyed here
 //   later.lock()                                       // null
 //
-// Both convert from and to plain pointers; a plain pointer borrows. What a function returns as `Strong` is owed
-// nothing. Left out: autorelease pools, unowned references, reference counts that the program may read.
+// Both convert from and to plain pointers; a plain pointer borrows. A returned `Strong` needs
+// no release. Left out: autorelease pools, unowned references, reference counts that the program may read.
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
@@ -25,7 +25,7 @@ inline namespace platform {
 class ClassObject;
 class NSObject;
 
-/// What stands in front of every object. The counts outlive the object: a weak reference reads them after destruction.
+/// The header in front of every object. The counts outlive the object: a weak reference reads them after destruction.
 struct ObjectHeader {
   std::atomic<ClassObject*> cls;
   std::atomic<std::uint32_t> strong;
@@ -45,8 +45,8 @@ static_assert(sizeof(ObjectHeader) == 16);
   return reinterpret_cast<ObjectHeader*>(const_cast<NSObject*>(object))[-1];
 }
 
-/// The class that messages to the object go through: its own, or the notifying one while it is observed. Acquired, since
-/// another thread may just have made that one for it.
+/// The class that messages to the object go through: its own, or the notifying one while it is observed. Acquired,
+/// since another thread may just have made that one for it.
 [[nodiscard]] inline ClassObject* dispatchClass(const NSObject* object) {
   return headerOf(object).cls.load(std::memory_order_acquire);
 }

@@ -18,7 +18,7 @@ Strong<NSObject> orNull(Strong<NSObject> value) {
   return value;
 }
 
-// Everybody is told the same, and asks for nothing that would have to be read.
+// Every observer receives the same, and asks for nothing that would have to be read.
 void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
   Strong<NSObject> observer;  // held on to from one registration to the next
   for (const Watcher& watcher : watchers) {

@@ -1,4 +1,4 @@
-// One change of one key on its way to the observers: what is read and told before it, and after it.
+// One change of one key on its way to the observers: values read and observers notified before it, and after it.
 #pragma once
 
 #include <HavrinFoundation/platform/foundation/index_set.h>
@@ -15,18 +15,19 @@ inline namespace platform {
 /// Tells one registration of a change, unless it has ended; ends it when its observer is gone.
 void tell(Registration& registration, NSObject* object, NSDictionary* change);
 
-/// Runs `apply`, which inserts, removes or replaces objects of the array under `key`, between the two halves of a change.
+/// Runs `apply`, which inserts, removes or replaces objects of the array under `key`, between the two halves of a
+/// change.
 void changeArray(NSObject& object, const NSString& key, NSKeyValueChange kind, NSIndexSet* indexes,
                  BlockView<void()> apply);
 
 /// Constructed before the change, finished after it. The object, the key and the watchers have to outlive it.
-/// Throws: what getters and observers throw; who has not been told by then is not told.
+/// Throws: what getters and observers throw; observers that were not notified by then are not notified.
 class Change {
  public:
-  /// Reads the old values that are asked for, then tells those who want a word before.
+  /// Reads the old values that observers asked for, then notifies the observers that asked for Prior.
   Change(NSObject& object, NSString& key, std::span<const Watcher> watchers, NSKeyValueChange kind,
          NSIndexSet* indexes);
-  /// Moves paths to their new objects, reads the new values, tells everyone.
+  /// Moves paths to their new objects, reads the new values, notifies every observer.
   void finish();
 
  private:
@@ -55,7 +56,7 @@ class Change {
   Strong<NSObject> old_;  // under the key itself, when somebody asks for it
   Strong<NSObject> new_;
   bool hasPrior_ = false;
-  std::array<Strong<NSDictionary>, 4> direct_;  // what simple registrations are told, by New and Old
+  std::array<Strong<NSDictionary>, 4> direct_;  // the dictionaries of simple registrations, by New and Old
   std::vector<Indirect> indirect_;
 };
 

@@ -59,7 +59,7 @@ class ClassKeyCache {
   };
 
   std::atomic<Entry*>& chainOf(const ClassObject& cls, std::string_view key) {
-    // Class objects stand far apart: the bits above their tables tell them from one another.
+    // Class objects are far apart: the bits above their tables differ.
     const std::size_t hash = std::hash<std::string_view>()(key) ^ (reinterpret_cast<std::uintptr_t>(&cls) >> 12);
     return chains_[hash % chains_.size()];
   }

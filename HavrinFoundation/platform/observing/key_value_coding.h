@@ -5,7 +5,7 @@
 //   station->valueForKeyPath(makeString("host.name"))              null when there is no host
 //   station->valueForKey(makeString("lisTeners"))                  throws NSException (NSUndefinedKeyException)
 //   station->setValueForKey(nullptr, makeString("listeners"))      throws NSException (InvalidArgument): a number
-//   station->mutableArrayValueForKey(makeString("songs"))->addObject(song)      an insertion, told as such
+//   station->mutableArrayValueForKey(makeString("songs"))->addObject(song)      observers receive an insertion
 //
 // The operations are members of NSObject; a class may override any of them. A key is answered by the methods that the
 // class has rows for, its own, inherited or from a category:
@@ -15,7 +15,8 @@
 // null for a number or boolean calls `setNilValueForKey`, which throws NSInvalidArgumentException. A null key throws
 // NSInvalidArgumentException. Dictionaries answer keys with their entries.
 //
-// Cost: a hash look-up of the class and the key, then the method's call, boxed. Threads: any; the methods' own otherwise.
+// Cost: a hash look-up of the class and the key, then the method's call, boxed. Threads: any; the methods' own
+// otherwise.
 // Left out: fields found by name (`_key` without a method), collection operators ("@count"), reading a key from every
 // element of a collection, validation, dictionaries of several keys.
 #pragma once

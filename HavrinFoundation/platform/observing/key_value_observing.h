@@ -1,4 +1,4 @@
-// Key-value observing: being told when the value under a key, or at the end of a path of keys, changes.
+// Key-value observing: notifications of changes of the value under a key, or at the end of a path of keys.
 //
 //   class Watcher : public Object<Watcher, NSObject> {
 //    public:
@@ -7,37 +7,37 @@
 //     }
 //   };
 //   station->addObserver(watcher, keyPath<Station, "host.name">, NSKeyValueObservingOptionNew, &kMine);
-//   send<"setTitle:">(station, title);                             told before this returns, on this thread
+//   send<"setTitle:">(station, title);                             notifies before this returns, on this thread
 //   station->removeObserver(watcher, keyPath<Station, "host.name">, &kMine);
 //
 // What notifies: every setter, that is every message `set<Key>:` with one argument, hand-written ones too, also when it
 // is sent by `setValueForKey`; changes through `mutableArrayValueForKey`; and pairs of `willChangeValueForKey` and
-// `didChangeValueForKey`, of which the inner one is told first. A field written directly is not seen. Setting an equal
-// value notifies. An observed object is of a class of its own behind the scenes, which `class`, `description` and
+// `didChangeValueForKey`, of which the inner one is reported first. A field written directly is not seen. Setting an
+// equal value notifies. An observed object is of a class of its own behind the scenes, which `class`, `description` and
 // `isKindOfClass` do not show; objects that nobody observes pay nothing.
 //
 // Registering: observer and object are not retained, the context is only compared. The same registration made twice is
-// told twice and removed twice. A registration whose observer is gone is dropped by itself; one made on an object that
-// is gone has gone with it.
+// notified twice and removed twice. A registration whose observer is gone is dropped by itself; one made on an object
+// that is gone has gone with it.
 //   Throws: NSInvalidArgumentException for a null observer or path, and for an array, set, ordered set or class as the
 //   object; what `valueForKey` throws when a key before the last is undefined, or with New and Initial the last. Nothing
 //   is registered then.
 //   Removing throws NSRangeException when no registration has that observer, path and context (or, without one, that
 //   observer and path).
 //
-// Paths: replacing an object on the way tells the observers of the whole path, with the values at its end, and moves
+// Paths: replacing an object on the way notifies the observers of the whole path, with the values at its end, and moves
 // them to the new object. Objects on the way are not retained.
-// Dependent keys: a class method keyPathsForValuesAffecting<Key>, or "keyPathsForValuesAffectingValueForKey:", names the
-// paths whose change also changes the key. A class method automaticallyNotifiesObserversOf<Key>, or
+// Dependent keys: a class method keyPathsForValuesAffecting<Key>, or "keyPathsForValuesAffectingValueForKey:", names
+// the paths whose change also changes the key. A class method automaticallyNotifiesObserversOf<Key>, or
 // "automaticallyNotifiesObserversForKey:", that answers false leaves a key's setter to notify by hand. Both are asked
 // once for each class and key.
 //
 // Threads: any; adding, removing and changing may meet, also inside a notification. A registration that is added during
-// a notification does not get it; one removed during it does not get it any more. No lock is held while getters, setters
-// and observers run. An observer that is being destroyed is not called. On one object, what is added and removed while a
-// thread is inside a notification of it keeps its memory until that notification has returned.
-// Cost: a change of a key with one observer is two counts more than the calls it makes; old and new values add two calls
-// of the getter and one allocation.
+// a notification does not get it; one removed during it does not get it any more. No lock is held while getters,
+// setters and observers run. An observer that is being destroyed is not called. On one object, what is added and
+// removed while a thread is inside a notification of it keeps its memory until that notification has returned.
+// Cost: a change of a key with one observer is two counts more than the calls it makes; old and new values add two
+// calls of the getter and one allocation.
 // Left out: observation info, notifications of set changes, registering for the elements of an array, direct calls of
 // insertObject:in<Key>AtIndex: (go through `mutableArrayValueForKey`). Observing from a destructor does nothing.
 #pragma once
@@ -57,8 +57,8 @@ inline namespace platform {
 /// What a registration asks for: bits, added up.
 inline constexpr std::uint64_t NSKeyValueObservingOptionNew = 1;      // the new value
 inline constexpr std::uint64_t NSKeyValueObservingOptionOld = 2;      // the old value
-inline constexpr std::uint64_t NSKeyValueObservingOptionInitial = 4;  // to be told once at once
-inline constexpr std::uint64_t NSKeyValueObservingOptionPrior = 8;    // to be told before the change, too
+inline constexpr std::uint64_t NSKeyValueObservingOptionInitial = 4;  // one notification at once
+inline constexpr std::uint64_t NSKeyValueObservingOptionPrior = 8;    // a notification before the change, too
 
 /// What a change is, under NSKeyValueChangeKindKey.
 enum class NSKeyValueChange : std::uint64_t { setting = 1, insertion = 2, removal = 3, replacement = 4 };

@@ -43,7 +43,7 @@ class KeyValueMutableArray final : public Object<KeyValueMutableArray, NSMutable
   }
 
   // Through the owner's own method for the step where it has one, else by setting a changed copy. The copy is changed
-  // first, so that an index beyond the end throws before anybody is told.
+  // first, so that an index beyond the end throws before any observer is notified.
   template <class Edit>
   void change(NSKeyValueChange kind, std::uint64_t index, const std::string& method, NSObject* object, Edit edit) {
     const Strong<NSObject> copy = present()->mutableCopy();

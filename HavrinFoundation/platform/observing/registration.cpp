@@ -24,7 +24,7 @@ struct WalkedKey {
 
 namespace {
 
-// Getters that make a new object at every call can lead on for ever, and never stand still.
+// Getters that make a new object at every call can lead on for ever.
 constexpr std::size_t kMostKeys = 100'000;
 constexpr int kMostWalks = 8;
 
@@ -124,7 +124,7 @@ void Registration::letGo() noexcept {
 
 void Registration::follow() {
   if (isSimple) return;
-  // Another thread may move the path while it is read: what was read stands once it reads the same again.
+  // Another thread may move the path while it is read: the value is good once it reads the same again.
   for (int i = 0; i < kMostWalks; ++i) {
     isStale.store(false, std::memory_order_release);
     std::vector<WalkedKey> walked;

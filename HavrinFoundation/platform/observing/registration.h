@@ -1,4 +1,4 @@
-// One call of `addObserver`, for as long as it stands.
+// One call of `addObserver`, until it is removed.
 #pragma once
 
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
@@ -45,7 +45,8 @@ class Registration final : public Object<Registration, NSObject> {
   /// One key that nothing else affects: its own change is all there is, and `watched` stays empty.
   const bool isSimple;
 
-  /// False once removed: nothing is told any more. Whoever changes it to false takes the registration out of the table.
+  /// False once removed: nothing is reported any more. The thread that changes it to false takes the registration out
+  /// of the table.
   std::atomic<bool> isActive{true};
   /// An object on the way has gone: what lies beyond must be looked at again before it counts.
   std::atomic<bool> isStale{false};
@@ -59,7 +60,7 @@ class Registration final : public Object<Registration, NSObject> {
 
   /// Puts the registration into the table. Throws: what the getters on the way throw; nothing is registered then.
   void enter();
-  /// Ends it; nothing is told from here on. False when it had been ended already.
+  /// Ends it; nothing is reported from here on. Returns false when it had already ended.
   bool leave() noexcept;
   /// Takes an ended registration out of the table.
   void letGo() noexcept;

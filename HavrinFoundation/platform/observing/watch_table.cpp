@@ -31,7 +31,7 @@ bool isGoing(const NSObject& object) {
 }  // namespace
 
 // Readers count themselves in and then load; writers unlink and then read the count. The loads and stores on both sides
-// are sequentially consistent, so that a writer who reads 0 has no reader that could still find what was unlinked.
+// are sequentially consistent, so that a writer that reads 0 has no reader that could still find what was unlinked.
 struct alignas(32) WatchBucket {
   std::atomic<std::uint32_t> readers{0};
   os_unfair_lock lock;
@@ -56,7 +56,7 @@ struct alignas(32) WatchBucket {
     while (items) delete std::exchange(items, items->nextRetired);
   }
 
-  // The rest is for whoever holds the lock.
+  // The rest needs the lock.
 
   Watch* find(const NSObject* object, const NSString& key) const {
     for (Watch* watch = first.load(std::memory_order_relaxed); watch; watch = next(*watch)) {

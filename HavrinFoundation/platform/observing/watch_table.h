@@ -1,4 +1,4 @@
-// Who watches which key of which object: one table for the process, read without a lock.
+// Which observers watch which key of which object: one table for the process, read without a lock.
 //
 //   const Pin pin(object);                          what the table holds for the object keeps its memory from here on
 //   const Watch* watch = pin.find(setter);          null when nobody watches the key that this setter sets
@@ -7,14 +7,14 @@
 // The table is buckets chosen by the object's address, in pages made at first use. Each bucket chains one `Watch` per
 // watched key of an object, and each of those has a list of watchers. Writers take the bucket's lock; readers only
 // count themselves in (`Pin`), walk what they find, and count themselves out. What a writer takes out of a chain or a
-// list is retired, and freed by whoever finds no reader in the bucket: the writer, or the last reader to leave. So a
-// reader never waits, never sees freed memory, and pays two counts, and any code may run while it is inside.
+// list is retired, and freed by the first that finds no reader in the bucket: the writer, or the last reader to leave.
+// So a reader never waits, never sees freed memory, and pays two counts, and any code may run while it is inside.
 //
 // Order of locks: a registration's lock, then a bucket's. Nothing foreign runs, and no object of the program is
 // released, under either.
 //
-// An object that is destroyed leaves the table before its destructors run, and one that is being destroyed does not enter
-// it: under a bucket's lock, every object in its chain has a header that may be read.
+// An object that is destroyed leaves the table before its destructors run, and one that is being destroyed does not
+// enter it: under a bucket's lock, every object in its chain has a header that may be read.
 #pragma once
 
 #include <HavrinFoundation/platform/object/selector.h>
@@ -60,9 +60,9 @@ class WatcherList final : public Retired {
   // NOLINTNEXTLINE(misc-new-delete-overloads): allocate() makes room for the watchers behind the list
   static void operator delete(void* memory);
 
-  /// Those that stand in the list now.
+  /// The watchers in the list now.
   [[nodiscard]] std::span<const Watcher> watchers() const { return {slots(), count_.load(std::memory_order_acquire)}; }
-  /// True when some watcher asks for more than to be told of a change of this very key: values, or a word before.
+  /// True when some watcher asks for more than a notification of this very key: values, or Prior.
   [[nodiscard]] bool asksForMore() const { return asksForMore_.load(std::memory_order_acquire); }
 
   /// False when the list is full. For one writer at a time.
@@ -103,7 +103,7 @@ class Watch final : public Retired {
   std::uint32_t live_ = 0;  // watchers that are live; under the bucket's lock
 };
 
-/// A reader of one object's bucket, for as long as it stands. Threads: belongs to one.
+/// A reader of one object's bucket, while it exists. Threads: belongs to one.
 class Pin {
  public:
   explicit Pin(const NSObject* object);

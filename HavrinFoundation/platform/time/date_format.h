@@ -22,8 +22,8 @@
 namespace havrin {
 inline namespace platform {
 
-/// A pattern with the locale whose words it writes and the calendar, with its time zone, whose fields it writes. A value
-/// that never changes and that copies share. Offsets are those of the system's zone files, words are ICU's.
+/// A pattern with the locale whose words it writes and the calendar, with its time zone, whose fields it writes. A
+/// value that never changes and that copies share. Offsets are those of the system's zone files, words are ICU's.
 /// Threads: any number may format and parse at the same time.
 class HAVRIN_EXPORT DateFormat {
  public:
@@ -36,16 +36,16 @@ class HAVRIN_EXPORT DateFormat {
   [[nodiscard]] const Calendar& calendar() const;
 
   /// `date` as text. Fractions of a second are rounded down, after noise below a microsecond.
-  /// Result: empty for not-a-number, and for a pattern with letters that stand for nothing; the calendar's first or last
+  /// Result: empty for NaN, and for a pattern with unknown letters; the calendar's first or last
   /// instant where `date` lies beyond it.
-  /// Cost: well under a tenth of a microsecond for Gregorian dates and clock times in digits and names, with a zone name
-  /// only in GMT; several microseconds, in ICU, for all else.
+  /// Cost: well under a tenth of a microsecond for Gregorian dates and clock times in digits and names, with a zone
+  /// name only in GMT; several microseconds, in ICU, for all else.
   [[nodiscard]] std::string string(Date date) const;
 
   /// The instant that `text` writes. Names are read in any case; a zone in the text overrules the calendar's.
   /// Result: fields that the pattern lacks are those of 1970-01-01 00:00:00.
-  /// Empty when: the text does not follow the pattern to its end, blanks behind it apart; a field is out of its range; the
-  /// clock never showed that time. A wrong weekday is no error.
+  /// Empty when: the text does not follow the pattern to its end, blanks behind it apart; a field is out of its range;
+  /// the clock never showed that time. A wrong weekday is not an error.
   [[nodiscard]] std::optional<Date> date(std::string_view text) const;
 
  private:

@@ -195,7 +195,7 @@ std::string IcuFormat::string(std::int64_t milliseconds) const {
 }
 
 std::optional<Date> IcuFormat::date(std::string_view text) const {
-  constexpr std::size_t kMaxLength = 1 << 16;  // longer texts are no dates
+  constexpr std::size_t kMaxLength = 1 << 16;  // longer texts are not dates
   if (text.size() > kMaxLength) return std::nullopt;
   return pool_->with([text](icu::SimpleDateFormat& formatter) -> std::optional<Date> {
     const auto units = icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* kPosix = "en_US_POSIX";
 
-/// Longer names are no locales.
+/// Longer names are not locales.
 constexpr std::size_t kMaxNameLength = 255;
 
 struct NamedCalendar {

@@ -125,7 +125,7 @@ constexpr struct {
                 {'K', Field::hourFrom0To11}, {'h', Field::hourFrom1To12}, {'m', Field::minute},
                 {'s', Field::second}};
 
-/// The part that `letters` times `letter` stand for; none when it is ICU's.
+/// The part of a pattern that `letters` times `letter` mean; none when it is left to ICU.
 std::optional<Part> fieldPart(char letter, int letters, Words& words, const Calendar& calendar) {
   if (letters > kMaxWidth) return std::nullopt;
   for (const auto& number : kNumbers) {
@@ -155,7 +155,7 @@ std::optional<Part> fieldPart(char letter, int letters, Words& words, const Cale
 
 bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-/// The text that the apostrophe at `position` begins: one apostrophe for two of them, else what stands between it and the
+/// The text that the apostrophe at `position` begins: one apostrophe for two of them, else the text between it and the
 /// next single one; moves `position` behind it. None where the text never ends.
 std::optional<std::string> quoted(std::string_view pattern, std::size_t& position) {
   const auto isDouble = [pattern](std::size_t at) { return pattern.substr(at, 2) == "''"; };

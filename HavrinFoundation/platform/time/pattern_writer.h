@@ -50,8 +50,8 @@ class PatternWriter {
   };
   static constexpr std::size_t kFields = static_cast<std::size_t>(Field::thousandths) + 1;
 
-  /// What the compiler makes of a part of a pattern: a field in `width` digits, or in the text of its number where there
-  /// are texts; the only text of a literal has number 0.
+  /// What the compiler makes of a part of a pattern: a field in `width` digits, or in the text of its number where
+  /// there are texts; the only text of a literal has number 0.
   struct Part {
     Field field = Field::literal;
     int width = 0;
@@ -59,7 +59,7 @@ class PatternWriter {
   };
 
  private:
-  /// Where a text stands in `texts_`.
+  /// The place of a text in `texts_`.
   struct Piece {
     std::uint32_t start = 0;
     std::uint32_t size = 0;
@@ -69,7 +69,7 @@ class PatternWriter {
     Field field;
     bool isName;
     std::uint8_t width;
-    std::uint32_t names;  // how many pieces stand before its own
+    std::uint32_t names;  // how many pieces precede its own
     Piece behind = {};
   };
 

@@ -42,7 +42,7 @@ bool isPlainName(std::string_view name) {
   return true;
 }
 
-/// What tells one state of the system's zone from another: the text of the link, and the file that it leads to.
+/// The state of the system's zone: the text of the link, and the file that it leads to.
 struct SystemZoneState {
   bool present = false;
   std::string link;  // empty where the system's zone is a file

@@ -27,7 +27,7 @@ class HAVRIN_EXPORT TimeZone {
  public:
   /// The user's zone: TZ where it is set, "Asia/Tokyo" or ":Asia/Tokyo" or the path of a zone file, else the system's,
   /// which is what /etc/localtime links to, or the rules in it where it is a file.
-  /// Result: GMT where TZ is empty or names no zone file (POSIX rules such as "EST5EDT4" name none), and where the
+  /// Result: GMT where TZ is empty or names no zone file (POSIX rules such as "EST5EDT4" do not), and where the
   /// system has no zone. Cost: one pass over the environment; a look at /etc/localtime after each tick of the coarse
   /// clock (4 ms) while TZ is not set. Threads: any, as long as none changes the environment meanwhile.
   [[nodiscard]] static TimeZone current();

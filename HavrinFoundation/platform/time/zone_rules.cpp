@@ -37,7 +37,8 @@ class FooterReader {
  public:
   explicit FooterReader(std::string_view text) : text_(text) {}
 
-  /// Whether the whole text is a footer: nothing, "CET-1", or "CET-1CEST,M3.5.0,M10.5.0/3". Source: RFC 9636, section 3.3.1.
+  /// Whether the whole text is a footer: nothing, "CET-1", or "CET-1CEST,M3.5.0,M10.5.0/3". Source: RFC 9636, section
+  /// 3.3.1.
   [[nodiscard]] bool isFooter(bool& hasRules) {
     hasRules = false;
     if (text_.empty()) return true;
@@ -93,7 +94,7 @@ class FooterReader {
 };
 
 /// Whether what follows the second block of data is a footer. With rules of the year, at least two `transitions` must
-/// stand before it. The reader behind us writes to the standard error stream otherwise.
+/// precede it. The reader behind us writes to the standard error stream otherwise.
 bool endsInFooter(int file, off_t position, off_t transitions) {
   char bytes[256];
   const ssize_t size = pread(file, bytes, sizeof bytes, position);
@@ -106,7 +107,8 @@ bool endsInFooter(int file, off_t position, off_t transitions) {
 }
 
 /// Whether the file starts as a zone file does and holds as much as its first header counts: the reader behind us takes
-/// the counts on trust and would reserve whatever they say, and reports a malformed footer on the standard error stream. Source: RFC 9636, section 3.1.
+/// the counts on trust and would reserve whatever they say, and reports a malformed footer on the standard error
+/// stream. Source: RFC 9636, section 3.1.
 bool looksLikeZoneFile(const std::string& path) {
   constexpr off_t kHeaderSize = 44;
   constexpr off_t kMaxFileSize = 1 << 18;

@@ -111,7 +111,7 @@ CharacterSet::~CharacterSet() {
   if (storage_ != nullptr && storage_->release()) delete storage_;
 }
 
-// Each is built once, by whoever comes first, and never destroyed: late threads may still ask.
+// Each is built once, at first use, and never destroyed: late threads may still use it.
 CharacterSet CharacterSet::letters() {
   static const auto& set = *new CharacterSet(setOfCategories(U_GC_L_MASK | U_GC_M_MASK));
   return set;

@@ -64,7 +64,7 @@ class HAVRIN_EXPORT CharacterSet {
   /// Whether `scalar` is a member; false for every surrogate and value above U+10FFFF. Cost: constant.
   [[nodiscard]] bool contains(char32_t scalar) const noexcept;
 
-  /// Adds or takes out scalars. What is no scalar, also within a range, is passed over.
+  /// Adds or takes out scalars. Values that are not scalars, also within a range, are ignored.
   void insert(char32_t scalar) { setMembership({scalar, scalar}, true); }
   void insert(ClosedRange<char32_t> range) { setMembership(range, true); }
   void insert(std::string_view charactersIn) { setMembership(charactersIn, true); }

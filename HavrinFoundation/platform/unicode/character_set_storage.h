@@ -1,6 +1,6 @@
 // What a CharacterSet shares: a bit for each scalar, in planes of 65,536 of which empty ones beyond the first are not
-// stored, and the members below U+0080 once more in the form that the wide search loads. For the sources of CharacterSet
-// only.
+// stored, and the members below U+0080 once more in the form that the wide search loads. For the sources of
+// CharacterSet only.
 #pragma once
 
 #include <HavrinFoundation/platform/base/range.h>
@@ -15,7 +15,7 @@ namespace havrin::detail {
 
 class CharacterSetStorage {
  public:
-  /// Bit b of word w stands for the scalar 64 w + b of its plane.
+  /// Bit b of word w is the scalar 64 w + b of its plane.
   using Plane = std::array<std::uint64_t, 1024>;
   static constexpr std::size_t kPlanes = 17;
 

@@ -23,7 +23,7 @@ constexpr std::size_t utf8Size(char32_t scalar) {
   return scalar < 0x10000 ? 3 : 4;
 }
 
-// Writes a scalar that is no surrogate; answers the position behind it.
+// Writes a scalar that is not a surrogate; returns the position behind it.
 char* writeUtf8(char* out, char32_t scalar) {
   const auto tail = [scalar](int shift) { return static_cast<char>(0x80 | ((scalar >> shift) & 0x3F)); };
   if (scalar < 0x80) {
@@ -100,11 +100,11 @@ bool hasNoIllFormedPart(Text text) {
   return true;
 }
 
-// Extended grapheme clusters by the rules GB3 to GB13, which look at the scalar before, the one after, and two facts about
-// what came before: whether a pictograph could go on, and whether an odd number of flag letters stands there.
+// Extended grapheme clusters by the rules GB3 to GB13, which look at the scalar before, the one after, and two facts
+// about what came before: whether a pictograph could go on, and whether an odd number of flag letters precedes it.
 class ClusterRules {
  public:
-  /// Takes the next scalar and tells whether it belongs to the same character as the one before.
+  /// Takes the next scalar. Returns whether it belongs to the same character as the one before.
   bool joins(char32_t scalar) {
     const Class next = classOf(scalar);
     const bool joined = joinsAfter(next, scalar);
@@ -174,7 +174,7 @@ bool everyByteIsACharacter(std::string_view text) {
   for (; i + 8 <= text.size(); i += 8) {
     std::uint64_t word;
     std::memcpy(&word, text.data() + i, sizeof word);
-    const std::uint64_t returns = word ^ (kOnes * '\r');  // a zero byte where a return stands
+    const std::uint64_t returns = word ^ (kOnes * '\r');  // a zero byte at each carriage return
     if (((word | ((returns - kOnes) & ~returns)) & kHighs) != 0) return false;
   }
   return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(i), text.end(),
