@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The eight rooms in one include, and of the layer what their users need beside them: objects and exceptions, queues and
 // the run loop, decoders and archives.
 #pragma once

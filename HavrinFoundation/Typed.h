@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every typed form on standard types and the library's own value types: what the library HavrinFoundation::Typed has.
 // No class, no message and no run loop comes with it; HavrinFoundation.h has those too.
 #pragma once

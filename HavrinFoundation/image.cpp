@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of contents: what the library adds to which class, in the order of the rooms, and the one thing that runs when
 // it is loaded.
 #include <HavrinFoundation/image.h>

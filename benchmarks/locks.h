@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Locks as the benchmarks of locks share them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Benchmarks in a process of more than one thread, as programs are: the standard library's counts leave their locked
 // instructions out where there is one alone.
 #pragma once

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What `cmake --install` copies: both libraries, shared and static, their headers, and what lets another project find them
 # with find_package(HavrinFoundation) or pkg-config. Everything is relative to the prefix, so the tree can be moved.
 include(CMakePackageConfigHelpers)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The Debian packages that `cpack --preset package` makes of the components: each shared library with its debug information
 # apart, what building needs, and the documentation. tools/package_test builds, examines and tries them.
 set(HAVRIN_MAINTAINER "Maintainers of HavrinFoundation <maintainers@localhost>" CACHE STRING

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The functions that the rooms' lists call. Each list names its own files; nothing is globbed.
 
 find_package(Threads REQUIRED)

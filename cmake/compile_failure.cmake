@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The body of havrin_compile_failure: compiles ${source} for each case, and compares what the compiler says.
 string(REPLACE "\t" ";" expected "${expected}")
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs a fuzz body over the files of its corpus folder, in name order: the ordinary test run's half of every fuzz body.
 #include <algorithm>
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Allocations of the whole program, counted, and made to fail one at a time. allocations.cpp replaces operator new.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Receiver and arguments outlive a message, whatever code of the program it runs. Every row of the library's image is
 // called with objects whose last outside reference goes while the row works with them: their overrides, the blocks and
 // the destructors that the row runs release what the test holds.

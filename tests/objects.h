@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What most tests of objects use: strings, numbers and arrays, and objects as texts, so that a row can say what is expected.
 #pragma once
 

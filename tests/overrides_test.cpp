@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Overrides that go on to the method they override: one for every message that the library itself sends.
 #include "objects.h"
 #include <HavrinFoundation/HavrinFoundation.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What most tests use: the framework, the everyday parts of the standard library, random numbers, and threads that meet.
 //
 // A random test has a new seed each run and prints it, so that a failure can be run again:

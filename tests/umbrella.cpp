@@ -1,2 +1,3 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whole library, for the ways of compiling it that tests/CMakeLists.txt tries.
 #include <HavrinFoundation/HavrinFoundation.h>

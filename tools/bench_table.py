@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Compares every benchmark with its peers, from one run of ./bench.
 
   tools/bench_table.py build/bench/results                       how many peers we are ahead of, and those we are not

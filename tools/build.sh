@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Configuring, building and testing a preset, for the commands. Sourced, not run; the working folder is the root.
 #
 #   configure_preset dev                     does nothing when it has been done and no list has changed

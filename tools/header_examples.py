@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Turns the examples in the opening comments of public headers into C++ sources, one a header.
 
   tools/header_examples.py <names file> <output folder> <header>...

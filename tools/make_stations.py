@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes examples/radio/stations.json: made-up stations in several scripts, a tenth of them bad in ten different ways.
 
   tools/make_stations.py > examples/radio/stations.json       the same text each time

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The Debian packages behind each command, and the one way to have them. Sourced, not run.
 #
 #   ensure_packages "${packages_run[@]}"      installs what is missing, and nothing when nothing is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Block operations on arrays, as messages of NSArray(Blocks): filter, transform, fold, search, and an asynchronous map
 // that takes one element at a time.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Everyday helpers of arrays and mutable collections, as messages.
 //
 //   send<"hav_randomObject">(stations)                                       one of them, or null when there is none

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Block operations on sets and ordered sets, as messages. Filtering keeps the receiver's own class, transforming gives an
 // array.
 //

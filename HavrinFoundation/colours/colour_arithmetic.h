@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Comparing, inverting and mixing colours by their red, green, blue and alpha. As messages: colour_arithmetic_messages.h.
 //
 //   isEqual(*UIColor::grayColor(), *make<UIColor>(0.5, 0.5, 0.5, 1.0), 0.001)      true

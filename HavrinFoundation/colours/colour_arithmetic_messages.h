@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UIColor(HavrinFoundation), colour arithmetic: colour_arithmetic.h as messages.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hexadecimal colour codes: written, read, cleaned, drawn at random. As messages: hex_codes_messages.h.
 //
 //   hexString(*UIColor::orangeColor())              "#FF7F00"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UIColor(HavrinFoundation), colour codes: hex_codes.h as messages. Null as the typed form's empty results.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/dates/date_arithmetic.h>
 
 #include <HavrinFoundation/platform/time/calendar.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Millisecond timestamps and calendar arithmetic. As messages on NSDate: date_arithmetic_messages.h.
 //
 //   millisecondsSince1970(fromMillisecondsSince1970<Date>(1500))     1000: whole seconds, rounded toward zero

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Millisecond timestamps and calendar arithmetic on date objects: the functions of date_arithmetic.h on NSDate, and as
 // messages of NSDate(HavrinFoundation).
 //

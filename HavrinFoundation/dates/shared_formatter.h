@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The formatter of date lines in protocol headers (RFC 1123, section 5.2.14), shared by everybody. As a message:
 // shared_formatter_messages.h.
 //

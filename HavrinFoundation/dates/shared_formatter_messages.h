@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSDateFormatter(HavrinFoundation): the shared formatter as a message.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The identifier for where one is required and none exists. As an object, and as a message: zero_uuid_messages.h.
 //
 //   zero<UUID>().uuidString()      "00000000-0000-0000-0000-000000000000"

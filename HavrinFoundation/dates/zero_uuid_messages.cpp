@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/dates/zero_uuid_messages.h>
 
 #include <HavrinFoundation/platform/foundation/string.h>

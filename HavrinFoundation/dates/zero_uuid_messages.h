@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The all-zero identifier as an object, and as a message of NSUUID(HavrinFoundation).
 //
 //   zero<NSUUID>()->uuidString()                               "00000000-0000-0000-0000-000000000000"

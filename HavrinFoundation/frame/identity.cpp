@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/frame/identity.h>
 
 // HAVRIN_VERSION_NUMBER and HAVRIN_VERSION_MAJOR are the version in the topmost CMakeLists.txt.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the library is, for its loader and for tools that search files.
 //
 //   HavrinFoundationVersionNumber         1.0

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A box whose value can be reached only while its own lock is held. Typed form only.
 //
 //   Locked<std::vector<int>> seen({1, 2});

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Log handles under the library's logging subsystem.
 //
 //   os_log_t network = hlog_create_with_category("network");

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A block on the main queue: at once when the caller is on it already, later when not.
 //
 //   GuaranteeMainQueue([view] { view->redraw(); });

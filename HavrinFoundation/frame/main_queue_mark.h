@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The mark by which GuaranteeMainQueue recognises the main queue: a queue-specific value. Internal; not installed.
 #pragma once
 

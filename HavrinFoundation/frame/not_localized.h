@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Marks text that is not passed through localisation.
 //
 //   NotLocalizedString(empty)        the very same object; null for null

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 
 #include <HavrinFoundation/platform/base/clock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSObject(Helpers): thinning out repeated sends of one message to one object. Messages only.
 //
 //   send<"h_debounce:delay:">(field, selector<"search">, 0.3);    search once, 0.3 s after the last of a burst of calls

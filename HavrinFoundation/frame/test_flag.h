@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether the application runs under a test harness. As a message: test_flag_messages.h.
 //
 //   IS_EXECUTING_TEST=1 ./app        isExecutingTests(*NSProcessInfo::processInfo()) is true; so for YES, true, 0001, -1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSProcessInfo(HavrinFoundation): whether the application runs under a test harness, as a message.
 #pragma once
 

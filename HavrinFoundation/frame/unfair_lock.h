@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A lock for short critical sections: four bytes, unfair, not recursive. The message form is a class of its own,
 // message::UnfairLock, and shares nothing with this one. The box that guards a value is locked.h.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/frame/unfair_lock_messages.h>
 
 #include <HavrinFoundation/platform/foundation/collection_errors.h>

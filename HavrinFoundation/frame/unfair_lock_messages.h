@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The message form of the unfair lock: a class of its own, with the lock word inside the object. It shares nothing with
 // the typed lock (unfair_lock.h).
 //

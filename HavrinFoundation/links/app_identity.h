@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The application's version, build number and user agent, from its main bundle. As messages:
 // app_identity_messages.h.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/links/app_identity_messages.h>
 
 #include <HavrinFoundation/links/app_identity.h>

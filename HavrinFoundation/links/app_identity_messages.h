@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSBundle(HavrinFoundation): app_identity.h as messages; read-only properties, by key too.
 #pragma once
 

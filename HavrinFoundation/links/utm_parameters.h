@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The campaign parameters of a link: the six query keys that begin with "utm_", read and appended.
 //
 //   fromUrl<UTMParameters>(URL::fromString("https://h/p?utm_source=mail"))      source "mail", the others absent

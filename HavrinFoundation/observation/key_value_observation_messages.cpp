@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 
 #include <HavrinFoundation/frame/main_queue.h>

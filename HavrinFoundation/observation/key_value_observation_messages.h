@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // KeyValueObservation: one registration of key-value observing, as an object. Making it registers, letting go of it ends
 // that. Each change reaches an action on the main queue. Messages only; responders own theirs by
 // responder_observations_messages.h.

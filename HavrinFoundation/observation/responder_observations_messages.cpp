@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 
 #include <HavrinFoundation/platform/foundation/collection_errors.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UIResponder(KeyValueObservation): the observations that a responder owns and that end with it. Messages only.
 //
 //   send<"observeModel:forKeyPath:action:">(board, station, keyPath<Station, "title">,

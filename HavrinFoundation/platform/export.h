@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the shared libraries export, and what the headers require of the compiler.
 #pragma once
 

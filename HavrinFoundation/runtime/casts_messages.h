@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSObject(Cast): an object as an instance of a class, or as one that conforms to a protocol, or null. Messages alone.
 //
 //   send<"ifInstance:">(classOf<NSString>(), object)                Strong<NSString>, or null

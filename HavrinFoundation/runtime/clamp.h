@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A value pinned into a range.
 //
 //   clamp(15, ClosedRange{0, 10})    10

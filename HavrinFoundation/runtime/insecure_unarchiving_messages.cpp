@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
 
 #include <HavrinFoundation/platform/foundation/data.h>

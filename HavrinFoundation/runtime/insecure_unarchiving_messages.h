@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading a keyed archive without secure coding, so that objects whose classes do not adopt it come back too.
 //
 //   send<"insecureUnarchivedObjectOfClass:fromData:error:">(classOf<NSKeyedUnarchiver>(), classOf<NSArray>(), data, &why)

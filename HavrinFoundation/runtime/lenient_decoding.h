@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lenient decoding of arrays: every element that decodes is kept, in order; every other is skipped.
 //
 //   {"numbers": [1, "x", 3]}

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A main bundle that the test says. While a TestMainBundle lives, the main bundle of the process is a folder of the test's,
 // or a bundle object of its own.
 //

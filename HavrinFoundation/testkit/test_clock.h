@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A clock that moves only when the test says so, and the run loop that follows it. While a TestClock lives, everything
 // in the process that asks for the time gets the test's: dates, delayed performs, throttling, run loops.
 //

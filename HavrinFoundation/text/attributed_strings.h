@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Attributed strings from text that may be missing, and their whole range. As messages: attributed_strings_messages.h.
 //
 //   fromOptionalString<NSAttributedString>("On air", attributes)      the text with these attributes

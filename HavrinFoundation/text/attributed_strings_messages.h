@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSAttributedString(HavrinFoundation): attributed_strings.h as messages.
 //
 //   send<"initWithOptionalString:">(alloc<NSAttributedString>(), nullptr)     an empty attributed string

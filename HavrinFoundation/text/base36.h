@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Base-36 text of signed 64-bit integers, both ways: digits 0-9, then A-Z. As messages: base36_messages.h.
 //
 //   base36Value(1'000'000)           "LFLS"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSNumber(HavrinFoundation) and NSString(HavrinFoundation), base-36: base36.h on numbers and strings, typed and as
 // messages.
 //

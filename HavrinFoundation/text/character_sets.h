@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Four named character sets, two of which the application may replace. As messages: character_sets_messages.h.
 //
 //   hexadecimal<CharacterSet>().contains(U'g')                           false

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSCharacterSet(HavrinFoundation), the four named sets: character_sets.h on character-set objects, typed and as messages.
 //
 //   hexadecimal<NSCharacterSet>()                                       the set of now as an object, new at each call

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole numbers in their compact form, for people. As a message: friendly_number_messages.h.
 //
 //   friendlyNumber(999)            "999"

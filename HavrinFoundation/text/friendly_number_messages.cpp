@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/text/friendly_number_messages.h>
 
 #include <HavrinFoundation/text/friendly_number.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSString(HavrinFoundation), compact numbers: friendly_number.h as a message.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes as hexadecimal text. As a message: hex_messages.h.
 //
 //   hexString(bytes)                   "0001abff" for the bytes 00 01 AB FF

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/text/hex_messages.h>
 
 #include <HavrinFoundation/text/hex.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSData(HavrinFoundation), hexadecimal text: hex.h on data, typed and as a message.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The SHA-256 digest of a text, in dash-separated groups. The exported plain function for strings: sha256_messages.h.
 //
 //   groupedSHA256("abc")    "ba7816bf-8f01cfea-414140de-5dae2223-b00361a3-96177a9c-b410ff61-f20015ad"

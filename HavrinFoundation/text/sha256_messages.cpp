@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/text/sha256_messages.h>
 
 #include <HavrinFoundation/text/sha256.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The exported plain function for the dash-grouped digest of a string: sha256.h.
 //
 //   HAV_SHA_256(makeString("abc"))     ba7816bf-8f01cfea-414140de-5dae2223-b00361a3-96177a9c-b410ff61-f20015ad

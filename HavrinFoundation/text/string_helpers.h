@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole ranges of a text, tests of its characters, repetition. As messages: string_helpers_messages.h.
 //
 //   nsrange("👍")                                                  {0, 2}

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSString(HavrinFoundation), ranges, character tests, repetition: string_helpers.h on strings, typed and as messages.
 //
 //   entireRange(*makeString("👍"))                                                  {0, 2}

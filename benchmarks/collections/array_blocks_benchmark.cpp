@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Filtering and transforming arrays of counted objects. Every side reads one field of each element, which is as likely to
 // pass as not, and the time ends when the result has been destroyed.
 #include "benchmarks/second_thread.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Colour codes: read into four components, written from a colour, their characters counted.
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calendar days, month and day, and added days in New York: the computation with the calendar in hand, and the whole
 // call, which finds the user's zone anew each time. Random instants over nine years.
 #include <HavrinFoundation/dates/date_arithmetic.h>

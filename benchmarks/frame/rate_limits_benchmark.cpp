@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Debouncing and throttling, one call, with one key and with a thousand in turn. Every side reads the clock at each
 // call, as its users do. "engine" is what stands under the message.
 #include <HavrinFoundation/frame/rate_limits_messages.h>

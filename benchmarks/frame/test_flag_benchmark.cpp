@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whether the application runs under a test harness, beside the look-up of an absent name.
 #include <HavrinFoundation/frame/test_flag.h>
 #include <HavrinFoundation/frame/test_flag_messages.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Six campaign parameters read out of a link of eight query items, and appended to one of two. Every side begins with
 // the link's text; appending ends with it too.
 #include <HavrinFoundation/links/utm_parameters.h>

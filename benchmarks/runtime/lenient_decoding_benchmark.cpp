@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lenient decoding beside other ways to read an array of objects of which some are bad. Every reader keeps the good
 // elements and skips the bad ones; sizes are elements, the last part of a case is the share of bad ones in percent.
 #include <HavrinFoundation/platform/decoding/json_decoder.h>

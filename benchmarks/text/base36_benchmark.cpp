@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Base-36 text, both ways. "small" is below 2,000,000, "full" all of 64 bits, both signs. Writing ends with a string in
 // upper case on every side.
 #include <HavrinFoundation/text/base36.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Compact numbers: "thousands" are 1,000 to 99,999 ("12.3k"), "all" every magnitude alike, both signs. Every side ends
 // with a string of the same text.
 #include <HavrinFoundation/text/friendly_number.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes as hexadecimal text: every side ends with a new string.
 #include <HavrinFoundation/text/hex.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dash-grouped digest of a short text, from text to text.
 #include <HavrinFoundation/text/sha256.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // "Does this text hold only characters of that set?", asked of text for which the answer is yes, so that every side goes
 // through all of it. "ascii" is the set of 63 name characters; "letters" is text of many scripts against all letters.
 #include <HavrinFoundation/platform/unicode/unicode.h>

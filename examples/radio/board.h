@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The board: a responder that observes its stations and says what is to be drawn. Everything here runs on the main queue.
 #pragma once
 

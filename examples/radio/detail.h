@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One station with everything that is known of it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "keys.h"
 
 #include <HavrinFoundation/platform/unicode/unicode.h>

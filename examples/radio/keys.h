@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is typed, as keys.
 #pragma once
 

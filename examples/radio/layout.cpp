@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "layout.h"
 
 #include <HavrinFoundation/colours/colour_arithmetic.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where things stand on a board of some width.
 #pragma once
 

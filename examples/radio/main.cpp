@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A board of radio stations in a terminal: what an application does with the library, on one screen.
 #include "board.h"
 #include "keys.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "saved_state.h"
 
 #include <HavrinFoundation/colours/hex_codes.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the board keeps from one run to the next: a keyed archive in a file.
 #pragma once
 

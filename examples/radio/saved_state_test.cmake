@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Runs the board again and again over one state file:
 #   cmake -DRADIO=the program -DFOLDER=a folder of the test's own -P saved_state_test.cmake
 file(REMOVE_RECURSE ${FOLDER})

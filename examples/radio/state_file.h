@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file that is replaced as a whole or not at all, and that is set aside, never thrown away, when it is damaged.
 #pragma once
 

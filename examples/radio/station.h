@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One radio station: as it stands in a file, and as the object that the board observes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The studios: threads that change songs and listener counts while the board looks on.
 #pragma once
 

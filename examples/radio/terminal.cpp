@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "terminal.h"
 
 #include <HavrinFoundation/platform/application/process_info.h>

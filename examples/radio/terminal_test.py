@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Drives the board in a pseudo terminal, through a shell, and compares screens.
 
   terminal_test.py PROGRAM FOLDER        the board, and a folder of the test's own

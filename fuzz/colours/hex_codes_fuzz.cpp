@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Cleaning and reading colour codes: what is read is written back as the cleaned digits, and cleaning twice changes
 // nothing.
 #include <HavrinFoundation/colours/hex_codes.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A link and six texts: what is appended is what is read, and the rest of the link keeps its text.
 #include <HavrinFoundation/links/utm_parameters.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // JSON under lenient decoding, against a plain reading of the same text: both take the same documents, and keep the same
 // elements of every array in them, as every type.
 #include "plain_value.h"

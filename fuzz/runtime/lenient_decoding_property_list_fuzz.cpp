@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Property lists under lenient decoding, against a walk over the same tree: every array in it keeps the same elements, as
 // every type.
 #include "plain_value.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A document read the plain way, and what each type makes of its values: what lenient decoding is compared with. Shares no
 // code with the decoders; numbers are read by the C library.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading base-36 text: takes what the standard library takes whole, and what is written from it reads back.
 #include <HavrinFoundation/text/base36.h>
 

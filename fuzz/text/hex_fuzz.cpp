@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hexadecimal text: reads back to the bytes, whichever body wrote it.
 #include <HavrinFoundation/platform/base/wide_instructions.h>
 #include <HavrinFoundation/text/hex.h>

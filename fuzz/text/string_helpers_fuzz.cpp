@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Character tests: the input's first line gives the members of a set (behind a "^", all others), the rest is text. In
 // UTF-8 and in UTF-16, by the plain and by the wide body, the answers are those of a look at one scalar after the other.
 #include <HavrinFoundation/platform/base/wide_instructions.h>

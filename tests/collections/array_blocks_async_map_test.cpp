@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The asynchronous map: order, unwinding, independent continuations, threads.
 #include "../objects.h"
 #include <HavrinFoundation/collections/array_blocks_messages.h>

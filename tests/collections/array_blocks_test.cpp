@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The block operations that finish before they return. The asynchronous map: array_blocks_async_map_test.cpp.
 #include "../objects.h"
 #include <HavrinFoundation/collections/array_blocks_messages.h>

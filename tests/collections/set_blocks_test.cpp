@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../objects.h"
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
 #include <HavrinFoundation/collections/set_blocks_messages.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../testing.h"
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/colours/hex_codes_messages.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The program that every consumer builds: both surfaces, a class of its own that overrides a message, and the exported
 // data. Says what went wrong, and ends with 1.
 #include <HavrinFoundation/HavrinFoundation.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A program of typed forms alone, which links HavrinFoundation::Typed and nothing else of the library.
 #include <HavrinFoundation/Typed.h>
 

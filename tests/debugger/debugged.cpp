@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One value of each kind that the debugger shows. Behind "//>" stands an expression, and behind the arrow what gdb must
 // print for it at the end of main, where "#" is an address.
 #include <HavrinFoundation/HavrinFoundation.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Stops debugged.cpp under gdb and compares what it prints with the lines "//> expression => pattern" in it.
 
 Arguments: gdb, the printers, the program, its source. With "classes" as a fifth one, the program lacks the library's debug

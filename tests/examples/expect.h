@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the results that headers' examples promise are compared. It knows no header of the library.
 #pragma once
 

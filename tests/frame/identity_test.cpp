@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../testing.h"
 #include <HavrinFoundation/frame/identity.h>
 #include <HavrinFoundation/frame/not_localized.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../testing.h"
 #include <HavrinFoundation/frame/main_queue.h>
 #include <HavrinFoundation/frame/main_queue_mark.h>

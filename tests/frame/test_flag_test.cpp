@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../objects.h"
 #include <HavrinFoundation/frame/test_flag.h>
 #include <HavrinFoundation/frame/test_flag_messages.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../testing.h"
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/unfair_lock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Code that clang's thread-safety analysis must reject: access without the lock, and a lock never released.
 #include <HavrinFoundation/frame/unfair_lock.h>
 

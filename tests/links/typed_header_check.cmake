@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Preprocesses HEADER and fails where it brings in a header of the project that is not ALLOWED: a typed form of a value
 # facility must pull in no object runtime.
 cmake_minimum_required(VERSION 3.25)

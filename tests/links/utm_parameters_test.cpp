@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../testing.h"
 #include <HavrinFoundation/links/utm_parameters.h>
 #include <HavrinFoundation/platform/net/url_components.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../platform/observing/observed_objects.h"
 #include "../testing.h"
 #include <HavrinFoundation/observation/key_value_observation_messages.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Misuse that must not compile: HAVRIN_CASE chooses one.
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../objects.h"
 #include <HavrinFoundation/text/attributed_strings.h>
 #include <HavrinFoundation/text/attributed_strings_messages.h>

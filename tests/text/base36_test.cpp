@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../testing.h"
 #include <HavrinFoundation/text/base36.h>
 #include <HavrinFoundation/text/base36_messages.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Arguments that must not compile: one a case, and none in case 0.
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/links/utm_parameters.h>

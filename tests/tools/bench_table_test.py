@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Gives tools/bench_table.py one made-up run and reads the table: medians, units, verdicts, names that did not run."""
 import json
 import pathlib

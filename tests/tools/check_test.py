@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Plants one fault at a time into a small sound tree and wants tools/check to name it."""
 import pathlib
 import subprocess

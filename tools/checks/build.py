@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The dev build, for the checks that need something built."""
 import os
 import subprocess

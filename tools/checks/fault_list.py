@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The faults of tests/faults.txt, for tools/faults, which tries them, and tools/check, which wants them up to date."""
 import dataclasses
 

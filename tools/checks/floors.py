@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """floors: the order of the layer's folders, read from the built objects.
 
 What the objects of a folder leave undefined is defined in the same folder, in a lower one, or by a third party; the

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """format: every C++ file is as clang-format 14 writes it (.clang-format)."""
 import subprocess
 

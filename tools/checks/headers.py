@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """headers: every public header compiles alone (CMake's own targets over the header sets)."""
 from checks import build
 

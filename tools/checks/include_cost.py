@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """include-cost: what a file pays for an include: processor time of a syntax check against that of <string> alone.
 
 Prints the five heaviest of the umbrella header and the rooms' headers. Times vary from run to run by a third, which the

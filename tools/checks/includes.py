@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """includes: every block of includes stands in one order (tools/check --update-includes writes it).
 
 A source's own header; our own headers; third parties; the standard library and the system. Each part is sorted and

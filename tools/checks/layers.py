@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """layers: who may include whom. The tables below are the house rules; a new arrow is a new line here, with its reason.
 
 The rooms include the layer and not one another, the layer includes no room, and its own folders are in one order, in

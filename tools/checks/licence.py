@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """licence: every source file names its licence, in its first line or, below "#!", in its second."""
 import pathlib
 import re

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """names: docs/names.md and the headers of the rooms tell the same.
 
 Every typed form and selector that the page lists under a facility stands in the facility's headers, and every selector

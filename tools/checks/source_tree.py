@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """The files that the checks read: what git tracks and what it would track, by paths from the root."""
 import functools
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """symbols: what the shared libraries show, against tools/symbols/*.txt.
 
 The lists hold, by library, what runs at load ("at load"), the plain functions and data ("plain"), and the C++ names

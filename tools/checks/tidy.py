@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """tidy: clang-tidy 14 over the changed sources of the library and the examples (.clang-tidy: what is asked, and why).
 
 Changed means: since --since, else since the branch left origin/main, else, on main itself, in its last ten commits.

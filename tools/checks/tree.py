@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """tree: one facility, one basename, everywhere.
 
 Every facility has its test and every file stands in its folder's list; tests, fuzz bodies and benchmarks bear the name

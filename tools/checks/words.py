@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """words: the tree speaks of the system alone.
 
 Names of planning papers, of places outside the tree, of package servers, and notes left for later do not belong in it;

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """How gdb shows the library's values. Installed where gdb loads it together with the libraries; in a build tree:
 
   (gdb) source tools/gdb/havrin_printers.py

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSBundle: a folder with a program or its resources, and the values of its Info.plist.
 //
 //   const auto bundle = NSBundle::mainBundle();                            the folder of the program

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSProcessInfo: the environment of the process and the version of the system.
 //
 //   NSProcessInfo::processInfo()->environmentValue("HOME")            "/home/listener"

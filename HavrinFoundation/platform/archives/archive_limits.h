@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The limits on archives, for the reader and the writer: an archive that would not be read is not written. Internal to
 // archives/.
 #pragma once

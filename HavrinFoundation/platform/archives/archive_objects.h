@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The objects decoded from an archive so far, by UID. Internal to archives/.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The decoder of a keyed archive. Objects are made when they are first decoded. Internal to archives/.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/archives/archive_writer.h>
 
 #include <HavrinFoundation/platform/foundation/coding_protocols.h>

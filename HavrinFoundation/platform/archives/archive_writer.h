@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The encoder of a keyed archive; keyed_archive.h describes the format. Internal to archives/.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Encoding and decoding of attributed strings; archived_forms.cpp describes the format. Internal to archives/.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The registry of archived classes by name, and the archived forms of the layer's own classes. Internal to archives/.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The archived forms of the layer's classes, with encoding and decoding side by side.
 //
 //   NSString, NSNumber, NSData      the value itself

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The escaping of keys in an archive. Internal to archives/.
 #pragma once
 

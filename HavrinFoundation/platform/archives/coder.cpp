@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/archives/coder.h>
 
 #include <HavrinFoundation/platform/foundation/dictionary.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSCoder: the interface by which objects encode themselves into an archive and decode themselves, value by value, each
 // under a key.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The format of keyed archives, with checks of everything but the objects themselves. Internal to archives/.
 //
 // An archive is a property list. Its top dictionary holds "$objects", the array of all objects, and "$top", whose

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSKeyedArchiver: objects into a keyed archive, in the binary form, which NSKeyedUnarchiver reads.
 //
 //   Strong<NSError> why;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 
 #include <HavrinFoundation/platform/archives/archive_reader.h>

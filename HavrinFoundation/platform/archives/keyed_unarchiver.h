@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSKeyedUnarchiver: objects out of a keyed archive, in its binary form or as XML.
 //
 //   Strong<NSError> why;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/archives/property_list_objects.h>
 
 #include <HavrinFoundation/platform/foundation/array.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Conversion of property lists to objects. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two clocks, and the one place where a test replaces them.
 //
 //   double start = monotonicSeconds();

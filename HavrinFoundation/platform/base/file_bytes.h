@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Small files, read whole. Internal.
 #pragma once
 

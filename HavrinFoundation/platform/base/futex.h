@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sleeping on a 32-bit word until another thread changes it. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hexadecimal digits: the one table of them, reading one, writing bytes as digits. Internal to the library.
 //
 //   kUpperHexDigits[0xB]         'B'

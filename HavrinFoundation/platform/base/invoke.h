@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // std::invoke for public headers: <functional> costs a file that includes it as much as <string> does.
 //
 //   detail::invoke([](int n) { return n + 1; }, 1)      2

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a lock reports to clang's static analysis and to the thread sanitizer.
 //
 //   struct Counter {

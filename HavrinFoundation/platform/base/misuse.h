@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the layer stops a program that breaks a rule which no caller could handle: one line, then abort.
 #pragma once
 

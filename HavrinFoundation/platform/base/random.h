@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Random numbers, and the one place where a test replaces them.
 //
 //   havrin::arc4random_uniform(6)        0 to 5, each equally likely

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ranges of values, and ranges of UTF-16 units in strings.
 //
 //   Range<int>{2, 5}          2, 3, 4; empty when both bounds are equal

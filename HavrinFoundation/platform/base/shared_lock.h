@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A lock that many readers or one writer hold, for tables that are read far more often than changed. Internal.
 //
 //   SharedLock lock;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The types of arguments that a function with a std::int64_t parameter accepts when it must not convert silently.
 //
 //   kFitsInt64<int>                      true

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A text as a template argument: selectors and keys are string literals in the source.
 //
 //   Text("title").view()                    "title"

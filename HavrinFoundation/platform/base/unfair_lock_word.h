@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A lock in one 32-bit word that knows its owner. The typed lock is frame/unfair_lock.h, the box frame/locked.h.
 //
 //   os_unfair_lock word{};                          free

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Universally unique identifiers (RFC 9562).
 //
 //   UUID::fromString("e621e1f8-c36c-495a-93fc-0c247a3e6e5f")->uuidString()     "E621E1F8-C36C-495A-93FC-0C247A3E6E5F"

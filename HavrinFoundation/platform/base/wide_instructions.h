@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Loops over bytes that use the processor's wide instructions (AVX2) where it has them. Internal to the library.
 //
 //   if (size >= kWideHexBytes && hasWideInstructions()) return writeHexDigitsWide(bytes, size, out);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/crypto/sha256.h>
 
 // The one-shot functions look the digest up by name at every call, which costs ten times the digest of a short text.

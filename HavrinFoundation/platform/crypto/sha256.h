@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SHA-256 digests of bytes.
 //
 //   sha256({})          e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855

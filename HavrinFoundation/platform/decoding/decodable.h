@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rules by which types are decoded. Included by decoding.h.
 //
 //   struct Station {

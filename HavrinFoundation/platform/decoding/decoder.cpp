@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/decoding/decoder.h>
 
 #include <HavrinFoundation/platform/decoding/keyed_decoding_container.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One value of decoded data, about to become a value of the caller's. Comes with decoding.h.
 //
 //   static Decoded<Station> fromDecoder(Decoder& decoder) {

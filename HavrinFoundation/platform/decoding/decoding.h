@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decoding of the caller's types from documents of any format.
 //
 //   struct Station {

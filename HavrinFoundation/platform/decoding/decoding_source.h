@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a format implements to be decoded from: one class that answers for the values of a document. Everything else
 // (types, paths, skipping, nested containers) is built on it in decoding.h and behaves alike for every format.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decoding from JSON (RFC 8259).
 //
 //   JSONDecoder json;

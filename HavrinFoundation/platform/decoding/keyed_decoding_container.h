@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The values of an object, looked up by key. Included by decoding.h.
 //
 //   JSONDecoder json;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decoding from property lists, in the binary or the XML form.
 //
 //   const PropertyListDecoder decoder;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/decoding/scalar_target.h>
 
 #include <HavrinFoundation/platform/documents/digit_words.h>

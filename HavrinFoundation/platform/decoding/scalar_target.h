@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where one scalar goes while it is decoded: a boolean, an integer of some width, a floating-point number or a text of
 // the caller's. A decoder passes the value in its data; the target takes it or reports why it does not fit. So the
 // rules below hold for every format and are written once.

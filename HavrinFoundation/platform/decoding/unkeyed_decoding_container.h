@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The values of an array, decoded one after the other. Included by decoding.h.
 //
 //   JSONDecoder json;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/dispatch/created_queue_state.h>
 
 #include <HavrinFoundation/platform/dispatch/execution_frame.h>

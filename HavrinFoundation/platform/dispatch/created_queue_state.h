@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The queues that programs make. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The delayed work of one mode of one run loop. Internal to the layer; used on one thread.
 //
 // A heap finds the request that is due next, a hash table the requests with a key. Debouncing moves one request's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The queues whose closures a thread is running: a chain of frames on its stack. Internal to the layer.
 //
 // A closure's frame points to the frames of the queues through which its queue ran when it began. Questions about the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How the main run loop calls a foreign event loop. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main queue inside a foreign event loop. A program whose main thread already waits in another loop gives it
 // one descriptor to watch, and calls one function when the descriptor is readable.
 //

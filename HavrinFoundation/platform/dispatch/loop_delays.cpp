@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/dispatch/loop_delays.h>
 
 #include <algorithm>

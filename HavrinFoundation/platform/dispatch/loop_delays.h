@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The delayed work of one run loop, over all of its modes. Internal to the layer; used on the loop's thread.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How one thread sleeps until there is work for it. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main queue. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The modes of one run loop, and the posted work and the sources that keep them attached. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Something that happens once in a process.
 //
 //   static dispatch_once_t once;

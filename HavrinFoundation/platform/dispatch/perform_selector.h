@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Messages that are sent later, or on another thread, named by their selectors.
 //
 //   performSelectorAfterDelay(*field, selector<"search">, nullptr, 0.3);       send<"search">(field) in 0.3 s

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dispatch queues: closures run in order, one at a time or side by side, somewhere else or here.
 //
 //   DispatchQueue line = dispatch_queue_create("com.example.line", DISPATCH_QUEUE_SERIAL);

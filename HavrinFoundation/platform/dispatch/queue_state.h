@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object behind a reference to a queue. Internal to the layer.
 #pragma once
 

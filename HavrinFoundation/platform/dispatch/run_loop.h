@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Run loops: one per thread, made at the thread's first use of it. A run loop runs delayed work when it is due and
 // posted work when it arrives; the main thread's also runs the main queue.
 //

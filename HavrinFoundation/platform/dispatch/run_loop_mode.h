@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pending work of one mode of one run loop. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An event from outside that keeps a run loop waiting, and the handler that runs when it occurs.
 //
 //   RunLoopSource arrived([&] { read(); });       the calling thread's loop waits, also when it has no work

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 
 #include <HavrinFoundation/platform/base/clock.h>

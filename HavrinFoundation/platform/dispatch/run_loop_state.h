@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A run loop and the parts that do its work. Internal to the layer: what only the layer calls is here.
 #pragma once
 

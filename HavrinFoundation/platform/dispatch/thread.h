@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Threads as objects: one for each thread, however the thread was started.
 //
 //   NSThread::currentThread() == NSThread::currentThread()         true

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A closure that is run once: what queues and run loops store. Closures of at most three words, blocks among them, are
 // stored inside it without an allocation. For dispatch_async and RunLoop::perform, which are templates.
 //

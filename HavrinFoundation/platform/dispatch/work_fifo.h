@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A first-in, first-out list of closures. Not thread-safe; its owner guards it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/dispatch/worker_pool.h>
 
 #include <HavrinFoundation/platform/base/futex.h>

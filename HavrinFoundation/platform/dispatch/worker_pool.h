@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The global queue and the threads behind it. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Random access to the objects of a binary property list, by object number and without building a tree: the reader of
 // keyed archives needs only some of them. Internal to the layer.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Builds the tree of a binary property list.
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes the binary form of property lists, object by object. Internal to the layer.
 //
 //   BinaryPropertyListWriter list;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The path of keys and indexes that leads to a value in decoded data.
 //
 //   const CodingPath path{CodingKey("stations"), CodingKey(12), CodingKey("listeners")};

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decoding errors, used both as values and as exceptions.
 //
 //   const auto error = DecodingError::typeMismatch("a 64-bit integer", Found::string, "many");

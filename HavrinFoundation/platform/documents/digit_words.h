@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Decimal digits, eight at a time. For the project's own sources.
 //
 //   const std::uint64_t word = loadWord("1234,567");

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the tokens of a JSON text begin: the first of the two passes over a document. Internal to the JSON decoder.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/documents/json_tokens.h>
 
 #include <HavrinFoundation/platform/documents/digit_words.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A JSON document as the offsets of its tokens in the text. Numbers stay text until they are decoded, so that no digit
 // is lost. Internal to the JSON decoder.
 //

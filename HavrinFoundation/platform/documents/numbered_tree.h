@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The parts of a property list that was read from XML, by number, with the interface of BinaryPropertyList: the reader
 // of keyed archives works with object numbers in both forms. Internal to the layer.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/documents/property_list.h>
 
 #include <HavrinFoundation/platform/documents/binary_property_list.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Property lists: trees of dictionaries, arrays, text, bytes, numbers, booleans and dates, the format of settings,
 // bundles and keyed archives. Reads the binary and the XML form, writes the binary form.
 //

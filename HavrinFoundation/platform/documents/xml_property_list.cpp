@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/documents/xml_property_list.h>
 
 #include <expat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The XML form of property lists. Internal to the layer.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSArray and NSMutableArray: objects in order.
 //
 //   const auto names = makeArray({makeString("Nord"), makeString("Sud")});

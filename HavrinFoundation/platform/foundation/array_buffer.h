@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The growable storage that array snapshots share.
 //
 // A buffer is reached through handles, which are its arrays: each is a length, and its elements are the slots before

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSAttributedString and NSMutableAttributedString: text whose parts carry attributes.
 //
 //   auto title = make<NSAttributedString>(makeString("On air"), makeDictionary({{makeString("NSLink"), link}}));

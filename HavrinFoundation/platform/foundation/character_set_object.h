@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSCharacterSet and NSMutableCharacterSet: a set of Unicode scalars as an object.
 //
 //   Strong<NSCharacterSet> vowels = makeCharacterSet(CharacterSet("aeiou"));

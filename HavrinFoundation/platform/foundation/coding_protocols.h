@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What classes promise to archives, by adopting a protocol.
 #pragma once
 

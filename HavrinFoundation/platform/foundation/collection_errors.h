@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What collections throw, with receiver and selector in the reason. For the project's own sources.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What elements contribute to the hash of the collection that they are in. For the project's own sources.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Comparing and describing collections that are nested to any depth, in bounded stack. For the project's own sources.
 #pragma once
 

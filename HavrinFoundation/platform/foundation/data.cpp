@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/data.h>
 
 #include <HavrinFoundation/platform/base/hex_digits.h>

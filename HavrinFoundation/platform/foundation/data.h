@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSData and NSMutableData: bytes as an object.
 //
 //   Strong<NSData> d = makeData("abc");                   the bytes of a text

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSDictionary and NSMutableDictionary: values found by equal keys.
 //
 //   Strong<NSDictionary> d = makeDictionary({{makeString("kind"), makeNumber(1)}});

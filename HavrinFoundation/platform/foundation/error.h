@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSError: what went wrong, as a domain, a code within it, and details for people and developers.
 //
 //   const auto error = make<NSError>(NSCocoaErrorDomain, 4864, makeDictionary({{NSDebugDescriptionErrorKey, why}}));

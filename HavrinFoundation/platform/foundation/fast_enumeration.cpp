@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 
 #include <HavrinFoundation/platform/object/class.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fast enumeration: how a collection hands out its objects in batches, and the loop over it.
 //
 //   for (NSObject* object : each(stations)) ...          NSException (Generic) when the collection is changed meanwhile

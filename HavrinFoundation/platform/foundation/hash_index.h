@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Positions by hash: the open-addressing index behind the layer's tables. The entries themselves are the caller's, in a
 // vector or wherever a position finds them. Internal to the layer.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSIndexSet: a set of positions, kept as ascending ranges.
 //
 //   const auto places = makeIndexSet({2, 0, 2});

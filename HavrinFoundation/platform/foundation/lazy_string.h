@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Constant strings that become objects at their first use, for names that no image lists.
 //
 //   inline constinit const LazyString kKind{"kind"};

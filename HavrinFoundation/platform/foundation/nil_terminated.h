@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A list of objects in a call, ended by null.
 //
 //   send<"arrayByCombiningElementsOfArrays:">(classOf<NSArray>(), nilTerminated(first, second, nullptr))

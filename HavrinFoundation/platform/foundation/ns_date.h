@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSDate: an instant as an object.
 //
 //   NSDate::date()->value()                                        Date::now()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSDateFormatter: dates as text and back, by a pattern, as an object whose settings may change.
 //
 //   Strong<NSDateFormatter> formatter = make<NSDateFormatter>();      the user's locale, calendar and zone

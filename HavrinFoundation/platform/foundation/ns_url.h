@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSURL: a link as an object.
 //
 //   const auto page = NSURL::URLWithString(makeString("https://h/a/b/c"));

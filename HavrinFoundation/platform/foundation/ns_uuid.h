@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSUUID: a universally unique identifier as an object.
 //
 //   alloc<NSUUID>()->initWithUUIDString(makeString("e621e1f8-c36c-495a-93fc-0c247a3e6e5f"))->uuidString()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSNumber: a boolean, an integer or a real as an object. NSNull: the null object, for use in collections.
 //
 //   makeNumber(3)->isEqual(makeNumber(3.0))        true: by value, whatever the type; true == 1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The hash table under the collections that find objects by equality: entries in the order of their insertion, found by
 // their key's `hash` and `isEqual`. Up to eight entries are searched without an index.
 //

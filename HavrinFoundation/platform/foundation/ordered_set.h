@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSOrderedSet and NSMutableOrderedSet: objects, each once, in order.
 //
 //   const auto songs = makeOrderedSet({makeString("b"), makeString("a"), makeString("b")});

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSSet and NSMutableSet: objects, each once, found by equality.
 //
 //   const auto genres = makeSet({makeString("jazz"), makeString("news"), makeString("jazz")});

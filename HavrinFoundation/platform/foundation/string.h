@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSString and NSMutableString: text as UTF-16 units. Text below U+0080 is stored one byte a unit.
 //
 //   Strong<NSString> s = makeString("a👍");     // from UTF-8, ill-formed parts as U+FFFD

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSValue: a range as an object, and how messages that give or take ranges are called with objects.
 //
 //   NSValue::valueWithRange({2, 5})->rangeValue()                            {2, 5}

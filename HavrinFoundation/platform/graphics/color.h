@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A colour as components in a colour space.
 //
 //   const CGColor orange(CGColorSpace::extendedSRGB(), {1.0, 0.5, 0.0, 1.0});

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UIResponder: what views and view controllers are. Here it is the class that observations are attached to.
 //
 //   class Board : public Object<Board, UIResponder> { ... };

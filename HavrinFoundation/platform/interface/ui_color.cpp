@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/interface/ui_color.h>
 
 #include <HavrinFoundation/platform/foundation/number.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UIColor: a colour as an object.
 //
 //   Strong<UIColor> orange = UIColor::orangeColor();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/log/log.h>
 
 #include <HavrinFoundation/platform/base/clock.h>

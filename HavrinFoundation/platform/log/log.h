@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Log handles, and writing lines to standard error through them.
 //
 //   os_log_t log = os_log_create("com.havrin", "network");

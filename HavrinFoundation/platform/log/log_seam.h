@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where tests see each creation of a log handle, with the pointers as the caller gave them. Internal.
 #pragma once
 

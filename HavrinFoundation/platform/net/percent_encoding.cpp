@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/net/percent_encoding.h>
 
 #include <HavrinFoundation/platform/base/hex_digits.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Percent escapes of query text, both ways. Internal to net/.
 //
 //   percentDecoded("a%20b%C3%A9+")   "a bé+"

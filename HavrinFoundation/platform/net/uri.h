@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The grammar of links: splitting a URI reference into its parts, checking it, resolving it. Internal to net/.
 //
 //   splitUri("//h/p?q").authority                         "h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A link: its text as it was written and, where it is a relative one, the link it is seen from.
 //
 //   URL::fromString("https://h/p?a=1")                        the link

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A link taken apart: its parts as they are written, and its query as a list of items that can be read and replaced.
 //
 //   auto parts = URLComponents::fromUrl(*URL::fromString("https://h/p?a=1&b#f"), BaseURL::ignored);

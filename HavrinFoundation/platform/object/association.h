@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values attached to objects that have no field for them, released after the object's destructors have run.
 //
 //   setAssociatedValue(*responder, selector<"keyValueObservations">, tokens);

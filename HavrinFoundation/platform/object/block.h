@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Blocks: closures that are shared by reference count. A parameter's type says whether the callee keeps what it is
 // given: `BlockView` borrows for the length of the call and never allocates, `Block` is kept.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Values as objects and back, for messages sent by name and for values read by key. The number functions are those of
 // foundation's NSNumber.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What keeps the receiver and the arguments of a message alive for the call. For the rows of members.h and category.h.
 //
 // A method may run code of the program: an override, a block, an observer, a destructor. Such code may drop the last

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Categories: methods added to a class of another library, and the image that lists them.
 //
 //   namespace {

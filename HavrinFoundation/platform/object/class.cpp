@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/object/class.h>
 
 #include <HavrinFoundation/platform/base/shared_lock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Classes at run time. Class objects are objects with classes of their own (metaclasses): they stand in collections,
 // receive messages and carry associated values. One per type in the whole process, built at first use.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The platform's exception: a name that programs test, and a reason that people read.
 //
 //   try { array->objectAtIndex(9); } catch (const NSException& e) { e.name() == NSRangeException; }

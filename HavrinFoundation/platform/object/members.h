@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a class says what it is made of, without macros.
 //
 //   class Station : public Object<Station, NSObject> {

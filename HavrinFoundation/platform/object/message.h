@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Messages: declared once, sent by selector, found at run time in the receiver's class.
 //
 //   template <> struct Message<NSArray, "select:"> : Signature<Strong<NSArray>(Predicate)> {};

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NSObject: the root of every class.
 //
 //   Strong<NSObject> a = make<NSObject>();

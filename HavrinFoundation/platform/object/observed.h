@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the runtime asks of key-value observing, which implements it.
 #pragma once
 

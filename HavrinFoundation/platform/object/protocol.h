@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Protocols: named promises that classes adopt.
 //
 //   struct Playable : Protocol<Playable> {};

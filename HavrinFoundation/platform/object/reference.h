@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // References to objects: `Strong` owns a share, `Weak` reads nil from the moment the last share goes.
 //
 //   Strong<Station> station = make<Station>("Nord");   // counts and class are in front of the object

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Selectors: the names of messages.
 //
 //   selector<"select:">                    what the source writes; one per image, its address means nothing

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One change of one key on its way to the observers: values read and observers notified before it, and after it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The dictionary that describes a change to observers: four fixed slots instead of a table.
 //
 //   change->objectForKey(NSKeyValueChangeKindKey)       NSNumber, 1 to 4

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What has been found out about a key of a class, kept until the methods of any class change.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/observing/key_facts.h>
 
 #include <HavrinFoundation/platform/object/category.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What observing asks a class about a key.
 #pragma once
 

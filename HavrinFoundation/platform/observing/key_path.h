@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Key paths that the compiler checks: a key that the class has no message for does not compile.
 //
 //   station->addObserver(watcher, keyPath<Station, "host.name">, NSKeyValueObservingOptionNew, nullptr);

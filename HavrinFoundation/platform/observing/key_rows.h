@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a class has for a key: the rows that key-value coding and observing go through.
 #pragma once
 

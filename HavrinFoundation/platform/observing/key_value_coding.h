@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Key-value coding: properties read and set by a name that is known only at run time.
 //
 //   station->valueForKey(makeString("listeners"))                  NSNumber: numbers and booleans are boxed

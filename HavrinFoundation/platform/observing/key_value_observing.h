@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Key-value observing: notifications of changes of the value under a key, or at the end of a path of keys.
 //
 //   class Watcher : public Object<Watcher, NSObject> {

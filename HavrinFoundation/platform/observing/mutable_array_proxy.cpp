@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The array that `mutableArrayValueForKey` hands out: it reads the property at every use, and every change goes to the
 // property with a notification that says what was inserted, removed or replaced.
 #include <HavrinFoundation/platform/foundation/array.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which objects can be observed.
 #pragma once
 

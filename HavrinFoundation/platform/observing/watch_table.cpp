@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/observing/watch_table.h>
 
 #include <HavrinFoundation/platform/object/observed.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which observers watch which key of which object: one table for the process, read without a lock.
 //
 //   const Pin pin(object);                          what the table holds for the object keeps its memory from here on

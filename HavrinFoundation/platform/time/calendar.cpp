@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/time/calendar.h>
 
 #include <HavrinFoundation/platform/time/civil.h>

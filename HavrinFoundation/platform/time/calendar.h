@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The user's calendar: days, months and the wall clock.
 //
 //   const Calendar calendar(CalendarIdentifier::gregorian, *TimeZone::named("America/New_York"));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The civil days of day numbers in the Gregorian calendar, whose days before 15 October 1582 are Julian. Internal.
 //
 //   civilDayOf(0)                      1970-01-01

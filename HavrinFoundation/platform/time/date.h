@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Instants.
 //
 //   Date::fromTimeIntervalSince1970(1.5)                      1.5 s after 1970-01-01 00:00:00 UTC

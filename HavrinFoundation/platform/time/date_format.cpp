@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/time/date_format.h>
 
 #include <HavrinFoundation/platform/time/icu_format.h>

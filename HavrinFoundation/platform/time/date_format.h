@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dates as text, and text as dates, by patterns (Unicode Technical Standard 35, part 4, "Date Field Symbols").
 //
 //   const Calendar gmt(CalendarIdentifier::gregorian, TimeZone::gmt());

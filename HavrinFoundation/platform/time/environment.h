@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The environment variables that decide zone and locale, read anew in one pass. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/time/icu_format.h>
 
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>

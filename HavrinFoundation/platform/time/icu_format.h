@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whole language of date patterns, by ICU, with offsets from the system's zone files. Internal.
 #pragma once
 

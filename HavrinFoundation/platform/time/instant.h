@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dates as whole seconds since 1970 and a fraction, inside the range of every calendar. Internal.
 #pragma once
 

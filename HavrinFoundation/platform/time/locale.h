@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Locales: whose words and whose calendar.
 //
 //   Locale("de_DE.UTF-8").identifier()                 "de_DE"

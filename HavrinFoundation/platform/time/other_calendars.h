@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calendars that are not Gregorian: what ICU is asked for. Internal.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The usual part of the language of date patterns, compiled: Gregorian dates and clock times in digits and names.
 // Internal.
 //

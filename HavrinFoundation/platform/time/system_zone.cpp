@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/time/system_zone.h>
 
 #include <HavrinFoundation/platform/base/clock.h>

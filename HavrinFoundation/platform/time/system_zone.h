@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where zones are found: the zone files, the link to the system's zone, and the answer to TZ. Internal.
 #pragma once
 

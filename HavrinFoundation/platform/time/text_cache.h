@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Answers worked out from a text that rarely changes, such as an environment variable. Internal.
 //
 //   constinit TextCache<const ZoneRules*> zones;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Time zones: by name, and the one in which the user lives.
 //
 //   TimeZone::current().name()                                  "Europe/Paris"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The offsets of one zone as a sorted table: the arithmetic between instants and wall clocks. Internal.
 //
 //   offsetAt(0)                New York: -18000

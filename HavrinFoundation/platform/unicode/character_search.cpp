@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The search of CharacterSet: runs of ASCII text go through a loop over many bytes at a time, everything else through
 // the set's pages.
 #include <HavrinFoundation/platform/unicode/character_set.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/unicode/character_set.h>
 
 #include <HavrinFoundation/platform/unicode/character_set_storage.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sets of Unicode scalars, and the search for their members in text.
 //
 //   CharacterSet vowels("aeiou");

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a CharacterSet shares: a bit for each scalar, in planes of 65,536 of which empty ones beyond the first are not
 // stored, and the members below U+0080 once more in the form that the wide search loads. For the sources of
 // CharacterSet only.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UTF-8 and UTF-16 text: reading it scalar by scalar, converting, measuring, counting characters.
 //
 //   utf16("a\xF0\x9F\x91\x8D")                 u"a👍", 3 units

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading a keyed archive into objects, beside a property-list library that makes a tree of it first. The archive holds
 // an array of 3,333 instances, each with a name, a genre of its own and a number: 10,000 objects.
 #include "benchmarks/second_thread.h"

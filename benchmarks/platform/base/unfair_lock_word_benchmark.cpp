@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The lock word, and references to objects, in a process that has one thread. There the standard library counts and
 // locks without locked instructions; ours are the same as ever. Nothing here may start a thread.
 #include "benchmarks/locks.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Digests of bytes.
 #include <HavrinFoundation/platform/crypto/sha256.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main queue beside other libraries' loops: asking whether one is on it, posting to it, and how long a post takes
 // to be run. "post/share" is what the poster spends; "post/run" posts from another thread until all has been run;
 // "post/asleep" wakes another thread, which posts to the loop that sleeps meanwhile. The times of the first two are those of the

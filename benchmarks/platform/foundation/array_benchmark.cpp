@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Copying, adding to and reading arrays of counted objects.
 #include "benchmarks/second_thread.h"
 #include <HavrinFoundation/platform/foundation/array.h>

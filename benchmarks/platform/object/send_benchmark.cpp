@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sends, performs by name, class tests and references against what C++ and other object systems do.
 // "one" sends to one class, "mixed" to eight classes in random order.
 #include "benchmarks/second_thread.h"

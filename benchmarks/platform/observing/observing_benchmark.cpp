@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A change on its way to observers, against the signals of other systems. The property is an integer in all of them, set
 // through its setter; observers count.
 #include "benchmarks/second_thread.h"

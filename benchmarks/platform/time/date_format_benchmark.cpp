@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The date line of a protocol header: random instants over nine years as "Tue, 05 Mar 2024 14:30:00 GMT".
 #include <HavrinFoundation/platform/time/date_format.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Characters counted as a reader counts them: a colour code of nine units, and text of many scripts.
 #include <HavrinFoundation/platform/unicode/unicode.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An application's class as archives meet it, with a field of each kind, and what is expected of archives of it.
 #pragma once
 

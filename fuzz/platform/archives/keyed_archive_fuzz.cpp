@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes of a keyed archive in either form, read with and without secure coding: objects come back or an error says why
 // not; what came back can be written, and from then on reading and writing change nothing; nothing leaks.
 #include "archived_node.h"

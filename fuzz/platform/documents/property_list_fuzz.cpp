@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bytes of a property list in either form: what is read is written, and what was written reads as the same and is written
 // alike; objects are given by number without looking outside the data.
 #include <HavrinFoundation/platform/documents/binary_property_list.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Two lines, a base and a reference: what is accepted joins again to its text, and resolving gives a link that stays as
 // it is when it is resolved once more.
 #include <HavrinFoundation/platform/net/uri.h>

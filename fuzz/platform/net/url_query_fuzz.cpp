@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A query and the text of a new item: items that were read are written back as they stood, read again they are the
 // same, and a new item reads as what it was made of.
 #include <HavrinFoundation/platform/net/url_components.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Two lines, a pattern and a text: what our own steps write is what ICU writes, and what is read is an instant that the
 // format writes to a text that reads as the same instant, whenever the pattern has all that an instant needs.
 #include <HavrinFoundation/platform/time/civil.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The bytes of a zone file: refused, or rules whose offsets stay within a day of Greenwich and whose wall clock leads
 // back to the instant it was read at.
 #include <HavrinFoundation/platform/time/instant.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Text of any bytes: what is repaired is well-formed and stays as it is, conversions agree with their lengths, and
 // characters counted at once are those taken off one by one.
 #include <HavrinFoundation/platform/unicode/unicode.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Does what docs/first-steps.md says, with the blocks as they stand there: makes the project in ${folder} from them, builds
 # it against the tree installed at ${prefix}, and compares what the program prints with what the page shows.
 file(READ ${page} text)

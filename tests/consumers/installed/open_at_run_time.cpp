@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Knows the typed forms alone, and opens the library of objects at run time with its names kept apart from the program's:
 // its exported names are found unadorned, and it stays when it is closed.
 #include <HavrinFoundation/Typed.h>

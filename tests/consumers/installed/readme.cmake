@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Makes a program of the C++ blocks of ${readme}: the first holds the includes, each other one becomes a function.
 file(READ ${readme} text)
 string(REPLACE ";" "\\;" text "${text}")

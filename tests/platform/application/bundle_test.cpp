@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../../objects.h"
 #include "../../temporary_folder.h"
 #include <HavrinFoundation/platform/application/bundle.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Archives of the binary form, put together object by object.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What is written can be read, also near a bound. Archives that need too much memory: hostile_archive_test.cpp.
 #include "../../objects.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects of the application that use the coder in ways they should not, while they are read and written: an error each
 // time, and an archive that can still be told from a good one.
 #include "../../objects.h"

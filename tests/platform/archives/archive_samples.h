@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Classes of an application that keeps its objects in keyed archives, and XML archives made by hand.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Each archive is read in a process of its own, which tells what memory that took, and is let go with little stack.
 #include "hostile_archives.h"
 #include <HavrinFoundation/platform/foundation/attributed_string.h>

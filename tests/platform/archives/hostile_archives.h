@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Archives that are small and stand for much, or nest, or crowd together: each is made for one bound of their reader.
 #pragma once
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Keyed archives by an independent writer and reader, over plistlib alone.
 
   keyed_archive_oracle.py make FOLDER             writes FOLDER/NAME.bplist and FOLDER/NAME.xml for each graph below

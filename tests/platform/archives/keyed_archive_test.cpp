@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "archive_samples.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>

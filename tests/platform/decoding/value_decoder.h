@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A format of the tests' own: a tree of values in memory, decoded through the class that any format implements. It
 // overrides only what a format must, so it also tests what the class adds; its habits can be changed to those of awkward
 // formats.

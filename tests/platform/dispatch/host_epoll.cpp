@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main queue inside a bare epoll loop: a whole program. It prints what it did and ends with 0 when all of it
 // happened, with 1 when the loop would have waited for ever.
 #include <HavrinFoundation/platform/dispatch/host_loop.h>

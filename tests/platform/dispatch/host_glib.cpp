@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The main queue inside a GLib main loop: a whole program. It prints what it did and ends with 0 when all of it
 // happened, with 1 when ten seconds passed without.
 #include <HavrinFoundation/platform/dispatch/host_loop.h>

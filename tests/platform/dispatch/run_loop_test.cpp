@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../../testing.h"
 #include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Property lists by an independent reader and writer.
 
   property_list_oracle.py make FOLDER    writes the fixtures, each value in the binary form and as XML

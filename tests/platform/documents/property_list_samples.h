@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The values of property_list_oracle.py, and bytes of the binary form made by hand.
 #pragma once
 

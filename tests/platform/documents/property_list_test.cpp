@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../../testing.h"
 #include "property_list_samples.h"
 #include <HavrinFoundation/platform/documents/property_list.h>

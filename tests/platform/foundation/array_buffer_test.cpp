@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What arrays share: which additions copy, how long elements live, and that threads may share too.
 #include "../../objects.h"
 #include <HavrinFoundation/platform/foundation/array_buffer.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../../objects.h"
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/testkit/test_clock.h>

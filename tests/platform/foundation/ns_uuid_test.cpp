@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../../testing.h"
 #include <HavrinFoundation/platform/foundation/ns_uuid.h>
 #include <HavrinFoundation/platform/foundation/string.h>

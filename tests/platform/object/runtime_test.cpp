@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object runtime as applications meet it: messages, overrides, categories, references, destruction.
 // Length: its parts are tested on the same few classes.
 #include "../../objects.h"

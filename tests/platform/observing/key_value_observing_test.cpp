@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Registrations, what they are told, and how they end.
 #include "../../objects.h"
 #include "observed_objects.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the tests of key-value observing watch, and with what.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Paths of several keys, keys that depend on others, changes announced by hand, and arrays changed in place.
 #include "../../objects.h"
 #include "observed_objects.h"

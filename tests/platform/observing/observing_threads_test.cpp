@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Observers and observed objects that come, change and go on several threads. Under the thread and address sanitizers
 // these are the proof that nothing is read after it has gone.
 #include "../../testing.h"

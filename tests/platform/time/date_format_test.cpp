@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../../testing.h"
 #include <HavrinFoundation/platform/time/civil.h>
 #include <HavrinFoundation/platform/time/date_format.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The variables that dates depend on, set for the length of a test.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../../temporary_folder.h"
 #include "../../testing.h"
 #include "pinned_environment.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "../../testing.h"
 #include <HavrinFoundation/platform/base/wide_instructions.h>
 #include <HavrinFoundation/platform/unicode/character_set.h>

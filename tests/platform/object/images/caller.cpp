@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library that sends: it knows the declaration and nothing of the library that implements it.
 #include "caller.h"
 

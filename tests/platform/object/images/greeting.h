@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the two libraries and the program of this test share: messages, and a class that each of them sees through its own
 // copy of this header.
 #pragma once

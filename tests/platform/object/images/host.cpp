@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library that is opened at run time. A version script hides everything but the one plain function.
 #include "greeting.h"
 

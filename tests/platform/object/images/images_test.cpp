@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Messages between images: a program, a library it links, one that it links statically, and one that it opens at run time
 // with its symbols kept local.
 #include "caller.h"

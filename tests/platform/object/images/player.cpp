@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The static library.
 #include "player_messages.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The messages of a static library, as the opening comment of category.h shows: the header refers to the image, so that
 // the linker keeps it.
 #pragma once
