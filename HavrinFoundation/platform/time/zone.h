@@ -31,6 +31,8 @@ class HAVRIN_EXPORT TimeZone {
   /// Result: GMT where TZ is empty or names no zone file (POSIX rules such as "EST5EDT4" do not), and where the
   /// system has no zone. Cost: one pass over the environment; a look at /etc/localtime after each tick of the coarse
   /// clock (4 ms) while TZ is not set. Threads: any, as long as none changes the environment meanwhile.
+  /// A damaged zone file counts as none. Where only its closing rule contradicts its own transitions, the zone library
+  /// that reads it also writes a line to the standard error stream.
   [[nodiscard]] static TimeZone current();
 
   /// The zone of a name in the zone database, case and all. Every name of UTC (Etc/UTC, Zulu, Greenwich, ...) gives
