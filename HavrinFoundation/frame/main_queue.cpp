@@ -22,6 +22,7 @@ void SetMainQueueIdentifier() {
 void GuaranteeMainQueue(const Block<void()>& block) {
   if (!block) throw NSException(NSInvalidArgumentException, "GuaranteeMainQueue: expected a block, got null");
   if (dispatch_get_specific(kMainQueueKey) == kMainQueueValue) {
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): holds the block while it runs
     const Block<void()> kept = block;
     kept();
   } else {
