@@ -26,7 +26,7 @@ struct Message<NSObject, "ifConformance:"> : Signature<Strong<Self>(const AnyPro
 /// Whether the receiver is an instance of one of the classes, or of a subclass of one. The collection is asked in its own
 /// order until one fits; false when it is empty or null.
 /// Throws: NSException (Generic) when the collection changes meanwhile, NSException (InvalidArgument) for an element that
-/// is no class.
+/// is not a class.
 template <>
 struct Message<NSObject, "isAnyKindOfClass:"> : Signature<bool(NSFastEnumeration*)> {};
 

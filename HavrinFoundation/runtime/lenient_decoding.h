@@ -47,8 +47,8 @@ struct NoReport {
   void operator()(const SkippedElement&) const {}
 };
 
-/// The elements of type Type from the position of `container` to its end, where it then stands. Empty when: no element
-/// decodes, or none is left.
+/// The elements of type Type from the position of `container` to its end, which is its position afterwards. Empty
+/// when: no element decodes, or none is left.
 /// Throws: what stepping past an element that failed throws; what was decoded until then is lost.
 /// Cost: no exception is thrown for a skipped element, unless Type or the format itself throws.
 template <Decodable Type, SkippedElementReport Report = NoReport>

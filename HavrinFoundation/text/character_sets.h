@@ -39,8 +39,8 @@ template <std::same_as<CharacterSet> ClassType>
   return detail::asciiAlphabetSet();
 }
 
-/// At first asciiAlphabet, 0-9, "+", "-" and ".": 65 characters, those that a link's scheme may have. Which of them may
-/// stand first is not asked.
+/// At first asciiAlphabet, 0-9, "+", "-" and ".": 65 characters, those that a link's scheme may have. The set does
+/// not say which of them may come first.
 /// Source: RFC 3986, 3.1.
 template <std::same_as<CharacterSet> ClassType>
 [[nodiscard]] ClassType urlSchemeAllowed() {

@@ -60,7 +60,7 @@ std::optional<std::string> NSProcessInfo::environmentValue(const char* name) con
     const NSString* text = cast<NSString>(static_cast<const NSObject*>(value.get()));
     return text ? std::optional(utf8(*text)) : std::nullopt;
   }
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): a program that changes its environment while threads read it breaks every reader
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): the header forbids changing the environment meanwhile
   const char* value = std::getenv(name);
   return value ? std::optional<std::string>(value) : std::nullopt;
 }

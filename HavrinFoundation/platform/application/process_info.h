@@ -28,6 +28,7 @@ class HAVRIN_EXPORT NSProcessInfo : public Object<NSProcessInfo, NSObject> {
   [[nodiscard]] virtual Strong<NSDictionary> environment() const;
   /// The value of the variable with this null-terminated name. Empty when: it is not set. Uses `environment` if a
   /// subclass overrides it.
+  /// Threads: any, as long as none changes the environment meanwhile.
   [[nodiscard]] std::optional<std::string> environmentValue(const char* name) const;
 
   /// The name and the version of the system for display, not for parsing. Never empty.

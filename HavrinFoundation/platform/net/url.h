@@ -55,8 +55,8 @@ class HAVRIN_EXPORT URL {
   /// Empty when: there is none.
   [[nodiscard]] std::optional<URL> baseURL() const;
 
-  /// The text resolved against the base; the text as it was given where there is no base, or none with a scheme, or the
-  /// link has no parts.
+  /// The text resolved against the base; the text as it was given where there is no base, the base has no scheme, or
+  /// the text is not a URI reference.
   /// Source: RFC 3986, 5.2.
   [[nodiscard]] std::string absoluteString() const;
 

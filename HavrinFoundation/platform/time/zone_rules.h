@@ -2,9 +2,8 @@
 // The offsets of one zone as a sorted table: the arithmetic between instants and wall clocks. Internal.
 //
 //   offsetAt(0)                New York: -18000
-//   wallTime(1710037800)       New York on 10 March 2024, 02:30: skipped; 01:30 EST and 03:30 EDT are as near as it
-//   gets startOfDay(1541354400)     Sao Paulo on 4 November 2018, noon: 1541300400, which is 01:00, for there was no
-//   midnight
+//   wallTime(1710037800)       New York on 10 March 2024, 02:30: skipped; 01:30 EST and 03:30 EDT are nearest
+//   startOfDay(1541354400)     Sao Paulo on 4 November 2018, noon: 1541300400, which is 01:00; there was no midnight
 //
 // A wall clock reading is counted as if it were UTC: `local` is the reading's seconds since 1970-01-01 00:00:00 of that
 // wall clock. Instants and readings lie inside the calendars' range (see instant.h).
@@ -47,7 +46,7 @@ class ZoneRules {
   ZoneRules();
 
   /// The rules in the zone file at `path`, under the zone's name, which is empty for a file without one.
-  /// Result: null when there is no such file, or it is none that names offsets of a day or less.
+  /// Result: null when there is no such file, it is not a zone file, or an offset in it is over a day.
   [[nodiscard]] static std::unique_ptr<const ZoneRules> read(const std::string& path, std::string name);
 
   ZoneRules(const ZoneRules&) = delete;

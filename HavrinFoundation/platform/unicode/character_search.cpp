@@ -30,8 +30,8 @@ struct Wanted {
   bool has(char32_t scalar) const noexcept { return storage.bit(scalar) != (flip != 0); }
 };
 
-// Answers a position before which every unit is below U+0080 and not wanted. At it stands another one, or the end of the
-// text, or, with wide instructions, the beginning of a block in which one stands.
+// Returns a position before which every unit is below U+0080 and not wanted. The unit there is another one, or the text
+// ends there, or, with wide instructions, a block with another one begins there.
 template <class Unit>
 std::size_t skipAsciiPlain(const Unit* text, std::size_t size, const Wanted& wanted) noexcept {
   std::size_t i = 0;

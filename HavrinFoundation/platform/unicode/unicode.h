@@ -7,8 +7,8 @@
 //   characterCount("e\u0301\r\n")              2
 //
 // One rule for ill-formed text, in every facility that reads text: each maximal ill-formed part of UTF-8, and each lone
-// surrogate of UTF-16, counts as one U+FFFD. "Maximal part" is the longest beginning of a well-formed sequence that
-// stands there, at least one byte: F0 9F 91 without its last byte is one part, C0 80 are two.
+// surrogate of UTF-16, counts as one U+FFFD. "Maximal part" is the longest beginning of a well-formed sequence at
+// that place, at least one byte: F0 9F 91 without its last byte is one part, C0 80 are two.
 // Callers that must refuse such text call isWellFormed() first.
 //
 // Left out: other encodings, case mapping, normalisation, collation, word and line breaks.
