@@ -1,175 +1,139 @@
 // SPDX-License-Identifier: Apache-2.0
-// Objects of the application that use the coder in ways they should not, while they are read and written: an error each
-// time, and an archive that can still be told from a good one.
-#include "../../objects.h"
-#include <HavrinFoundation/platform/archives/keyed_archiver.h>
-#include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
-#include <HavrinFoundation/platform/foundation/attributed_string.h>
-#include <HavrinFoundation/platform/foundation/data.h>
-#include <HavrinFoundation/platform/foundation/set.h>
+// Objects of the application that act on the coder, replace themselves or throw while they are read and written.
+#include "archive_samples.h"
 
-using namespace havrin;
-
+namespace havrin {
 namespace {
 
-/// Does what a test says while it is read and written, between two objects of its own.
-class Meddler : public Object<Meddler, NSObject> {
- public:
-  static inline std::function<void(NSKeyedUnarchiver&)> whileRead;
-  static inline std::function<void(NSKeyedArchiver&)> whileWritten;
-  static inline std::function<Strong<NSObject>(Meddler*)> becomes;
-
-  Strong<NSObject> first = s("before");
-  Strong<NSObject> second = s("behind");
-  Strong<NSCoder> coder;
-
-  void encodeWithCoder(NSCoder* archiver) const {
-    archiver->encodeObject(first, "first");
-    if (whileWritten) whileWritten(static_cast<NSKeyedArchiver&>(*archiver));
-    archiver->encodeObject(second, "second");
-  }
-  Strong<NSObject> initWithCoder(NSCoder* unarchiver) {
-    coder = unarchiver;
-    first = unarchiver->decodeObject<NSString>("first");
-    if (whileRead) whileRead(static_cast<NSKeyedUnarchiver&>(*unarchiver));
-    second = unarchiver->decodeObject<NSString>("second");
-    return becomes ? becomes(this) : Strong<NSObject>(this);
-  }
-
-  using Protocols = List<NSSecureCoding>;
-  using Members =
-      List<Method<"encodeWithCoder:", &Meddler::encodeWithCoder>, Method<"initWithCoder:", &Meddler::initWithCoder>>;
-};
-const ArchivedClass<Meddler> kArchivedMeddler("Meddler");
-
-/// Cannot be made before its values are known.
-class Needy : public Object<Needy, NSObject> {
- public:
-  explicit Needy(int) {}
-  Strong<NSObject> initWithCoder(NSCoder*) { return this; }
-  using Protocols = List<NSCoding>;
-  using Members = List<Method<"initWithCoder:", &Needy::initWithCoder>>;
-};
+using namespace samples;
 
 class ArchiveReentry : public testing::Test {
  protected:
   void TearDown() override {
-    Meddler::whileRead = nullptr;
-    Meddler::whileWritten = nullptr;
-    Meddler::becomes = nullptr;
+    Puppet::initialise = nullptr;
+    Puppet::awake = nullptr;
+    Puppet::encode = nullptr;
   }
 
-  Strong<NSObject> array_ = makeArray({make<Meddler>(), make<Meddler>()});
-  Strong<NSData> data_ = NSKeyedArchiver::archivedDataWithRootObject(array_, true, nullptr);
+  static NSKeyedUnarchiver& unarchiver(NSCoder& coder) { return static_cast<NSKeyedUnarchiver&>(coder); }
+
+  Strong<NSObject> written_ = makeArray({make<Puppet>(), makeString("behind")});
+  Strong<NSData> data_ = archived(written_);
 };
 
-Strong<NSKeyedUnarchiver> unarchiverOf(NSData* data) {
-  return alloc<NSKeyedUnarchiver>()->initForReadingFromData(data, nullptr);
+TEST_F(ArchiveReentry, UsesWhatInitAndAwakeReturn) {
+  const auto single = archived(make<Puppet>());
+  Puppet::initialise = [](Puppet&, NSCoder&) { return makeString("another"); };
+  EXPECT_EQ(shapeOf(root(data_)), "NSArray(NSStringanother NSStringbehind )");
+  Puppet::initialise = [](Puppet&, NSCoder&) { return nullptr; };
+  EXPECT_FALSE(root(single));
+  EXPECT_TRUE(saysWhy(failureOf(data_), "object 1: a collection contains null"));
+  Puppet::initialise = nullptr;
+  Puppet::awake = [](Puppet&) { return makeNumber(1); };
+  EXPECT_EQ(shapeOf(root(single)), "NSNumber11");
+
+  Node::replacement = makeNumber(7);
+  const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(archived(make<Node>(), true), nullptr);
+  EXPECT_FALSE(unarchiver->decodeObjectOfClass(classOf<Node>(), "root"));
+  EXPECT_TRUE(saysWhy(textOf(unarchiver->error()), "\"NSNumber\" is not among the allowed classes"));
+  Node::replacement = nullptr;
 }
 
-Strong<NSObject> decodeRoot(NSKeyedUnarchiver& unarchiver) {
-  return unarchiver.decodeObjectOfClasses(makeSet({classOf<NSArray>(), classOf<Meddler>()}), "root");
+TEST_F(ArchiveReentry, SurvivesAnExceptionThrownByInit) {
+  const auto archiver = make<NSKeyedArchiver>();
+  const auto outer = make<Puppet>(), inner = make<Puppet>();
+  outer->inside = makeArray({inner});
+  archiver->encodeObject(makeArray({makeString("before"), outer}), "both");
+  archiver->encodeObject(makeString("x"), "text");
+  outer->inside = nullptr;
+  const int before = Puppet::alive;
+  const auto unarchiver = unarchiverOf(archiver->encodedData());
+  bool throws = true;
+  Puppet::initialise = [&throws](Puppet& self, NSCoder& coder) {
+    self.inside = coder.decodeObjectForKey("inside");
+    if (throws && !self.inside) throw NSException("Mine", "thrown");
+    return &self;
+  };
+  EXPECT_EQ(nameOf([&] { (void)unarchiver->decodeObjectForKey("both"); }), "Mine");
+  EXPECT_EQ(Puppet::alive, before) << "nothing of it is left";
+  EXPECT_FALSE(unarchiver->error()) << "it was no failure of decoding";
+  EXPECT_TRUE(unarchiver->decodeObjectForKey("text"));
+  throws = false;
+  EXPECT_EQ(shapeOf(unarchiver->decodeObjectForKey("both")).substr(0, 30), "NSArray(NSStringbefore Puppet<");
 }
 
-TEST_F(ArchiveReentry, AnObjectThatFinishesDecodingIsAFailure) {
-  Meddler::whileRead = [](NSKeyedUnarchiver& unarchiver) { unarchiver.finishDecoding(); };
-  for (const auto policy : {NSDecodingFailurePolicy::SetErrorAndReturn, NSDecodingFailurePolicy::RaiseException}) {
+TEST_F(ArchiveReentry, FailsWhenAnObjectFinishesOrRestartsItsUnarchiver) {
+  Puppet::initialise = [](Puppet& self, NSCoder& coder) {
+    unarchiver(coder).finishDecoding();
+    self.inside = coder.decodeObjectForKey("inside");
+    return &self;
+  };
+  for (const bool raises : {false, true}) {
     const auto unarchiver = unarchiverOf(data_);
-    unarchiver->setDecodingFailurePolicy(policy);
-    const bool raises = policy == NSDecodingFailurePolicy::RaiseException;
-    EXPECT_EQ(nameOf([&] { EXPECT_FALSE(decodeRoot(*unarchiver)); }),
+    if (raises) unarchiver->setDecodingFailurePolicy(NSDecodingFailurePolicy::RaiseException);
+    EXPECT_EQ(nameOf([&] { EXPECT_FALSE(unarchiver->decodeObjectForKey("root")); }),
               raises ? NSInvalidUnarchiveOperationException : "none");
     EXPECT_TRUE(unarchiver->hasFailed());
     unarchiver->finishDecoding();
-    EXPECT_FALSE(decodeRoot(*unarchiver));
+    EXPECT_FALSE(unarchiver->decodeObjectForKey("root"));
   }
-}
-
-TEST_F(ArchiveReentry, AnObjectCannotGiveItsUnarchiverAnotherArchive) {
-  Meddler::whileRead = [this](NSKeyedUnarchiver& unarchiver) {
-    for (NSData* data : {data_.get(), static_cast<NSData*>(nullptr)}) {
+  Puppet::initialise = [this](Puppet& self, NSCoder& coder) {
+    for (NSData* const data : {data_.get(), static_cast<NSData*>(nullptr)}) {
       Strong<NSError> why;
-      EXPECT_FALSE(unarchiver.initForReadingFromData(data, &why));
+      EXPECT_FALSE(unarchiver(coder).initForReadingFromData(data, &why));
       EXPECT_TRUE(why);
     }
+    return &self;
   };
-  const auto unarchiver = unarchiverOf(data_);
-  EXPECT_TRUE(decodeRoot(*unarchiver));
-  unarchiver->finishDecoding();
+  EXPECT_TRUE(unarchiverOf(data_)->decodeObjectForKey("root"));
 }
 
-TEST_F(ArchiveReentry, WhatAnObjectBecomesIsOfTheClassesAskedFor) {
-  Meddler::becomes = [](Meddler*) { return makeNumber(7); };
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(make<Meddler>(), true, nullptr);
-  const auto secure = unarchiverOf(data);
-  EXPECT_FALSE(secure->decodeObjectOfClass(classOf<Meddler>(), "root"));
-  EXPECT_TRUE(text(secure->error()).find("\"NSNumber\" is not among the allowed classes") != std::string::npos);
-  secure->finishDecoding();
-  const auto any = unarchiverOf(data);
-  any->setRequiresSecureCoding(false);
-  EXPECT_EQ(text(any->decodeObjectForKey("root")), "7");
-}
-
-TEST_F(ArchiveReentry, AttributesReadBeforeAreHeldToTheClassesOfNow) {
-  const auto archiver = make<NSKeyedArchiver>();
-  archiver->encodeObject(
-      make<NSAttributedString>(s("text"), makeDictionary({{s("NSLink"), makeNumber(1)}, {s("own"), make<Meddler>()}})),
-      "text");
-  const auto unarchiver = unarchiverOf(archiver->encodedData());
-  const auto both = makeSet({classOf<NSAttributedString>(), classOf<Meddler>()});
-  const Strong<NSObject> read = unarchiver->decodeObjectOfClasses(both, "text");
-  EXPECT_TRUE(read);
-  EXPECT_EQ(unarchiver->decodeObjectOfClasses(both, "text"), read);
-  EXPECT_FALSE(unarchiver->decodeObjectOfClass(classOf<NSAttributedString>(), "text"));
-  EXPECT_TRUE(text(unarchiver->error()).find("\"Meddler\" is not among the allowed classes") != std::string::npos);
-  unarchiver->finishDecoding();
-}
-
-TEST_F(ArchiveReentry, AClassThatMakesNoObjectsIsAFailure) {
-  NSKeyedUnarchiver::setClass(classOf<Needy>(), "Meddler");
-  const auto unarchiver = unarchiverOf(data_);
-  unarchiver->setRequiresSecureCoding(false);
-  EXPECT_FALSE(unarchiver->decodeObjectForKey("root"));
-  EXPECT_TRUE(text(unarchiver->error()).find("has no default constructor") != std::string::npos);
-  NSKeyedUnarchiver::setClass(classOf<Meddler>(), "Meddler");
-}
-
-TEST_F(ArchiveReentry, AnUnarchiverOutlivesItsLastOwnerWhileItReads) {
-  Strong<NSKeyedUnarchiver> unarchiver = unarchiverOf(data_);
-  unarchiver->setRequiresSecureCoding(false);
-  Meddler::whileRead = [&](NSKeyedUnarchiver&) { unarchiver = nullptr; };
-  Meddler::becomes = [](Meddler* self) {
-    self->coder = nullptr;
-    return self;
+TEST_F(ArchiveReentry, KeepsAnUnarchiverAliveWhileItReadsAndUsableAfterwards) {
+  Strong<NSKeyedUnarchiver> owner = unarchiverOf(data_);
+  Puppet::initialise = [&owner](Puppet& self, NSCoder&) {
+    owner = nullptr;
+    return &self;
   };
-  EXPECT_TRUE(cast<NSArray>(unarchiver->decodeObjectForKey("root").get()));
-  EXPECT_FALSE(unarchiver);
+  EXPECT_TRUE(cast<NSArray>(owner->decodeObjectForKey("root").get()));
+  EXPECT_FALSE(owner);
+
+  Strong<NSCoder> kept;
+  Puppet::initialise = [&kept](Puppet& self, NSCoder& coder) {
+    kept = &coder;
+    return &self;
+  };
+  const auto read = unarchiverOf(data_)->decodeObjectForKey("root");
+  EXPECT_FALSE(kept->containsValueForKey("inside")) << "the object has been read: this is the top";
+  EXPECT_EQ(kept->decodeObjectForKey("root"), read);
+  unarchiver(*kept).finishDecoding();
+  EXPECT_FALSE(kept->containsValueForKey("root") || kept->decodeObjectForKey("root"));
 }
 
-TEST_F(ArchiveReentry, ACoderThatIsKeptReadsTheTopAndThenNothing) {
-  auto unarchiver = unarchiverOf(data_);
-  const Strong<NSObject> root = decodeRoot(*unarchiver);
-  NSCoder& kept = *cast<Meddler>(cast<NSArray>(root.get())->firstObject().get())->coder;
-  EXPECT_FALSE(kept.containsValueForKey("first"));
-  EXPECT_EQ(decodeRoot(static_cast<NSKeyedUnarchiver&>(kept)), root);
-  unarchiver->finishDecoding();
-  EXPECT_FALSE(kept.containsValueForKey("root"));
-  EXPECT_FALSE(kept.decodeObject<NSArray>("root"));
-}
-
-TEST_F(ArchiveReentry, AnArchiveInTheMiddleOfAnObjectIsAFailure) {
-  Meddler::whileWritten = [](NSKeyedArchiver& archiver) { EXPECT_FALSE(archiver.encodedData()); };
+TEST_F(ArchiveReentry, GivesNoArchiveFromTheMiddleOfAnObjectOrAfterAnException) {
+  Puppet::encode = [](const Puppet&, NSCoder& coder) {
+    EXPECT_FALSE(static_cast<NSKeyedArchiver&>(coder).encodedData());
+  };
   Strong<NSError> why;
-  EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(array_, true, &why));
+  EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(written_, false, &why));
   EXPECT_TRUE(why);
-}
-
-TEST_F(ArchiveReentry, AnExceptionOutOfAnObjectLeavesNoArchive) {
-  Meddler::whileWritten = [](NSKeyedArchiver&) { throw std::runtime_error("no"); };
+  Puppet::encode = [](const Puppet&, NSCoder&) { throw std::runtime_error("no"); };
   const auto archiver = make<NSKeyedArchiver>();
-  EXPECT_THROW(archiver->encodeObject(array_, "root"), std::runtime_error);
+  EXPECT_THROW(archiver->encodeObject(written_, "root"), std::runtime_error);
   EXPECT_TRUE(archiver->error());
   EXPECT_FALSE(archiver->encodedData());
 }
 
+TEST_F(ArchiveReentry, RefusesAKeyThatAnObjectEncodesTwice) {
+  Puppet::encode = [](const Puppet&, NSCoder& coder) { coder.encodeInteger(1, "k"); };
+  for (const int values : {2, 100}) {
+    const auto archiver = make<NSKeyedArchiver>();
+    for (int i = 0; i < values; ++i) archiver->encodeObject(make<Puppet>(), std::to_string(i));
+    EXPECT_TRUE(archiver->encodedData()) << "each object has keys of its own";
+    archiver->encodeBool(true, std::to_string(values - 1));
+    EXPECT_FALSE(archiver->encodedData());
+    EXPECT_TRUE(saysWhy(textOf(archiver->error()), "is encoded twice"));
+  }
+}
+
 }  // namespace
+}  // namespace havrin

@@ -19,6 +19,7 @@ class Node : public Object<Node, NSObject> {
   Strong<NSObject> child;
   Strong<NSObject> parent;
   static inline int alive = 0;
+  static inline Strong<NSObject> replacement;  // what is read instead, when there is one
 
   Node() { ++alive; }
   ~Node() override { --alive; }
@@ -31,7 +32,7 @@ class Node : public Object<Node, NSObject> {
     name = coder->decodeObject<NSString>("name");
     parent = coder->decodeObject<Node>("parent");
     child = coder->decodeObject<Node>("child");
-    return this;
+    return replacement ? replacement : Strong<NSObject>(this);
   }
   using Protocols = List<NSSecureCoding>;
   using Members =
@@ -42,9 +43,9 @@ inline const ArchivedClass<Node> kArchivedNode("Node");
 /// Does what it is told while it is made, to its value under "inside": promises NSCoding alone.
 class Puppet : public Object<Puppet, NSObject> {
  public:
-  static inline Strong<NSObject> (*initialise)(Puppet& self, NSCoder& coder) = nullptr;
-  static inline Strong<NSObject> (*awake)(Puppet& self) = nullptr;
-  static inline void (*encode)(const Puppet& self, NSCoder& coder) = nullptr;
+  static inline std::function<Strong<NSObject>(Puppet&, NSCoder&)> initialise;
+  static inline std::function<Strong<NSObject>(Puppet&)> awake;
+  static inline std::function<void(const Puppet&, NSCoder&)> encode;
   static inline int alive = 0;
   Strong<NSObject> inside;
 

@@ -80,7 +80,6 @@ bool isDecoded(NSData* data) { return errorOf(data) == "none"; }
 struct Outcome {
   char error[160] = {};
   std::size_t peakBytes = 0;
-  double seconds = 0;
 };
 
 Outcome outcomeOf(const Strong<NSData>& data) {
@@ -94,9 +93,7 @@ Outcome outcomeOf(const Strong<NSData>& data) {
     std::ofstream("/proc/self/clear_refs") << 5;
     Outcome outcome;
     const std::size_t before = residentBytes();
-    const auto begin = std::chrono::steady_clock::now();
     errorOf(data).copy(outcome.error, sizeof outcome.error - 1);
-    outcome.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     std::size_t peak = 0;
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -116,66 +113,51 @@ Outcome outcomeOf(const Strong<NSData>& data) {
   return outcome;
 }
 
-struct Case {
-  std::string_view why;
-  Strong<NSData> (*archive)();
-  std::string_view error;
-};
-
 constexpr std::string_view kTooDeep = "objects are nested deeper than 1024 levels";
 constexpr std::string_view kTooMuch = "shared objects expand beyond the size limit";
 constexpr std::string_view kTooLarge = "the objects take too much memory for an archive of this size";
 constexpr std::string_view kTooHard = "too many colliding keys or set members";
 
-TEST(HostileArchive, GivesNothingOrWhatIsHarmlessInLittleMemory) {
-  const Case cases[] = {
+TEST(HostileArchive, IsRefusedOrReadInLittleMemory) {
+  const struct {
+    std::string_view why;
+    Strong<NSData> (*archive)();
+    std::string_view error;
+  } rows[] = {
       {"shared parts without bound", laughs, kTooMuch},
       {"a million arrays inside each other", deepNest, kTooDeep},
-      {"a chain of arrays", [] { return chain("NSArray", 3 * kMany); }, kTooDeep},
-      {"a chain of sets", [] { return chain("NSMutableSet", kMany); }, kTooDeep},
+      {"a chain of arrays", chainOfArrays, kTooDeep},
       {"a chain of objects of the application", chainOfNodes, "none"},
       {"a long text in many sets", [] { return longTexts("NSSet"); }, kTooHard},
-      {"a long text in many ordered sets", [] { return longTexts("NSOrderedSet"); }, kTooHard},
       {"a long text as many links", [] { return longTexts("NSURL"); }, kTooLarge},
       {"a long text as many attributed texts", [] { return longTexts("NSMutableAttributedString"); }, kTooLarge},
-      {"a long immutable text as many attributed texts", sharedText, "none"},
       {"a long text as many mutable ones", [] { return longTexts("NSMutableString"); }, kTooLarge},
       {"a long text as a key of many dictionaries", longKeys, kTooLarge},
       {"a long base of many links", basesOfLinks, kTooLarge},
       {"a large dictionary of attributes in many texts", [] { return largeAttributes(2000, 2); }, kTooLarge},
       {"a large dictionary of attributes of many runs", [] { return largeAttributes(1, kMany); }, kTooMuch},
-      {"many runs", manyRuns, "none"},
-      {"long keys", [] { return widest("NSArray", false); }, "expected array, got no value"},
-      {"long wide keys", [] { return widest("NSArray", true); }, "expected array, got no value"},
-      {"long keys in an ordered set", [] { return widest("NSOrderedSet", false); }, kTooHard},
-      {"large members of one hash", [] { return membersOfOneHash(200, 0); }, kTooHard},
-      {"large members of one hash among many small ones", [] { return membersOfOneHash(200, kMany); }, kTooHard},
-      {"sets of sets of one hash", [] { return setsOfSets(25); }, kTooHard},
+      {"long keys in arrays", [] { return longKeysOf("NSArray"); }, "expected array, got no value"},
+      {"long keys in ordered sets", [] { return longKeysOf("NSOrderedSet"); }, kTooHard},
+      {"large members of one hash among many small ones", membersOfOneHash, kTooHard},
+      {"sets of sets of one hash", setsOfSets, kTooHard},
       {"numbers that would crowd a table", crowdingNumbers, "none"},
-      {"hints", [] { return hints(1); }, "none"},
-      {"hints of many records", [] { return hints(1000); }, kTooLarge},
+      {"many class hints of many records", hints, kTooLarge},
       {"one text as many objects", oneTextAsManyObjects, kTooLarge},
       {"one object a million times in an array", [] { return manyReferences("NSArray"); }, "none"},
       {"one object a million times in a set", [] { return manyReferences("NSSet"); }, kTooLarge},
-      {"XML: arrays inside each other", [] { return xmlNest(5000); }, kTooDeep},
-      {"XML: shared parts without bound", xmlLaughs, kTooMuch},
       {"XML: many small parts", xmlOfArrays, "none"},
   };
-  for (const Case& row : cases) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    const auto data = row.archive();
-    const Outcome outcome = outcomeOf(data);
+    const Outcome outcome = outcomeOf(row.archive());
     EXPECT_TRUE(saysWhy(outcome.error, row.error));
     if (kMeasuresMemory) {
       EXPECT_LT(outcome.peakBytes, std::size_t{64} << 20);
     }
-    std::printf("%-52s %7.1f MB archive %7.3f s %7.1f MB more\n", std::string(row.why).c_str(),
-                static_cast<double>(data->length()) / (1 << 20), outcome.seconds,
-                static_cast<double>(outcome.peakBytes) / (1 << 20));
   }
 }
 
-TEST(HostileArchive, IsNoneWhereverItIsCutAndNoHarmWhereverItIsDamaged) {
+TEST(HostileArchive, IsRefusedWhereverItIsCutAndHarmlessWhereverItIsDamaged) {
   Forger forger;
   const auto arrays = forger.classNamed("NSMutableArray"), sets = forger.classNamed("NSOrderedSet");
   const auto text = forger.text("hello"), wide = forger.add(forger.list.text(u"\u00FC"));

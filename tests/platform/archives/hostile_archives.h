@@ -2,9 +2,70 @@
 // Archives that are small and stand for much, or nest, or crowd together: each is made for one bound of their reader.
 #pragma once
 
-#include "archive_forger.h"
+#include "archive_samples.h"
+#include <HavrinFoundation/platform/documents/binary_property_list_writer.h>
 
 namespace havrin::samples {
+
+/// Writes archives of the binary form, objects by UID, without asking whether they make sense.
+class Forger {
+ public:
+  using Number = BinaryPropertyListWriter::Number;
+  using Uids = std::vector<std::uint64_t>;
+
+  BinaryPropertyListWriter list;
+
+  Forger() { add(list.text("$null")); }
+
+  [[nodiscard]] std::uint64_t next() const { return objects_.size(); }
+
+  std::uint64_t add(Number object) {
+    objects_.push_back(object);
+    return objects_.size() - 1;
+  }
+
+  std::uint64_t text(std::string_view text) { return add(list.text(text)); }
+
+  Number references(const Uids& uids) {
+    std::vector<Number> numbers;
+    numbers.reserve(uids.size());
+    for (const std::uint64_t uid : uids) numbers.push_back(list.uid(uid));
+    return list.array(numbers);
+  }
+
+  std::uint64_t classNamed(std::string_view name) {
+    const Number keys[] = {list.text("$classname")}, values[] = {list.text(name)};
+    return add(list.dictionary(keys, values));
+  }
+
+  std::uint64_t instance(std::uint64_t cls, std::vector<std::pair<std::string_view, Number>> values) {
+    values.emplace_back("$class", list.uid(cls));
+    std::vector<Number> keys, numbers;
+    for (const auto& [key, value] : values) {
+      keys.push_back(list.text(key));
+      numbers.push_back(value);
+    }
+    return add(list.dictionary(keys, numbers));
+  }
+
+  std::uint64_t row(std::uint64_t cls, const Uids& uids) { return instance(cls, {{"NS.objects", references(uids)}}); }
+
+  std::uint64_t dictionary(std::uint64_t cls, const Uids& keys, const Uids& values) {
+    return instance(cls, {{"NS.keys", references(keys)}, {"NS.objects", references(values)}});
+  }
+
+  // The archive with this object at its root.
+  Strong<NSData> finish(std::uint64_t root) {
+    const Number top[] = {list.text("root")}, uid[] = {list.uid(root)};
+    const Number keys[] = {list.text("$archiver"), list.text("$version"), list.text("$top"), list.text("$objects")};
+    const Number values[] = {list.text("NSKeyedArchiver"), list.integer(std::int64_t{100000}),
+                             list.dictionary(top, uid), list.array(objects_)};
+    return makeData(list.finish(list.dictionary(keys, values)));
+  }
+
+ private:
+  std::vector<Number> objects_;
+};
 
 using Uids = Forger::Uids;
 
@@ -14,12 +75,6 @@ inline Uids upTo(std::size_t count, const std::function<std::uint64_t(std::size_
   Uids uids;
   for (std::size_t i = 0; i < count; ++i) uids.push_back(uid(i));
   return uids;
-}
-
-// Arrays inside arrays, each before the one that it is in.
-inline std::uint64_t nest(Forger& forger, std::uint64_t cls, std::size_t depth, std::uint64_t innermost) {
-  for (std::size_t i = 0; i < depth; ++i) innermost = forger.row(cls, {innermost});
-  return innermost;
 }
 
 inline constexpr std::size_t kMany = 100'000;
@@ -38,16 +93,18 @@ inline Strong<NSData> laughs() {
 inline Strong<NSData> deepNest() {
   Forger forger;
   const auto arrays = forger.classNamed("NSArray");
-  return forger.finish(nest(forger, arrays, 1'000'000, forger.text("in")));
+  std::uint64_t innermost = forger.text("in");
+  for (int i = 0; i < 1'000'000; ++i) innermost = forger.row(arrays, {innermost});
+  return forger.finish(innermost);
 }
 
 // Each link of the chain is made before the next one holds it: nothing nests while it is read.
-inline Strong<NSData> chain(std::string_view cls, std::size_t length) {
+inline Strong<NSData> chainOfArrays() {
   Forger forger;
-  const auto arrays = forger.classNamed(cls);
+  const auto arrays = forger.classNamed("NSArray");
   std::uint64_t last = forger.text("first");
-  const Uids all = upTo(length, [&](std::size_t) { return last = forger.row(arrays, {last}); });
-  return forger.finish(forger.row(forger.classNamed("NSArray"), all));
+  const Uids all = upTo(3 * kMany, [&](std::size_t) { return last = forger.row(arrays, {last}); });
+  return forger.finish(forger.row(arrays, all));
 }
 
 inline Strong<NSData> chainOfNodes() {
@@ -63,18 +120,18 @@ inline Strong<NSData> chainOfNodes() {
 
 // One large part, which each of many objects has as its own.
 template <class Make>
-inline Strong<NSData> sharedBy(std::size_t count, std::string_view cls, Make make) {
+inline Strong<NSData> sharedBy(std::string_view cls, Make make) {
   Forger forger;
   const auto holders = forger.classNamed(cls);
   const auto strings = forger.classNamed("NSMutableString");
   const auto large = forger.instance(strings, {{"NS.string", forger.list.text(kLong)}});
   const auto small = forger.text("small");
-  const Uids all = upTo(count, [&](std::size_t) { return make(forger, holders, large, small); });
+  const Uids all = upTo(kHolders, [&](std::size_t) { return make(forger, holders, large, small); });
   return forger.finish(forger.row(forger.classNamed("NSArray"), all));
 }
 
 inline Strong<NSData> longTexts(std::string_view cls) {
-  return sharedBy(kHolders, cls, [](Forger& forger, std::uint64_t holders, std::uint64_t large, std::uint64_t small) {
+  return sharedBy(cls, [](Forger& forger, std::uint64_t holders, std::uint64_t large, std::uint64_t small) {
     return forger.instance(holders, {{"NS.objects", forger.references({large})},
                                      {"NS.relative", forger.list.uid(large)},
                                      {"NSString", forger.list.uid(large)},
@@ -82,16 +139,6 @@ inline Strong<NSData> longTexts(std::string_view cls) {
                                      {"NS.base", forger.list.uid(0)},
                                      {"small", forger.list.uid(small)}});
   });
-}
-
-// One immutable text, which all may share.
-inline Strong<NSData> sharedText() {
-  Forger forger;
-  const auto cls = forger.classNamed("NSAttributedString");
-  const auto text = forger.text(kLong);
-  return forger.finish(forger.row(forger.classNamed("NSArray"), upTo(200, [&](std::size_t) {
-                                    return forger.instance(cls, {{"NSString", forger.list.uid(text)}});
-                                  })));
 }
 
 inline Strong<NSData> basesOfLinks() {
@@ -107,10 +154,9 @@ inline Strong<NSData> basesOfLinks() {
 }
 
 inline Strong<NSData> longKeys() {
-  return sharedBy(kHolders, "NSDictionary",
-                  [](Forger& forger, std::uint64_t holders, std::uint64_t large, std::uint64_t small) {
-                    return forger.dictionary(holders, {large}, {small});
-                  });
+  return sharedBy("NSDictionary", [](Forger& forger, std::uint64_t holders, std::uint64_t large, std::uint64_t small) {
+    return forger.dictionary(holders, {large}, {small});
+  });
 }
 
 // One large mutable dictionary as the attributes of many texts.
@@ -137,27 +183,11 @@ inline Strong<NSData> largeAttributes(std::size_t texts, std::size_t runs) {
   return forger.finish(forger.row(arrays, all));
 }
 
-inline Strong<NSData> manyRuns() {
-  Forger forger;
-  const auto arrays = forger.classNamed("NSArray"), dictionaries = forger.classNamed("NSDictionary");
-  const auto key = forger.text("NSFont");
-  const auto sized = [&](std::int64_t size) {
-    return forger.dictionary(dictionaries, {key}, {forger.add(forger.list.integer(size))});
-  };
-  const auto attributes = forger.row(arrays, {sized(9), sized(12), sized(9)});
-  std::vector<std::byte> bytes;
-  for (std::size_t i = 0; i < 3 * kMany; ++i) bytes.insert(bytes.end(), {std::byte{1}, static_cast<std::byte>(i % 3)});
-  return forger.finish(forger.instance(forger.classNamed("NSAttributedString"),
-                                       {{"NSString", forger.list.uid(forger.text(std::string(3 * kMany, 'x')))},
-                                        {"NSAttributes", forger.list.uid(attributes)},
-                                        {"NSAttributeInfo", forger.list.uid(forger.add(forger.list.data(bytes)))}}));
-}
-
 // All keys of each object are one long text.
-inline Strong<NSData> widest(std::string_view cls, bool isWide) {
+inline Strong<NSData> longKeysOf(std::string_view cls) {
   Forger forger;
   const auto holders = forger.classNamed(cls);
-  const auto key = isWide ? forger.list.text(std::u16string(kLong.size(), u'\u00FC')) : forger.list.text(kLong);
+  const auto key = forger.list.text(kLong);
   const auto nothing = forger.list.uid(0);
   const std::vector<Forger::Number> keys(20'000, key), values(20'000, nothing);
   auto manyKeys = keys, manyValues = values;
@@ -172,24 +202,24 @@ inline std::uint64_t alike(Forger& forger, std::uint64_t arrays, std::size_t num
   return forger.row(arrays, {forger.row(arrays, {large, forger.text(std::to_string(number))})});
 }
 
-inline Strong<NSData> membersOfOneHash(std::size_t count, std::size_t small) {
+inline Strong<NSData> membersOfOneHash() {
   Forger forger;
   const auto arrays = forger.classNamed("NSArray"), sets = forger.classNamed("NSSet");
   const auto large = forger.row(arrays, repeated(forger.text("x"), 10'000));
-  Uids all = upTo(small, [&](std::size_t i) { return forger.text("small" + std::to_string(i)); });
-  for (std::size_t i = 0; i < count; ++i) all.push_back(alike(forger, arrays, i, large));
+  Uids all = upTo(kMany, [&](std::size_t i) { return forger.text("small" + std::to_string(i)); });
+  for (std::size_t i = 0; i < 200; ++i) all.push_back(alike(forger, arrays, i, large));
   return forger.finish(forger.row(sets, all));
 }
 
-// Sets of sets, `width` in each, all of one hash: comparing two of them is the square of what they hold.
-inline Strong<NSData> setsOfSets(std::size_t width) {
+// Sets of sets, all of one hash: comparing two of them is the square of what they hold.
+inline Strong<NSData> setsOfSets() {
   Forger forger;
   const auto arrays = forger.classNamed("NSArray"), sets = forger.classNamed("NSSet");
   const auto nothing = forger.text("x");
   std::size_t leaf = 0;
   const std::function<std::uint64_t(int)> level = [&](int depth) {
     if (depth == 0) return alike(forger, arrays, leaf++, nothing);
-    return forger.row(sets, upTo(width, [&](std::size_t) { return level(depth - 1); }));
+    return forger.row(sets, upTo(25, [&](std::size_t) { return level(depth - 1); }));
   };
   const auto one = level(3);
   leaf = 0;
@@ -206,12 +236,12 @@ inline Strong<NSData> crowdingNumbers() {
 }
 
 // Records of classes that find their class only behind all of their hints.
-inline Strong<NSData> hints(std::size_t records) {
+inline Strong<NSData> hints() {
   Forger forger;
   std::vector<Forger::Number> names(kMany, forger.list.text("?"));
   names.push_back(forger.list.text("NSNull"));
   const auto all = forger.list.array(names), long_ = forger.list.text(kLong);
-  const Uids nulls = upTo(records, [&](std::size_t) {
+  const Uids nulls = upTo(1000, [&](std::size_t) {
     const Forger::Number keys[] = {forger.list.text("$classname"), forger.list.text("$classhints")};
     const Forger::Number values[] = {long_, all};
     return forger.instance(forger.add(forger.list.dictionary(keys, values)), {});
@@ -229,21 +259,6 @@ inline Strong<NSData> oneTextAsManyObjects() {
 inline Strong<NSData> manyReferences(std::string_view cls) {
   Forger forger;
   return forger.finish(forger.row(forger.classNamed(cls), repeated(forger.text("x"), 1'000'000)));
-}
-
-inline Strong<NSData> xmlNest(std::size_t depth) {
-  std::vector<std::string> objects;
-  for (std::size_t i = 1; i <= depth; ++i) objects.push_back(object(depth + 1, key("NS.objects", references({i + 1}))));
-  objects.push_back(classRecord("NSArray"));
-  return xmlArchive(objects);
-}
-
-inline Strong<NSData> xmlLaughs() {
-  std::vector<std::string> objects;
-  for (std::size_t i = 1; i <= 40; ++i) objects.push_back(object(41, key("NS.objects", references({i + 1, i + 1}))));
-  objects[39] = "<string>ha</string>";
-  objects.push_back(classRecord("NSArray"));
-  return xmlArchive(objects);
 }
 
 inline Strong<NSData> xmlOfArrays() {
