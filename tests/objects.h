@@ -26,6 +26,17 @@ inline Strong<NSMutableArray> letters(std::string_view word) {
   return list;
 }
 
+/// Expects `object` to be equal to each of `equal`, both ways and by hash, and to none of `different` or null.
+inline void expectEquality(NSObject* object, const std::vector<Strong<NSObject>>& equal,
+                           const std::vector<Strong<NSObject>>& different) {
+  for (const auto& other : equal) {
+    EXPECT_TRUE(object->isEqual(other) && other->isEqual(object)) << text(other);
+    EXPECT_EQ(object->hash(), other->hash()) << text(other);
+  }
+  for (const auto& other : different) EXPECT_FALSE(object->isEqual(other)) << text(other);
+  EXPECT_FALSE(object->isEqual(nullptr));
+}
+
 /// The name of the NSException that `body` throws, which must give a reason; "none" when it throws none.
 template <class F>
 std::string nameOf(F body) {

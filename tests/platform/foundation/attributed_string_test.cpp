@@ -94,16 +94,12 @@ TEST(AttributedString, CopiesTextAndAttributes) {
 }
 
 TEST(AttributedString, IsEqualUnitByUnit) {
-  const auto text = make<NSAttributedString>(makeString("abc"), size(9));
-  EXPECT_TRUE(text->isEqual(text->mutableCopy()));
-  EXPECT_EQ(text->hash(), text->mutableCopy()->hash());
-  EXPECT_TRUE(text->isEqual(make<UnitByUnit>()) && make<UnitByUnit>()->isEqual(text));
+  const auto text = make<NSAttributedString>(s("abc"), size(9));
+  expectEquality(text, {text->mutableCopy(), make<UnitByUnit>()},
+                 {make<NSAttributedString>(s("abc"), size(8)), make<NSAttributedString>(s("abc")),
+                  make<NSAttributedString>(s("abd"), size(9)), s("abc")});
   EXPECT_EQ(runsOf(*cast<NSAttributedString>(make<UnitByUnit>()->mutableCopy())), "3:9");
-  EXPECT_FALSE(text->isEqual(make<NSAttributedString>(makeString("abc"), size(8))));
-  EXPECT_FALSE(text->isEqual(make<NSAttributedString>(makeString("abc"))));
-  EXPECT_FALSE(text->isEqual(make<NSAttributedString>(makeString("abd"), size(9))));
-  EXPECT_FALSE(text->isEqual(makeString("abc")));
-  EXPECT_TRUE(make<NSAttributedString>()->isEqual(make<NSAttributedString>(makeString(""), size(9))));
+  EXPECT_TRUE(make<NSAttributedString>()->isEqual(make<NSAttributedString>(s(""), size(9))));
 }
 
 TEST(AttributedString, ChangesKeepEveryUnitsAttributes) {

@@ -22,13 +22,9 @@ class Countdown : public Object<Countdown, NSString> {
 TEST(CharacterSetObject, IsEqualByMembership) {
   const auto set = makeCharacterSet(CharacterSet("abc"));
   const Strong<NSMutableCharacterSet> changing = cast<NSMutableCharacterSet>(set->mutableCopy());
-  EXPECT_TRUE(set->isEqual(makeCharacterSet(CharacterSet("cba"))));
-  EXPECT_TRUE(set->isEqual(changing));
-  EXPECT_EQ(set->hash(), makeCharacterSet(CharacterSet("cba").inverted().inverted())->hash());
-  EXPECT_FALSE(set->isEqual(set->invertedSet()));
-  EXPECT_TRUE(set->isEqual(set->invertedSet()->invertedSet()));
-  EXPECT_FALSE(set->isEqual(makeString("abc")));
-  EXPECT_TRUE(make<LateSet>()->isEqual(makeCharacterSet(CharacterSet("xyz"))));
+  expectEquality(set, {makeCharacterSet(CharacterSet("cba")), changing, set->invertedSet()->invertedSet()},
+                 {set->invertedSet(), s("abc")});
+  expectEquality(make<LateSet>(), {makeCharacterSet(CharacterSet("xyz"))}, {set});
   EXPECT_TRUE(make<LateSet>()->invertedSet()->longCharacterIsMember(U'a'));
 
   const Strong<NSObject> copy = changing->copy();

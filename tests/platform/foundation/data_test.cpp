@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "../../testing.h"
+#include "../../objects.h"
 #include <HavrinFoundation/platform/foundation/data.h>
 
 using namespace havrin;
@@ -20,17 +20,9 @@ class BorrowedData : public Object<BorrowedData, NSData> {
 TEST(Data, IsEqualByteByByte) {
   const auto data = makeData("abc");
   EXPECT_EQ(data->length(), 3u);
-  EXPECT_TRUE(data->isEqual(makeData("abc")));
-  EXPECT_TRUE(data->isEqual(data->mutableCopy()));
-  EXPECT_EQ(data->hash(), data->mutableCopy()->hash());
-  EXPECT_FALSE(data->isEqual(makeData("abd")));
-  EXPECT_FALSE(data->isEqual(makeData("ab")));
-  EXPECT_FALSE(data->isEqual(makeString("abc")));
-  EXPECT_FALSE(data->isEqual(nullptr));
+  expectEquality(data, {makeData("abc"), data->mutableCopy(), make<BorrowedData>()},
+                 {makeData("abd"), makeData("ab"), s("abc")});
   EXPECT_TRUE(make<NSData>()->isEqual(makeData("")));
-  const auto borrowed = make<BorrowedData>();
-  EXPECT_TRUE(data->isEqual(borrowed) && borrowed->isEqual(data));
-  EXPECT_EQ(data->hash(), borrowed->hash());
 }
 
 TEST(Data, CopiesDoNotFollowAMutableOne) {
@@ -45,7 +37,7 @@ TEST(Data, CopiesDoNotFollowAMutableOne) {
   EXPECT_EQ(text(*changing), "bc");
 }
 
-TEST(Data, DescribesItselfShortly) {
+TEST(Data, DescribesItsLengthAndFirstBytes) {
   EXPECT_EQ(utf8(*makeData("abc")->description()), "{length = 3, bytes = 0x616263}");
   EXPECT_EQ(utf8(*makeData("")->description()), "{length = 0, bytes = 0x}");
   EXPECT_EQ(utf8(*makeData(std::string(25, '\xFF'))->description()),

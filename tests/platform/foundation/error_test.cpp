@@ -18,7 +18,7 @@ class LateError : public Object<LateError, NSError> {
   }
 };
 
-TEST(Error, SaysWhatWentWrong) {
+TEST(Error, DescribesItselfForPeopleAndDevelopers) {
   const auto people = makeString("No such station");
   const auto developers = makeString("*** decode: root");
   const auto number = makeNumber(3);
@@ -57,21 +57,15 @@ TEST(Error, SaysWhatWentWrong) {
 }
 
 TEST(Error, IsEqualByDomainCodeAndDetails) {
-  const auto details = makeDictionary({{NSLocalizedDescriptionKey, makeString("too late")}});
-  const auto error = make<NSError>(makeString("late"), 7, details);
-  const Strong<NSError> equal[] = {make<NSError>(makeString("late"), 7, details), make<LateError>()};
-  for (const auto& other : equal) {
-    EXPECT_TRUE(error->isEqual(other) && other->isEqual(error));
-    EXPECT_EQ(error->hash(), other->hash());
-  }
-  const Strong<NSObject> different[] = {make<NSError>(makeString("Late"), 7, details),
-                                        make<NSError>(makeString("late"), 8, details),
-                                        make<NSError>(makeString("late"), 7), details, nullptr};
-  for (const auto& other : different) EXPECT_FALSE(error->isEqual(other));
+  const auto details = makeDictionary({{NSLocalizedDescriptionKey, s("too late")}});
+  const auto error = make<NSError>(s("late"), 7, details);
+  expectEquality(error, {make<NSError>(s("late"), 7, details), make<LateError>()},
+                 {make<NSError>(s("Late"), 7, details), make<NSError>(s("late"), 8, details),
+                  make<NSError>(s("late"), 7), details});
   EXPECT_EQ(error->copy(), error);
 }
 
-TEST(Error, DoesNotFollowWhatItWasMadeOf) {
+TEST(Error, CopiesItsDomainAndDetails) {
   const auto domain = make<NSMutableString>("a");
   const auto details = make<NSMutableDictionary>();
   const auto error = make<NSError>(domain, 1, details);

@@ -47,12 +47,9 @@ TEST(IndexSet, JoinsRangesThatTouchOrOverlap) {
   EXPECT_EQ(sum, 11U) << "up to where the block stops it";
 }
 
-TEST(IndexSet, EqualsASetOfTheSameIndexesHoweverItWasMade) {
+TEST(IndexSet, IsEqualHoweverItWasMade) {
   const auto set = makeIndexSet({2, 0, 1});
-  EXPECT_TRUE(set->isEqual(makeIndexSet(NSRange{0, 3})));
-  EXPECT_EQ(set->hash(), makeIndexSet(NSRange{0, 3})->hash());
-  EXPECT_FALSE(set->isEqual(makeIndexSet({0, 1})));
-  EXPECT_FALSE(set->isEqual(nullptr));
+  expectEquality(set, {makeIndexSet(NSRange{0, 3})}, {makeIndexSet({0, 1})});
   EXPECT_EQ(set->copy().get(), set.get());
 }
 

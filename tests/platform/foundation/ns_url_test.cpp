@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "../../testing.h"
+#include "../../objects.h"
 #include <HavrinFoundation/platform/foundation/ns_url.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 
 namespace {
 
@@ -20,7 +19,7 @@ class Shortcut : public Object<Shortcut, NSURL> {
   URL target_ = *URL::fromString("../d", *URL::fromString("https://h/a/b/c"));
 };
 
-TEST(NSURL, SaysItsTextWithAndWithoutItsBase) {
+TEST(NSURL, HasRelativeAndAbsoluteText) {
   const auto page = link("https://h/a/b/c");
   const auto part = link("#f", page);
   const struct {
@@ -49,7 +48,7 @@ TEST(NSURL, SaysItsTextWithAndWithoutItsBase) {
   }
 }
 
-TEST(NSURL, IsNullForTextThatIsNoLink) {
+TEST(NSURL, IsNullForTextThatIsNotALink) {
   const auto page = link("https://h/a");
   EXPECT_FALSE(NSURL::URLWithString(nullptr));
   EXPECT_FALSE(alloc<NSURL>()->initWithStringRelativeToURL(nullptr, page));
@@ -62,15 +61,8 @@ TEST(NSURL, IsNullForTextThatIsNoLink) {
 TEST(NSURL, IsEqualByTextAndBase) {
   const auto page = link("https://h/a/b/c");
   const auto url = link("../d", page);
-  const Strong<NSURL> equal[] = {link("../d", link("c", link("https://h/a/b/"))), make<Shortcut>(),
-                                 make<NSURL>(url->value())};
-  for (const auto& other : equal) {
-    EXPECT_TRUE(url->isEqual(other) && other->isEqual(url));
-    EXPECT_EQ(url->hash(), other->hash());
-  }
-  const Strong<NSObject> different[] = {url->absoluteURL(), link("../d"), link("../d", link("https://h/a/b/C")), page,
-                                        makeString("../d"), nullptr};
-  for (const auto& other : different) EXPECT_FALSE(url->isEqual(other));
+  expectEquality(url, {link("../d", link("c", link("https://h/a/b/"))), make<Shortcut>(), make<NSURL>(url->value())},
+                 {url->absoluteURL(), link("../d"), link("../d", link("https://h/a/b/C")), page, s("../d")});
 }
 
 }  // namespace
