@@ -23,36 +23,27 @@ Decoded<List> readXml(std::string_view inside) {
   return readPropertyList(bytesOf("<plist version=\"1.0\">" + std::string(inside) + "</plist>"));
 }
 
-TEST(PropertyList, ReadsWhatAnotherWriterWrote) {
+TEST(PropertyList, ReadsAndWritesAsAnotherLibraryDoes) {
   for (const auto& [name, value] : samples::all()) {
+    SCOPED_TRACE(name);
+    const auto written = binaryPropertyList(value);
+    EXPECT_TRUE(*readPropertyList(written) == value);
+    if (name == "many") continue;
     for (const char* form : {".bplist", ".xml"}) {
-      const auto path = std::filesystem::path(HAVRIN_FIXTURES) / (name + form);
-      SCOPED_TRACE(path);
-      if (name == "many") continue;  // too large to be kept
-      const auto read = readPropertyList(fileBytes(path));
-      ASSERT_TRUE(read) << read.error().detail();
-      EXPECT_TRUE(*read == value);
+      const auto fixture = fileBytes(std::filesystem::path(HAVRIN_FIXTURES) / (name + form));
+      const auto read = readPropertyList(fixture);
+      ASSERT_TRUE(read) << form << ": " << read.error().detail();
+      EXPECT_TRUE(*read == value) << form;
+      EXPECT_EQ(binaryPropertyList(*read), written) << form;
+      // The objects inside nested collections are numbered in another order there.
+      if (form[1] == 'b' && name != "nested" && name != "info") {
+        EXPECT_EQ(written, fixture);
+      }
     }
   }
 }
 
-// What stands in the folder afterwards is looked at by property_list_oracle.py.
-TEST(PropertyList, ReadsWhatItWrote) {
-  const std::filesystem::path folder = HAVRIN_WRITTEN;
-  std::filesystem::create_directories(folder);
-  for (const auto& [name, value] : samples::all()) {
-    SCOPED_TRACE(name);
-    const auto bytes = binaryPropertyList(value);
-    std::ofstream(folder / (name + ".bplist"), std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    const auto read = readPropertyList(bytes);
-    ASSERT_TRUE(read) << read.error().detail();
-    EXPECT_TRUE(*read == value);
-    EXPECT_EQ(binaryPropertyList(*read), bytes);
-  }
-}
-
-TEST(PropertyList, TellsKindsApart) {
+TEST(PropertyList, DistinguishesKinds) {
   EXPECT_FALSE(List(1) == List(1.0));
   EXPECT_FALSE(List(1) == List(true));
   EXPECT_FALSE(List("a") == List(bytesOf("a")));
@@ -105,7 +96,7 @@ TEST(PropertyList, ReadsXmlByItsRules) {
   }
 }
 
-TEST(PropertyList, SaysWhatIsWrongInXmlAndInWhichLine) {
+TEST(PropertyList, ReportsWhatIsWrongInXmlAndInWhichLine) {
   const struct {
     std::string_view xml, error;
   } rows[] = {
@@ -172,7 +163,7 @@ TEST(PropertyList, IsComparedAndReleasedInBoundedStack) {
   EXPECT_NE(deep, nested(2));
 }
 
-TEST(PropertyList, SharesWhatIsSharedAndWritesItOnce) {
+TEST(PropertyList, SharesPartsAndWritesThemOnce) {
   const List inner = samples::array(std::string(1000, 'x'), 1);
   List doubled = inner;
   for (int i = 0; i < 16; ++i) doubled = samples::array(doubled, doubled);
