@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+// The main queue as a host loop sees it, and as threads see it: a program of its own, since it looks at the whole queue.
 #include "../../testing.h"
 #include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/host_loop.h>
@@ -6,6 +7,7 @@
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
+#include <atomic>
 #include <poll.h>
 
 namespace {
@@ -111,7 +113,7 @@ TEST(HostLoop, ADrainInsideAMainQueueClosureLeavesTheRestForTheOuterOne) {
   EXPECT_TRUE(isAtRest());
 }
 
-TEST(HostLoop, AnExceptionLeavesTheDescriptorTellingTheTruth) {
+TEST(HostLoop, TheDescriptorIsRightAfterAnException) {
   bool ran = false;
   RunLoop::main().performAfter(0, [] { throw std::runtime_error("out"); });
   RunLoop::main().performAfter(0, [&] { ran = true; });
@@ -126,6 +128,40 @@ TEST(HostLoop, AnExceptionLeavesTheDescriptorTellingTheTruth) {
 TEST(HostLoopDeathTest, BelongsToTheMainThread) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_DEATH(std::thread([] { drainMainLoop(); }).join(), "drainMainLoop: must be called on the main thread\n");
+}
+
+TEST(MainQueue, RunsInOrderAndNotFromInsideItself) {
+  TestClock clock;
+  std::vector<int> order;
+  const DispatchQueue main = dispatch_get_main_queue();
+  dispatch_async(main, [&] {
+    order.push_back(1);
+    dispatch_async(main, [&] { order.push_back(4); });
+    RunLoop::current().performAfter(0, [&] { order.push_back(2); });
+    // A nested loop runs what is due, but no other closure of the queue.
+    EXPECT_TRUE(RunLoop::current().runMode(NSDefaultRunLoopMode, monotonicSeconds() + 5));
+  });
+  dispatch_async(main, [&] { order.push_back(3); });
+  EXPECT_TRUE(clock.runUntil([&] { return order.size() == 4; }));
+  EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
+}
+
+TEST(MainQueue, RunsASyncOfAnotherThreadOnTheMainThread) {
+  TestClock clock;
+  std::atomic<int> done{0};
+  const DispatchQueue through = dispatch_queue_create("through main", DISPATCH_QUEUE_SERIAL, dispatch_get_main_queue());
+  std::thread caller([&] {
+    for (const DispatchQueue& queue : {dispatch_get_main_queue(), through}) {
+      bool onMain = false;
+      dispatch_sync(queue, [&] { onMain = isMainThread(); });
+      EXPECT_TRUE(onMain);
+      EXPECT_THROW(dispatch_sync(queue, [] { throw std::runtime_error("out"); }), std::runtime_error);
+    }
+    done = 1;
+    RunLoop::main().wake();
+  });
+  EXPECT_TRUE(clock.runUntil([&] { return done == 1; }));
+  caller.join();
 }
 
 }  // namespace

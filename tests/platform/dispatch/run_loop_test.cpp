@@ -64,7 +64,7 @@ TEST_F(RunLoopTest, RunsDelayedWorkInTheOrderOfItsDueTimes) {
   EXPECT_EQ(loop.nextDeadline(), std::nullopt);
 }
 
-TEST_F(RunLoopTest, LetsWorkThatArrangesItselfAgainWaitForALaterPass) {
+TEST_F(RunLoopTest, RunsWorkThatSchedulesItselfInALaterPass) {
   loop.performAfter(0, [&] {
     ran += "first ";
     loop.performAfter(0, note("second"));
@@ -93,7 +93,7 @@ TEST_F(RunLoopTest, RunsOnlyTheModeItRunsIn) {
   EXPECT_EQ(take(), "common main ");
 }
 
-TEST_F(RunLoopTest, ReturnsAsItsContractSays) {
+TEST_F(RunLoopTest, ReturnsWhetherAnythingIsAttached) {
   std::thread([this, now = monotonicSeconds()] {
     RunLoop& own = RunLoop::current();
     EXPECT_FALSE(own.runMode(NSDefaultRunLoopMode, now + 10)) << "nothing is attached";
@@ -128,47 +128,24 @@ TEST_F(RunLoopTest, EndsAWaitForPostedWorkAndNotForDelayedWork) {
   EXPECT_EQ(monotonicSeconds(), start + 4);
 }
 
-TEST_F(RunLoopTest, CancelsWhatHasTheSameTargetSelectorAndArgument) {
-  const std::string a = "a";
-  const std::string alsoA = "a";
-  const struct {
-    const char* why;
-    std::vector<PerformKey> scheduled;
-    std::function<void()> cancels;
-    int left;
-  } rows[] = {
-      {"both of two equal ones, and nothing else",
-       {{&target, &selectorA}, {&target, &selectorA}, {&otherTarget, &selectorA}, {&target, &selectorB}},
-       [&] {
-         cancel({&target, &selectorA});
-       },
-       2},
-      {"nothing but an equal argument",
-       {{&target, &selectorA, &a}, {&target, &selectorA}},
-       [&] {
-         cancel({&target, &selectorA, &alsoA});
-       },
-       1},
-      {"everything of a target",
-       {{&target, &selectorA, &a}, {&target, &selectorB}, {&otherTarget, &selectorA}},
-       [&] { loop.cancelPerforms(&target); },
-       1},
-      {"nothing from another thread",
-       {{&target, &selectorA}},
-       [&] { std::thread([&] {
-               cancel({&target, &selectorA});
-             }).join(); },
-       1},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    auto held = std::make_shared<int>(0);
-    for (const PerformKey& key : row.scheduled) loop.performAfterDelay(key, 1, Work([held] { ++*held; }));
-    row.cancels();
-    EXPECT_EQ(held.use_count(), 1 + row.left) << "what is cancelled lets go at once";
-    clock.advance(2);
-    EXPECT_EQ(*held, row.left);
+TEST_F(RunLoopTest, CancelsByTargetSelectorAndEqualArgument) {
+  const std::string a = "a", alsoA = "a";
+  const PerformKey plain{&target, &selectorA}, other{&target, &selectorB}, equal{&target, &selectorA, &alsoA};
+  const auto runs = std::make_shared<int>(0);
+  for (const PerformKey& key : {plain, plain, other, PerformKey{&target, &selectorA, &a}, {&otherTarget, &selectorA}}) {
+    loop.performAfterDelay(key, 1, Work([runs] { ++*runs; }));
   }
+  const auto held = [&runs] { return runs.use_count() - 1; };  // what is cancelled is released at once
+  cancel(plain);
+  EXPECT_EQ(held(), 3) << "both of two equal ones, and none with an argument";
+  cancel(equal);
+  EXPECT_EQ(held(), 2);
+  std::thread([&] { cancel(other); }).join();
+  EXPECT_EQ(held(), 2) << "another thread has a loop of its own";
+  loop.cancelPerforms(&target);
+  EXPECT_EQ(held(), 1) << "everything of the target";
+  clock.advance(2);
+  EXPECT_EQ(*runs, 1);
 }
 
 TEST(RunLoopThreads, PostToALoopAndWakeItUntilItsThreadEnds) {
@@ -206,7 +183,7 @@ TEST(RunLoopThreads, WaitOnTheRealClockUntilTheirDeadlines) {
   }).join();
 }
 
-TEST(RunLoopThreads, DropTheirWorkAndLetGoOfWhatItHeldWhenTheyEnd) {
+TEST(RunLoopThreads, ReleaseTheirPendingWorkWhenTheyEnd) {
   std::atomic<int> released{0};
   std::thread([&released] {
     const auto held = [&released, self = std::this_thread::get_id()] {
