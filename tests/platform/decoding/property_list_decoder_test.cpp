@@ -41,24 +41,20 @@ TEST(PropertyListDecoder, DecodesBothForms) {
 
 TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
   const auto infinity = std::numeric_limits<double>::infinity();
-  const auto nan = std::numeric_limits<double>::quiet_NaN();
   const struct {
     PropertyList list;
-    const char *error, *why;
+    std::string error;
   } rows[] = {
-      {PropertyList(7), "none", "an integer"},
-      {PropertyList(7.5), "dataCorrupted at the top level: expected a 64-bit integer, found the number 7.5",
-       "a fraction"},
-      {PropertyList(nan), "dataCorrupted at the top level: expected a 64-bit integer, found the number nan",
-       "no number"},
-      {PropertyList("7"), "typeMismatch at the top level: expected a 64-bit integer, found the string \"7\"", "text"},
-      {PropertyList(Date()), "typeMismatch at the top level: expected a 64-bit integer, found a date", "a date"},
+      {PropertyList(7), "none"},
+      {PropertyList(7.5), "dataCorrupted at the top level: expected a 64-bit integer, found the number 7.5"},
+      {PropertyList(-infinity), "dataCorrupted at the top level: expected a 64-bit integer, found the number -inf"},
+      {PropertyList("7"), "typeMismatch at the top level: expected a 64-bit integer, found the string \"7\""},
+      {PropertyList(Date()), "typeMismatch at the top level: expected a 64-bit integer, found a date"},
       {PropertyList(PropertyList::UID{1}),
-       "typeMismatch at the top level: expected a 64-bit integer, found a reference", "a reference"},
-      {dictionary({}), "typeMismatch at the top level: expected a 64-bit integer, found an object", "a dictionary"},
+       "typeMismatch at the top level: expected a 64-bit integer, found a reference"},
+      {dictionary({}), "typeMismatch at the top level: expected a 64-bit integer, found an object"},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
     const auto decoded = PropertyListDecoder().tryDecode<std::int64_t>(row.list);
     EXPECT_EQ(decoded ? "none" : decoded.error().description(), row.error);
   }
@@ -69,7 +65,7 @@ TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
   EXPECT_FALSE(PropertyListDecoder().tryDecode<float>(PropertyList(1e300)));
 }
 
-TEST(PropertyListDecoder, SaysWhatFailedAndWhere) {
+TEST(PropertyListDecoder, ReportsWhatFailedAndWhere) {
   const auto list = dictionary({{"a", PropertyList(PropertyList::Array{PropertyList(1), PropertyList("x")})}});
   const auto outcome = PropertyListDecoder().tryDecode<std::map<std::string, std::vector<int>>>(list);
   ASSERT_FALSE(outcome);
