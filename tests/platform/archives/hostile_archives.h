@@ -12,17 +12,18 @@ class Forger {
  public:
   using Number = BinaryPropertyListWriter::Number;
   using Uids = std::vector<std::uint64_t>;
+  using Values = std::vector<std::pair<std::string_view, Number>>;
 
   BinaryPropertyListWriter list;
 
-  Forger() { add(list.text("$null")); }
-
-  [[nodiscard]] std::uint64_t next() const { return objects_.size(); }
+  Forger() { text("$null"); }
 
   std::uint64_t add(Number object) {
     objects_.push_back(object);
     return objects_.size() - 1;
   }
+
+  std::uint64_t record(const Values& values) { return add(dictionaryOf(values)); }
 
   std::uint64_t text(std::string_view text) { return add(list.text(text)); }
 
@@ -33,19 +34,16 @@ class Forger {
     return list.array(numbers);
   }
 
-  std::uint64_t classNamed(std::string_view name) {
-    const Number keys[] = {list.text("$classname")}, values[] = {list.text(name)};
-    return add(list.dictionary(keys, values));
+  std::uint64_t classNamed(std::string_view name) { return record({{"$classname", list.text(name)}}); }
+
+  std::uint64_t instance(std::uint64_t cls, Values values) {
+    values.emplace_back("$class", list.uid(cls));
+    return record(values);
   }
 
-  std::uint64_t instance(std::uint64_t cls, std::vector<std::pair<std::string_view, Number>> values) {
-    values.emplace_back("$class", list.uid(cls));
-    std::vector<Number> keys, numbers;
-    for (const auto& [key, value] : values) {
-      keys.push_back(list.text(key));
-      numbers.push_back(value);
-    }
-    return add(list.dictionary(keys, numbers));
+  // Each object that holds it as a part has a copy.
+  std::uint64_t largeText() {
+    return instance(classNamed("NSMutableString"), {{"NS.string", list.text(std::string(500'000, 'x'))}});
   }
 
   std::uint64_t row(std::uint64_t cls, const Uids& uids) { return instance(cls, {{"NS.objects", references(uids)}}); }
@@ -56,20 +54,30 @@ class Forger {
 
   // The archive with this object at its root.
   Strong<NSData> finish(std::uint64_t root) {
-    const Number top[] = {list.text("root")}, uid[] = {list.uid(root)};
-    const Number keys[] = {list.text("$archiver"), list.text("$version"), list.text("$top"), list.text("$objects")};
-    const Number values[] = {list.text("NSKeyedArchiver"), list.integer(std::int64_t{100000}),
-                             list.dictionary(top, uid), list.array(objects_)};
-    return makeData(list.finish(list.dictionary(keys, values)));
+    return makeData(list.finish(dictionaryOf({{"$archiver", list.text("NSKeyedArchiver")},
+                                              {"$version", list.integer(std::int64_t{100000})},
+                                              {"$top", dictionaryOf({{"root", list.uid(root)}})},
+                                              {"$objects", list.array(objects_)}})));
   }
 
  private:
+  Number dictionaryOf(const Values& values) {
+    std::vector<Number> keys, numbers;
+    for (const auto& [key, value] : values) {
+      keys.push_back(list.text(key));
+      numbers.push_back(value);
+    }
+    return list.dictionary(keys, numbers);
+  }
+
   std::vector<Number> objects_;
 };
 
 using Uids = Forger::Uids;
 
-inline Uids repeated(std::uint64_t uid, std::size_t count) { return Uids(count, uid); }
+inline constexpr std::size_t kMany = 100'000;
+inline constexpr std::size_t kHolders = 10'000;
+inline const std::string kLong(500'000, 'x');
 
 inline Uids upTo(std::size_t count, const std::function<std::uint64_t(std::size_t)>& uid) {
   Uids uids;
@@ -77,9 +85,20 @@ inline Uids upTo(std::size_t count, const std::function<std::uint64_t(std::size_
   return uids;
 }
 
-inline constexpr std::size_t kMany = 100'000;
-inline constexpr std::size_t kHolders = 10'000;
-inline const std::string kLong(500'000, 'x');
+// An archive of an object of `cls` that holds what `uid` gives for 0, 1, ...
+inline Strong<NSData> holding(Forger& forger, std::string_view cls, std::size_t count,
+                              const std::function<std::uint64_t(std::size_t)>& uid) {
+  return forger.finish(forger.row(forger.classNamed(cls), upTo(count, uid)));
+}
+
+// An archive of `count` objects of `cls`, all with the same values.
+inline Strong<NSData> alike(std::size_t count, std::string_view cls,
+                            const std::function<Forger::Values(Forger&)>& makeValues) {
+  Forger forger;
+  const auto holders = forger.classNamed(cls);
+  const Forger::Values values = makeValues(forger);
+  return holding(forger, "NSArray", count, [&](std::size_t) { return forger.instance(holders, values); });
+}
 
 // Arrays that share their parts: each level stands for twice the one below.
 inline Strong<NSData> laughs() {
@@ -87,7 +106,7 @@ inline Strong<NSData> laughs() {
   const auto arrays = forger.classNamed("NSArray");
   std::uint64_t all = forger.text("ha");
   for (int level = 0; level < 40; ++level) all = forger.row(arrays, {all, all});
-  return forger.finish(forger.row(forger.classNamed("NSSet"), {all}));
+  return holding(forger, "NSSet", 1, [&](std::size_t) { return all; });
 }
 
 inline Strong<NSData> deepNest() {
@@ -103,112 +122,84 @@ inline Strong<NSData> chainOfArrays() {
   Forger forger;
   const auto arrays = forger.classNamed("NSArray");
   std::uint64_t last = forger.text("first");
-  const Uids all = upTo(3 * kMany, [&](std::size_t) { return last = forger.row(arrays, {last}); });
-  return forger.finish(forger.row(arrays, all));
+  return holding(forger, "NSArray", 3 * kMany, [&](std::size_t) { return last = forger.row(arrays, {last}); });
 }
 
 inline Strong<NSData> chainOfNodes() {
   Forger forger;
   const auto nodes = forger.classNamed("Node");
-  const auto name = forger.text("n");
   std::uint64_t last = 0;
-  const Uids all = upTo(300'000, [&](std::size_t) {
-    return last = forger.instance(nodes, {{"name", forger.list.uid(name)}, {"child", forger.list.uid(last)}});
-  });
-  return forger.finish(forger.row(forger.classNamed("NSArray"), all));
-}
-
-// One large part, which each of many objects has as its own.
-template <class Make>
-inline Strong<NSData> sharedBy(std::string_view cls, Make make) {
-  Forger forger;
-  const auto holders = forger.classNamed(cls);
-  const auto strings = forger.classNamed("NSMutableString");
-  const auto large = forger.instance(strings, {{"NS.string", forger.list.text(kLong)}});
-  const auto small = forger.text("small");
-  const Uids all = upTo(kHolders, [&](std::size_t) { return make(forger, holders, large, small); });
-  return forger.finish(forger.row(forger.classNamed("NSArray"), all));
-}
-
-inline Strong<NSData> longTexts(std::string_view cls) {
-  return sharedBy(cls, [](Forger& forger, std::uint64_t holders, std::uint64_t large, std::uint64_t small) {
-    return forger.instance(holders, {{"NS.objects", forger.references({large})},
-                                     {"NS.relative", forger.list.uid(large)},
-                                     {"NSString", forger.list.uid(large)},
-                                     {"NS.string", forger.list.uid(large)},
-                                     {"NS.base", forger.list.uid(0)},
-                                     {"small", forger.list.uid(small)}});
+  return holding(forger, "NSArray", 3 * kMany, [&](std::size_t) {
+    return last = forger.instance(nodes, {{"child", forger.list.uid(last)}});
   });
 }
 
-inline Strong<NSData> basesOfLinks() {
-  Forger forger;
-  const auto links = forger.classNamed("NSURL");
-  const auto link = [&](std::uint64_t text, std::uint64_t base) {
-    return forger.instance(links, {{"NS.base", forger.list.uid(base)}, {"NS.relative", forger.list.uid(text)}});
-  };
-  const auto base = link(forger.text("https://h/" + kLong), 0);
-  const auto text = forger.text("d");
-  return forger.finish(
-      forger.row(forger.classNamed("NSArray"), upTo(kHolders, [&](std::size_t) { return link(text, base); })));
+// One long text as the part that `key` names.
+inline Strong<NSData> longTexts(std::string_view cls, std::string_view key) {
+  return alike(kHolders, cls, [key](Forger& forger) {
+    const auto large = forger.largeText();
+    return Forger::Values{{key, key == "NS.objects" ? forger.references({large}) : forger.list.uid(large)},
+                          {"NS.base", forger.list.uid(0)}};
+  });
+}
+
+inline Strong<NSData> longBases() {
+  return alike(kHolders, "NSURL", [](Forger& forger) {
+    const auto link = [&](std::uint64_t text, std::uint64_t base) {
+      return Forger::Values{{"NS.base", forger.list.uid(base)}, {"NS.relative", forger.list.uid(text)}};
+    };
+    const auto base = forger.instance(forger.classNamed("NSURL"), link(forger.text("https://h/" + kLong), 0));
+    return link(forger.text("d"), base);
+  });
 }
 
 inline Strong<NSData> longKeys() {
-  return sharedBy("NSDictionary", [](Forger& forger, std::uint64_t holders, std::uint64_t large, std::uint64_t small) {
-    return forger.dictionary(holders, {large}, {small});
+  return alike(kHolders, "NSDictionary", [](Forger& forger) {
+    return Forger::Values{{"NS.keys", forger.references({forger.largeText()})},
+                          {"NS.objects", forger.references({forger.text("small")})}};
   });
 }
 
-// One large mutable dictionary as the attributes of many texts.
+// Two large mutable dictionaries as the attributes of many texts of many runs.
 inline Strong<NSData> largeAttributes(std::size_t texts, std::size_t runs) {
-  Forger forger;
-  const auto cls = forger.classNamed("NSAttributedString");
-  const auto arrays = forger.classNamed("NSArray");
-  const auto dictionaries = forger.classNamed("NSMutableDictionary");
-  const auto one = forger.text("1");
-  const auto size = [&](std::size_t count, std::string_view prefix) {
-    const Uids keys = upTo(count, [&](std::size_t i) { return forger.text(std::string(prefix) + std::to_string(i)); });
-    return forger.dictionary(dictionaries, keys, repeated(one, count));
-  };
-  const auto attributes = forger.row(arrays, {size(5000, "k"), size(5000, "l")});
-  const auto text = forger.text(std::string(runs, 'x'));
-  std::vector<std::byte> bytes;
-  for (std::size_t i = 0; i < runs; ++i) bytes.insert(bytes.end(), {std::byte{1}, static_cast<std::byte>(i & 1)});
-  const auto info = forger.add(forger.list.data(bytes));
-  const Uids all = upTo(texts, [&](std::size_t) {
-    return forger.instance(cls, {{"NSString", forger.list.uid(text)},
-                                 {"NSAttributes", forger.list.uid(attributes)},
-                                 {"NSAttributeInfo", forger.list.uid(info)}});
+  return alike(texts, "NSAttributedString", [runs](Forger& forger) {
+    const auto dictionaries = forger.classNamed("NSMutableDictionary");
+    const auto one = forger.text("1");
+    const auto attributes = [&](const std::string& prefix) {
+      return forger.dictionary(dictionaries,
+                               upTo(5000, [&](std::size_t i) { return forger.text(prefix + std::to_string(i)); }),
+                               Uids(5000, one));
+    };
+    std::vector<std::byte> info;
+    for (std::size_t i = 0; i < runs; ++i) info.insert(info.end(), {std::byte{1}, static_cast<std::byte>(i & 1)});
+    const auto both = forger.row(forger.classNamed("NSArray"), {attributes("k"), attributes("l")});
+    return Forger::Values{{"NSString", forger.list.uid(forger.text(std::string(runs, 'x')))},
+                          {"NSAttributes", forger.list.uid(both)},
+                          {"NSAttributeInfo", forger.list.uid(forger.add(forger.list.data(info)))}};
   });
-  return forger.finish(forger.row(arrays, all));
 }
 
 // All keys of each object are one long text.
-inline Strong<NSData> longKeysOf(std::string_view cls) {
+inline Strong<NSData> equalKeys(std::string_view cls) {
   Forger forger;
-  const auto holders = forger.classNamed(cls);
-  const auto key = forger.list.text(kLong);
-  const auto nothing = forger.list.uid(0);
-  const std::vector<Forger::Number> keys(20'000, key), values(20'000, nothing);
-  auto manyKeys = keys, manyValues = values;
-  manyKeys.push_back(forger.list.text("$class"));
-  manyValues.push_back(forger.list.uid(holders));
-  const Uids all = upTo(50, [&](std::size_t) { return forger.add(forger.list.dictionary(manyKeys, manyValues)); });
-  return forger.finish(forger.row(forger.classNamed("NSArray"), all));
+  std::vector<Forger::Number> keys(20'000, forger.list.text(kLong)), values(20'000, forger.list.uid(0));
+  keys.push_back(forger.list.text("$class"));
+  values.push_back(forger.list.uid(forger.classNamed(cls)));
+  return holding(forger, "NSArray", 50, [&](std::size_t) { return forger.add(forger.list.dictionary(keys, values)); });
 }
 
 // An array that differs from others by its number, in an array inside, which counts for nothing in its hash.
-inline std::uint64_t alike(Forger& forger, std::uint64_t arrays, std::size_t number, std::uint64_t large) {
+inline std::uint64_t ofOneHash(Forger& forger, std::uint64_t arrays, std::size_t number, std::uint64_t large) {
   return forger.row(arrays, {forger.row(arrays, {large, forger.text(std::to_string(number))})});
 }
 
 inline Strong<NSData> membersOfOneHash() {
   Forger forger;
-  const auto arrays = forger.classNamed("NSArray"), sets = forger.classNamed("NSSet");
-  const auto large = forger.row(arrays, repeated(forger.text("x"), 10'000));
-  Uids all = upTo(kMany, [&](std::size_t i) { return forger.text("small" + std::to_string(i)); });
-  for (std::size_t i = 0; i < 200; ++i) all.push_back(alike(forger, arrays, i, large));
-  return forger.finish(forger.row(sets, all));
+  const auto arrays = forger.classNamed("NSArray");
+  const auto large = forger.row(arrays, Uids(10'000, forger.text("x")));
+  return holding(forger, "NSSet", kMany + 200, [&](std::size_t i) {
+    return i < kMany ? forger.text("small" + std::to_string(i)) : ofOneHash(forger, arrays, i, large);
+  });
 }
 
 // Sets of sets, all of one hash: comparing two of them is the square of what they hold.
@@ -218,7 +209,7 @@ inline Strong<NSData> setsOfSets() {
   const auto nothing = forger.text("x");
   std::size_t leaf = 0;
   const std::function<std::uint64_t(int)> level = [&](int depth) {
-    if (depth == 0) return alike(forger, arrays, leaf++, nothing);
+    if (depth == 0) return ofOneHash(forger, arrays, leaf++, nothing);
     return forger.row(sets, upTo(25, [&](std::size_t) { return level(depth - 1); }));
   };
   const auto one = level(3);
@@ -228,11 +219,10 @@ inline Strong<NSData> setsOfSets() {
 
 inline Strong<NSData> crowdingNumbers() {
   Forger forger;
-  const Uids all = upTo(kMany, [&](std::size_t i) {
+  return holding(forger, "NSSet", kMany, [&](std::size_t i) {
     return forger.add(i % 2 ? forger.list.real(0.5 + static_cast<double>(i))
                             : forger.list.integer(static_cast<std::int64_t>(i) << 44));
   });
-  return forger.finish(forger.row(forger.classNamed("NSSet"), all));
 }
 
 // Records of classes that find their class only behind all of their hints.
@@ -240,25 +230,22 @@ inline Strong<NSData> hints() {
   Forger forger;
   std::vector<Forger::Number> names(kMany, forger.list.text("?"));
   names.push_back(forger.list.text("NSNull"));
-  const auto all = forger.list.array(names), long_ = forger.list.text(kLong);
-  const Uids nulls = upTo(1000, [&](std::size_t) {
-    const Forger::Number keys[] = {forger.list.text("$classname"), forger.list.text("$classhints")};
-    const Forger::Number values[] = {long_, all};
-    return forger.instance(forger.add(forger.list.dictionary(keys, values)), {});
+  const auto all = forger.list.array(names), unknown = forger.list.text(kLong);
+  return holding(forger, "NSArray", 1000, [&](std::size_t) {
+    return forger.instance(forger.record({{"$classname", unknown}, {"$classhints", all}}), {});
   });
-  return forger.finish(forger.row(forger.classNamed("NSArray"), nulls));
 }
 
 inline Strong<NSData> oneTextAsManyObjects() {
   Forger forger;
   const auto text = forger.list.text(kLong);
-  return forger.finish(
-      forger.row(forger.classNamed("NSArray"), upTo(kHolders, [&](std::size_t) { return forger.add(text); })));
+  return holding(forger, "NSArray", kHolders, [&](std::size_t) { return forger.add(text); });
 }
 
 inline Strong<NSData> manyReferences(std::string_view cls) {
   Forger forger;
-  return forger.finish(forger.row(forger.classNamed(cls), repeated(forger.text("x"), 1'000'000)));
+  const auto text = forger.text("x");
+  return holding(forger, cls, 1'000'000, [&](std::size_t) { return text; });
 }
 
 inline Strong<NSData> xmlOfArrays() {
