@@ -8,6 +8,14 @@
 
 namespace havrin {
 
+inline namespace platform {
+extern const Category kKeyValueCoding;
+extern const Category kDictionaryKeys;
+extern const Category kMutableDictionaryKeys;
+extern const Category kKeyValueObserving;
+extern const Category kDependentKeys;
+}  // namespace platform
+
 extern const Category kProcessTestFlag;
 extern const Category kRateLimits;
 extern const Category kResponderObservations;
@@ -42,6 +50,12 @@ const ConstantString* const kStrings[] = {
 };
 
 const Category* const kCategories[] = {
+    // the layer
+    &kKeyValueCoding,         // NSObject(KeyValueCoding)
+    &kDictionaryKeys,         // NSDictionary(KeyValueCoding)
+    &kMutableDictionaryKeys,  // NSMutableDictionary(KeyValueCoding)
+    &kKeyValueObserving,      // NSObject(KeyValueObserving)
+    &kDependentKeys,          // NSObject(DependentKeys)
     // frame
     &kProcessTestFlag,  // NSProcessInfo(HavrinFoundation)
     &kRateLimits,       // NSObject(Helpers)

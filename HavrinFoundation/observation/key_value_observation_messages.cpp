@@ -53,7 +53,8 @@ Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObje
   if (object) {
     constexpr std::uint64_t kBoth = NSKeyValueObservingOptionNew | NSKeyValueObservingOptionOld;
     for (NSObject* path : each(keyPaths)) {
-      object->addObserver(this, checkedCast<NSString>(path), kBoth, kKeyValueObservationContext);
+      send<"addObserver:forKeyPath:options:context:">(object, this, checkedCast<NSString>(path), kBoth,
+                                                      kKeyValueObservationContext);
     }
   }
   if (!(options & KeyValueObservationOptionSkipInitial)) {
@@ -69,7 +70,7 @@ KeyValueObservation::~KeyValueObservation() {
       NSString* const path = cast<NSString>(element);
       if (!path) continue;  // creation failed at this element
       try {
-        object_->removeObserver(this, path, kKeyValueObservationContext);
+        send<"removeObserver:forKeyPath:context:">(object_, this, path, kKeyValueObservationContext);
       } catch (const NSException&) {
         // Never made, since creation failed on the way, or made for another object or other paths.
       }
@@ -86,11 +87,6 @@ void KeyValueObservation::copyKeyPaths(NSArray* keyPaths) {
 void KeyValueObservation::copyAction(const Action& action) {
   if (!action) throwNullArgument(*this, "setAction:", "action");
   action_ = action;
-}
-
-void KeyValueObservation::observeValueForKeyPath(NSString* keyPath, NSObject* object, NSDictionary* change,
-                                                 void* context) {
-  send<"observeValueForKeyPath:ofObject:change:context:">(*this, keyPath, object, change, context);
 }
 
 void KeyValueObservation::observe(NSString* keyPath, NSObject* object, NSDictionary* change, void* context) {

@@ -22,6 +22,7 @@
 #include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/block.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 #include <cstdint>
 
@@ -65,9 +66,6 @@ class HAVRIN_EXPORT KeyValueObservation : public Object<KeyValueObservation, NSO
   /// Throws: NSException (InvalidArgument) for null.
   void setAction(const Action& action) { set<"action">(action); }
 
-  /// What key-value observing calls, on the thread that made the change. Does nothing for another context, a null object
-  /// or an observer that is gone.
-  void observeValueForKeyPath(NSString* keyPath, NSObject* object, NSDictionary* change, void* context) final;
   /// The superclass's text, and a line each for the observer, the object and the key paths.
   [[nodiscard]] Strong<NSString> debugDescription() const final;
 
@@ -76,6 +74,8 @@ class HAVRIN_EXPORT KeyValueObservation : public Object<KeyValueObservation, NSO
                                    const Action& action);
   void copyKeyPaths(NSArray* keyPaths);
   void copyAction(const Action& action);
+  // What key-value observing sends, on the thread that made the change. Does nothing for another context, a null object
+  // or an observer that is gone.
   void observe(NSString* keyPath, NSObject* object, NSDictionary* change, void* context);
   Strong<NSString> describe();
 

@@ -4,6 +4,7 @@
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/foundation/index_set.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include <cstdio>
@@ -41,11 +42,11 @@ struct LastLook {
 class Strict : public Object<Strict, Station> {
  public:
   std::int64_t nulls = 0;
-  using Station::removeObserver;
-  void removeObserver(NSObject* observer, NSString* keyPath, void* context) override {
+  void remove(NSObject* observer, NSString* keyPath, void* context) {
     nulls += keyPath ? 0 : 1;
-    Station::removeObserver(observer, keyPath, context);
+    sendSuper<"removeObserver:forKeyPath:context:">(*this, observer, keyPath, context);
   }
+  using Members = List<Method<"removeObserver:forKeyPath:context:", &Strict::remove>>;
 };
 
 struct Observation : testing::Test {
@@ -136,7 +137,7 @@ TEST_F(Observation, OptionsAreTwoBits) {
     token = observe(keyPaths, row.options);
     send<"setTitle:">(station, s("b"));
     send<"setTitle:">(station, s("b"));
-    station->setValueForKey(nullptr, s("title"));
+    send<"setValue:forKey:">(station, nullptr, s("title"));
     EXPECT_EQ(take(), row.told);
     token = nullptr;
     EXPECT_TRUE(station->isUnobserved());
@@ -152,7 +153,7 @@ TEST_F(Observation, UnchangedMeansEqualInTheEyesOfTheOldValue) {
   send<"setTitle:">(station, s("a"));
   send<"setTitle:">(station, nullptr);
   EXPECT_EQ(take(), "title 1 null>a, title 1 a>null");
-  const auto songs = station->mutableArrayValueForKey(s("songs"));
+  const auto songs = send<"mutableArrayValueForKey:">(station, s("songs"));
   songs->addObject(s("x"));
   songs->replaceObjectAtIndex(0, s("x"));
   songs->removeLastObject();
@@ -275,11 +276,12 @@ TEST_F(Observation, IsCalledAsKeyValueObservingCalls) {
   EXPECT_EQ(call(station, kKeyValueObservationContext), "-") << "neither old nor new: the same";
   change->setObject(s("new"), NSKeyValueChangeNewKey);
   EXPECT_NE(call(station, kKeyValueObservationContext), "-") << "a new value where there was none is a change";
-  station->addObserver(token, s("title"), 0, &foreign);  // another registration of the same object
+  send<"addObserver:forKeyPath:options:context:">(station, token, s("title"), 0,
+                                                  &foreign);  // another registration of the same object
   seen = nullptr;
   send<"setTitle:">(station, nullptr);
   EXPECT_FALSE(seen);
-  station->removeObserver(token, s("title"), &foreign);
+  send<"removeObserver:forKeyPath:context:">(station, token, s("title"), &foreign);
 }
 
 TEST_F(Observation, IsMadeThroughItsSettersInOrder) {

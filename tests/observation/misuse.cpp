@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Misuse that must not compile: HAVRIN_CASE chooses one.
+// Misuse that must not compile: HAVRIN_CASE chooses the case.
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 
 using namespace havrin;
@@ -8,8 +8,6 @@ using namespace havrin;
 class Observation : public Object<Observation, KeyValueObservation> {
  public:
 #if HAVRIN_CASE == 1
-  void observeValueForKeyPath(NSString*, NSObject*, NSDictionary*, void*) override {}
-#elif HAVRIN_CASE == 2
   Strong<NSString> debugDescription() const override { return nullptr; }
 #endif
 };

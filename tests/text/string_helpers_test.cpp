@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../objects.h"
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/string_helpers.h>
 #include <HavrinFoundation/text/string_helpers_messages.h>
@@ -108,7 +109,7 @@ TEST(StringHelpers, AnOverrideOfContainsAnyDecidesContainsOnly) {
 TEST(StringHelpers, MessagesToNullAndWithNullArguments) {
   const Strong<NSString> none, text = makeString("abc");
   EXPECT_EQ(send<"entireRange">(none), NSRange());
-  const Strong<NSObject> byKey = makeString("\U0001F44Da")->valueForKey(makeString("entireRange"));
+  const Strong<NSObject> byKey = send<"valueForKey:">(makeString("\U0001F44Da"), makeString("entireRange"));
   EXPECT_TRUE(byKey->isEqual(NSValue::valueWithRange({0, 3})));
   EXPECT_FALSE(byKey->isEqual(NSValue::valueWithRange({1, 3})));
   EXPECT_EQ(utf8(*byKey->description()), "NSRange: {0, 3}");

@@ -36,8 +36,10 @@ FACILITY_LINKS = {
     ("text/attributed_strings", "frame/not_localized"): "the empty fallback is marked as not localised",
 }
 
-# Sources without messages that need the library's image all the same.
+# Files that need the library's image besides those of the rooms' messages.
 IMAGE_USERS = {
+    "platform/observing/key_value_coding.h": "its messages are those of a category",
+    "platform/observing/key_value_observing.h": "its messages are those of a category",
     "frame/main_queue.cpp": "its initialisers mark the main queue, also in a static link",
 }
 
@@ -93,6 +95,8 @@ def line_of(tree, name, included):
 
 def platform_include(name, included):
     folder = name.removeprefix(PLATFORM).split("/")[0] if name.count("/") > 2 else None
+    if included == LIBRARY + "image.h" and name.removeprefix(LIBRARY) in IMAGE_USERS:
+        return None
     if not included.startswith(PLATFORM):
         return "the layer knows nothing of the rooms"
     other = included.removeprefix(PLATFORM).split("/")[0]

@@ -98,8 +98,6 @@ const std::uint64_t& NSDictionary::mutations() const {
   return kNever;
 }
 
-Strong<NSObject> NSDictionary::valueForKey(NSString* key) const { return objectForKey(key); }
-
 bool NSDictionary::isEqual(const NSObject* other) const {
   if (this == other) return true;
   const auto* dictionary = cast<NSDictionary>(other);
@@ -190,13 +188,6 @@ void NSMutableDictionary::removeAllObjects() {
   }
   const Strong<NSArray> keys = allKeys();
   for (std::uint64_t i = 0, count = keys->count(); i < count; ++i) removeObjectForKey(keys->objectAtIndex(i));
-}
-
-void NSMutableDictionary::setValueForKey(NSObject* value, NSString* key) {
-  if (!key) throwNullArgument(*this, "setValue:forKey:", "key");
-  willChangeValueForKey(key);
-  set(key, value);
-  didChangeValueForKey(key);
 }
 
 Strong<NSObject> NSMutableDictionary::copy() const {

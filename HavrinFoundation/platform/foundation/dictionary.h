@@ -58,8 +58,6 @@ class HAVRIN_EXPORT NSDictionary : public Object<NSDictionary, NSObject>, public
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   /// Derived from the keys and values, except those that are collections. Cost: linear.
   [[nodiscard]] std::uint64_t hash() const override;
-  /// The entry under `key`; null for none.
-  [[nodiscard]] Strong<NSObject> valueForKey(NSString* key) const override;
   /// "{key = value; key = value}". Collections nested deeper than 64 levels are shown as "...", in brackets.
   [[nodiscard]] Strong<NSString> description() const override;
   /// The dictionary itself.
@@ -109,8 +107,6 @@ class HAVRIN_EXPORT NSMutableDictionary : public Object<NSMutableDictionary, NSD
   void addEntriesFromDictionary(const NSDictionary* other);
   void removeAllObjects();
 
-  /// `set`, with notification of the observers of the key.
-  void setValueForKey(NSObject* value, NSString* key) override;
   /// An NSDictionary with the entries of now.
   [[nodiscard]] Strong<NSObject> copy() const override;
   [[nodiscard]] const std::uint64_t& mutations() const override { return mutations_; }

@@ -9,7 +9,7 @@
 //
 // The rows are constant data; nothing runs until the image's `Loader` attaches them, which is the one thing an image
 // runs at load. Functions take the receiver by reference (class methods: its `ClassOf`) and then what the message
-// declares. The receiver and the arguments are kept alive for the call (call_hold.h).
+// declares. The receiver and the arguments are kept alive for the call (call_hold.h), but for `unheldRow`.
 //
 // Where two categories add the same selector to one class, the one attached last answers; within a program that is the
 // order in which its libraries are loaded, and within an image the order of its list. An image that has attached its
@@ -75,16 +75,16 @@ void notifyingSetter(NSObject* self, Arguments value) {
     NSObject* self;
     Arguments& value;
   } change{self, value};
-  notifyChange(
-      self, selector<Name>,
-      [](void* context) {
-        auto& [object, argument] = *static_cast<Change*>(context);
-        ClassObject* below = dispatchClass(object)->shown();
-        Implementation setter = below->cached(selector<Name>.number.load(std::memory_order_relaxed));
-        if (!setter) setter = below->resolve(selector<Name>, typeid(void(Arguments)), object);
-        reinterpret_cast<void (*)(NSObject*, Arguments)>(setter)(object, std::forward<Arguments>(argument));
-      },
-      &change);
+  const auto apply = [](void* context) {
+    auto& [object, argument] = *static_cast<Change*>(context);
+    ClassObject* below = dispatchClass(object)->shown();
+    Implementation setter = below->cached(selector<Name>.number.load(std::memory_order_relaxed));
+    if (!setter) setter = below->resolve(selector<Name>, typeid(void(Arguments)), object);
+    reinterpret_cast<void (*)(NSObject*, Arguments)>(setter)(object, std::forward<Arguments>(argument));
+  };
+  // The class has changed back when the object is being destroyed.
+  const Notifications* const notifications = dispatchClass(self)->notifications();
+  notifications ? notifications->change(self, selector<Name>, apply, &change) : apply(&change);
 }
 
 template <Text Name, class FunctionType>
@@ -120,6 +120,15 @@ struct CategoryTrampoline<ClassType, Function, Result(Arguments...)> {
   }
 };
 template <class ClassType, auto Function, class FunctionType>
+struct UnheldTrampoline;
+template <class ClassType, auto Function, class Result, class... Arguments>
+struct UnheldTrampoline<ClassType, Function, Result(Arguments...)> {
+  static constexpr bool fits = std::is_invocable_r_v<Result, decltype(Function), ClassType&, Arguments...>;
+  static Result call(NSObject* self, Arguments... arguments) {
+    return Function(static_cast<ClassType&>(*self), std::forward<Arguments>(arguments)...);
+  }
+};
+template <class ClassType, auto Function, class FunctionType>
 struct ClassTrampoline;
 template <class ClassType, auto Function, class Result, class... Arguments>
 struct ClassTrampoline<ClassType, Function, Result(Arguments...)> {
@@ -151,6 +160,13 @@ template <class ClassType, Text Name, auto Function>
   static_assert(!std::is_same_v<Declaration, detail::NotFound>, "row: the class declares no such message");
   return detail::rowOf<Name, Declaration,
                        detail::CategoryTrampoline<ClassType, Function, typename Declaration::Type>>();
+}
+/// The same, and nothing is kept alive for the call: for a function that holds what it needs, where two counts matter.
+template <class ClassType, Text Name, auto Function>
+[[nodiscard]] constexpr MethodRow unheldRow() {
+  using Declaration = detail::MessageOf<ClassType, Name>;
+  static_assert(!std::is_same_v<Declaration, detail::NotFound>, "unheldRow: the class declares no such message");
+  return detail::rowOf<Name, Declaration, detail::UnheldTrampoline<ClassType, Function, typename Declaration::Type>>();
 }
 /// The row that gives the class ClassType itself the method `Function` for the declared class message Name.
 template <class ClassType, Text Name, auto Function>

@@ -146,13 +146,14 @@ ClassObject* ClassObject::build(const ClassDescription& description) {
   return cls;
 }
 
-ClassObject* ClassObject::notifyingClass() {
+ClassObject* ClassObject::notifyingClass(const Notifications& notifications) {
   if (ClassObject* made = notifying_.load(std::memory_order_acquire)) return made;
   Runtime& runtime = Runtime::shared();
   const WriterGuard guard(runtime.lock);
   if (ClassObject* made = notifying_.load(std::memory_order_relaxed)) return made;
   ClassObject* made = runtime.place(name_, this, dispatchClass(this));
   made->shown_ = this;
+  made->notifications_ = &notifications;
   notifying_.store(made, std::memory_order_release);
   return made;
 }

@@ -31,6 +31,7 @@ inline namespace platform {
 /// A method's code, cast to the function type of its signature before it is called.
 using Implementation = void (*)();
 
+struct Notifications;
 struct SignatureInfo;
 
 /// One method of a class or category: constant data. The implementation comes from a call rather than a field, since a
@@ -68,7 +69,9 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   [[nodiscard]] ClassObject* superclass() const { return superclass_; }
   /// The class that the program sees: the original of a notifying class, else the class itself.
   [[nodiscard]] ClassObject* shown() const { return shown_; }
-  [[nodiscard]] bool isNotifying() const { return shown_ != this; }
+  /// What the setters of a notifying class call; null for every other class.
+  [[nodiscard]] const Notifications* notifications() const { return notifications_; }
+  [[nodiscard]] bool isNotifying() const { return notifications_ != nullptr; }
   [[nodiscard]] bool isMetaclass() const { return instance_ != nullptr; }
   /// Whether methods of instances run no code of the program: no override, no block, no observer. False once a category
   /// of the program has been attached.
@@ -102,7 +105,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   /// run code of the program, so the class is a leaf no longer.
   void addRows(std::span<const MethodRow> rows, bool ofProgram);
   /// The subclass of this class whose setters notify; made at first use.
-  [[nodiscard]] ClassObject* notifyingClass();
+  [[nodiscard]] ClassObject* notifyingClass(const Notifications& notifications);
 
   [[nodiscard]] bool isEqual(const NSObject* other) const override { return this == other; }
   [[nodiscard]] Strong<NSString> description() const override;
@@ -129,6 +132,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   std::string_view name_;
   ClassObject* superclass_;
   ClassObject* shown_;
+  const Notifications* notifications_ = nullptr;
   ClassObject* instance_ = nullptr;  // of a metaclass: its one instance
   std::atomic<bool> isLeaf_{false};
   bool hasRowsOfProgram_ = false;  // its own or a superclass's; guarded by the runtime's lock

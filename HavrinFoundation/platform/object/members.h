@@ -310,10 +310,10 @@ class HAVRIN_EXPORT Object : public Super {
   requires(!std::is_same_v<Super, NSObject>) explicit Object(Arguments&&... arguments)
       : Super(std::forward<Arguments>(arguments)...) {
     // An object that a base class's constructor has made observed stays so.
-    const bool observed = dispatchClass(this)->isNotifying();
+    const Notifications* const notifications = dispatchClass(this)->notifications();
     become<Me>();
-    if (observed) [[unlikely]]
-      headerOf(this).cls.store(classObject<Me>()->notifyingClass(), std::memory_order_relaxed);
+    if (notifications) [[unlikely]]
+      headerOf(this).cls.store(classObject<Me>()->notifyingClass(*notifications), std::memory_order_relaxed);
   }
   constexpr explicit Object(NSObject::Placed placed) noexcept : Super(placed) {}
 

@@ -34,7 +34,7 @@ constinit thread_local Destruction destruction [[gnu::tls_model("initial-exec")]
 void destroyNow(NSObject* object) noexcept {
   ObjectHeader& header = headerOf(object);
   header.strong.store(ObjectHeader::kDestroying, std::memory_order_relaxed);
-  if (dispatchClass(object)->isNotifying()) dropObservations(object);
+  if (const Notifications* notifications = dispatchClass(object)->notifications()) notifications->drop(object);
   object->~NSObject();
   header.strong.store(ObjectHeader::kDestroyed, std::memory_order_release);  // for the holders of a Weak
   const auto isLast = [](std::uint32_t weak) { return (weak & ~ObjectHeader::kHasAssociations) == 1; };

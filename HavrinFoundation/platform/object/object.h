@@ -8,7 +8,8 @@
 //
 // Objects live on the heap and are made by `make<Type>(...)` (or `alloc<Type>()` before an init message). `new Type`
 // does not compile; an object on the stack, or one whose NSObject is not its first base, ends the process with one line
-// that names the class.
+// that names the class. Values by key and observing are messages to every object: observing/key_value_coding.h and
+// key_value_observing.h declare them.
 // Left out: manual retain and release, zones, forwarding of unknown messages, method swizzling.
 #pragma once
 
@@ -27,11 +28,7 @@ inline namespace platform {
 
 class AnyProtocol;
 class Class;
-class NSDictionary;
-class NSIndexSet;
-class NSMutableArray;
 class NSString;
-enum class NSKeyValueChange : std::uint64_t;
 template <class... Type>
 struct List;
 
@@ -84,32 +81,6 @@ class HAVRIN_EXPORT NSObject {
   /// Throws: NSException (InvalidArgument) when the receiver does not answer, when the message takes two arguments or
   /// more, or when `argument` is of another kind than it takes.
   virtual Strong<NSObject> performSelector(Selector selector, NSObject* argument = nullptr);
-
-  // Values by key: the rules and the exceptions are in observing/key_value_coding.h.
-
-  /// The value of a property, numbers boxed. Throws: `valueForUndefinedKey` for a key that the class has not.
-  [[nodiscard]] virtual Strong<NSObject> valueForKey(NSString* key) const;
-  /// The value at the end of a path of keys; null as soon as one on the way is null.
-  [[nodiscard]] virtual Strong<NSObject> valueForKeyPath(NSString* path) const;
-  virtual void setValueForKey(NSObject* value, NSString* key);
-  /// Sets the last key on the object that the keys before it lead to; nothing when that is null.
-  virtual void setValueForKeyPath(NSObject* value, NSString* path);
-  /// The array under `key` as one that can be changed in place, with a notification for each change.
-  [[nodiscard]] virtual Strong<NSMutableArray> mutableArrayValueForKey(NSString* key);
-  [[nodiscard]] virtual Strong<NSObject> valueForUndefinedKey(NSString* key) const;
-  virtual void setValueForUndefinedKey(NSObject* value, NSString* key);
-  virtual void setNilValueForKey(NSString* key);
-
-  // Changes reported to observers: the rules are in observing/key_value_observing.h.
-
-  virtual void addObserver(NSObject* observer, NSString* keyPath, std::uint64_t options, void* context);
-  virtual void removeObserver(NSObject* observer, NSString* keyPath, void* context);
-  virtual void removeObserver(NSObject* observer, NSString* keyPath);
-  virtual void observeValueForKeyPath(NSString* keyPath, NSObject* object, NSDictionary* change, void* context);
-  virtual void willChangeValueForKey(NSString* key);
-  virtual void didChangeValueForKey(NSString* key);
-  virtual void willChangeValuesAtIndexes(NSKeyValueChange kind, NSIndexSet* indexes, NSString* key);
-  virtual void didChangeValuesAtIndexes(NSKeyValueChange kind, NSIndexSet* indexes, NSString* key);
 
  protected:
   // For class objects and constant objects, whose header is written where they are placed.

@@ -3,7 +3,8 @@
 
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/category.h>
-#include <HavrinFoundation/platform/object/observed.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 #include <utility>
 
@@ -32,8 +33,8 @@ void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
         continue;
       }
     }
-    observer->observeValueForKeyPath(registration.path, object, NSKeyValueChangeDictionary::plainSetting(),
-                                     registration.context);
+    send<"observeValueForKeyPath:ofObject:change:context:">(
+        observer, registration.path, object, NSKeyValueChangeDictionary::plainSetting(), registration.context);
   }
 }
 
@@ -42,7 +43,8 @@ void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
 void tell(Registration& registration, NSObject* object, NSDictionary* change) {
   if (!registration.isActive.load(std::memory_order_acquire)) return;
   if (const Strong<NSObject> observer = registration.observer.lock()) {
-    observer->observeValueForKeyPath(registration.path, object, change, registration.context);
+    send<"observeValueForKeyPath:ofObject:change:context:">(observer, registration.path, object, change,
+                                                            registration.context);
   } else if (registration.isOrphaned()) {
     static_cast<void>(registration.leave());
   }
@@ -162,7 +164,7 @@ NSDictionary* Change::directChange(std::uint64_t options) {
 }
 
 Strong<NSObject> Change::read(NSObject& from, NSString& path, NSKeyValueChange kind) const {
-  Strong<NSObject> value = from.valueForKeyPath(&path);
+  Strong<NSObject> value = send<"valueForKeyPath:">(from, &path);
   if (kind == NSKeyValueChange::setting) return orNull(std::move(value));
   const auto* array = cast<NSArray>(value.get());
   return array && indexes_ ? Strong<NSObject>(array->objectsAtIndexes(indexes_)) : nullptr;

@@ -13,6 +13,9 @@
 namespace havrin {
 inline namespace platform {
 
+/// Runs `apply`, which sets the value under the key of `setter`, between the two halves of a change.
+void notifyChange(NSObject* object, const SelectorConstant& setter, void (*apply)(void*), void* context);
+
 /// Tells one registration of a change, unless it has ended; ends it when its observer is gone.
 void tell(Registration& registration, NSObject* object, NSDictionary* change);
 

@@ -34,19 +34,6 @@ constexpr MethodRow kClassRows[] = {
     classRow<NSObject, "automaticallyNotifiesObserversForKey:", automatically>(),
     classRow<NSObject, "keyPathsForValuesAffectingValueForKey:", affecting>(),
 };
-constinit const Category kKeyValueObserving{classObject<NSObject>, "KeyValueObserving", {}, kClassRows};
-
-// The layer runs nothing at load: the rows that the root class answers with come at the first registration.
-void attachDefaults() {
-  static const Category* const kCategories[] = {&kKeyValueObserving};
-  static const Loader kLoader(Image{.name = "key-value observing",
-                                    .identification = nullptr,
-                                    .strings = {},
-                                    .categories = kCategories,
-                                    .initialisers = {}});
-  static_cast<void>(kLoader);
-}
-
 KeyFacts ask(const ClassObject& shown, NSString& key) {
   const ClassOf<NSObject> cls(&shown);
   KeyFacts facts{};
@@ -68,8 +55,9 @@ ClassKeyCache<KeyFacts>& cache() {
 
 }  // namespace
 
+extern constinit const Category kDependentKeys{classObject<NSObject>, "DependentKeys", {}, kClassRows};
+
 KeyFacts factsForKey(const ClassObject& shown, NSString& key) {
-  attachDefaults();
   return withText(key, [&](std::string_view text) {
     const std::uint64_t changes = methodChanges();
     if (const auto known = cache().find(shown, text, changes)) return *known;

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/observing/key_value_coding.h>
 
-#include <HavrinFoundation/platform/object/boxing.h>
+#include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/object/exception.h>
-#include <HavrinFoundation/platform/object/object.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
+#include <HavrinFoundation/platform/observing/mutable_array_proxy.h>
 
 #include <cstdlib>
 #include <cxxabi.h>
@@ -17,14 +18,15 @@ inline namespace platform {
 
 namespace {
 
-// The receiver as the getters and setters take it.
-NSObject* receiver(const NSObject* self) { return const_cast<NSObject*>(self); }
-
-ClassObject* classAsIs(const NSObject* self) { return dispatchClass(self); }
-
-KeyRows rowsOf(const NSObject* self, const NSString& key) {
-  const ClassObject* shown = classAsIs(self)->shown();
+KeyRows rowsOf(const NSObject& self, const NSString& key) {
+  const ClassObject* shown = dispatchClass(&self)->shown();
   return withText(key, [shown](std::string_view text) { return rowsForKey(*shown, text); });
+}
+
+// Calls the row with what the receiver's class has for it. The method may drop the last reference to the receiver.
+Strong<NSObject> call(const MethodRow& row, NSObject& self, NSObject* const* arguments) {
+  const Strong<NSObject> hold(&self);
+  return row.signature->call(dispatchClass(&self)->implementation(row), &self, arguments);
 }
 
 std::string nameOfType(const std::type_info& type) {
@@ -35,15 +37,14 @@ std::string nameOfType(const std::type_info& type) {
 
 [[noreturn]] void throwUndefined(const NSObject& self, const NSString* key, const char* selector,
                                  const MethodRow* KeyRows::*method) {
-  const Class cls = classOf(self);
-  const MethodRow* unboxable = key ? unboxableRowsForKey(*cls.object(), utf8(*key)).*method : nullptr;
+  const MethodRow* unboxable = key ? unboxableRowsForKey(*classOf(self).object(), utf8(*key)).*method : nullptr;
   throw NSException(NSUndefinedKeyException,
-                    "-[" + std::string(cls.name()) + " " + selector + "]: " +
-                        (unboxable ? "the method \"" + std::string(unboxable->selector->name) +
-                                         "\" has a type that cannot be boxed, " +
-                                         nameOfType(*unboxable->signature->type) + ", for the key "
-                                   : "the class has no method for the key ") +
-                        (key ? "\"" + utf8(*key) + "\"" : "(null)"));
+                    methodReason(self, selector,
+                                 (unboxable ? "the method \"" + std::string(unboxable->selector->name) +
+                                                  "\" has a type that cannot be boxed, " +
+                                                  nameOfType(*unboxable->signature->type) + ", for the key "
+                                            : "the class has no method for the key ") +
+                                     (key ? "\"" + utf8(*key) + "\"" : "(null)")));
 }
 
 bool isOneKey(const NSString& path) {
@@ -51,58 +52,80 @@ bool isOneKey(const NSString& path) {
   return utf16(path).find(u'.') == std::u16string::npos;
 }
 
-}  // namespace
-
-Strong<NSObject> NSObject::valueForKey(NSString* key) const {
-  requireKey(*this, key, "valueForKey:");
-  const MethodRow* row = rowsOf(this, *key).getter;
-  if (!row) return valueForUndefinedKey(key);
-  const Strong<NSObject> hold(receiver(this));
-  return row->signature->call(classAsIs(this)->implementation(*row), receiver(this), nullptr);
+Strong<NSObject> valueForKey(NSObject& self, NSString* key) {
+  requireKey(self, key, "valueForKey:");
+  const MethodRow* row = rowsOf(self, *key).getter;
+  return row ? call(*row, self, nullptr) : send<"valueForUndefinedKey:">(self, key);
 }
 
-void NSObject::setValueForKey(NSObject* value, NSString* key) {
-  requireKey(*this, key, "setValue:forKey:");
-  const MethodRow* row = rowsOf(this, *key).setter;
-  if (!row) return setValueForUndefinedKey(value, key);
-  if (!value && !row->signature->takesNull) return setNilValueForKey(key);
-  const Strong<NSObject> hold(this);
+void setValueForKey(NSObject& self, NSObject* value, NSString* key) {
+  requireKey(self, key, "setValue:forKey:");
+  const MethodRow* row = rowsOf(self, *key).setter;
+  if (!row) return send<"setValue:forUndefinedKey:">(self, value, key);
+  if (!value && !row->signature->takesNull) return send<"setNilValueForKey:">(self, key);
   const Strong<NSObject> holdValue(value);
-  row->signature->call(classAsIs(this)->implementation(*row), this, &value);
+  call(*row, self, &value);
 }
 
-Strong<NSObject> NSObject::valueForKeyPath(NSString* path) const {
-  requireKey(*this, path, "valueForKeyPath:");
-  if (isOneKey(*path)) return valueForKey(path);
-  Strong<NSObject> value(receiver(this));
-  for (const Strong<NSString>& key : keysOfPath(*path)) {
-    if (!value) return nullptr;
-    value = value->valueForKey(key);
-  }
+Strong<NSObject> valueForKeyPath(NSObject& self, NSString* path) {
+  requireKey(self, path, "valueForKeyPath:");
+  if (isOneKey(*path)) return send<"valueForKey:">(self, path);
+  Strong<NSObject> value(&self);
+  for (const Strong<NSString>& key : keysOfPath(*path)) value = send<"valueForKey:">(value, key);
   return value;
 }
 
-void NSObject::setValueForKeyPath(NSObject* value, NSString* path) {
-  requireKey(*this, path, "setValue:forKeyPath:");
+void setValueForKeyPath(NSObject& self, NSObject* value, NSString* path) {
+  requireKey(self, path, "setValue:forKeyPath:");
   const std::vector<Strong<NSString>> keys = keysOfPath(*path);
-  Strong<NSObject> target(this);
-  for (std::size_t i = 0; target && i + 1 < keys.size(); ++i) target = target->valueForKey(keys[i]);
-  if (target) target->setValueForKey(value, keys.back());
+  Strong<NSObject> target(&self);
+  for (std::size_t i = 0; i + 1 < keys.size(); ++i) target = send<"valueForKey:">(target, keys[i]);
+  send<"setValue:forKey:">(target, value, keys.back());
 }
 
-Strong<NSObject> NSObject::valueForUndefinedKey(NSString* key) const {
-  throwUndefined(*this, key, "valueForUndefinedKey:", &KeyRows::getter);
+Strong<NSObject> valueForUndefinedKey(NSObject& self, NSString* key) {
+  throwUndefined(self, key, "valueForUndefinedKey:", &KeyRows::getter);
 }
 
-void NSObject::setValueForUndefinedKey(NSObject*, NSString* key) {
-  throwUndefined(*this, key, "setValue:forUndefinedKey:", &KeyRows::setter);
+void setValueForUndefinedKey(NSObject& self, NSObject*, NSString* key) {
+  throwUndefined(self, key, "setValue:forUndefinedKey:", &KeyRows::setter);
 }
 
-void NSObject::setNilValueForKey(NSString* key) {
-  throw NSException(NSInvalidArgumentException, "-[" + std::string(classOf(*this).name()) +
-                                                    " setNilValueForKey:]: null for the number under the key " +
-                                                    (key ? "\"" + utf8(*key) + "\"" : "(null)"));
+void setNilValueForKey(NSObject& self, NSString* key) {
+  throw NSException(NSInvalidArgumentException,
+                    methodReason(self, "setNilValueForKey:",
+                                 "null for the number under the key " + (key ? "\"" + utf8(*key) + "\"" : "(null)")));
 }
+
+constexpr MethodRow kRows[] = {
+    unheldRow<NSObject, "valueForKey:", valueForKey>(),
+    unheldRow<NSObject, "valueForKeyPath:", valueForKeyPath>(),
+    unheldRow<NSObject, "setValue:forKey:", setValueForKey>(),
+    unheldRow<NSObject, "setValue:forKeyPath:", setValueForKeyPath>(),
+    unheldRow<NSObject, "mutableArrayValueForKey:", mutableArrayValueForKey>(),
+    unheldRow<NSObject, "valueForUndefinedKey:", valueForUndefinedKey>(),
+    unheldRow<NSObject, "setValue:forUndefinedKey:", setValueForUndefinedKey>(),
+    unheldRow<NSObject, "setNilValueForKey:", setNilValueForKey>(),
+};
+
+Strong<NSObject> entry(NSDictionary& self, NSString* key) { return self.objectForKey(key); }
+
+void setEntry(NSMutableDictionary& self, NSObject* value, NSString* key) {
+  requireKey(self, key, "setValue:forKey:");
+  send<"willChangeValueForKey:">(self, key);
+  self.set(key, value);
+  send<"didChangeValueForKey:">(self, key);
+}
+
+constexpr MethodRow kDictionaryRows[] = {unheldRow<NSDictionary, "valueForKey:", entry>()};
+constexpr MethodRow kMutableDictionaryRows[] = {row<NSMutableDictionary, "setValue:forKey:", setEntry>()};
+
+}  // namespace
+
+extern constinit const Category kKeyValueCoding{classObject<NSObject>, "KeyValueCoding", kRows, {}};
+extern constinit const Category kDictionaryKeys{classObject<NSDictionary>, "KeyValueCoding", kDictionaryRows, {}};
+extern constinit const Category kMutableDictionaryKeys{
+    classObject<NSMutableDictionary>, "KeyValueCoding", kMutableDictionaryRows, {}};
 
 }  // namespace platform
 }  // namespace havrin

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
+#include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
 #include <HavrinFoundation/platform/observing/observable.h>
 
 #include <algorithm>
@@ -79,11 +81,71 @@ void end(const NSObject& object, const NSObject* observer, NSString* keyPath, st
 void tellInitially(Registration& registration, NSObject& object) {
   NSKeyValueChangeDictionary::Values values;
   if (registration.wants(NSKeyValueObservingOptionNew)) {
-    values.newValue = object.valueForKeyPath(registration.path);
+    values.newValue = send<"valueForKeyPath:">(object, registration.path);
     if (!values.newValue) values.newValue = NSNull::null();
   }
   tell(registration, &object, make<NSKeyValueChangeDictionary>(std::move(values)));
 }
+
+void addObserver(NSObject& self, NSObject* watcher, NSString* keyPath, std::uint64_t options, void* context) {
+  constexpr std::string_view kSelector = "addObserver:forKeyPath:options:context:";
+  requireObservable(self);
+  requireKey(self, keyPath, kSelector);
+  if (!watcher) throwNullArgument(self, kSelector, "observer");
+  const Strong<NSObject> hold(&self);
+  const auto registration = make<Registration>(&self, watcher, plainString(*keyPath), options, context);
+  registration->enter();
+  if (!registration->wants(NSKeyValueObservingOptionInitial)) return;
+  try {
+    tellInitially(*registration, self);
+  } catch (...) {
+    static_cast<void>(registration->leave());
+    throw;
+  }
+}
+
+void removeObserverForContext(NSObject& self, NSObject* watcher, NSString* keyPath, void* context) {
+  end(self, watcher, keyPath, context);
+}
+
+void removeObserver(NSObject& self, NSObject* watcher, NSString* keyPath) { end(self, watcher, keyPath, std::nullopt); }
+
+void observeValue(NSObject& self, NSString* keyPath, NSObject*, NSDictionary*, void*) {
+  throw NSException(NSInternalInconsistencyException,
+                    methodReason(self, "observeValueForKeyPath:ofObject:change:context:",
+                                 "not overridden, but called for \"" + (keyPath ? utf8(*keyPath) : "(null)") + "\""));
+}
+
+void willChangeValue(NSObject& self, NSString* key) {
+  requireKey(self, key, "willChangeValueForKey:");
+  announce(self, NSKeyValueChange::setting, nullptr, *key);
+}
+
+void didChangeValue(NSObject& self, NSString* key) {
+  requireKey(self, key, "didChangeValueForKey:");
+  finish(self, *key);
+}
+
+void willChangeValuesAtIndexes(NSObject& self, NSKeyValueChange kind, NSIndexSet* indexes, NSString* key) {
+  requireKey(self, key, "willChange:valuesAtIndexes:forKey:");
+  announce(self, kind, indexes, *key);
+}
+
+void didChangeValuesAtIndexes(NSObject& self, NSKeyValueChange, NSIndexSet*, NSString* key) {
+  requireKey(self, key, "didChange:valuesAtIndexes:forKey:");
+  finish(self, *key);
+}
+
+constexpr MethodRow kRows[] = {
+    unheldRow<NSObject, "addObserver:forKeyPath:options:context:", addObserver>(),
+    unheldRow<NSObject, "removeObserver:forKeyPath:context:", removeObserverForContext>(),
+    unheldRow<NSObject, "removeObserver:forKeyPath:", removeObserver>(),
+    unheldRow<NSObject, "observeValueForKeyPath:ofObject:change:context:", observeValue>(),
+    unheldRow<NSObject, "willChangeValueForKey:", willChangeValue>(),
+    unheldRow<NSObject, "didChangeValueForKey:", didChangeValue>(),
+    unheldRow<NSObject, "willChange:valuesAtIndexes:forKey:", willChangeValuesAtIndexes>(),
+    unheldRow<NSObject, "didChange:valuesAtIndexes:forKey:", didChangeValuesAtIndexes>(),
+};
 
 }  // namespace
 
@@ -95,58 +157,7 @@ void requireObservable(const NSObject& object) {
                                                     "classes are not observable");
 }
 
-void NSObject::addObserver(NSObject* watcher, NSString* keyPath, std::uint64_t options, void* context) {
-  requireObservable(*this);
-  requireKey(*this, keyPath, "addObserver:forKeyPath:options:context:");
-  if (!watcher) {
-    throw NSException(
-        NSInvalidArgumentException,
-        "-[" + std::string(classOf(*this).name()) + " addObserver:forKeyPath:options:context:]: the observer is null");
-  }
-  const Strong<NSObject> hold(this);
-  const auto registration = make<Registration>(this, watcher, plainString(*keyPath), options, context);
-  registration->enter();
-  if (!registration->wants(NSKeyValueObservingOptionInitial)) return;
-  try {
-    tellInitially(*registration, *this);
-  } catch (...) {
-    static_cast<void>(registration->leave());
-    throw;
-  }
-}
-
-void NSObject::removeObserver(NSObject* watcher, NSString* keyPath, void* context) {
-  end(*this, watcher, keyPath, context);
-}
-
-void NSObject::removeObserver(NSObject* watcher, NSString* keyPath) { end(*this, watcher, keyPath, std::nullopt); }
-
-void NSObject::observeValueForKeyPath(NSString* keyPath, NSObject*, NSDictionary*, void*) {
-  throw NSException(NSInternalInconsistencyException,
-                    "-[" + std::string(classOf(*this).name()) +
-                        " observeValueForKeyPath:ofObject:change:context:]: not overridden, but called for \"" +
-                        (keyPath ? utf8(*keyPath) : "(null)") + "\"");
-}
-
-void NSObject::willChangeValueForKey(NSString* key) {
-  requireKey(*this, key, "willChangeValueForKey:");
-  announce(*this, NSKeyValueChange::setting, nullptr, *key);
-}
-
-void NSObject::didChangeValueForKey(NSString* key) {
-  requireKey(*this, key, "didChangeValueForKey:");
-  finish(*this, *key);
-}
-
-void NSObject::willChangeValuesAtIndexes(NSKeyValueChange kind, NSIndexSet* indexes, NSString* key) {
-  requireKey(*this, key, "willChange:valuesAtIndexes:forKey:");
-  announce(*this, kind, indexes, *key);
-}
-
-void NSObject::didChangeValuesAtIndexes(NSKeyValueChange, NSIndexSet*, NSString* key) {
-  requireKey(*this, key, "didChange:valuesAtIndexes:forKey:");
-  finish(*this, *key);
-}
+extern constinit const Category kKeyValueObserving{classObject<NSObject>, "KeyValueObserving", kRows, {}};
 
 }  // namespace platform
 }  // namespace havrin

@@ -3,17 +3,19 @@
 //
 //   class Watcher : public Object<Watcher, NSObject> {
 //    public:
-//     void observeValueForKeyPath(NSString* path, NSObject* object, NSDictionary* change, void* context) override {
+//     void observe(NSString* path, NSObject* object, NSDictionary* change, void* context) {
 //       change->objectForKey(NSKeyValueChangeNewKey);              the new value; NSNull for null
 //     }
+//     using Members = List<Method<"observeValueForKeyPath:ofObject:change:context:", &Watcher::observe>>;
 //   };
-//   station->addObserver(watcher, keyPath<Station, "host.name">, NSKeyValueObservingOptionNew, &kMine);
+//   send<"addObserver:forKeyPath:options:context:">(station, watcher, keyPath<Station, "host.name">,
+//                                                   NSKeyValueObservingOptionNew, &kMine);
 //   send<"setTitle:">(station, title);                             notifies before this returns, on this thread
-//   station->removeObserver(watcher, keyPath<Station, "host.name">, &kMine);
+//   send<"removeObserver:forKeyPath:context:">(station, watcher, keyPath<Station, "host.name">, &kMine);
 //
 // What notifies: every setter, that is every message `set<Key>:` with one argument, hand-written ones too, also when it
-// is sent by `setValueForKey`; changes through `mutableArrayValueForKey`; and pairs of `willChangeValueForKey` and
-// `didChangeValueForKey`, of which the inner one is reported first. A field written directly is not seen. Setting an
+// is sent by "setValue:forKey:"; changes through "mutableArrayValueForKey:"; and pairs of "willChangeValueForKey:" and
+// "didChangeValueForKey:", of which the inner one is reported first. A field written directly is not seen. Setting an
 // equal value notifies. An observed object is of a class of its own behind the scenes, which `class`, `description` and
 // `isKindOfClass` do not show; objects that nobody observes pay nothing.
 //
@@ -21,7 +23,7 @@
 // notified twice and removed twice. A registration whose observer is gone is dropped by itself; one made on an object
 // that is gone has gone with it.
 //   Throws: NSInvalidArgumentException for a null observer or path, and for an array, set, ordered set or class as the
-//   object; what `valueForKey` throws when a key before the last is undefined, or with New and Initial the last. Nothing
+//   object; what "valueForKey:" throws when a key before the last is undefined, or with New and Initial the last. Nothing
 //   is registered then.
 //   Removing throws NSRangeException when no registration has that observer, path and context (or, without one, that
 //   observer and path).
@@ -40,11 +42,13 @@
 // Cost: a change of a key with one observer is two counts more than the calls it makes; old and new values add two
 // calls of the getter and one allocation.
 // Left out: observation info, notifications of set changes, registering for the elements of an array, direct calls of
-// insertObject:in<Key>AtIndex: (go through `mutableArrayValueForKey`). Observing from a destructor does nothing.
+// insertObject:in<Key>AtIndex: (go through "mutableArrayValueForKey:"). Observing from a destructor does nothing.
 #pragma once
 
+#include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
+#include <HavrinFoundation/platform/foundation/index_set.h>
 #include <HavrinFoundation/platform/foundation/lazy_string.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/platform/object/message.h>
@@ -74,6 +78,34 @@ HAVRIN_EXPORT extern constinit const LazyString NSKeyValueChangeNewKey;
 HAVRIN_EXPORT extern constinit const LazyString NSKeyValueChangeOldKey;
 HAVRIN_EXPORT extern constinit const LazyString NSKeyValueChangeIndexesKey;
 HAVRIN_EXPORT extern constinit const LazyString NSKeyValueChangeNotificationIsPriorKey;
+
+/// Registers the observer for the changes of a key path.
+template <>
+struct Message<NSObject, "addObserver:forKeyPath:options:context:">
+    : Signature<void(NSObject*, NSString*, std::uint64_t, void*)> {};
+/// Ends the registration that was made last with this observer, key path and context.
+template <>
+struct Message<NSObject, "removeObserver:forKeyPath:context:"> : Signature<void(NSObject*, NSString*, void*)> {};
+template <>
+struct Message<NSObject, "removeObserver:forKeyPath:"> : Signature<void(NSObject*, NSString*)> {};
+/// Sent to an observer for every change: the key path, the object, the change, and the context of the registration.
+/// Override it. Here: throws NSInternalInconsistencyException.
+template <>
+struct Message<NSObject, "observeValueForKeyPath:ofObject:change:context:">
+    : Signature<void(NSString*, NSObject*, NSDictionary*, void*)> {};
+
+/// A change made by hand: the first before it, the second after it.
+template <>
+struct Message<NSObject, "willChangeValueForKey:"> : Signature<void(NSString*)> {};
+template <>
+struct Message<NSObject, "didChangeValueForKey:"> : Signature<void(NSString*)> {};
+/// The same for objects of an array that are inserted, removed or replaced.
+template <>
+struct Message<NSObject, "willChange:valuesAtIndexes:forKey:">
+    : Signature<void(NSKeyValueChange, NSIndexSet*, NSString*)> {};
+template <>
+struct Message<NSObject, "didChange:valuesAtIndexes:forKey:">
+    : Signature<void(NSKeyValueChange, NSIndexSet*, NSString*)> {};
 
 /// Whether the setter of a key notifies. Override it with a ClassMethod.
 template <>

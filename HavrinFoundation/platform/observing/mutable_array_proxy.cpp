@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// The array that `mutableArrayValueForKey` hands out: it reads the property at every use, and every change goes to the
-// property with a notification that says what was inserted, removed or replaced.
-#include <HavrinFoundation/platform/foundation/array.h>
+#include <HavrinFoundation/platform/observing/mutable_array_proxy.h>
+
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
 
 #include <string>
 #include <utility>
@@ -38,7 +38,7 @@ class KeyValueMutableArray final : public Object<KeyValueMutableArray, NSMutable
 
  private:
   Strong<NSArray> present() const {
-    const Strong<NSObject> value = owner_->valueForKey(key_);
+    const Strong<NSObject> value = send<"valueForKey:">(owner_, key_);
     if (!value) return makeArray({});
     return checkedCast<NSArray>(value);
   }
@@ -64,7 +64,7 @@ class KeyValueMutableArray final : public Object<KeyValueMutableArray, NSMutable
         NSObject* const value = copy;
         setter->signature->call(shown->implementation(*setter), owner_, &value);  // not the one that notifies
       } else {
-        owner_->setValueForUndefinedKey(copy, key_);
+        send<"setValue:forUndefinedKey:">(owner_, copy, key_);
       }
     });
   }
@@ -76,9 +76,9 @@ class KeyValueMutableArray final : public Object<KeyValueMutableArray, NSMutable
 
 }  // namespace
 
-Strong<NSMutableArray> NSObject::mutableArrayValueForKey(NSString* key) {
-  requireKey(*this, key, "mutableArrayValueForKey:");
-  return make<KeyValueMutableArray>(*this, *plainString(*key));
+Strong<NSMutableArray> mutableArrayValueForKey(NSObject& owner, NSString* key) {
+  requireKey(owner, key, "mutableArrayValueForKey:");
+  return make<KeyValueMutableArray>(owner, *plainString(*key));
 }
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
 #include <HavrinFoundation/platform/observing/observable.h>
 #include <HavrinFoundation/platform/observing/watch_table.h>
 
@@ -72,7 +73,7 @@ void walk(const Registration& registration, std::vector<WalkedKey>& walked) {
       if (noted && noted->facts.affecting) {
         for (const auto& path : *noted->facts.affecting) routes.push_back({object, &path, false, moves});
       }
-      if (!isLast) object = object->valueForKey(key);
+      if (!isLast) object = send<"valueForKey:">(object, key);
     }
   }
 }

@@ -2,6 +2,7 @@
 #include <HavrinFoundation/platform/observing/watch_table.h>
 
 #include <HavrinFoundation/platform/object/observed.h>
+#include <HavrinFoundation/platform/observing/change.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
@@ -15,6 +16,8 @@ namespace havrin {
 inline namespace platform {
 
 namespace {
+
+constexpr Notifications kNotifications{.change = notifyChange, .drop = dropObservations};
 
 constexpr std::uint32_t kFirstCapacity = 2;
 
@@ -207,7 +210,7 @@ const Watch* Pin::find(const NSString& key) const {
 
 void watchKey(NSObject& object, NSString& key, const KeyFacts& facts, Registration& registration, bool moves,
               bool isEnd) {
-  ClassObject* notifying = dispatchClass(&object)->shown()->notifyingClass();
+  ClassObject* notifying = dispatchClass(&object)->shown()->notifyingClass(kNotifications);
   WatchBucket& bucket = WatchBucket::of(&object);
   {
     const UnfairLockGuard guard(bucket.lock);

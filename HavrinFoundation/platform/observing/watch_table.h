@@ -129,6 +129,9 @@ void watchKey(NSObject& object, NSString& key, const KeyFacts& facts, Registrati
 /// has been destroyed, or has no such watcher.
 void unwatchKey(const WatchedKey& watched, const Registration& registration) noexcept;
 
+/// Ends every observation of an object whose last strong reference has gone, before its destructors run.
+void dropObservations(NSObject* object) noexcept;
+
 /// Ends one active registration on `object` that has this observer, path and context (any, when there is none), and
 /// returns it: a simple one is out of the table, another still has to leave its watched keys. Null when there is none.
 [[nodiscard]] Strong<Registration> endRegistration(const NSObject& object, const NSString& firstKey,

@@ -45,9 +45,12 @@ class Relay : public Object<Relay, Station> {
  public:
   Strong<NSString> asked;
   std::int64_t nils = 0;
-  Strong<NSObject> valueForUndefinedKey(NSString* key) const override { return key; }
-  void setValueForUndefinedKey(NSObject*, NSString* key) override { asked = key; }
-  void setNilValueForKey(NSString*) override { ++nils; }
+  Strong<NSObject> value(NSString* key) { return key; }
+  void setValue(NSObject*, NSString* key) { asked = key; }
+  void setNil(NSString*) { ++nils; }
+  using Members =
+      List<Method<"valueForUndefinedKey:", &Relay::value>, Method<"setValue:forUndefinedKey:", &Relay::setValue>,
+           Method<"setNilValueForKey:", &Relay::setNil>>;
 };
 
 }  // namespace
@@ -81,16 +84,16 @@ TEST(KeyValueCoding, ReadsAndSetsThroughTheMethodsOfAKey) {
     SCOPED_TRACE(row.why);
     const auto key = s(row.key);
     if (row.before) {
-      EXPECT_EQ(text(station->valueForKey(key)), row.before);
+      EXPECT_EQ(text(send<"valueForKey:">(station, key)), row.before);
     }
-    station->setValueForKey(row.value, key);
+    send<"setValue:forKey:">(station, row.value, key);
     if (row.after) {
-      EXPECT_EQ(text(station->valueForKey(key)), row.after);
+      EXPECT_EQ(text(send<"valueForKey:">(station, key)), row.after);
     }
   }
-  EXPECT_EQ(text(station->valueForKey(s("_secret"))), "42");
-  EXPECT_EQ(text(station->valueForKey(s("secret"))), "42");
-  EXPECT_EQ(text(station->valueForKey(makeString(u"listeners"))), "12");
+  EXPECT_EQ(text(send<"valueForKey:">(station, s("_secret"))), "42");
+  EXPECT_EQ(text(send<"valueForKey:">(station, s("secret"))), "42");
+  EXPECT_EQ(text(send<"valueForKey:">(station, makeString(u"listeners"))), "12");
 }
 
 TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
@@ -112,12 +115,12 @@ TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    EXPECT_EQ(nameOf([&] { (void)station->valueForKey(row.key); }), row.reading);
-    EXPECT_EQ(nameOf([&] { station->setValueForKey(row.value, row.key); }), row.setting);
+    EXPECT_EQ(nameOf([&] { (void)send<"valueForKey:">(station, row.key); }), row.reading);
+    EXPECT_EQ(nameOf([&] { send<"setValue:forKey:">(station, row.value, row.key); }), row.setting);
   }
-  EXPECT_EQ(nameOf([] { (void)make<NSObject>()->valueForKey(makeString("a.b")); }), NSUndefinedKeyException);
+  EXPECT_EQ(nameOf([] { (void)send<"valueForKey:">(make<NSObject>(), makeString("a.b")); }), NSUndefinedKeyException);
   try {
-    (void)station->valueForKey(s("lock"));
+    (void)send<"valueForKey:">(station, s("lock"));
     ADD_FAILURE();
   } catch (const NSException& exception) {
     EXPECT_NE(exception.reason().find("Unboxable ()"), std::string::npos) << exception.reason();
@@ -126,59 +129,60 @@ TEST(KeyValueCoding, RefusesWhatTheClassHasNot) {
 
 TEST(KeyValueCoding, AsksAClassThatWantsToAnswerForUndefinedKeysAndNull) {
   const auto relay = make<Relay>();
-  EXPECT_EQ(text(relay->valueForKey(s("nothing"))), "nothing");
-  relay->setValueForKey(nullptr, s("nobody"));
+  EXPECT_EQ(text(send<"valueForKey:">(relay, s("nothing"))), "nothing");
+  send<"setValue:forKey:">(relay, nullptr, s("nobody"));
   EXPECT_EQ(text(relay->asked), "nobody");
-  relay->setValueForKey(nullptr, s("listeners"));
+  send<"setValue:forKey:">(relay, nullptr, s("listeners"));
   EXPECT_EQ(relay->nils, 1);
-  relay->setValueForKey(makeNumber(3), s("listeners"));
-  EXPECT_EQ(text(relay->valueForKey(s("listeners"))), "3");
+  send<"setValue:forKey:">(relay, makeNumber(3), s("listeners"));
+  EXPECT_EQ(text(send<"valueForKey:">(relay, s("listeners"))), "3");
 }
 
 TEST(KeyValueCoding, FollowsPathsAndStopsAtNull) {
   const auto station = make<Station>();
   const auto path = s("host.name");
-  EXPECT_FALSE(station->valueForKeyPath(path));
-  station->setValueForKeyPath(s("lost"), path);  // nobody there to be named
-  station->setValueForKey(make<Host>(), s("host"));
-  EXPECT_FALSE(station->valueForKeyPath(path));
-  station->setValueForKeyPath(s("Ada"), path);
-  EXPECT_EQ(text(station->valueForKeyPath(path)), "Ada");
-  EXPECT_EQ(text(station->valueForKeyPath(keyPath<Station, "host.name">)), "Ada");
-  EXPECT_EQ(text(station->valueForKeyPath(makeString(u"listeners"))), "0");
+  EXPECT_FALSE(send<"valueForKeyPath:">(station, path));
+  send<"setValue:forKeyPath:">(station, s("lost"), path);  // nobody there to be named
+  send<"setValue:forKey:">(station, make<Host>(), s("host"));
+  EXPECT_FALSE(send<"valueForKeyPath:">(station, path));
+  send<"setValue:forKeyPath:">(station, s("Ada"), path);
+  EXPECT_EQ(text(send<"valueForKeyPath:">(station, path)), "Ada");
+  EXPECT_EQ(text(send<"valueForKeyPath:">(station, keyPath<Station, "host.name">)), "Ada");
+  EXPECT_EQ(text(send<"valueForKeyPath:">(station, makeString(u"listeners"))), "0");
   for (const char* bad : {"host.nothing", "nothing.name", "host.", ".host", "host..name", "."}) {
-    EXPECT_EQ(nameOf([&] { (void)station->valueForKeyPath(s(bad)); }), NSUndefinedKeyException) << bad;
+    EXPECT_EQ(nameOf([&] { (void)send<"valueForKeyPath:">(station, s(bad)); }), NSUndefinedKeyException) << bad;
   }
-  EXPECT_EQ(nameOf([&] { (void)station->valueForKeyPath(nullptr); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { (void)send<"valueForKeyPath:">(station, nullptr); }), NSInvalidArgumentException);
 }
 
 TEST(KeyValueCoding, ReadsEntriesOfDictionaries) {
   const auto dictionary = make<NSMutableDictionary>();
-  dictionary->setValueForKey(make<Host>(), s("host"));
-  dictionary->setValueForKeyPath(s("Ada"), s("host.name"));
-  EXPECT_EQ(text(dictionary->valueForKeyPath(s("host.name"))), "Ada");
-  dictionary->setValueForKey(nullptr, s("host"));
-  EXPECT_FALSE(dictionary->valueForKey(s("host")));
+  send<"setValue:forKey:">(dictionary, make<Host>(), s("host"));
+  send<"setValue:forKeyPath:">(dictionary, s("Ada"), s("host.name"));
+  EXPECT_EQ(text(send<"valueForKeyPath:">(dictionary, s("host.name"))), "Ada");
+  send<"setValue:forKey:">(dictionary, nullptr, s("host"));
+  EXPECT_FALSE(send<"valueForKey:">(dictionary, s("host")));
   EXPECT_EQ(dictionary->count(), 0U);
-  EXPECT_EQ(nameOf([] { make<NSDictionary>()->setValueForKey(nullptr, makeString("a")); }), NSUndefinedKeyException);
+  EXPECT_EQ(nameOf([] { send<"setValue:forKey:">(make<NSDictionary>(), nullptr, makeString("a")); }),
+            NSUndefinedKeyException);
 }
 
 TEST(KeyValueCoding, SeesMethodsThatACategoryBringsLater) {
   const auto station = make<Station>();
   const auto key = s("added");
-  EXPECT_EQ(nameOf([&] { (void)station->valueForKey(key); }), NSUndefinedKeyException);
-  EXPECT_EQ(text(station->valueForKey(s("listeners"))), "0");
+  EXPECT_EQ(nameOf([&] { (void)send<"valueForKey:">(station, key); }), NSUndefinedKeyException);
+  EXPECT_EQ(text(send<"valueForKey:">(station, s("listeners"))), "0");
   const Category* const categories[] = {&kAdded};
   const Loader loader(
       Image{.name = "added", .identification = nullptr, .strings = {}, .categories = categories, .initialisers = {}});
-  EXPECT_EQ(text(station->valueForKey(key)), "7");
-  EXPECT_EQ(text(station->valueForKey(s("listeners"))), "0");
+  EXPECT_EQ(text(send<"valueForKey:">(station, key)), "7");
+  EXPECT_EQ(text(send<"valueForKey:">(station, s("listeners"))), "0");
 }
 
 TEST(KeyValueCoding, MakesNoSelectorsOfTextFromOutside) {
   const auto station = make<Station>();
-  EXPECT_EQ(nameOf([&] { (void)station->valueForKey(s("keyFromAFile")); }), NSUndefinedKeyException);
-  EXPECT_EQ(nameOf([&] { station->setValueForKey(nullptr, s("keyFromAFile")); }), NSUndefinedKeyException);
+  EXPECT_EQ(nameOf([&] { (void)send<"valueForKey:">(station, s("keyFromAFile")); }), NSUndefinedKeyException);
+  EXPECT_EQ(nameOf([&] { send<"setValue:forKey:">(station, nullptr, s("keyFromAFile")); }), NSUndefinedKeyException);
   for (const char* name :
        {"keyFromAFile", "getKeyFromAFile", "isKeyFromAFile", "setKeyFromAFile:", "_setKeyFromAFile:"}) {
     EXPECT_FALSE(Selector::known(name)) << name;
@@ -193,8 +197,8 @@ TEST(KeyValueCoding, MayBeUsedFromSeveralThreadsWhileCategoriesCome) {
     const auto station = make<Station>();
     for (int i = 0; i < 500; ++i) {
       if (thread == 0) const Loader again(image);
-      station->setValueForKey(makeNumber(i), s("listeners"));
-      EXPECT_EQ(text(station->valueForKey(s("listeners"))), std::to_string(i));
+      send<"setValue:forKey:">(station, makeNumber(i), s("listeners"));
+      EXPECT_EQ(text(send<"valueForKey:">(station, s("listeners"))), std::to_string(i));
     }
   });
 }

@@ -17,8 +17,8 @@ TEST_F(Observed, SettersTellWhatWasAndWhatIs) {
   send<"setTitle:">(station, nullptr);
   EXPECT_EQ(watcher->take(), "title 1 null>a, title 1 a>a, title 1 a>null");
   send<"setListeners:">(station, 3);
-  station->setValueForKey(makeNumber(4), s("listeners"));
-  station->setValueForKeyPath(makeNumber(4), s("listeners"));
+  send<"setValue:forKey:">(station, makeNumber(4), s("listeners"));
+  send<"setValue:forKeyPath:">(station, makeNumber(4), s("listeners"));
   EXPECT_EQ(watcher->take(), "listeners 1 0>3, listeners 1 3>4, listeners 1 4>4");
   send<"setHand:">(station, 5);
   station->performSelector(selector<"setHand:">, makeNumber(6));
@@ -85,10 +85,10 @@ TEST_F(Observed, ObjectsStillLookLikeWhatTheyAre) {
 
 TEST_F(Observed, AnOverriddenSetterTakesPart) {
   const auto relay = make<Relay>();
-  relay->addObserver(watcher, s("hand"), kBoth, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(relay, watcher, s("hand"), kBoth, nullptr);
   send<"setHand:">(static_cast<Station&>(*relay), 3);
   EXPECT_EQ(watcher->take(), "hand 1 0>6");
-  relay->removeObserver(watcher, s("hand"));
+  send<"removeObserver:forKeyPath:">(relay, watcher, s("hand"));
 }
 
 TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
@@ -103,7 +103,7 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   };
   EXPECT_EQ(told(), 3U);
   const auto remove = [&](NSObject* observer, const char* path, void* context) {
-    return nameOf([&] { station->removeObserver(observer, s(path), context); });
+    return nameOf([&] { send<"removeObserver:forKeyPath:context:">(station, observer, s(path), context); });
   };
   EXPECT_EQ(remove(watcher, "title", nullptr), NSRangeException) << "wrong context";
   EXPECT_EQ(remove(watcher, "slogan", &mine), NSRangeException) << "wrong path";
@@ -115,7 +115,7 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   unwatch("title");
   EXPECT_EQ(nameOf([&] { unwatch("title"); }), NSRangeException);
   try {
-    station->removeObserver(watcher, nullptr, &mine);
+    send<"removeObserver:forKeyPath:context:">(station, watcher, nullptr, &mine);
     ADD_FAILURE() << "the null path";
   } catch (const NSException& exception) {
     EXPECT_EQ(exception.name(), NSInvalidArgumentException);
@@ -141,24 +141,30 @@ TEST_F(Observed, BadRegistrationsRaiseAndLeaveNothing) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    EXPECT_EQ(nameOf([&] { row.object->addObserver(row.observer, row.path, row.options, nullptr); }), row.name);
-    EXPECT_EQ(nameOf([&] { row.object->removeObserver(watcher, row.path); }), NSRangeException);
+    EXPECT_EQ(nameOf([&] {
+                send<"addObserver:forKeyPath:options:context:">(row.object, row.observer, row.path, row.options,
+                                                                nullptr);
+              }),
+              row.name);
+    EXPECT_EQ(nameOf([&] { send<"removeObserver:forKeyPath:">(row.object, watcher, row.path); }), NSRangeException);
     EXPECT_FALSE(dispatchClass(row.object)->isNotifying());
   }
-  station->addObserver(watcher, s("nothing"), kBoth, nullptr);  // until its value is needed
-  EXPECT_EQ(nameOf([&] { station->willChangeValueForKey(s("nothing")); }), NSUndefinedKeyException);
+  send<"addObserver:forKeyPath:options:context:">(station, watcher, s("nothing"), kBoth,
+                                                  nullptr);  // until its value is needed
+  EXPECT_EQ(nameOf([&] { send<"willChangeValueForKey:">(station, s("nothing")); }), NSUndefinedKeyException);
   unwatch("nothing");
   EXPECT_EQ(watcher->take(), "");
 }
 
 TEST_F(Observed, AnObserverThatDoesNotListenRaises) {
   const auto deaf = make<Host>();
-  station->addObserver(deaf, s("title"), 0, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(station, deaf, s("title"), 0, nullptr);
   EXPECT_EQ(nameOf([&] { send<"setTitle:">(station, s("a")); }), NSInternalInconsistencyException);
   EXPECT_EQ(shown(send<"title">(station)), "a");
-  EXPECT_EQ(nameOf([&] { station->addObserver(deaf, s("slogan"), kInitial, nullptr); }),
-            NSInternalInconsistencyException);
-  EXPECT_EQ(nameOf([&] { station->removeObserver(deaf, s("slogan")); }), NSRangeException);
+  EXPECT_EQ(
+      nameOf([&] { send<"addObserver:forKeyPath:options:context:">(station, deaf, s("slogan"), kInitial, nullptr); }),
+      NSInternalInconsistencyException);
+  EXPECT_EQ(nameOf([&] { send<"removeObserver:forKeyPath:">(station, deaf, s("slogan")); }), NSRangeException);
 }
 
 TEST_F(Observed, ASetterThatThrowsTellsNobody) {
@@ -173,13 +179,14 @@ TEST_F(Observed, RegistrationsMayComeAndGoInsideANotification) {
   bool done = false;
   watcher->during = [&](NSObject*) {
     if (std::exchange(done, true)) return;
-    station->removeObserver(other, s("title"));
-    station->addObserver(third, s("title"), kBoth, nullptr);
-    station->removeObserver(watcher, s("title"));
-    for (int i = 0; i < 20; ++i) station->addObserver(third, s("slogan"), 0, nullptr);
+    send<"removeObserver:forKeyPath:">(station, other, s("title"));
+    send<"addObserver:forKeyPath:options:context:">(station, third, s("title"), kBoth, nullptr);
+    send<"removeObserver:forKeyPath:">(station, watcher, s("title"));
+    for (int i = 0; i < 20; ++i)
+      send<"addObserver:forKeyPath:options:context:">(station, third, s("slogan"), 0, nullptr);
   };
   watch("title");
-  station->addObserver(other, s("title"), kBoth, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(station, other, s("title"), kBoth, nullptr);
   send<"setTitle:">(station, s("a"));
   EXPECT_EQ(watcher->take(), "title 1 null>a");
   EXPECT_EQ(other->take(), "");
@@ -190,7 +197,7 @@ TEST_F(Observed, RegistrationsMayComeAndGoInsideANotification) {
 }
 
 TEST_F(Observed, AlsoInsideTheInitialCall) {
-  watcher->during = [&](NSObject*) { station->removeObserver(watcher, s("title")); };
+  watcher->during = [&](NSObject*) { send<"removeObserver:forKeyPath:">(station, watcher, s("title")); };
   watch("title", kInitial | kNew);
   send<"setTitle:">(station, s("a"));
   EXPECT_EQ(watcher->take(), "title 1 ->null");
@@ -208,11 +215,11 @@ TEST_F(Observed, AChangeInsideANotificationNests) {
 TEST_F(Observed, TheObjectMayGoInsideItsNotification) {
   watcher->during = [&](NSObject* object) {
     station = nullptr;
-    EXPECT_EQ(shown(object->valueForKey(s("title"))), "a");  // held until everybody has been told
+    EXPECT_EQ(shown(send<"valueForKey:">(object, s("title"))), "a");  // held until everybody has been told
   };
   const auto other = make<Watcher>();
   watch("title");
-  station->addObserver(other, s("title"), kBoth, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(station, other, s("title"), kBoth, nullptr);
   Station& borrowed = *station;
   send<"setTitle:">(borrowed, s("a"));
   EXPECT_EQ(watcher->take(), "title 1 null>a");
@@ -226,7 +233,8 @@ TEST_F(Observed, AnObserverThatIsGoneIsForgotten) {
   send<"setTitle:">(station, s("a"));
   send<"setHost:">(station, host("Ada"));
   EXPECT_TRUE(station->isUnobserved()) << "purged by the change";
-  for (int i = 0; i < 1000; ++i) station->addObserver(make<Watcher>(), s("title"), kBoth, nullptr);
+  for (int i = 0; i < 1000; ++i)
+    send<"addObserver:forKeyPath:options:context:">(station, make<Watcher>(), s("title"), kBoth, nullptr);
   send<"setTitle:">(station, s("b"));
   EXPECT_TRUE(station->isUnobserved());
 }
@@ -236,16 +244,16 @@ TEST_F(Observed, ADyingObserverRemovesItselfAndHearsNothing) {
     Strong<Station> station;
     ~Leaver() override {
       send<"setTitle:">(station, s("while dying"));
-      station->removeObserver(this, s("slogan"));
-      EXPECT_EQ(nameOf([this] { station->removeObserver(this, s("slogan")); }), NSRangeException);
-      station->addObserver(this, s("title"), 0, nullptr);  // reaches nobody
+      send<"removeObserver:forKeyPath:">(station, this, s("slogan"));
+      EXPECT_EQ(nameOf([this] { send<"removeObserver:forKeyPath:">(station, this, s("slogan")); }), NSRangeException);
+      send<"addObserver:forKeyPath:options:context:">(station, this, s("title"), 0, nullptr);  // reaches nobody
       EXPECT_TRUE(log.empty());
     }
   };
   auto leaver = make<Leaver>();
   leaver->station = station;
-  station->addObserver(leaver, s("title"), 0, nullptr);
-  station->addObserver(leaver, s("slogan"), 0, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(station, leaver, s("title"), 0, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(station, leaver, s("slogan"), 0, nullptr);
   leaver = nullptr;
   send<"setTitle:">(station, s("afterwards"));
   EXPECT_TRUE(station->isUnobserved());
@@ -255,12 +263,14 @@ TEST_F(Observed, AnObjectMayObserveItselfFromItsConstructorAndNotFromItsDestruct
   struct Base : Object<Base, NSObject> {
     Strong<NSString> title;
     std::string heard;
-    Base() { addObserver(this, s("title"), kNew, nullptr); }
-    ~Base() override { addObserver(this, s("title"), kNew, nullptr); }
-    void observeValueForKeyPath(NSString*, NSObject*, NSDictionary* change, void*) override {
+    Base() { observeItself(); }
+    ~Base() override { observeItself(); }
+    void observeItself() { send<"addObserver:forKeyPath:options:context:">(*this, this, s("title"), kNew, nullptr); }
+    void observe(NSString*, NSObject*, NSDictionary* change, void*) {
       heard += shown(change->objectForKey(NSKeyValueChangeNewKey));
     }
-    using Members = List<Property<"title", &Base::title>>;
+    using Members = List<Property<"title", &Base::title>,
+                         Method<"observeValueForKeyPath:ofObject:change:context:", &Base::observe>>;
   };
   struct Derived : Object<Derived, Base> {};
   auto derived = make<Derived>();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../../objects.h"
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 namespace havrin_test {
@@ -56,9 +57,9 @@ class Station : public Object<Station, NSObject> {
   std::int64_t quietValue() { return quiet; }
   void setQuiet(std::int64_t value) {
     if (value == quiet) return;
-    willChangeValueForKey(keyPath<Station, "quiet">);
+    send<"willChangeValueForKey:">(*this, keyPath<Station, "quiet">);
     quiet = value;
-    didChangeValueForKey(keyPath<Station, "quiet">);
+    send<"didChangeValueForKey:">(*this, keyPath<Station, "quiet">);
   }
   void refuse(NSString*) { throw NSException(NSGenericException, "refused"); }
   Strong<NSString> refused() { return nullptr; }
@@ -104,7 +105,7 @@ class Watcher : public Object<Watcher, NSObject> {
   std::function<void(NSObject*)> during;
   Strong<NSDictionary> last;
 
-  void observeValueForKeyPath(NSString* path, NSObject* object, NSDictionary* change, void*) override {
+  void observe(NSString* path, NSObject* object, NSDictionary* change, void*) {
     last = change;
     std::string line = utf8(*path) + " " + shown(change->objectForKey(NSKeyValueChangeKindKey)) + " " +
                        shown(change->objectForKey(NSKeyValueChangeOldKey)) + ">" +
@@ -121,6 +122,7 @@ class Watcher : public Object<Watcher, NSObject> {
     for (const std::string& line : std::exchange(log, {})) all += (all.empty() ? "" : ", ") + line;
     return all;
   }
+  using Members = List<Method<"observeValueForKeyPath:ofObject:change:context:", &Watcher::observe>>;
 };
 
 struct Observed : testing::Test {
@@ -128,9 +130,9 @@ struct Observed : testing::Test {
   Strong<Watcher> watcher = make<Watcher>();
 
   void watch(const char* path, std::uint64_t options = kBoth, void* context = nullptr) {
-    station->addObserver(watcher, s(path), options, context);
+    send<"addObserver:forKeyPath:options:context:">(station, watcher, s(path), options, context);
   }
-  void unwatch(const char* path) { station->removeObserver(watcher, s(path)); }
+  void unwatch(const char* path) { send<"removeObserver:forKeyPath:">(station, watcher, s(path)); }
 };
 
 }  // namespace havrin_test

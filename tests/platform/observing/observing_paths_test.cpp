@@ -31,14 +31,14 @@ TEST_F(Observed, PathsFollowWhatIsReplacedAndWhatIsMissing) {
 TEST_F(Observed, OneObjectMayStandOnAPathTwice) {
   const auto ada = host("Ada");
   send<"setDeputy:">(ada, ada);
-  ada->addObserver(watcher, s("deputy.deputy.name"), kBoth, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(ada, watcher, s("deputy.deputy.name"), kBoth, nullptr);
   send<"setName:">(ada, s("Ana"));
   EXPECT_EQ(watcher->take(), "deputy.deputy.name 1 Ada>Ana");
   send<"setDeputy:">(ada, host("Bob"));
   EXPECT_EQ(watcher->take(), "deputy.deputy.name 1 Ana>null");
   send<"setName:">(ada, s("Amy"));
   EXPECT_EQ(watcher->take(), "");
-  ada->removeObserver(watcher, s("deputy.deputy.name"));
+  send<"removeObserver:forKeyPath:">(ada, watcher, s("deputy.deputy.name"));
   EXPECT_FALSE(dispatchClass(ada)->isNotifying());
 }
 
@@ -79,8 +79,8 @@ TEST_F(Observed, DependentKeysChangeWithWhatTheyDependOn) {
   send<"setHost:">(station, nullptr);
   watcher->log.clear();
   send<"setName:">(ada, s("Amy"));
-  station->willChangeValueForKey(s("banner"));
-  station->didChangeValueForKey(s("banner"));
+  send<"willChangeValueForKey:">(station, s("banner"));
+  send<"didChangeValueForKey:">(station, s("banner"));
   EXPECT_EQ(watcher->take(), "banner 1 Nord/->Nord/-, longBanner 1 -><Nord/->");
   unwatch("banner");
   unwatch("longBanner");
@@ -92,22 +92,22 @@ TEST_F(Observed, ByHandWhatIsAnnouncedIsTold) {
   send<"setQuiet:">(station, 1);
   send<"setQuiet:">(station, 1);
   EXPECT_EQ(watcher->take(), "quiet 1 0>1") << "the setter decides";
-  station->didChangeValueForKey(s("quiet"));
+  send<"didChangeValueForKey:">(station, s("quiet"));
   EXPECT_EQ(watcher->take(), "") << "never announced";
   watch("hand");
-  station->willChangeValueForKey(s("hand"));
+  send<"willChangeValueForKey:">(station, s("hand"));
   send<"setHand:">(station, 5);
-  station->didChangeValueForKey(s("hand"));
+  send<"didChangeValueForKey:">(station, s("hand"));
   EXPECT_EQ(watcher->take(), "hand 1 0>5, hand 1 0>5") << "the inner pair first";
-  station->willChangeValueForKey(s("hand"));  // and never done
+  send<"willChangeValueForKey:">(station, s("hand"));  // and never done
   unwatch("hand");
   unwatch("quiet");
-  EXPECT_EQ(nameOf([&] { station->willChangeValueForKey(nullptr); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { send<"willChangeValueForKey:">(station, nullptr); }), NSInvalidArgumentException);
 }
 
 TEST_F(Observed, ArraysChangedInPlaceTellWhere) {
   watch("songs");
-  const auto songs = station->mutableArrayValueForKey(s("songs"));
+  const auto songs = send<"mutableArrayValueForKey:">(station, s("songs"));
   songs->addObject(s("a"));
   songs->addObject(s("b"));
   songs->insertObject(s("x"), 1);
@@ -129,7 +129,7 @@ TEST_F(Observed, ArraysChangedInPlaceTellWhere) {
 
 TEST_F(Observed, ArraysOfWhichOnlyTheStepsAreOfferedChangeThroughThem) {
   watch("tags");
-  const auto tags = station->mutableArrayValueForKey(s("tags"));
+  const auto tags = send<"mutableArrayValueForKey:">(station, s("tags"));
   tags->addObject(s("jazz"));
   tags->insertObject(s("news"), 0);
   tags->removeLastObject();
@@ -137,16 +137,17 @@ TEST_F(Observed, ArraysOfWhichOnlyTheStepsAreOfferedChangeThroughThem) {
   EXPECT_EQ(station->tags.size(), 1U);
   EXPECT_EQ(nameOf([&] { tags->replaceObjectAtIndex(0, s("x")); }), NSUndefinedKeyException);
   send<"setTitle:">(station, s("a"));
-  EXPECT_EQ(nameOf([&] { (void)station->mutableArrayValueForKey(s("title"))->count(); }), NSInvalidArgumentException);
+  EXPECT_EQ(nameOf([&] { (void)send<"mutableArrayValueForKey:">(station, s("title"))->count(); }),
+            NSInvalidArgumentException);
 }
 
 TEST_F(Observed, DictionariesTellOfEntriesSetByKey) {
   const auto dictionary = make<NSMutableDictionary>();
-  dictionary->addObserver(watcher, s("a.b"), kBoth, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(dictionary, watcher, s("a.b"), kBoth, nullptr);
   const auto inner = make<NSMutableDictionary>();
-  dictionary->setValueForKey(inner, s("a"));
-  inner->setValueForKey(makeNumber(1), s("b"));
-  inner->setValueForKey(nullptr, s("b"));
+  send<"setValue:forKey:">(dictionary, inner, s("a"));
+  send<"setValue:forKey:">(inner, makeNumber(1), s("b"));
+  send<"setValue:forKey:">(inner, nullptr, s("b"));
   EXPECT_EQ(watcher->take(), "a.b 1 null>null, a.b 1 null>1, a.b 1 1>null");
   EXPECT_TRUE(dictionary->objectForKey(s("a")));
 }

@@ -53,10 +53,11 @@ class Watcher : public Object<Watcher, NSObject> {
  public:
   std::atomic<int> heard = 0;
   ~Watcher() override { alive_ = false; }
-  void observeValueForKeyPath(NSString*, NSObject*, NSDictionary*, void*) override {
+  void observe(NSString*, NSObject*, NSDictionary*, void*) {
     if (!alive_) ADD_FAILURE() << "called after its end";
     ++heard;
   }
+  using Members = List<Method<"observeValueForKeyPath:ofObject:change:context:", &Watcher::observe>>;
 };
 
 // Runs both until `rounds` of the first are done.
@@ -82,8 +83,8 @@ TEST(ObservingThreads, ObserversAreDestroyedWhileTheyAreTold) {
       kRounds,
       [&](int i) {
         const auto watcher = make<Watcher>();
-        station->addObserver(watcher, title, i % 2 ? 0 : kBoth, nullptr);
-        if (i % 3) station->removeObserver(watcher, title);
+        send<"addObserver:forKeyPath:options:context:">(station, watcher, title, i % 2 ? 0 : kBoth, nullptr);
+        if (i % 3) send<"removeObserver:forKeyPath:">(station, watcher, title);
       },
       [&] { send<"setTitle:">(station, ++value); });
   send<"setTitle:">(station, 0);
@@ -102,7 +103,7 @@ TEST(ObservingThreads, ObjectsAreDestroyedWhileTheyChange) {
       kRounds,
       [&](int i) {
         auto station = make<Station>();
-        station->addObserver(watcher, title, i % 2 ? 0 : kBoth, nullptr);
+        send<"addObserver:forKeyPath:options:context:">(station, watcher, title, i % 2 ? 0 : kBoth, nullptr);
         last = station;
         const Strong<Station> before = exchange(Strong<NSObject>(station).detach());
       },
@@ -117,15 +118,15 @@ TEST(ObservingThreads, ObjectsOnTheWayAreReplacedWhileTheyChange) {
   const auto station = make<Station>();
   const auto path = makeString("host.name");
   const auto watcher = make<Watcher>();
-  station->addObserver(watcher, path, 0, nullptr);
+  send<"addObserver:forKeyPath:options:context:">(station, watcher, path, 0, nullptr);
   const auto other = make<Watcher>();
   together(
       kRounds,
       [&](int i) {
         send<"setHost:">(station, i % 7 ? make<Host>() : Strong<Host>());
         if (i % 16 == 0) {
-          station->addObserver(other, path, kBoth, nullptr);
-          station->removeObserver(other, path);
+          send<"addObserver:forKeyPath:options:context:">(station, other, path, kBoth, nullptr);
+          send<"removeObserver:forKeyPath:">(station, other, path);
         }
       },
       [&] {
@@ -136,7 +137,7 @@ TEST(ObservingThreads, ObjectsOnTheWayAreReplacedWhileTheyChange) {
   watcher->heard = 0;
   send<"setName:">(last, 2);
   EXPECT_EQ(watcher->heard, 1);
-  station->removeObserver(watcher, path);
+  send<"removeObserver:forKeyPath:">(station, watcher, path);
   EXPECT_FALSE(dispatchClass(last)->isNotifying());
   EXPECT_FALSE(dispatchClass(station)->isNotifying());
 }
@@ -146,7 +147,7 @@ TEST(ObservingThreads, WritersOfOnePathLeaveItWhereItLeads) {
   for (int round = 0; round < 300; ++round) {
     const auto station = make<Station>();
     const auto watcher = make<Watcher>();
-    station->addObserver(watcher, path, 0, nullptr);
+    send<"addObserver:forKeyPath:options:context:">(station, watcher, path, 0, nullptr);
     onThreads(3, [&] {
       for (int i = 0; i < 10; ++i) send<"setHost:">(station, make<Host>());
     });
