@@ -28,18 +28,13 @@ TEST(TestFlag, ReadsTheVariableAsABoolean) {
   } rows[] = {
       {"absent", std::nullopt, false},
       {"empty", "", false},
-      {"lower case", "true", true},
       {"what follows is ignored", "Yes please", true},
       {"a sign", "-1", true},
-      {"blanks", "  7", true},
-      {"a line feed, a sign and zeros", "\n+00t", true},
-      {"zero", "0", false},
+      {"blanks, a sign and zeros", " \n+00t", true},
       {"minus zero", "-0", false},
-      {"false", "false", false},
       {"two signs", "--1", false},
       {"hexadecimal is a zero and more", "0x1", false},
       {"a word", "on", false},
-      {"a sign alone", "+", false},
   };
   const auto given = make<GivenProcess>();
   for (const auto& row : rows) {
