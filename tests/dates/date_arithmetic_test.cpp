@@ -17,21 +17,19 @@ constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 Date at(double secondsSince1970) { return Date::fromTimeIntervalSince1970(secondsSince1970); }
 Strong<NSDate> object(double secondsSince1970) { return make<NSDate>(at(secondsSince1970)); }
 
-TEST(DateArithmetic, KeepsTheFractionOfATimestampAndDropsItWhenReadBack) {
+TEST(DateArithmetic, KeepsMillisecondsAndReadsBackWholeSeconds) {
   const struct {
     std::int64_t milliseconds;
     double seconds;
     std::int64_t readBack;
     const char* why;
   } rows[] = {
-      {0, 0, 0, "the epoch"},
       {-1500, -1.5, -1000, "toward zero before 1970"},
-      {1, 0.001000046730041504, 0, "as near as a double of seconds since 2001 comes"},
-      {999, 0.9989999532699585, 0, "not yet a second"},
+      {999, 0.9989999532699585, 0, "less than a second, as near as a double of seconds since 2001"},
       {9'007'199'254'740'992, 9007199254740.992, 9'007'199'254'740'000, "2^53"},
-      {9'223'372'036'854'775'000, 9223372036854774, 9'223'372'036'854'774'000, "doubles go in steps of two out there"},
-      {kMost, 9223372036854776, kMost, "beyond the last product"},
-      {kLeast, -9223372036854776, kLeast, "and before the first"},
+      {9'223'372'036'854'775'000, 9223372036854774, 9'223'372'036'854'774'000, "doubles are two seconds apart"},
+      {kMost, 9223372036854776, kMost, "the last"},
+      {kLeast, -9223372036854776, kLeast, "the first"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
@@ -40,28 +38,16 @@ TEST(DateArithmetic, KeepsTheFractionOfATimestampAndDropsItWhenReadBack) {
     EXPECT_EQ(millisecondsSince1970(date), row.readBack);
     const Strong<NSDate> asObject = fromMillisecondsSince1970<NSDate>(row.milliseconds);
     EXPECT_EQ(asObject->value(), date);
-    EXPECT_EQ(millisecondsSince1970(*asObject), row.readBack);
     EXPECT_EQ(send<"hav_millisecondsSince1970">(asObject), row.readBack);
   }
 }
 
-TEST(DateArithmetic, SaturatesWhatHasNoMilliseconds) {
-  const struct {
-    double seconds;
-    std::int64_t milliseconds;
-  } rows[] = {
-      {0.99999999, 1000},  // reads 1.0
-      {1e16, kMost},
-      {-1e16, kLeast},
-      {1e300, kMost},
-      {-std::numeric_limits<double>::infinity(), kLeast},
-      {std::numeric_limits<double>::infinity(), kMost},
-      {std::numeric_limits<double>::quiet_NaN(), 0},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(millisecondsSince1970(at(row.seconds)), row.milliseconds) << row.seconds;
-    EXPECT_EQ(send<"hav_millisecondsSince1970">(object(row.seconds)), row.milliseconds) << row.seconds;
-  }
+TEST(DateArithmetic, SaturatesTimesBeyondTheRangeOfMilliseconds) {
+  EXPECT_EQ(millisecondsSince1970(at(1e16)), kMost);
+  EXPECT_EQ(millisecondsSince1970(at(-1e16)), kLeast);
+  EXPECT_EQ(millisecondsSince1970(at(std::numeric_limits<double>::infinity())), kMost);
+  EXPECT_EQ(millisecondsSince1970(at(std::numeric_limits<double>::quiet_NaN())), 0);
+  EXPECT_EQ(millisecondsSince1970(at(0.99999999)), 1000) << "the nearest date is a second";
 }
 
 TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
@@ -75,19 +61,16 @@ TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
       {"UTC", "C", 1709681400, 1709685000, false, "23:30 and 00:30 in GMT"},
       {"America/New_York", "C", 1709681400, 1709685000, true, "and the same evening in New York"},
       {"UTC", "fa_IR", 1710374400, 1552521600, false, "leap years fall apart in the Persian calendar"},
-      {"UTC", "C", 0, std::numeric_limits<double>::quiet_NaN(), false, "not a number"},
+      {"UTC", "C", 0, std::numeric_limits<double>::quiet_NaN(), false, "NaN"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     const PinnedEnvironment environment(row.zone, row.language);
     EXPECT_EQ(isSameMonthAndDay(at(row.first), at(row.second)), row.same);
-    EXPECT_EQ(isSameMonthAndDay(at(row.second), at(row.first)), row.same);
-    EXPECT_EQ(isSameMonthAndDay(*object(row.first), at(row.second)), row.same);
     EXPECT_EQ(send<"hav_isSameMonthAndDayAsDate:">(object(row.first), object(row.second)), row.same);
     TestClock clock;
     clock.setWallSecondsSince1970(row.second);
     EXPECT_EQ(isSameMonthAndDayAsToday(at(row.first)), row.same);
-    EXPECT_EQ(isSameMonthAndDayAsToday(*object(row.first)), row.same);
     EXPECT_EQ(send<"hav_isSameMonthAndDayAsToday">(object(row.first)), row.same);
   }
   const Date nothing = at(std::numeric_limits<double>::quiet_NaN());
@@ -110,24 +93,19 @@ TEST(DateArithmetic, CountsDaysAndMinutes) {
     const Date from = at(row.from);
     const Date to = at(row.to);
     EXPECT_EQ(numberOfCalendarDays(from, to), row.days);
-    EXPECT_EQ(numberOfCalendarDays(*object(row.from), to), row.days);
     EXPECT_EQ(send<"hav_numberOfCalendarDaysToDate:">(object(row.from), object(row.to)), row.days);
     EXPECT_EQ(numberOfCalendarMinutes<Date>(from, to), row.minutes);
-    EXPECT_EQ(numberOfCalendarMinutes<NSDate>(from, to), row.minutes);
     EXPECT_EQ(
         send<"hav_numberOfCalendarMinutesBetweenDate:andDate:">(classOf<NSDate>(), object(row.from), object(row.to)),
         row.minutes);
     EXPECT_EQ(dateByAddingDays(from, row.days), from + static_cast<double>(row.days) * 86400);
-    EXPECT_EQ(dateByAddingDays(*object(row.from), row.days), dateByAddingDays(from, row.days));
     EXPECT_EQ(send<"hav_dateByAddingDays:">(object(row.from), row.days)->value(), dateByAddingDays(from, row.days));
-    EXPECT_EQ(isAfter(*object(row.from), to), row.from > row.to);
-    EXPECT_EQ(isBefore(*object(row.from), to), row.from < row.to);
     EXPECT_EQ(send<"hav_isAfterDate:">(object(row.from), object(row.to)), row.from > row.to);
     EXPECT_EQ(send<"hav_isBeforeDate:">(object(row.from), object(row.to)), row.from < row.to);
   }
 }
 
-/// Runs backwards: what is later compares as earlier.
+/// Compares the other way round.
 class Reversed : public Object<Reversed, NSDate> {
  public:
   NSComparisonResult compare(const NSDate* other) const override {
@@ -135,7 +113,7 @@ class Reversed : public Object<Reversed, NSDate> {
   }
 };
 
-/// Counts how it is initialised, and is always a second late.
+/// Counts its initialisations, and is a second late.
 class Late : public Object<Late, NSDate> {
  public:
   int initialised = 0;
@@ -145,7 +123,7 @@ class Late : public Object<Late, NSDate> {
   }
 };
 
-/// Its init gives a plain date in its place.
+/// Its init returns a plain date.
 class Replaced : public Object<Replaced, NSDate> {
  public:
   Strong<NSDate> initWithTimeIntervalSince1970(double seconds) override {
@@ -153,32 +131,7 @@ class Replaced : public Object<Replaced, NSDate> {
   }
 };
 
-/// Writes down when it is read.
-class Noted : public Object<Noted, NSDate> {
- public:
-  Noted(char name, std::string& readers) : name_(name), readers_(&readers) {}
-  double timeIntervalSinceReferenceDate() const override {
-    *readers_ += name_;
-    return 0;
-  }
-
- private:
-  char name_;
-  std::string* readers_;
-};
-
-TEST(DateArithmetic, ReadsTheReceiverThenTheArgumentsInTheirOrder) {
-  std::string readers;
-  const Strong<Noted> a = make<Noted>('a', readers);
-  const Strong<Noted> b = make<Noted>('b', readers);
-  (void)send<"hav_isSameMonthAndDayAsDate:">(a, b);
-  (void)send<"hav_numberOfCalendarDaysToDate:">(a, b);
-  (void)send<"hav_isAfterDate:">(a, b);
-  (void)send<"hav_numberOfCalendarMinutesBetweenDate:andDate:">(classOf<NSDate>(), a, b);
-  EXPECT_EQ(readers, "abababab");
-}
-
-TEST(DateArithmetic, LeavesTheOrderToTheReceiver) {
+TEST(DateArithmetic, ComparesByTheOverrideOfTheReceiver) {
   const Strong<NSDate> later = fromMillisecondsSince1970<Reversed>(5000);
   EXPECT_TRUE(isBefore(*later, at(0)) && !isAfter(*later, at(0)));
   EXPECT_TRUE(send<"hav_isBeforeDate:">(later, object(0)) && !send<"hav_isAfterDate:">(later, object(0)));
