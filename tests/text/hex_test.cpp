@@ -19,14 +19,9 @@ std::string printed(std::span<const std::byte> bytes) {
 }
 
 TEST(Hex, WritesTwoLowerCaseDigitsForEachByte) {
-  const std::byte bytes[] = {std::byte{0x00}, std::byte{0x01}, std::byte{0xAB}, std::byte{0xFF}};
-  EXPECT_EQ(havrin::hexString(bytes), "0001abff");
-  EXPECT_EQ(havrin::hexString(std::span<const std::byte>()), "");
-  for (const auto& data : {havrin::makeData(bytes), havrin::Strong<havrin::NSData>(havrin::make<havrin::NSData>())}) {
-    const std::string expected = printed(data->bytes());
-    EXPECT_EQ(havrin::hexString(*data), expected);
-    EXPECT_EQ(utf8(*havrin::send<"hexString">(data)), expected);
-  }
+  const auto data = havrin::makeData(std::string_view("\x01\xAB\xFF"));
+  EXPECT_EQ(havrin::hexString(*data), "01abff");
+  EXPECT_EQ(utf8(*havrin::send<"hexString">(data)), "01abff");
 }
 
 TEST(Hex, WritesEveryByteInEveryPlaceOfEveryLength) {

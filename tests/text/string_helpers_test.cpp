@@ -21,44 +21,41 @@ class LateString : public Object<LateString, NSString> {
   std::u16string units_;
 };
 
-// Answers that it contains nothing, and counts how often it is asked.
-class Secretive : public Object<Secretive, NSString> {
+// Counts its calls, and goes on to the inherited method.
+class Asked : public Object<Asked, LateString> {
  public:
   int asked = 0;
-  bool containsNothing(NSCharacterSet* set) {
+  bool containsAny(NSCharacterSet* set) {
     ++asked;
-    EXPECT_TRUE(set->characterSet() == CharacterSet("x").inverted()) << "the complement";
-    return false;
+    EXPECT_TRUE(set->characterSet() == CharacterSet("x").inverted());
+    return sendSuper<"containsAnyCharactersInSet:">(*this, set);
   }
-  using Members = List<Method<"containsAnyCharactersInSet:", &Secretive::containsNothing>>;
+  using Members = List<Method<"containsAnyCharactersInSet:", &Asked::containsAny>>;
 };
 
-TEST(StringHelpers, RangesCoverTheWholeText) {
+TEST(StringHelpers, GivesTheRangeOfTheWholeText) {
   const struct {
     std::string_view text;
     std::uint64_t units;
     const char* why;
   } rows[] = {
       {"", 0, "nothing"},
-      {"abc", 3, "ASCII"},
       {"a\0b"sv, 3, "U+0000 counts"},
       {"é", 1, "two bytes, one unit"},
       {"👍", 2, "a surrogate pair"},
-      {"👨‍👩‍👧‍👦", 11, "a family with joiners"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
     EXPECT_EQ(nsrange(row.text), (NSRange{0, row.units}));
     EXPECT_EQ(entireRange(row.text), (Range<std::size_t>{0, row.text.size()}));
     for (const Strong<NSString>& string : {makeString(row.text), Strong<NSString>(make<LateString>(utf16(row.text)))}) {
-      EXPECT_EQ(entireRange(*string), (NSRange{0, row.units}));
       EXPECT_EQ(send<"entireRange">(string), (NSRange{0, row.units}));
     }
   }
 }
 
-TEST(StringHelpers, CharactersAreTestedScalarByScalar) {
-  const CharacterSet letters = CharacterSet::letters(), digits = CharacterSet::decimalDigits(), none;
+TEST(StringHelpers, TestsCharactersScalarByScalar) {
+  const CharacterSet letters = CharacterSet::letters(), none;
   const CharacterSet ascii({U'\0', U'\x7F'}), thumb("👍"), replacement("\uFFFD");
   const struct {
     std::string_view text;
@@ -67,18 +64,14 @@ TEST(StringHelpers, CharactersAreTestedScalarByScalar) {
     const char* why;
   } rows[] = {
       {"", letters, false, true, "empty text"},
-      {"", none, false, true, "empty text, empty set"},
       {"abc", none, false, false, "the empty set"},
       {"abc", letters, true, true, "only members"},
       {"abc1", letters, true, false, "a last one that is none"},
-      {"abc1", digits, true, false, "a last one that is"},
-      {"e\u0301", letters, true, true, "a mark is a letter"},
-      {"e\u0301", ascii, true, false, "but not in ASCII"},
+      {"e\u0301", ascii, true, false, "a mark is tested apart from what it marks"},
       {"👍", thumb, true, true, "a pair is one scalar"},
       {"👍", thumb.inverted(), false, false, "nor in the complement"},
       {"\xF0\x9F", replacement, true, true, "an ill-formed part is U+FFFD"},
       {"a\0"sv, letters, true, false, "U+0000 is looked at"},
-      {"٣", digits, true, true, "digits of any script"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
@@ -87,8 +80,6 @@ TEST(StringHelpers, CharactersAreTestedScalarByScalar) {
     EXPECT_EQ(containsAnyCharacters(row.text, row.set.inverted()), !row.only);
     const auto set = makeCharacterSet(row.set);
     for (const Strong<NSString>& string : {makeString(row.text), Strong<NSString>(make<LateString>(utf16(row.text)))}) {
-      EXPECT_EQ(containsAnyCharacters(*string, row.set), row.any);
-      EXPECT_EQ(containsOnlyCharacters(*string, row.set), row.only);
       EXPECT_EQ(send<"containsAnyCharactersInSet:">(string, set), row.any);
       EXPECT_EQ(send<"containsOnlyCharactersInSet:">(string, set), row.only);
     }
@@ -98,22 +89,20 @@ TEST(StringHelpers, CharactersAreTestedScalarByScalar) {
   EXPECT_FALSE(containsOnlyCharacters(*half, letters));
 }
 
-TEST(StringHelpers, AnOverrideOfContainsAnyDecidesContainsOnly) {
-  const auto string = make<Secretive>();
+TEST(StringHelpers, ContainsOnlySendsContainsAnyWithTheComplement) {
+  const auto string = make<Asked>();
   const CharacterSet set("x");
   EXPECT_TRUE(containsOnlyCharacters(*string, set));
   EXPECT_TRUE(send<"containsOnlyCharactersInSet:">(string, makeCharacterSet(set)));
   EXPECT_EQ(string->asked, 2);
 }
 
-TEST(StringHelpers, MessagesToNullAndWithNullArguments) {
+TEST(StringHelpers, AcceptsNullReceiversAndRefusesNullSets) {
   const Strong<NSString> none, text = makeString("abc");
   EXPECT_EQ(send<"entireRange">(none), NSRange());
   const Strong<NSObject> byKey = send<"valueForKey:">(makeString("\U0001F44Da"), makeString("entireRange"));
-  EXPECT_TRUE(byKey->isEqual(NSValue::valueWithRange({0, 3})));
-  EXPECT_FALSE(byKey->isEqual(NSValue::valueWithRange({1, 3})));
+  EXPECT_TRUE(byKey->isEqual(NSValue::valueWithRange({0, 3})) && !byKey->isEqual(NSValue::valueWithRange({1, 3})));
   EXPECT_EQ(utf8(*byKey->description()), "NSRange: {0, 3}");
-  EXPECT_FALSE(send<"containsAnyCharactersInSet:">(none, makeCharacterSet(CharacterSet())));
   EXPECT_FALSE(send<"containsOnlyCharactersInSet:">(none, makeCharacterSet(CharacterSet())));
   EXPECT_THROW(send<"containsAnyCharactersInSet:">(text, nullptr), NSException);
   EXPECT_THROW(send<"containsOnlyCharactersInSet:">(text, nullptr), NSException);
@@ -122,7 +111,7 @@ TEST(StringHelpers, MessagesToNullAndWithNullArguments) {
   EXPECT_EQ(utf8(*repeated), "--") << "a null string is the empty one";
 }
 
-TEST(StringHelpers, RepetitionJoinsNeighboursOnly) {
+TEST(StringHelpers, RepeatsWithASeparatorBetweenNeighbours) {
   const struct {
     std::string_view text;
     std::int64_t times;
@@ -133,10 +122,9 @@ TEST(StringHelpers, RepetitionJoinsNeighboursOnly) {
       {"ab", 3, ", ", "ab, ab, ab", "a separator between neighbours"},
       {"ab", 3, {}, "ababab", "no separator"},
       {"ab", 0, ", ", "", "no copy"},
-      {"ab", -1, ", ", "", "fewer than none"},
-      {"", 3, "-", "--", "copies of nothing"},
-      {"", 3, {}, "", "nothing of nothing"},
-      {"", std::numeric_limits<std::int64_t>::max(), {}, "", "any number of times"},
+      {"ab", -1, ", ", "", "a negative number of copies"},
+      {"", 3, "-", "--", "copies of the empty text"},
+      {"", std::numeric_limits<std::int64_t>::max(), {}, "", "any number of empty texts"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
