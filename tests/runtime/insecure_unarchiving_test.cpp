@@ -8,7 +8,7 @@
 namespace havrin {
 namespace {
 
-// Promises no more than NSCoding.
+// Adopts NSCoding alone.
 class Point : public Object<Point, NSObject> {
  public:
   Strong<NSString> name;
@@ -69,13 +69,10 @@ Unarchived unarchived(NSData* data, Class expected = classOf<NSArray>()) {
 }
 
 TEST(InsecureUnarchiving, ReadsWhatWasArchivedWhicheverClassIsNamed) {
-  const auto root = makeArray({makeString("a"), makeString("b")});
-  const auto data = NSKeyedArchiver::archivedDataWithRootObject(root, false, nullptr);
+  const auto data = NSKeyedArchiver::archivedDataWithRootObject(letters("ab"), false, nullptr);
   for (const Class expected : {Class(classOf<NSArray>()), Class(classOf<NSString>()), Class()}) {
-    SCOPED_TRACE(expected.name());
     const auto [object, error] = unarchived(data, expected);
-    ASSERT_TRUE(object);
-    EXPECT_TRUE(object->isEqual(root));
+    EXPECT_EQ(text(object), "(a, b)") << expected.name();
     EXPECT_FALSE(error);
   }
 }
@@ -89,7 +86,7 @@ TEST(InsecureUnarchiving, ReadsClassesThatDoNotAdoptSecureCoding) {
   EXPECT_FALSE(error);
 }
 
-TEST(InsecureUnarchiving, TellsBytesThatAreNoArchiveFromObjectsThatCannotBeDecoded) {
+TEST(InsecureUnarchiving, ReportsAnErrorOnlyForBytesThatAreNotAnArchive) {
   struct Row {
     std::string why;
     Strong<NSData> data;
@@ -98,38 +95,29 @@ TEST(InsecureUnarchiving, TellsBytesThatAreNoArchiveFromObjectsThatCannotBeDecod
   const std::vector<Row> rows = {
       {"null", nullptr, true},
       {"no bytes", makeData(""), false},
-      {"other text", makeData("hello world"), false},
       {"a header alone", makeData("bplist00"), false},
-      {"a property list that is no archive", makeData("<plist><array/></plist>"), false},
-      {"an archive that goes by another name",
-       makeData("<plist><dict><key>$archiver</key><string>X</string></dict></plist>"), false},
+      {"a property list that is not an archive", makeData("<plist><array/></plist>"), false},
       {"nothing under the root key", makeData(xml("<key>other</key>" + uid(1), "<string>x</string>")), true},
-      {"null at the root", makeData(xml("<key>root</key>" + uid(0), "")), true},
-      {"reference to an object that does not exist", makeData(xml("<key>root</key>" + uid(9), "")), true},
-      {"a class that nobody knows", makeData(point("Nobody")), true},
+      {"a reference to an object that does not exist", makeData(xml("<key>root</key>" + uid(9), "")), true},
+      {"an unknown class", makeData(point("Nobody")), true},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.why);
     const auto [object, error] = unarchived(row.data);
     EXPECT_FALSE(object);
-    EXPECT_EQ(error ? error->code() : 0, row.isArchive ? 0 : NSCoderReadCorruptError)
-        << "an error says that the bytes are no archive, and nothing else";
+    EXPECT_EQ(error ? error->code() : 0, row.isArchive ? 0 : NSCoderReadCorruptError);
     EXPECT_FALSE(send<"insecureUnarchivedObjectOfClass:fromData:error:">(classOf<NSKeyedUnarchiver>(),
                                                                          classOf<NSArray>(), row.data, nullptr))
         << "without a place for the error";
   }
 }
 
-// Records what it is asked, in order.
+// Notes its calls.
 class Witness : public Object<Witness, NSKeyedUnarchiver> {
  public:
   static inline std::vector<std::string> seen;
 
   ~Witness() override { seen.emplace_back("ends"); }
-  Strong<NSKeyedUnarchiver> initForReadingFromData(NSData* data, Strong<NSError>* error) override {
-    seen.emplace_back("init");
-    return NSKeyedUnarchiver::initForReadingFromData(data, error);
-  }
   void setRequiresSecureCoding(bool required) override {
     seen.emplace_back(required ? "secure" : "insecure");
     NSKeyedUnarchiver::setRequiresSecureCoding(required);
@@ -142,24 +130,19 @@ class Witness : public Object<Witness, NSKeyedUnarchiver> {
     seen.push_back("classes under " + std::string(key));
     return NSKeyedUnarchiver::decodeObjectOfClasses(classes, key);
   }
-  Strong<NSError> error() const override {
-    seen.emplace_back("error");
-    return NSKeyedUnarchiver::error();
-  }
-  void finishDecoding() override { seen.emplace_back("finish"); }
 };
 
-TEST(InsecureUnarchiving, AsksAnUnarchiverOfTheReceivingClassAndLetsItGo) {
+TEST(InsecureUnarchiving, UsesAnUnarchiverOfTheReceivingClassAndReleasesIt) {
   const auto data = NSKeyedArchiver::archivedDataWithRootObject(makeString("x"), false, nullptr);
   Strong<NSError> error;
   Witness::seen.clear();
   EXPECT_TRUE(
       send<"insecureUnarchivedObjectOfClass:fromData:error:">(classOf<Witness>(), classOf<NSString>(), data, &error));
-  EXPECT_EQ(Witness::seen, (std::vector<std::string>{"init", "insecure", "class under root", "ends"}));
+  EXPECT_EQ(Witness::seen, (std::vector<std::string>{"insecure", "class under root", "ends"}));
   Witness::seen.clear();
   EXPECT_TRUE(send<"insecureUnarchivedObjectOfClasses:fromData:error:">(classOf<Witness>(),
                                                                         makeSet({classOf<NSString>()}), data, &error));
-  EXPECT_EQ(Witness::seen, (std::vector<std::string>{"init", "insecure", "classes under root", "ends"}));
+  EXPECT_EQ(Witness::seen, (std::vector<std::string>{"insecure", "classes under root", "ends"}));
 }
 
 }  // namespace
