@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Plants one fault at a time into a small sound tree and wants tools/check to name it."""
+"""Plants one fault at a time into a small sound tree, and expects tools/check to name it."""
+import contextlib
 import pathlib
 import subprocess
 import sys
@@ -8,7 +9,7 @@ import tempfile
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
-from checks import format, layers, licence, names, tree, words  # noqa: E402
+from checks import format, layers, licence, names, proportion, tree, words  # noqa: E402
 from checks.source_tree import SourceTree  # noqa: E402
 
 HEADER = "// What it is.\n#pragma once\n"
@@ -70,35 +71,37 @@ PLANTED = [
      "declares no octal"),
     (names, {"docs/names.md": SOUND["docs/names.md"].replace("| `hexString` |", "| |")},
      "does not list the message hexString"),
+    (proportion, {"tests/text/hex_test.cpp": "int i;\n" * 99}, "expected at most"),
     (format, {"HavrinFoundation/text/hex.cpp": "int  i;\n"}, "clang-format-14 -i"),
 ]
 
 
-def problems_of(check, files):
+@contextlib.contextmanager
+def folder_of(files):
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run(["git", "init", "--quiet", folder], check=True)
         for name, text in files.items():
             path = pathlib.Path(folder, name)
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_text(text)
+        yield folder
+
+
+def problems_of(check, files):
+    with folder_of(files) as folder:
         return check.check(SourceTree(folder))
 
 
 def licence_lines():
     """What is wrong when the licence lines of the sound tree are written: each once, and nothing else is harmed."""
     wrong = []
-    with tempfile.TemporaryDirectory() as folder:
-        subprocess.run(["git", "init", "--quiet", folder], check=True)
-        for name, text in (SOUND | {"tools/run": "#!/bin/sh\nexit 0\n"}).items():
-            path = pathlib.Path(folder, name)
-            path.parent.mkdir(parents=True, exist_ok=True)
-            path.write_text(text)
+    with folder_of(SOUND | {"tools/run": "#!/bin/sh\nexit 0\n"}) as folder:
         for changed in (14, 0):  # .clang-format, faults.txt and the page are no sources
             if (count := licence.add(SourceTree(folder))) != changed:
                 wrong.append(f"licence changes {count} files, not {changed}")
         if pathlib.Path(folder, "tools/run").read_text() != f"#!/bin/sh\n# {licence.TAG}\nexit 0\n":
             wrong.append("licence does not keep the interpreter first")
-        wrong += [f"{check.__name__} with licence lines: {problem}" for check in (words, tree, layers, names, format)
+        wrong += [f"{check.__name__} with licence lines: {problem}" for check in (words, tree, layers, names, proportion, format)
                   for problem in check.check(SourceTree(folder))]
         pathlib.Path(folder, "HavrinFoundation/text/hex.h").write_text(HEADER)
         if len(licence.check(SourceTree(folder))) != 1:
@@ -108,7 +111,7 @@ def licence_lines():
 
 def main():
     wrong = licence_lines()
-    for check in (words, tree, layers, names, format):
+    for check in (words, tree, layers, names, proportion, format):
         wrong += [f"{check.__name__} in the sound tree: {problem}" for problem in problems_of(check, SOUND)]
     for check, planted, says in PLANTED:
         problems = problems_of(check, SOUND | planted)
