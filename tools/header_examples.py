@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Turns the examples in the opening comments of public headers into C++ sources, one a header.
+"""Turns the examples in the opening comments of public headers, and those of a page, into C++ sources, one a header.
 
-  tools/header_examples.py <names file> <output folder> <header>...
+  tools/header_examples.py <names file> <output folder> <page> <header>...
 
 An example is a line of the comment indented by three blanks: C++ code, then at least two blanks, then its result. Code that
 ends in ";" or begins as a statement is one; anything else is an expression. "..." is code that is left out. An expression's result is compared where it is a literal,
@@ -11,11 +11,15 @@ bracket is open, is the result of the line above. Lines of a bracket that is ope
 
 A source includes its header, and no other of the project. The names file declares what the examples of a header use
 besides and the headers that bring it ("with", a standard one in angle brackets), or says that they are compiled only, or left alone, and why.
+
+The first block of C++ on the page is what the others begin with; each other one is a function. A result stands behind
+"//", and is compared as a header's is.
 """
 import pathlib
 import re
 import sys
 
+PAGE = "cookbook.md"
 STATEMENT = re.compile(r"(for|if|while|try|struct|class) ")
 ENUMERATOR = re.compile(r"([A-Z]\w*::\w+)(?=$|[:;,])")
 NUMBER = re.compile(r"(-?\d[\d']*(?:\.\d+)?)(?=$|[:;]|, (?!-?\d))")
@@ -118,6 +122,28 @@ def source(header, found, declarations, includes, mode):
             f"void run_{name}() {{ {run}; }}\n")
 
 
+def page_source(page):
+    """A program part of a page's blocks of C++."""
+    blocks = [(page[:match.start(1)].count("\n") + 1, match.group(1))
+              for match in re.finditer(r"^```cpp\n(.*?)^```$", page, re.M | re.S)]
+    (_, beginning), *rest = blocks
+    source = beginning + '#include "expect.h"\n\nnamespace {\n\n'
+    for number, (first, block) in enumerate(rest):
+        body, code = "", ""
+        for line, text in enumerate(block.splitlines(), first):
+            written, _, result = text.partition("  // ")
+            code += written + "\n"
+            if depth(code) > 0 or not (result or written.rstrip().endswith((";", "}"))):
+                continue
+            begin = line - code.count("\n") + 1
+            body += statement(PAGE, begin, code.strip().removesuffix(";") if result else code.rstrip(), result)
+            code = ""
+        source += f"void block{number}() {{\n{body}}}\n\n"
+    calls = "".join(f'  havrin_examples::guarded("{PAGE}, block {number + 2}", block{number});\n'
+                    for number in range(len(rest)))
+    return f"{source}}}  // namespace\n\nvoid run_page() {{\n{calls}}}\n"
+
+
 def write(path, text):
     if not path.exists() or path.read_text() != text:
         path.write_text(text)
@@ -127,10 +153,11 @@ def main():
     names, output = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
     root = names.resolve().parents[2] / "HavrinFoundation"
     declarations, includes, modes = read_names(names)
-    headers = sys.argv[3:]
+    headers = sys.argv[4:]
     for unknown in sorted(set(modes) - set(headers)):
         sys.exit(f"{names}: {unknown} is not a public header")
-    runs = []
+    write(output / "page.cpp", page_source(pathlib.Path(sys.argv[3]).read_text()))
+    runs = ["run_page"]
     for header in headers:
         found = examples((root / header).read_text())
         mode = modes.get(header, "run")
