@@ -4,16 +4,16 @@
 #include <HavrinFoundation/platform/object/members.h>
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 #include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <malloc.h>
 #include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <utility>
 
 namespace {
