@@ -100,19 +100,6 @@ namespace {
 static_assert(Decodable<Station> && Decodable<Level> && Decodable<Thrown> && Decodable<Colour> && Decodable<long long>);
 static_assert(!Decodable<std::string_view> && !Decodable<char> && !Decodable<const char*> && !Decodable<long double>);
 
-TEST(Decoding, FillsAListOfFields) {
-  const Value value = station();
-  const auto decoded = tryDecode<Station>(value);
-  ASSERT_TRUE(decoded) << decoded.error().what();
-  EXPECT_EQ(decoded->identifier, 7);
-  EXPECT_EQ(decoded->tags, (std::vector<std::string>{"jazz", "soul"}));
-  EXPECT_EQ(decoded->shares, (std::map<std::string, double>{{"day", 0.5}, {"night", 1}}));
-  EXPECT_EQ(decoded->song->title, "Blue");
-  ASSERT_EQ(decoded->history.size(), 2u);
-  EXPECT_EQ(decoded->history[0].seconds, 90);
-  EXPECT_EQ(decoded->history[1].seconds, std::nullopt);
-}
-
 TEST(Decoding, ReportsWhatFailedAndWhere) {
   const auto with = [](const char* key, Value value) {
     Object object = station();
@@ -264,18 +251,6 @@ TEST(UnkeyedContainer, AdvancesOnlyPastDecodedElements) {
   EXPECT_EQ(container.tryDecodeNil().error().kind(), DecodingError::Kind::valueNotFound);
   EXPECT_EQ(container.tryDecode<Song>().error().kind(), DecodingError::Kind::valueNotFound);
   EXPECT_EQ(container.decodeIfPresent<int>(), std::nullopt);
-}
-
-TEST(UnkeyedContainer, KeepsAPathWhoseContainersAreGone) {
-  const Value value = Object{{"a", Array{Object{{"b", Array{Array{1}, 2}}}}}};
-  Decoder decoder = decoderOf(value);
-  auto innermost = decoder.container()
-                       .nestedUnkeyedContainer("a")
-                       .nestedContainer()
-                       .nestedUnkeyedContainer("b")
-                       .nestedUnkeyedContainer();
-  EXPECT_EQ(innermost.codingPath().description(), "a[0].b[0]");
-  EXPECT_EQ(innermost.decode<int>(), 1);
 }
 
 struct Told {

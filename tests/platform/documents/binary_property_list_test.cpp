@@ -43,7 +43,7 @@ TEST(BinaryPropertyList, ReadsEveryKindOfObject) {
   EXPECT_TRUE(*readPropertyList(wide) == samples::array("a")) << "references of three bytes, offsets of five";
 }
 
-TEST(BinaryPropertyList, SaysWhatIsWrongAndAtWhichByte) {
+TEST(BinaryPropertyList, ReportsWhatIsWrongAndAtWhichByte) {
   const struct {
     Binary binary;
     std::string_view error;
@@ -99,7 +99,7 @@ TEST(BinaryPropertyList, BoundsTheNesting) {
   EXPECT_FALSE(readPropertyList(nested(1'000'000)));
 }
 
-TEST(BinaryPropertyList, BoundsWhatSharedPartsStandFor) {
+TEST(BinaryPropertyList, BoundsTheExpansionOfSharedParts) {
   // Sixty arrays, each holding the next one twice.
   std::vector<std::string> objects;
   for (std::size_t i = 1; i < 60; ++i) objects.push_back("A2 " + hexadecimal(i, 2) + hexadecimal(i, 2));
@@ -134,27 +134,6 @@ TEST(BinaryPropertyList, SurvivesEveryDamage) {
       }
     }
   }
-}
-
-TEST(BinaryPropertyList, GivesObjectsByNumberAsTheyStand) {
-  const auto bytes = Binary{{"D1 01 02", "51 6B", "A2 03 01", "61 D8 3D"}}.bytes();
-  const auto list = BinaryPropertyList::fromData(bytes);
-  ASSERT_TRUE(list);
-  EXPECT_EQ(list->objectCount(), 4U);
-  const auto top = list->object(list->topObject());
-  ASSERT_TRUE(top);
-  EXPECT_EQ(top->kind(), BinaryObject::Kind::dictionary);
-  EXPECT_EQ(list->object(top->key(0))->asciiText(), "k");
-  const auto array = list->object(top->value(0));
-  EXPECT_EQ(array->count(), 2U);
-  EXPECT_EQ(array->element(1), 1U);
-  const auto half = list->object(array->element(0));
-  EXPECT_EQ(half->utf16Text(), std::u16string(1, 0xD83D)) << "as it stands";
-  EXPECT_EQ(half->text(), "\uFFFD");
-  std::uint64_t sum = 0;
-  for (std::uint64_t i = 0; i < list->objectCount(); ++i) sum += list->object(i)->encodedSize();
-  EXPECT_EQ(sum, list->objectBytes());
-  EXPECT_FALSE(list->object(4));
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 #include <HavrinFoundation/platform/time/calendar.h>
 #include <tests/platform/time/pinned_environment.h>
 
-#include <unicode/gregocal.h>
-
 namespace havrin {
 namespace {
 
@@ -148,43 +146,6 @@ TEST(Calendar, ShowsEraYearAndClock) {
       << "a Julian leap day";
   const Calendar buddhist(CalendarIdentifier::buddhist, TimeZone::gmt());
   EXPECT_EQ(buddhist.components(at(0)), (DateComponents{0, 2513, 1, 1, 0, 0, 0, 5}));
-}
-
-TEST(Calendar, AgreesWithIcuOnGregorianDays) {
-  UErrorCode status = U_ZERO_ERROR;
-  icu::GregorianCalendar oracle(icu::TimeZone::getGMT()->clone(), status);
-  const Calendar calendar = in("GMT");
-  std::mt19937_64 random(20240305);
-  std::uniform_int_distribution<std::int64_t> near(-400'000, 400'000);
-  std::uniform_int_distribution<std::int64_t> far(-2'000'000'000, 2'000'000'000);
-  for (int i = 0; i < 40'000; ++i) {
-    const std::int64_t day = i % 2 == 0 ? near(random) : far(random);
-    oracle.setTime(static_cast<double>(day) * 86'400'000, status);
-    const DateComponents expected{oracle.get(UCAL_ERA, status),
-                                  oracle.get(UCAL_YEAR, status),
-                                  oracle.get(UCAL_MONTH, status) + 1,
-                                  oracle.get(UCAL_DATE, status),
-                                  0,
-                                  0,
-                                  0,
-                                  oracle.get(UCAL_DAY_OF_WEEK, status)};
-    ASSERT_EQ(calendar.components(at(static_cast<double>(day) * 86'400)), expected) << day;
-  }
-}
-
-TEST(Calendar, IsFetchedAnewFromTheEnvironment) {
-  const PinnedEnvironment environment("America/New_York", "en_US.UTF-8");
-  const Calendar first = Calendar::current();
-  EXPECT_EQ(first, Calendar(CalendarIdentifier::gregorian, TimeZone::named("America/New_York").value()));
-  PinnedEnvironment::set("TZ", "Asia/Tokyo");
-  PinnedEnvironment::set("LC_TIME", "fa_IR");
-  EXPECT_EQ(Calendar::current(), Calendar(CalendarIdentifier::persian, TimeZone::named("Asia/Tokyo").value()));
-  PinnedEnvironment::set("LC_ALL", "th_TH@calendar=nonsense");
-  EXPECT_EQ(Calendar::current().identifier(), CalendarIdentifier::buddhist) << "an unknown calendar: the region's own";
-  PinnedEnvironment::set("LC_ALL", "");
-  PinnedEnvironment::set("LC_TIME", nullptr);
-  EXPECT_EQ(Calendar::current().identifier(), CalendarIdentifier::gregorian) << "an empty variable counts as absent";
-  EXPECT_EQ(first.timeZone().name(), "America/New_York") << "a calendar in hand stays what it was";
 }
 
 }  // namespace

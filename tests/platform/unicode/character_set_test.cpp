@@ -142,36 +142,6 @@ TEST(CharacterSet, MembersOfTextAreItsScalars) {
   EXPECT_TRUE(same == CharacterSet("a"));
 }
 
-TEST(CharacterSet, SearchesFindTheFirstMember) {
-  const CharacterSet thumb("👍"), letters = CharacterSet::letters();
-  const struct {
-    std::string_view text;
-    CharacterSet set;
-    Found inUtf8, inUtf16;
-    const char* why;
-  } rows[] = {
-      {"", letters, {}, {}, "empty text"},
-      {"abc", CharacterSet(), {}, {}, "the empty set"},
-      {"123abc", letters, {{3, 4}}, {{3, 4}}, "in ASCII"},
-      {"a👍b", thumb, {{1, 5}}, {{1, 3}}, "two units outside the first plane"},
-      {"a👎b", thumb, {}, {}, "half a pair is no match"},
-      {"👎", thumb.inverted(), {{0, 4}}, {{0, 2}}, "inverted sets see pairs whole"},
-      {"👍", thumb.inverted(), {}, {}, "and not their halves"},
-      {"1\xE2\x82x", CharacterSet("\uFFFD"), {{1, 3}}, {{1, 2}}, "an ill-formed part is U+FFFD"},
-      {"é\0"sv, CharacterSet("\0"sv), {{2, 3}}, {{1, 2}}, "U+0000"},
-  };
-  withEveryBody([&] {
-    for (const auto& row : rows) {
-      SCOPED_TRACE(row.why);
-      EXPECT_EQ(rangeOfCharacter(row.text, row.set), row.inUtf8);
-      EXPECT_EQ(rangeOfCharacter(havrin::utf16(row.text), row.set), row.inUtf16);
-      EXPECT_EQ(row.set.inverted().firstOtherIn(row.text), row.inUtf8 ? row.inUtf8->lowerBound : row.text.size());
-    }
-    EXPECT_EQ(rangeOfCharacter(u"a\xD83D", CharacterSet("\uFFFD")), (Found{{1, 2}})) << "a lone surrogate is U+FFFD";
-    EXPECT_EQ(rangeOfCharacter(u"a\xD83D", letters.inverted()), (Found{{1, 2}})) << "and in inverted sets";
-  });
-}
-
 TEST(CharacterSet, SearchesStopAtEveryPositionOfEveryLength) {
   const CharacterSet marks("!");
   withEveryBody([&marks] {
