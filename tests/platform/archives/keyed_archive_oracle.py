@@ -151,7 +151,6 @@ READ_ONLY = {
     "attributed_again": runs("abcde", [BLUE, RED, BLUE], 1, 0, 1, 1, 1, 2, 2, 0),
     "attributed_bare": own("NSAttributedString", NSString=plain("bare")),
     "hinted": Thing("Nobody", hints=["Noone", "NSMutableArray", "NSArray"]).key("NS.objects", [plain("a")]),
-    "unknown": row("NSArray", plain("a"), own("Nobody", name=plain("x"))),
 }
 
 

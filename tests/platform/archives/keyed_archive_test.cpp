@@ -15,13 +15,9 @@ namespace {
 
 using namespace samples;
 
-// One value of each kind.
+// One value of each kind; looks at them when it is read.
 class Scalars : public Object<Scalars, NSObject> {
  public:
-  std::vector<std::byte> bytes;
-  Strong<NSObject> under;
-  bool isRight = false;
-
   void encodeWithCoder(NSCoder* coder) const {
     coder->encodeBool(true, "yes");
     coder->encodeBool(false, "no");
@@ -29,29 +25,27 @@ class Scalars : public Object<Scalars, NSObject> {
     coder->encodeInteger(std::int64_t{1} << 40, "large");
     coder->encodeInteger(std::numeric_limits<std::int64_t>::min(), "negative");
     coder->encodeDouble(0.25, "real");
-    coder->encodeBytes(bytes, "bytes");
+    coder->encodeBytes(std::as_bytes(std::span("\1\2", 2)), "bytes");
     coder->encodeInteger(3, "$dollar");
-    coder->encodeObject(under, "$object");
+    coder->encodeObject(makeString("$"), "$object");
     coder->encodeObject(nullptr, "none");
   }
   Strong<NSObject> initWithCoder(NSCoder* coder) {
-    isRight = coder->decodeBoolForKey("yes") && !coder->decodeBoolForKey("no") &&
-              coder->decodeInt32ForKey("small") == 7 && coder->decodeIntegerForKey("large") == std::int64_t{1} << 40 &&
-              coder->decodeIntegerForKey("negative") == std::numeric_limits<std::int64_t>::min() &&
-              coder->decodeDoubleForKey("real") == 0.25 && coder->decodeFloatForKey("real") == 0.25F &&
-              coder->decodeIntegerForKey("$dollar") == 3 && coder->containsValueForKey("none") &&
-              !coder->decodeObjectForKey("none") && !coder->containsValueForKey("class");
-    const auto read = coder->decodeBytesForKey("bytes");
-    bytes.assign(read.begin(), read.end());
-    under = coder->decodeObjectForKey("$object");
+    EXPECT_TRUE(coder->decodeBoolForKey("yes") && !coder->decodeBoolForKey("no"));
+    EXPECT_EQ(coder->decodeInt32ForKey("small"), 7);
+    EXPECT_EQ(coder->decodeIntegerForKey("large"), std::int64_t{1} << 40);
+    EXPECT_EQ(coder->decodeIntegerForKey("negative"), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(coder->decodeDoubleForKey("real"), 0.25);
+    EXPECT_EQ(coder->decodeFloatForKey("real"), 0.25F);
+    EXPECT_EQ(coder->decodeIntegerForKey("$dollar"), 3);
+    EXPECT_TRUE(coder->containsValueForKey("none") && !coder->decodeObjectForKey("none"));
+    EXPECT_FALSE(coder->containsValueForKey("class"));
+    EXPECT_TRUE(makeData(coder->decodeBytesForKey("bytes"))->isEqual(makeData("\1\2")));
+    EXPECT_EQ(text(coder->decodeObjectForKey("$object")), "$");
     return this;
   }
-  bool isEqual(const NSObject* other) const override {
-    const Scalars* const scalars = cast<Scalars>(other);
-    return scalars && bytes == scalars->bytes && under->isEqual(scalars->under);
-  }
-  std::uint64_t hash() const override { return bytes.size(); }
-  Strong<NSString> description() const override { return under->description(); }
+  bool isEqual(const NSObject* other) const override { return cast<Scalars>(other); }
+  Strong<NSString> description() const override { return makeString("one of each kind"); }
   using Protocols = List<NSCoding>;
   using Members =
       List<Method<"encodeWithCoder:", &Scalars::encodeWithCoder>, Method<"initWithCoder:", &Scalars::initWithCoder>>;
@@ -104,9 +98,6 @@ std::vector<Sample> samplesBothWays() {
   for (int i = 0; i < 12; ++i) twelve->addObject(makeString(std::to_string(i)));
   UUID::Bytes id;
   for (std::size_t i = 0; i < id.size(); ++i) id[i] = static_cast<std::uint8_t>(0xF0 + i);
-  const auto scalars = make<Scalars>();
-  scalars->bytes = {std::byte{1}, std::byte{2}};
-  scalars->under = makeString("$");
   const auto page = URL::fromString("../d?e", *URL::fromString("https://havrin.example/a/b/c"));
   return {
       {"nothing", nullptr},
@@ -139,7 +130,7 @@ std::vector<Sample> samplesBothWays() {
       {"attributed_runs",
        attributed(std::string(300, 'x'), {{sized(9), 1}, {sized(10), 200}, {makeDictionary({}), 99}})},
       {"mutable_attributed", make<NSMutableAttributedString>(makeString("a"))},
-      {"scalars", scalars},
+      {"scalars", make<Scalars>()},
   };
 }
 
@@ -160,9 +151,6 @@ std::vector<Sample> samplesReadOnly() {
 void expectSame(NSObject* read, NSObject* wanted) {
   EXPECT_EQ(shapeOf(read), shapeOf(wanted));
   EXPECT_TRUE(read == wanted || (read && read->isEqual(wanted)));
-  if (const Scalars* const scalars = cast<Scalars>(read)) {
-    EXPECT_TRUE(scalars->isRight);
-  }
 }
 
 TEST(KeyedArchive, IsReadAsAnotherArchiverWritesIt) {
@@ -302,12 +290,6 @@ TEST(KeyedArchive, ReadsBackLargeAndRepetitiveObjects) {
   }
   Puppet::encode = nullptr;
   Puppet::initialise = nullptr;
-}
-
-TEST(KeyedArchive, FailsAsAWholeWhereAClassIsUnknown) {
-  for (const char* const name : {"unknown.bplist", "unknown.xml"}) {
-    EXPECT_TRUE(saysWhy(failureOf(fixture(name)), "object 3: unknown class \"Nobody\""));
-  }
 }
 
 }  // namespace

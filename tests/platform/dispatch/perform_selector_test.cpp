@@ -23,39 +23,29 @@ class Listener : public Object<Listener, NSObject> {
 
 using Heard = std::vector<std::string>;
 
-TEST(PerformSelector, SendsLaterWithTheArgumentItWasGiven) {
-  TestClock clock;
-  const auto listener = make<Listener>();
-  performSelectorAfterDelay(*listener, selector<"say:">, makeString("two"), 2);
-  performSelectorAfterDelay(*listener, selector<"ring">, makeString("unused"), 1);
-  performSelectorAfterDelay(*listener, selector<"say:">, nullptr, 0);
-  EXPECT_TRUE(listener->heard.empty());
-  clock.advance(2);
-  EXPECT_EQ(listener->heard, (Heard{"nothing", "ring", "two"}));
-  EXPECT_THROW(performSelectorAfterDelay(*listener, selector<"a:b:">, nullptr, 0), NSException);
-  EXPECT_THROW(performSelectorAfterDelay(*listener, Selector(), nullptr, 0), NSException);
-}
-
-TEST(PerformSelector, CancelsByEqualArguments) {
+TEST(PerformSelector, SendsLaterWithItsArgumentUnlessItIsCancelled) {
   TestClock clock;
   const auto listener = make<Listener>();
   const auto word = makeString("word");
+  performSelectorAfterDelay(*listener, selector<"say:">, makeString("two"), 2);
+  performSelectorAfterDelay(*listener, selector<"ring">, makeString("unused"), 1);
+  performSelectorAfterDelay(*listener, selector<"say:">, nullptr, 0);
   performSelectorAfterDelay(*listener, selector<"say:">, word, 1);
-  performSelectorAfterDelay(*listener, selector<"say:">, nullptr, 1);
   cancelPreviousPerformRequests(*listener, selector<"say:">, makeString("other"));
   cancelPreviousPerformRequests(*listener, selector<"say:">, makeString("word"));
-  clock.advance(1);
-  EXPECT_EQ(listener->heard, Heard{"nothing"}) << "null equals null only";
+  EXPECT_TRUE(listener->heard.empty());
+  clock.advance(2);
+  EXPECT_EQ(listener->heard, (Heard{"nothing", "ring", "two"})) << "equal arguments are cancelled";
+  EXPECT_THROW(performSelectorAfterDelay(*listener, selector<"a:b:">, nullptr, 0), NSException);
+  EXPECT_THROW(performSelectorAfterDelay(*listener, Selector(), nullptr, 0), NSException);
 
-  Weak<Listener> gone;
-  {
-    const auto another = make<Listener>();
-    gone = another;
-    performSelectorAfterDelay(*another, selector<"say:">, word, 1);
-    performSelectorAfterDelay(*another, selector<"ring">, nullptr, 1);
-    cancelPreviousPerformRequests(*another);
-  }
-  EXPECT_FALSE(gone.lock()) << "let go of at once";
+  auto another = make<Listener>();
+  const Weak<Listener> weak = another;
+  performSelectorAfterDelay(*another, selector<"say:">, word, 1);
+  performSelectorAfterDelay(*another, selector<"ring">, nullptr, 1);
+  cancelPreviousPerformRequests(*another);
+  another = nullptr;
+  EXPECT_FALSE(weak.lock()) << "released at once";
 }
 
 TEST(PerformSelector, SendsOnAnotherThread) {
@@ -84,7 +74,7 @@ TEST(PerformSelector, SendsOnAnotherThread) {
   }
 }
 
-TEST(PerformSelector, AWaitEndsWithTheThreadItWaitsFor) {
+TEST(PerformSelector, EndsAWaitWithTheThreadItWaitsFor) {
   const auto listener = make<Listener>();
   std::promise<Strong<NSThread>> started;
   std::promise<void> mayEnd;
@@ -101,7 +91,7 @@ TEST(PerformSelector, AWaitEndsWithTheThreadItWaitsFor) {
   EXPECT_TRUE(listener->heard.empty());
 }
 
-TEST(PerformSelector, SendsAtOnceOnItsOwnThreadWhenItIsToWait) {
+TEST(PerformSelector, SendsAtOnceWhenItWaitsForItsOwnThread) {
   TestClock clock;
   const auto listener = make<Listener>();
   performSelectorOnThread(*listener, selector<"ring">, *NSThread::currentThread(), nullptr, true);

@@ -25,7 +25,7 @@ void finish(const DispatchQueue& queue) {
   dispatch_sync(queue, [] {});
 }
 
-TEST(Queue, ASerialQueueRunsOneAtATimeInOrderWhoeverQueuesAndHowever) {
+TEST(Queue, ASerialQueueRunsOneAtATimeInOrder) {
   const DispatchQueue queue = dispatch_queue_create("line", DISPATCH_QUEUE_SERIAL);
   EXPECT_EQ(queue.label(), "line");
   std::vector<std::pair<std::size_t, int>> order;  // no lock: the queue is the guard
@@ -43,7 +43,7 @@ TEST(Queue, ASerialQueueRunsOneAtATimeInOrderWhoeverQueuesAndHowever) {
   EXPECT_EQ(order, expected) << "each thread's own in its order";
 }
 
-TEST(Queue, AConcurrentQueueRunsManyThoughEachWaitsForTheOthers) {
+TEST(Queue, AConcurrentQueueRunsBlockedClosuresTogether) {
   constexpr int kTogether = 6;  // more than there are processors: threads that are blocked do not count
   for (const DispatchQueue& queue :
        {dispatch_get_global_queue(), dispatch_queue_create("side by side", DISPATCH_QUEUE_CONCURRENT)}) {
@@ -74,7 +74,7 @@ TEST(Queue, QueuesThatTargetOneSerialQueueExcludeEachOther) {
   EXPECT_EQ(count, 3 * 500 + 10);
 }
 
-TEST(Queue, SpecificsAreThoseOfTheCurrentQueueAndThenOfItsTargets) {
+TEST(Queue, SpecificsAreLookedUpFromTheCurrentQueueToItsTargets) {
   const DispatchQueue target = dispatch_queue_create("target", DISPATCH_QUEUE_SERIAL);
   const DispatchQueue queue = dispatch_queue_create("queue", DISPATCH_QUEUE_SERIAL, target);
   const DispatchQueue stranger = dispatch_queue_create("stranger", DISPATCH_QUEUE_SERIAL);
@@ -101,7 +101,7 @@ TEST(Queue, SpecificsAreThoseOfTheCurrentQueueAndThenOfItsTargets) {
   EXPECT_EQ(seenOn(stranger), &valueA) << "through two targets";
 }
 
-TEST(Queue, SpecificsThatGoAreDestroyedLaterOnTheGlobalQueue) {
+TEST(Queue, ReplacedSpecificsAreDestroyedOnTheGlobalQueue) {
   static std::atomic<int> destroyed;
   destroyed = 0;
   dispatch_queue_set_specific(dispatch_get_global_queue(), &secondKey, &valueB, nullptr);
@@ -237,8 +237,6 @@ TEST(QueueDeathTest, StopsTheProcessWithOneLine) {
          finish(line);
        },
        "already runs on the queue line\n"},
-      {"the main thread onto the main queue", [&] { dispatch_sync(main, nothing); },
-       "already runs on the queue main\n"},
       {"the main thread onto a queue through main", [&] { dispatch_sync(throughMain, nothing); },
        "already runs on the queue main\n"},
       {"an exception on the main queue",

@@ -19,32 +19,32 @@ Strong<NSObject> nested(NSObject* innermost, const std::function<Strong<NSObject
 }
 
 TEST(CollectionNesting, ComparesHashesAndDescribesInBoundedStack) {
-  const auto one = makeNumber(1);
+  const auto one = makeNumber(1), x = makeNumber(2);
+  const auto empty = makeArray({});
+  const auto entry = [](NSObject* key, NSObject* value) {
+    const auto dictionary = make<NSMutableDictionary>();
+    dictionary->setObject(value, key);
+    return dictionary->copy();
+  };
   const struct {
     const char* why;
     std::function<Strong<NSObject>(NSObject*)> wrap;
   } rows[] = {
       {"arrays", [](NSObject* inner) { return makeArray({inner}); }},
-      {"an array of two",
-       [](NSObject* inner) {
-         return makeArray({makeArray({}), inner, makeString("x")});
+      {"arrays of three",
+       [&](NSObject* inner) {
+         return makeArray({empty, inner, x});
        }},
       {"ordered sets", [](NSObject* inner) { return makeOrderedSet({inner}); }},
-      {"dictionaries",
-       [](NSObject* inner) {
-         return makeDictionary({{makeString("a"), inner}});
-       }},
-      {"keys",
-       [&one](NSObject* inner) {
-         return makeDictionary({{inner, one}, {makeString("a"), one}});
-       }},
+      {"dictionaries", [&](NSObject* inner) { return entry(x, inner); }},
+      {"keys", [&](NSObject* inner) { return entry(inner, one); }},
       {"sets",
-       [](NSObject* inner) {
-         return makeSet({makeString("x"), inner});
+       [&](NSObject* inner) {
+         return makeSet({x, inner});
        }},
       {"members of one hash",
-       [](NSObject* inner) {
-         return makeSet({makeArray({inner}), makeArray({makeArray({})})});
+       [&](NSObject* inner) {
+         return makeSet({makeArray({inner}), makeArray({empty})});
        }},
   };
   for (const auto& row : rows) {
