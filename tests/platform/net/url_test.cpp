@@ -107,20 +107,16 @@ TEST(Url, ResolvesUnusualBases) {
 
 TEST(Url, KeepsTheBaseInItsAbsoluteForm) {
   const URL root = *URL::fromString("http://h/a/");
-  const URL middle = *URL::fromString("b/", root);
-  const URL leaf = *URL::fromString("c", middle);
+  const URL leaf = *URL::fromString("c", *URL::fromString("b/", root));
   EXPECT_EQ(leaf.baseURL(), URL::fromString("http://h/a/b/"));
-  EXPECT_EQ(leaf.absoluteString(), "http://h/a/b/c");
+  EXPECT_EQ(leaf, *URL::fromString("c", *URL::fromString("http://h/a/b/")));
+  for (const URL& other : {*URL::fromString("c", root), *URL::fromString("c"), leaf.absoluteURL()})
+    EXPECT_NE(leaf, other);
   EXPECT_EQ(URL::fromString("x://y", root)->baseURL(), std::nullopt);
   EXPECT_EQ(URL::fromString("a b", root), std::nullopt);
-
-  EXPECT_EQ(leaf, *URL::fromString("c", *URL::fromString("http://h/a/b/")));
-  EXPECT_NE(leaf, *URL::fromString("c", root));
-  EXPECT_NE(leaf, *URL::fromString("c"));
-  EXPECT_NE(leaf, leaf.absoluteURL());
-
-  EXPECT_EQ(URL::fromString("c", *URL::fromString("a/b"))->absoluteString(), "c") << "a base without a scheme";
-  EXPECT_EQ(URL::fromString("c", URL::fromUncheckedText("http://:x"))->absoluteString(), "c") << "a base without parts";
+  for (const char* base : {"a/b", "http://:x"}) {
+    EXPECT_EQ(URL::fromString("c", URL::fromUncheckedText(base))->absoluteString(), "c") << "no scheme, or no parts";
+  }
 }
 
 }  // namespace
