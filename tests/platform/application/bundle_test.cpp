@@ -39,7 +39,7 @@ TEST(Bundle, IsOneForEachFolder) {
   EXPECT_EQ(NSBundle::bundleWithPath(""), nullptr);
 }
 
-TEST(Bundle, OfTheProgramIsTheMainOne) {
+TEST(Bundle, IsTheMainOneForTheFolderOfTheProgram) {
   const auto main = NSBundle::mainBundle();
   const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
   EXPECT_EQ(utf8(*main->bundlePath()), folder);
@@ -54,7 +54,7 @@ TEST(Bundle, OfTheProgramIsTheMainOne) {
   EXPECT_EQ(NSBundle::mainBundle(), main);
 }
 
-TEST(Bundle, SaysWhatItsInformationSays) {
+TEST(Bundle, ConvertsEachKindOfInformation) {
   const auto a = makeString("a");
   const struct {
     const char* key;
@@ -82,12 +82,12 @@ TEST(Bundle, SaysWhatItsInformationSays) {
   EXPECT_EQ(valueIn(folder, "uid"), nullptr) << "means something in archives alone";
   folder.write("Info.plist", "<plist><dict><key>a</key><string>b</string></dict></plist>");
   EXPECT_TRUE(makeString("b")->isEqual(valueIn(folder, "a")));
-  EXPECT_EQ(valueIn(folder, "A"), nullptr) << "keys are taken to the letter";
+  EXPECT_EQ(valueIn(folder, "A"), nullptr) << "keys are compared with their case";
   EXPECT_EQ(make<NSBundle>(folder.path().string())->objectForInfoDictionaryKey(nullptr), nullptr);
   EXPECT_EQ(make<NSBundle>()->objectForInfoDictionaryKey(a), nullptr);
 }
 
-TEST(Bundle, SaysNothingWhereItsInformationIsBad) {
+TEST(Bundle, HasNoInformationWhereItsFileIsBad) {
   const TemporaryFolder folder;
   EXPECT_EQ(valueIn(folder, "a"), nullptr) << "no file";
   const auto good = binaryPropertyList(List(List::Dictionary({{"a", List("b")}})));
@@ -111,7 +111,7 @@ TEST(Bundle, SaysNothingWhereItsInformationIsBad) {
   EXPECT_EQ(valueIn(folder, "a"), nullptr) << "a pipe";
 }
 
-TEST(Bundle, ReadsItsInformationOnceWhoeverAsks) {
+TEST(Bundle, ReadsItsInformationOnceForAllThreads) {
   const TemporaryFolder folder;
   folder.write("Info.plist", "<plist><dict><key>a</key><string>old</string></dict></plist>");
   const auto bundle = make<NSBundle>(folder.path().string());

@@ -40,7 +40,7 @@ class Node : public Object<Node, NSObject> {
 };
 inline const ArchivedClass<Node> kArchivedNode("Node");
 
-/// Does what it is told while it is made, to its value under "inside": promises NSCoding alone.
+/// Calls the hooks below while it is read and written; without them, it encodes `inside`. Adopts NSCoding alone.
 class Puppet : public Object<Puppet, NSObject> {
  public:
   static inline std::function<Strong<NSObject>(Puppet&, NSCoder&)> initialise;
@@ -85,7 +85,7 @@ inline std::string classRecord(std::string_view name) {
   return "<dict>" + key("$classname", "<string>" + std::string(name) + "</string>") + "</dict>";
 }
 
-/// An XML archive of objects 1, 2, ..., and what stands in its top: mostly object 1 at the root.
+/// An XML archive of objects 1, 2, ..., and its top: mostly object 1 at the root.
 inline Strong<NSData> xmlArchive(const std::vector<std::string>& objects,
                                  const std::string& top = key("root", uid(1))) {
   std::string text = "<plist><dict>" + key("$archiver", "<string>NSKeyedArchiver</string>") +
@@ -104,7 +104,7 @@ inline Strong<NSKeyedUnarchiver> unarchiverOf(NSData* data) {
 
 inline std::string textOf(NSError* error) { return error ? utf8(*error->description()) : "none"; }
 
-/// The classes of an object and of its parts, with what they hold: tells what equality does not.
+/// The classes of an object and of its parts, with their values: distinguishes what equality does not.
 inline std::string shapeOf(NSObject* shaped) {
   if (!shaped) return "null";
   std::string text(classOf(*shaped).name());

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Archives that are small and stand for much, or nest, or crowd together: each is made for one bound of their reader.
+// Small archives that expand, nest or collide: each is made for one bound of their reader.
 #pragma once
 
 #include "archive_samples.h"
@@ -100,7 +100,7 @@ inline Strong<NSData> alike(std::size_t count, std::string_view cls,
   return holding(forger, "NSArray", count, [&](std::size_t) { return forger.instance(holders, values); });
 }
 
-// Arrays that share their parts: each level stands for twice the one below.
+// Arrays that share their parts: each level expands to twice the one below.
 inline Strong<NSData> laughs() {
   Forger forger;
   const auto arrays = forger.classNamed("NSArray");

@@ -26,7 +26,7 @@ def ancestry(name):
 
 
 class Thing:
-    """One object: a plain value, or a class and its values, where Things stand for references."""
+    """One object: a plain value, or a class and its values, where Things are references."""
 
     def __init__(self, cls, plain=None, hints=None, **fields):
         self.cls, self.plain, self.hints, self.fields = cls, plain, hints, fields

@@ -164,7 +164,7 @@ TEST(KeyedArchive, IsReadAsAnotherArchiverWritesIt) {
   }
 }
 
-// What stands in the folder afterwards is looked at by keyed_archive_oracle.py.
+// keyed_archive_oracle.py reads the files afterwards.
 TEST(KeyedArchive, ReadsBackWhatItWrote) {
   for (const Sample& sample : samplesBothWays()) {
     SCOPED_TRACE(sample.name);

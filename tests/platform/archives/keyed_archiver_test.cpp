@@ -83,7 +83,7 @@ TEST(KeyedArchiver, WritesASubclassAsTheClassThatArchivesKnow) {
   NSKeyedUnarchiver::setClass(Class(), "Named");
 }
 
-TEST(KeyedArchiver, WritesMoreBehindAnArchiveWithoutRepeatingIt) {
+TEST(KeyedArchiver, ExtendsAnArchiveWithoutRepeatingObjects) {
   const auto archiver = make<NSKeyedArchiver>();
   archiver->encodeObject(letters("abc"), "root");
   const auto first = archiver->encodedData();

@@ -34,7 +34,7 @@ TEST(KeyedUnarchiver, ReturnsOnlyObjectsOfTheAllowedClasses) {
       {makeArray({text}), {arrays}, "object 1: class \"NSString\"", "another class in a collection"},
       {makeArray({makeSet({text})}), {arrays, strings}, "\"NSSet\" is not among", "a collection in another"},
       {makeDictionary({{text, makeNumber(1)}}), {classOf<NSDictionary>(), strings}, "\"NSNumber\"", "a value"},
-      {makeArray({text}), {arrays, strings}, "none", "what stands in it is named too"},
+      {makeArray({text}), {arrays, strings}, "none", "with the class of its element"},
       {puppet, {objects}, "class \"Puppet\" does not adopt NSSecureCoding", "no promise of secure coding"},
       {makeArray({puppet}), {objects}, "class \"Puppet\" does not adopt NSSecureCoding", "inside, too"},
       {node, {classOf<Node>()}, "none", "objects name the classes of their own values"},
@@ -98,7 +98,7 @@ TEST(KeyedUnarchiver, ReturnsNothingAfterTheFirstFailure) {
     const auto unarchiver = unarchiverOf(data);
     if (raises) unarchiver->setDecodingFailurePolicy(NSDecodingFailurePolicy::RaiseException);
     EXPECT_EQ(unarchiver->decodeIntegerForKey("seven"), 7);
-    EXPECT_EQ(unarchiver->decodeIntegerForKey("eight"), 0) << "what is not there is no failure";
+    EXPECT_EQ(unarchiver->decodeIntegerForKey("eight"), 0) << "a missing value is not a failure";
     EXPECT_FALSE(unarchiver->error());
     EXPECT_EQ(nameOf([&] { EXPECT_EQ(unarchiver->decodeIntegerForKey("half"), 0); }),
               raises ? NSInvalidUnarchiveOperationException : "none");

@@ -118,7 +118,7 @@ TEST(Decoding, ReportsWhatFailedAndWhere) {
       {errorOf<Stations>(with("identifier", "many")),
        "typeMismatch at [1].identifier: expected a 64-bit integer, found the string \"many\"", "text for a number"},
       {errorOf<Stations>(with("shares", Object{{"not a word", true}})),
-       "typeMismatch at [1].shares[\"not a word\"]: expected a number, found true", "a key that is no word"},
+       "typeMismatch at [1].shares[\"not a word\"]: expected a number, found true", "a key that is not a word"},
       {errorOf<Stations>(with("song", Object{{"title", "x"}, {"seconds", 1.5}})),
        "dataCorrupted at [1].song.seconds: expected a 32-bit integer, found the number 1.5", "in an optional"},
       {errorOf<std::vector<Level>>(Array{Object{{"percent", 101}}}), "dataCorrupted at [0]: more than everything",
@@ -253,11 +253,11 @@ TEST(UnkeyedContainer, AdvancesOnlyPastDecodedElements) {
   EXPECT_EQ(container.decodeIfPresent<int>(), std::nullopt);
 }
 
-struct Told {
-  static Decoded<Told> fromDecoder(Decoder& decoder) {
-    const auto& told = decoder.userInfo();
-    const auto unit = told.find("unit");
-    return Told{unit == told.end() ? "none" : std::any_cast<std::string>(unit->second),
+struct Seen {
+  static Decoded<Seen> fromDecoder(Decoder& decoder) {
+    const auto& info = decoder.userInfo();
+    const auto unit = info.find("unit");
+    return Seen{unit == info.end() ? "none" : std::any_cast<std::string>(unit->second),
                 decoder.codingPath().description()};
   }
   std::string unit;
@@ -268,10 +268,10 @@ TEST(Decoder, GivesTypesTheUserInfoAndThePath) {
   const Value value = Object{{"a", Array{1, 2}}};
   const UserInfo info = {{"unit", std::string("km")}};
   Decoder decoder = decoderOf(value, {}, info);
-  const auto told = decoder.singleValueContainer().decode<std::map<std::string, std::vector<Told>>>();
-  EXPECT_EQ(told.at("a")[1].unit, "km");
-  EXPECT_EQ(told.at("a")[1].path, "a[1]");
-  EXPECT_EQ(decoderOf(value).singleValueContainer().decode<Told>().unit, "none");
+  const auto seen = decoder.singleValueContainer().decode<std::map<std::string, std::vector<Seen>>>();
+  EXPECT_EQ(seen.at("a")[1].unit, "km");
+  EXPECT_EQ(seen.at("a")[1].path, "a[1]");
+  EXPECT_EQ(decoderOf(value).singleValueContainer().decode<Seen>().unit, "none");
 }
 
 TEST(DecodingError, IsReadByManyThreadsAndOutlivesThem) {

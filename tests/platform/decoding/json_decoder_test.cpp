@@ -123,7 +123,7 @@ TEST(JSONDecoder, ResolvesEscapes) {
       {R"("a\u0000b")", std::string("a\0b", 3), "NUL"},
       {R"("\\u0041\\")", "\\u0041\\", "an escaped backslash begins no escape"},
       {R"("é€😀")", "é€😀", "nothing to resolve"},
-      {"\"\x7F\"", "\x7F", "DEL may stand as it is"},
+      {"\"\x7F\"", "\x7F", "DEL needs no escape"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);

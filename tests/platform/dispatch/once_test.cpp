@@ -6,10 +6,10 @@ namespace {
 
 using namespace havrin;
 
-TEST(Once, CallsOneBlockAndLetsTheOthersWaitForIt) {
+TEST(Once, CallsOneBlockWhileTheOthersWait) {
   for (int round = 0; round < 100; ++round) {
     dispatch_once_t once;
-    int value = 0;  // no atomic: who returns has seen it written
+    int value = 0;  // not atomic: a caller that returns has seen it written
     onThreads(6, [&] {
       dispatch_once(&once, [&] {
         std::this_thread::yield();

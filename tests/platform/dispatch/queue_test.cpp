@@ -69,7 +69,7 @@ TEST(Queue, QueuesThatTargetOneSerialQueueExcludeEachOther) {
     for (const DispatchQueue& queue : queues) dispatch_async(queue, [&count] { ++count; });
     if (round % 50 == 0) dispatch_sync(queues[round / 50 % 3], [&count] { ++count; });
   }
-  // The concurrent queue has no order that `finish` could wait for; its turns stand in the target's.
+  // The concurrent queue has no order that `finish` could wait for; its turns are in the target's.
   for (const DispatchQueue& queue : queues) finish(queue);
   EXPECT_EQ(count, 3 * 500 + 10);
 }
@@ -96,7 +96,7 @@ TEST(Queue, SpecificsAreLookedUpFromTheCurrentQueueToItsTargets) {
   EXPECT_EQ(seenOn(queue), &valueB) << "the nearest";
   dispatch_queue_set_specific(queue, &firstKey, nullptr, nullptr);
   EXPECT_EQ(seenOn(queue), &valueA) << "taken away, so the target's again";
-  dispatch_sync(queue, [&] { EXPECT_EQ(seenOn(stranger), nullptr) << "a sync inside a sync is no target"; });
+  dispatch_sync(queue, [&] { EXPECT_EQ(seenOn(stranger), nullptr) << "a sync inside a sync is not a target"; });
   dispatch_set_target_queue(stranger, queue);
   EXPECT_EQ(seenOn(stranger), &valueA) << "through two targets";
 }
@@ -152,7 +152,7 @@ TEST(Queue, ASyncRunsOnTheCallingThreadAlsoWhenItHasToWait) {
   finish(queue);  // which is free again
 }
 
-TEST(Queue, ARetargetedQueueGoesOnThroughItsNewTarget) {
+TEST(Queue, ARetargetedQueueContinuesOnItsNewTarget) {
   const DispatchQueue marked = dispatch_queue_create("marked", DISPATCH_QUEUE_SERIAL);
   dispatch_queue_set_specific(marked, &firstKey, &valueA, nullptr);
   const DispatchQueue queue = dispatch_queue_create("queue", DISPATCH_QUEUE_SERIAL);

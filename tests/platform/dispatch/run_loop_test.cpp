@@ -107,7 +107,7 @@ TEST_F(RunLoopTest, ReturnsWhetherAnythingIsAttached) {
     EXPECT_EQ(take(), "delayed one batch");
     own.performAfter(100, note("not yet"));
     EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, now)) << "attached, and at its limit";
-    EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, kNotANumber)) << "no number is no time to wait";
+    EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, kNotANumber)) << "NaN is not a time to wait";
     EXPECT_EQ(take(), "");
   }).join();
 }
@@ -204,7 +204,7 @@ TEST(RunLoopThreads, ReleaseTheirPendingWorkWhenTheyEnd) {
   EXPECT_EQ(released, 3);
 }
 
-TEST_F(RunLoopTest, LetsAnExceptionThroughAndLeavesTheRestWaiting) {
+TEST_F(RunLoopTest, PassesAnExceptionOnAndKeepsTheRestWaiting) {
   loop.perform([] { throw std::runtime_error("posted"); });
   loop.perform(note("posted "));
   loop.performAfter(0, [] { throw std::runtime_error("delayed"); });
@@ -217,7 +217,7 @@ TEST_F(RunLoopTest, LetsAnExceptionThroughAndLeavesTheRestWaiting) {
   EXPECT_EQ(ran.size(), 15u) << ran;
 }
 
-TEST_F(RunLoopTest, HandlesSignalsOfASourceOnceForAllThatCameBefore) {
+TEST_F(RunLoopTest, HandlesPendingSignalsOfASourceOnce) {
   std::unique_ptr<RunLoopSource> source;
   source = std::make_unique<RunLoopSource>([&] {
     ran += "handled ";

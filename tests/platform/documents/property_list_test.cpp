@@ -77,9 +77,9 @@ TEST(PropertyList, ReadsXmlByItsRules) {
        "the first of two keys"},
       {xml("<dict><key>CF$UID</key><integer>3</integer></dict>"), List(List::UID{3}), "a UID"},
       {xml("<dict><key>CF$UID</key><integer>-3</integer></dict>"), samples::dictionary({{"CF$UID", List(-3)}}),
-       "no UID is negative"},
+       "a UID is not negative"},
       {xml("<dict><key>CF$UID</key><integer>3</integer><key>a</key><true/></dict>"),
-       samples::dictionary({{"CF$UID", List(3)}, {"a", List(true)}}), "a UID stands alone"},
+       samples::dictionary({{"CF$UID", List(3)}, {"a", List(true)}}), "a UID has no other key"},
       {"<array/>", List(List::Array()), "no element around it"},
       {"\xEF\xBB\xBF<array/>", List(List::Array()), "a byte order mark"},
       {"<?xml version='1.0' encoding='ISO-8859-1'?>\n<!DOCTYPE plist SYSTEM 'x'><!-- \xE9 "
@@ -166,7 +166,7 @@ TEST(PropertyList, SharesPartsAndWritesThemOnce) {
   const List taken = std::move(left);
   EXPECT_EQ(taken.array(), inner.array());
   EXPECT_EQ(binaryPropertyList(left), binaryPropertyList(List(false)));  // NOLINT(bugprone-use-after-move)
-  // 65536 times a thousand bytes are more than a thousand bytes may stand for.
+  // 65536 times a thousand bytes are more than a thousand bytes may expand to.
   EXPECT_EQ(samples::reasonOf(readPropertyList(bytes)), "shared objects expand beyond the size limit");
 }
 

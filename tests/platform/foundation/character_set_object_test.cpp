@@ -33,7 +33,7 @@ TEST(CharacterSetObject, IsEqualByMembership) {
   EXPECT_TRUE(changing->longCharacterIsMember(U'z'));
 }
 
-TEST(CharacterSetObject, StringsAreSearchedScalarByScalar) {
+TEST(CharacterSetObject, IsFoundInStringsScalarByScalar) {
   const auto thumb = makeCharacterSet(CharacterSet("👍"));
   const struct {
     std::u16string_view text;
@@ -42,7 +42,7 @@ TEST(CharacterSetObject, StringsAreSearchedScalarByScalar) {
     const char* why;
   } rows[] = {
       {u"123abc", makeCharacterSet(CharacterSet::letters()), {3, 1}, "in narrow text"},
-      {u"a👎b", thumb, {kNotFound, 0}, "half a pair is no match"},
+      {u"a👎b", thumb, {kNotFound, 0}, "half a pair is not a match"},
       {u"👍\xD83D", thumb->invertedSet(), {2, 1}, "a lone surrogate is U+FFFD"},
       {u"az", make<LateSet>(), {1, 1}, "a subclass's members"},
   };

@@ -50,8 +50,8 @@ TEST(Dictionary, FindsValuesByEqualKeys) {
       {s("kind"), value, "an equal string, not the same one"},
       {s("Kind"), nullptr, "letter case counts"},
       {makeNumber(3.0), kind, "numbers are equal by value"},
-      {s("3"), nullptr, "text is no number"},
-      {nullptr, nullptr, "null is no key"},
+      {s("3"), nullptr, "text is not a number"},
+      {nullptr, nullptr, "null is not a key"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
@@ -106,7 +106,7 @@ TEST(Dictionary, EnumeratesItsKeysAndThrowsAfterAChange) {
   std::int64_t next = 0;
   for (NSObject* key : each(dictionary)) EXPECT_EQ(cast<NSNumber>(key)->integerValue(), next++);
   EXPECT_EQ(next, 40);
-  for (NSObject* key : each(dictionary)) dictionary->setObject(key, key);  // a new value for a key is no change of keys
+  for (NSObject* key : each(dictionary)) dictionary->setObject(key, key);  // a new value does not change the keys
   EXPECT_EQ(nameOf([&] {
               for (NSObject* key : each(dictionary)) dictionary->removeObjectForKey(key);
             }),
@@ -172,7 +172,7 @@ TEST(Dictionary, IsFoundInASetWithoutComparingAllMembers) {
   }
 }
 
-TEST(Dictionary, WorksOverASubclassesPrimitives) {
+TEST(Dictionary, UsesThePrimitivesOfASubclass) {
   const auto digits = make<Digits>();
   EXPECT_EQ(text(digits), "{0 = 0; 1 = 1; 2 = 2}");
   const Strong<NSObject> copied = digits->mutableCopy();

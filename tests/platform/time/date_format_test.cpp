@@ -86,7 +86,7 @@ TEST(DateFormat, WritesDigitsAndLiterals) {
   EXPECT_EQ(format("ss.SSS", "C", "GMT").string(at(59.9999999)), "00.000");
 }
 
-TEST(DateFormat, WritesWhatIcuWouldByItsOwnSteps) {
+TEST(DateFormat, WritesByItsOwnStepsWhatIcuWrites) {
   std::mt19937_64 random(1123);
   const std::string letters = "yMLdEaHkKhmsSz";
   const char* locales[] = {"C", "en_GB", "de_DE", "ru_RU", "zh_CN", "vi_VN"};

@@ -51,7 +51,7 @@ TEST(Locale, IsTheFirstOfThreeVariables) {
   }
 }
 
-TEST(Locale, NamesEveryCalendarAsItReadsIt) {
+TEST(Locale, ReadsTheNamesThatItWrites) {
   for (int i = static_cast<int>(CalendarIdentifier::gregorian);
        i <= static_cast<int>(CalendarIdentifier::republicOfChina); ++i) {
     const CalendarIdentifier calendar{i};

@@ -10,7 +10,7 @@
 
 namespace havrin::testing {
 
-/// TZ and the locale variables as given, null meaning absent; as they were when it goes away.
+/// TZ and the locale variables as given, null meaning absent; restored when it is destroyed.
 class PinnedEnvironment {
  public:
   explicit PinnedEnvironment(const char* zone = nullptr, const char* language = nullptr) {

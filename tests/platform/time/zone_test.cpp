@@ -41,7 +41,7 @@ TEST(Zone, IsTheOneThatTzNames) {
       {"Foo/Bar", "GMT", 0, "no such zone"},
       {"asia/tokyo", "GMT", 0, "names have their case"},
       {"<+03>-3", "GMT", 0, "POSIX rules"},
-      {"tzdata.zi", "GMT", 0, "a file that is no zone file"},
+      {"tzdata.zi", "GMT", 0, "not a zone file"},
       {"right/Asia/Tokyo", "GMT", 0, "counts leap seconds"},
       {"../zoneinfo/Asia/Tokyo", "GMT", 0, "a step out of the folder"},
       {"/dev/zero", "GMT", 0, "a device"},
@@ -56,7 +56,7 @@ TEST(Zone, IsTheOneThatTzNames) {
     }
   }
   EXPECT_EQ(TimeZone::named("Asia/Atlantis"), std::nullopt);
-  EXPECT_EQ(TimeZone::named("/usr/share/zoneinfo/Asia/Tokyo"), std::nullopt) << "a path is no name";
+  EXPECT_EQ(TimeZone::named("/usr/share/zoneinfo/Asia/Tokyo"), std::nullopt) << "a path is not a name";
   EXPECT_EQ(TimeZone::named(std::string_view("Asia/Tokyo\0x", 12)), std::nullopt);
   EXPECT_EQ(TimeZone::named("Greenwich"), TimeZone::gmt());
 }
@@ -196,7 +196,7 @@ TEST_F(SystemZone, FollowsTheLinkOnceTheClockHasMoved) {
   EXPECT_EQ(TimeZone::current().name(), "Africa/Cairo") << "TZ comes first";
 }
 
-TEST_F(SystemZone, TakesTheRulesOfAFileThatIsNoLink) {
+TEST_F(SystemZone, TakesTheRulesOfAFileThatIsNotALink) {
   for (const char* name : {"Asia/Kolkata", "America/New_York"}) {
     SCOPED_TRACE(name);
     fs::remove(link());
@@ -221,7 +221,7 @@ TEST_F(SystemZone, IsGmtWhereThereAreNoZoneFiles) {
   EXPECT_EQ(TimeZone::current().name(), "Europe/Paris") << "zone files that were installed meanwhile";
 }
 
-TEST_F(SystemZone, RefusesFilesThatAreNoZoneFiles) {
+TEST_F(SystemZone, RefusesDamagedZoneFiles) {
   std::ifstream stream(kZones / "Europe/Paris", std::ios::binary);
   const std::string paris{std::istreambuf_iterator<char>(stream), {}};
   std::string huge = paris;
@@ -267,7 +267,7 @@ TEST_F(SystemZone, RefusesFilesThatAreNoZoneFiles) {
   EXPECT_EQ(TimeZone::current().secondsFromGmt(at(0)), 3600) << "and the file itself is one";
 }
 
-TEST_F(SystemZone, AnswersManyThreadsWhileTheLinkMoves) {
+TEST_F(SystemZone, MayBeReadByManyThreadsWhileTheLinkMoves) {
   relink(kZones / "Europe/Paris");
   resetSystemTimeZone();
   std::atomic<bool> done{false};

@@ -162,7 +162,7 @@ TEST(CharacterSet, SearchesStopAtEveryPositionOfEveryLength) {
   });
 }
 
-TEST(CharacterSet, EveryAsciiMemberIsToldFromEveryOther) {
+TEST(CharacterSet, SearchesDistinguishAllAsciiMembers) {
   withEveryBody([] {
     for (char32_t member = 0; member < 0x80; ++member) {
       CharacterSet set;

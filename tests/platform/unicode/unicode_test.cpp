@@ -157,7 +157,7 @@ TEST(Unicode, ReadsRandomBytesAndUnitsAsIcuDoes) {
 }
 
 TEST(Unicode, BreaksCharactersWhereIcuDoes) {
-  // One scalar of each kind that the rules tell apart, then all sequences of four of them.
+  // One scalar of each kind that the rules distinguish, then all sequences of four of them.
   constexpr char32_t kKinds[] = {'a',    '\r',   '\n',   0x200B, 0x0301, 0x200D,  0x0903,  0x0600,  0x1100,
                                  0x1161, 0x11A8, 0xAC00, 0xAC01, 0x00A9, 0x1F469, 0x1F3FD, 0x1F1E6, 0xFFFD};
   constexpr std::size_t kCount = std::size(kKinds);
