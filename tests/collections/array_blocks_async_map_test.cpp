@@ -76,8 +76,6 @@ TEST(AsyncMap, GivesTheSameArrayWhenAndWhereverItCompletes) {
          later.push_back([done, value = twice(element)] { done(value); });
        }},
       {"on other threads", elsewhere},
-      {"on another thread, while the transform waits for it",
-       [](NSObject* element, const AsyncCompletion& done) { std::thread([&] { done(twice(element)); }).join(); }},
       {"now and then at once",
        [&](NSNumber& number, const AsyncCompletion& done) {
          number.integerValue() % 3 == 0 ? elsewhere(&number, done) : done(twice(&number));
@@ -112,9 +110,6 @@ TEST(AsyncMap, StartsAtAnyIndexAndCallsTheResultAtOnceWhereNoElementIsLeft) {
   send<"asyncMapAux:block:currentResult:result:">(ab, 1, atOnce, letters("z"), result);
   EXPECT_EQ(got, "()(x)(y)(z, b)");
 }
-
-// What the frames of one step take, sanitizers included: far less than one frame for each element would.
-constexpr std::size_t kFewFrames = 16 * 1024;
 
 TEST(AsyncMap, UsesConstantStackAndCopiesALinearNumberOfSlots) {
   constexpr std::uint64_t kSize = 100'000;
@@ -175,9 +170,8 @@ TEST(AsyncMap, ContinuesForEachCallOfACompletionAsNestedCallsWould) {
 TEST(AsyncMap, KeepsASnapshotForEachCompletion) {
   std::vector<AsyncCompletion> completions;
   std::string got;
-  send<"asyncMap:result:">(
-      letters("ab"), [&](NSObject*, const AsyncCompletion& done) { completions.push_back(done); },
-      [&](NSArray* values) { got += text(values); });
+  const auto keep = [&](NSObject*, const AsyncCompletion& done) { completions.push_back(done); };
+  send<"asyncMap:result:">(letters("ab"), keep, [&](NSArray* values) { got += text(values); });
   ASSERT_EQ(completions.size(), 1U);
   completions[0](s("1"));
   completions[0](s("2"));

@@ -17,7 +17,7 @@ std::string dateLine(double secondsSince1970) {
   return utf8(*rfc1123<NSDateFormatter>()->stringFromDate(date));
 }
 
-TEST(SharedFormatter, IsOneObjectWhoeverAsksFirst) {
+TEST(SharedFormatter, IsOneObjectForAllThreads) {
   const PinnedEnvironment environment("Asia/Tokyo", "fa_IR");  // of no influence, whoever is first
   std::array<Strong<NSDateFormatter>, 8> found;
   onThreads(found.size(), [&](std::size_t i) {
@@ -27,12 +27,9 @@ TEST(SharedFormatter, IsOneObjectWhoeverAsksFirst) {
 }
 
 TEST(SharedFormatter, WritesAndReadsDateLinesAlikeOnEveryMachine) {
-  const struct {
-    const char *zone, *language;
-  } machines[] = {{"GMT", "en_US"}, {"America/New_York", "de_DE"}, {"Asia/Tokyo", "th_TH"}, {nullptr, "ar_SA"}};
-  for (const auto& machine : machines) {
-    SCOPED_TRACE(machine.language);
-    const PinnedEnvironment environment(machine.zone, machine.language);
+  for (const char* language : {"de_DE", "th_TH", "ar_SA"}) {
+    SCOPED_TRACE(language);
+    const PinnedEnvironment environment("America/New_York", language);
     EXPECT_EQ(dateLine(1709649000), "Tue, 05 Mar 2024 14:30:00 GMT");
     EXPECT_EQ(dateLine(-0.001), "Wed, 31 Dec 1969 23:59:59 GMT");
     const Strong<NSDate> read = rfc1123<NSDateFormatter>()->dateFromString(makeString("Tue, 05 Mar 2024 14:30:00 GMT"));
@@ -42,7 +39,7 @@ TEST(SharedFormatter, WritesAndReadsDateLinesAlikeOnEveryMachine) {
   EXPECT_EQ(utf8(*rfc1123<NSDateFormatter>()->dateFormat()), "EEE',' dd MMM yyyy HH':'mm':'ss z");
 }
 
-TEST(SharedFormatter, ShowsEverybodyWhatOneChanges) {
+TEST(SharedFormatter, IsChangedForAllThreads) {
   const Strong<NSString> former = rfc1123<NSDateFormatter>()->dateFormat();
   rfc1123<NSDateFormatter>()->setDateFormat(makeString("yyyy"));
   std::string elsewhere;

@@ -9,7 +9,7 @@
 namespace havrin {
 namespace {
 
-TEST(ZeroUuid, IsOneObjectWhoeverAsksFirst) {
+TEST(ZeroUuid, IsOneObjectForAllThreads) {
   std::array<Strong<NSUUID>, 8> found;
   onThreads(found.size(),
             [&](std::size_t i) { found[i] = i % 2 == 0 ? zero<NSUUID>() : send<"zero">(classOf<NSUUID>()); });
@@ -18,12 +18,8 @@ TEST(ZeroUuid, IsOneObjectWhoeverAsksFirst) {
 
 TEST(ZeroUuid, IsAllZeros) {
   EXPECT_EQ(zero<UUID>().uuidString(), "00000000-0000-0000-0000-000000000000");
-  EXPECT_EQ(zero<UUID>(), UUID::fromString("00000000-0000-0000-0000-000000000000"));
-  EXPECT_EQ(utf8(*zero<NSUUID>()->uuidString()), "00000000-0000-0000-0000-000000000000");
   EXPECT_EQ(zero<NSUUID>()->getUUIDBytes(), UUID::Bytes{});
-  const Strong<NSUUID> bridged = make<NSUUID>(zero<UUID>());
-  EXPECT_TRUE(bridged->isEqual(zero<NSUUID>()));
-  EXPECT_NE(bridged, zero<NSUUID>()) << "another object";
+  EXPECT_TRUE(make<NSUUID>(zero<UUID>())->isEqual(zero<NSUUID>()));
   class Named : public Object<Named, NSUUID> {};
   EXPECT_EQ(zero<Named>(), zero<NSUUID>()) << "as the message sent to a subclass";
 }

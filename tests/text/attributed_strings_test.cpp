@@ -44,17 +44,10 @@ TEST(AttributedStrings, TreatNullTextAndAttributesAsEmpty) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.why);
-    Strong<NSAttributedString> made[] = {
-        fromOptionalString<NSAttributedString>(row.text, row.attributes),
-        send<"initWithOptionalString:attributes:">(alloc<NSAttributedString>(), orNull(row.text), row.attributes),
-        row.attributes ? Strong<NSAttributedString>() : fromOptionalString<NSAttributedString>(row.text),
-        row.attributes ? Strong<NSAttributedString>()
-                       : send<"initWithOptionalString:">(alloc<NSAttributedString>(), orNull(row.text)),
-    };
+    std::vector<Strong<NSAttributedString>> made{fromOptionalString<NSAttributedString>(row.text, row.attributes)};
+    if (!row.attributes) made.push_back(fromOptionalString<NSAttributedString>(row.text));
     for (const auto& string : made) {
-      if (!string) continue;
       EXPECT_EQ(utf8(*string->description()), row.description);
-      EXPECT_EQ(utf8(*string->string()), row.text.value_or(""));
       EXPECT_EQ(entireRange(*string), (NSRange{0, row.length}));
       EXPECT_EQ(send<"entireRange">(string), (NSRange{0, row.length}));
     }
@@ -66,7 +59,7 @@ TEST(AttributedStrings, UseTheOverridesOfASubclass) {
   EXPECT_TRUE(isKind<Title>(fromOptionalString<Title>("a")));
   EXPECT_EQ(Title::plain, 1);
   EXPECT_EQ(Title::attributed, 1) << "the one initialiser calls the other";
-  const Strong<Title> sent = send<"initWithOptionalString:attributes:">(alloc<Title>(), nullptr, nullptr);
+  (void)send<"initWithOptionalString:attributes:">(alloc<Title>(), nullptr, nullptr);
   EXPECT_EQ(Title::attributed, 2);
   EXPECT_EQ(utf8(*fromOptionalString<Shouting>("a")->string()), "!") << "the typed form sends the message";
   EXPECT_EQ(send<"entireRange">(Strong<NSAttributedString>()), NSRange());
