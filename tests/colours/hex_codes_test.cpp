@@ -114,19 +114,13 @@ TEST(HexCodes, AreWrittenAsTheyWereRead) {
   }
 }
 
-class GivenBits : public RandomSource {
- public:
-  explicit GivenBits(std::uint64_t bits) : bits_(bits), before_(installRandomSource(this)) {}
-  ~GivenBits() override { installRandomSource(before_); }
+// Gives these bits; 0: fails.
+struct GivenBits : RandomSource {
+  explicit GivenBits(std::uint64_t bits) : given(bits) { installRandomSource(this); }
+  ~GivenBits() override { installRandomSource(nullptr); }
   std::uint32_t uniform(std::uint32_t) override { return 0; }
-  bool fill(std::uint64_t& bits) override {
-    bits = bits_;
-    return bits_ != 0;
-  }
-
- private:
-  std::uint64_t bits_;
-  RandomSource* before_;
+  bool fill(std::uint64_t& bits) override { return (bits = given) != 0; }
+  std::uint64_t given;
 };
 
 TEST(RandomColours, AreOpaqueWithTheLowBitsOfTheSecureSource) {

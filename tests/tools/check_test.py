@@ -12,7 +12,10 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 from checks import format, layers, licence, names, proportion, tree, words  # noqa: E402
 from checks.source_tree import SourceTree  # noqa: E402
 
+ALL = (words, tree, layers, names, proportion, format)
 HEADER = "// What it is.\n#pragma once\n"
+HEX = "HavrinFoundation/text/hex.h"
+OBJECT = "#include <HavrinFoundation/platform/object/object.h>\n"
 SOUND = {
     ".clang-format": "BasedOnStyle: Google\n",
     "HavrinFoundation/CMakeLists.txt": "HavrinFoundation.h image.h image.cpp",
@@ -38,7 +41,7 @@ SOUND = {
 # (check, what takes the place of a sound file or joins them, what the check says)
 PLANTED = [
     (words, {"docs/plan.md": "see ../" + "shared\n"}, "names a place outside the tree"),
-    (words, {"HavrinFoundation/text/hex.h": HEADER + "int hexString(int);  // TO" + "DO\n"}, "a note left for later"),
+    (words, {HEX: HEADER + "int hexString(int);  // TO" + "DO\n"}, "a note left for later"),
     (tree, {"HavrinFoundation/text/octal.h": HEADER}, "has no tests/text/octal_test.cpp"),
     (tree, {"HavrinFoundation/text/hex_utils.h": HEADER}, "a file is named after what it offers"),
     (tree, {"tests/text/CMakeLists.txt": ""}, "stands in no CMakeLists.txt"),
@@ -46,18 +49,16 @@ PLANTED = [
      "there is no facility of this name"),
     (tree, {"HavrinFoundation/HavrinFoundation.h": HEADER}, "does not include HavrinFoundation/text/hex.h"),
     (tree, {"HavrinFoundation/image.cpp": ""}, "kHex does not stand in image.cpp"),
-    (tree, {"HavrinFoundation/text/hex.h": "#pragma once\nint hexString(int);\n"}, "a header opens with what it is"),
-    (tree, {"HavrinFoundation/text/hex.h": HEADER + "using namespace std;\nint hexString(int);\n"}, "'using namespace'"),
-    (tree, {"HavrinFoundation/text/hex.h": HEADER + "#define HEX 1\nint hexString(int);\n"}, "the macros of the headers"),
-    (tree, {"HavrinFoundation/text/hex.h": HEADER + "namespace hex_detail {\nint hexString(int);\n}\n"}, "not hex_detail"),
+    (tree, {HEX: "#pragma once\nint hexString(int);\n"}, "a header opens with what it is"),
+    (tree, {HEX: HEADER + "using namespace std;\nint hexString(int);\n"}, "'using namespace'"),
+    (tree, {HEX: HEADER + "#define HEX 1\nint hexString(int);\n"}, "the macros of the headers"),
+    (tree, {HEX: HEADER + "namespace hex_detail {\nint hexString(int);\n}\n"}, "not hex_detail"),
     (tree, {"HavrinFoundation/text/hex.cpp": "int i;\n" * 401}, "401 lines"),
     (tree, {"tests/faults.txt": SOUND["tests/faults.txt"].replace("(int)", "(char)")}, "stands 0 times"),
-    (layers, {"HavrinFoundation/text/hex.h": HEADER + "#include <HavrinFoundation/text/hex_messages.h>\n"},
+    (layers, {HEX: HEADER + "#include <HavrinFoundation/text/hex_messages.h>\n"},
      "a typed header does not know its messages"),
-    (layers, {"HavrinFoundation/text/hex.h": HEADER + "#include <HavrinFoundation/platform/object/object.h>\n"},
-     "brings in the object runtime"),
-    (layers, {"HavrinFoundation/platform/time/date.h": HEADER + "#include <HavrinFoundation/platform/object/object.h>\n"},
-     "platform/time is below platform/object"),
+    (layers, {HEX: HEADER + OBJECT}, "brings in the object runtime"),
+    (layers, {"HavrinFoundation/platform/time/date.h": HEADER + OBJECT}, "platform/time is below platform/object"),
     (layers, {"HavrinFoundation/platform/object/object.h": HEADER + "#include <HavrinFoundation/text/hex.h>\n"},
      "the layer knows nothing of the rooms"),
     (layers, {"HavrinFoundation/links/link.h": HEADER + "#include <HavrinFoundation/text/hex.h>\n"},
@@ -101,7 +102,7 @@ def licence_lines():
                 wrong.append(f"licence changes {count} files, not {changed}")
         if pathlib.Path(folder, "tools/run").read_text() != f"#!/bin/sh\n# {licence.TAG}\nexit 0\n":
             wrong.append("licence does not keep the interpreter first")
-        wrong += [f"{check.__name__} with licence lines: {problem}" for check in (words, tree, layers, names, proportion, format)
+        wrong += [f"{check.__name__} with licence lines: {problem}" for check in ALL
                   for problem in check.check(SourceTree(folder))]
         pathlib.Path(folder, "HavrinFoundation/text/hex.h").write_text(HEADER)
         if len(licence.check(SourceTree(folder))) != 1:
@@ -111,7 +112,7 @@ def licence_lines():
 
 def main():
     wrong = licence_lines()
-    for check in (words, tree, layers, names, proportion, format):
+    for check in ALL:
         wrong += [f"{check.__name__} in the sound tree: {problem}" for problem in problems_of(check, SOUND)]
     for check, planted, says in PLANTED:
         problems = problems_of(check, SOUND | planted)
