@@ -127,10 +127,4 @@ TEST(Base36, ReadsBackWhatItWrites) {
   }
 }
 
-template <class T>
-concept Readable = requires(T text) {
-  base36ValueAsBase10(text);
-};
-static_assert(Readable<const char*> && Readable<std::string> && !Readable<std::nullptr_t>);
-
 }  // namespace

@@ -67,10 +67,4 @@ TEST(FriendlyNumber, WritesWhatPrintfWrites) {
   }
 }
 
-TEST(FriendlyNumber, TakesEveryIntegerThatFits) {
-  EXPECT_EQ(friendlyNumber(4'294'967'295U), "4295m");
-  EXPECT_EQ(friendlyNumber<NSString>(4'294'967'295U), "4295m");
-  EXPECT_EQ(friendlyNumber<NSString>(static_cast<short>(-1500)), "-1.5k");
-}
-
 }  // namespace

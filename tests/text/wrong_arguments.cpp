@@ -17,11 +17,12 @@ void use() {
   (void)fromHexString<UIColor>(std::nullopt);
   (void)repeating<NSString>("ab", 2U, {});
   (void)friendlyNumber<NSString>(7U);
+  (void)base36ValueAsBase10("Z");
   (void)UTMParameters{.source = "mail", .term = std::nullopt};
 #elif HAVRIN_CASE == 1
   (void)friendlyNumber(true);
 #elif HAVRIN_CASE == 2
-  (void)friendlyNumber<NSString>(1e30);
+  (void)base36ValueAsBase10(nullptr);
 #elif HAVRIN_CASE == 3
   (void)base36Value(~0ULL);
 #elif HAVRIN_CASE == 4
