@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
 
 #include <HavrinFoundation/platform/base/random.h>
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 
 namespace havrin {
 

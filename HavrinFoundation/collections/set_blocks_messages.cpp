@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/collections/set_blocks_messages.h>
 
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 
 namespace havrin {
 

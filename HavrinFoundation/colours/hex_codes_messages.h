@@ -3,8 +3,8 @@
 #pragma once
 
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/interface/ui_color.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 namespace havrin {
 inline namespace platform {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/dates/date_arithmetic_messages.h>
 
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 
 #include <string_view>
 

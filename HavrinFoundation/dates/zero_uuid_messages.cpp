@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/dates/zero_uuid_messages.h>
 
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 namespace havrin {
 

@@ -5,8 +5,8 @@
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
 #include <HavrinFoundation/platform/dispatch/thread.h>
 #include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/association.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 namespace havrin {
 

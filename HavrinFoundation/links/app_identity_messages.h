@@ -4,7 +4,7 @@
 
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/application/bundle.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdint>
 

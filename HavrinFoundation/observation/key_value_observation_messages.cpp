@@ -2,7 +2,7 @@
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 
 #include <HavrinFoundation/frame/main_queue.h>
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>

@@ -19,9 +19,9 @@
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/block.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 #include <cstdint>

@@ -15,9 +15,9 @@
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/platform/foundation/array.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/interface/responder.h>
 #include <HavrinFoundation/platform/object/message.h>
+#include <HavrinFoundation/platform/object/string.h>
 #include <HavrinFoundation/platform/observing/key_path.h>
 
 #include <cstdint>

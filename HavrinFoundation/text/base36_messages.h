@@ -11,7 +11,7 @@
 
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdint>
 #include <string>

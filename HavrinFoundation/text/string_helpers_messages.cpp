@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/text/string_helpers_messages.h>
 
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/text/string_helpers.h>
 
@@ -14,7 +14,7 @@ namespace havrin {
 NSRange entireRange(const NSString& string) { return {0, string.length()}; }
 
 bool containsAnyCharacters(const NSString& string, const CharacterSet& set) {
-  if (!string.isPlain()) return string.rangeOfCharacterFromSet(makeCharacterSet(set)).location != kNotFound;
+  if (!string.isPlain()) return string.rangeOfCharacterFromSet(set).location != kNotFound;
   if (string.isWide()) return set.firstMemberIn(string.wide()) != string.wide().size();
   return containsAnyCharacters(string.narrow(), set);
 }

@@ -9,8 +9,8 @@
 
 #include <HavrinFoundation/image.h>
 #include <HavrinFoundation/platform/foundation/character_set_object.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/foundation/value.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdint>
 

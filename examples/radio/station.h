@@ -3,9 +3,9 @@
 #pragma once
 
 #include <HavrinFoundation/platform/decoding/decoding.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/interface/ui_color.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdint>
 #include <string>

@@ -3,7 +3,7 @@
 // data. Says what went wrong, and ends with 1.
 #include <HavrinFoundation/HavrinFoundation.h>
 #include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdio>
 #include <string_view>

@@ -2,7 +2,7 @@
 #include "../testing.h"
 #include <HavrinFoundation/dates/shared_formatter.h>
 #include <HavrinFoundation/dates/shared_formatter_messages.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 #include <tests/platform/time/pinned_environment.h>
 
 #include <array>

@@ -2,7 +2,7 @@
 #include "../testing.h"
 #include <HavrinFoundation/dates/zero_uuid.h>
 #include <HavrinFoundation/dates/zero_uuid_messages.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <array>
 

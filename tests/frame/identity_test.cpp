@@ -3,7 +3,7 @@
 #include <HavrinFoundation/frame/identity.h>
 #include <HavrinFoundation/frame/not_localized.h>
 #include <HavrinFoundation/image.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 using namespace havrin;
 

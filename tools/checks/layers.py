@@ -19,11 +19,6 @@ VALUES = ("base", "unicode", "crypto", "graphics", "time", "net", "documents", "
 OBJECTS = ("object", "foundation", "observing", "dispatch", "archives", "application", "log", "interface")
 ORDER = {folder: height for height, folder in enumerate(VALUES + OBJECTS)}
 
-# What a folder's .cpp files may include besides: the arrow back is in no header.
-PLATFORM_SOURCES = {
-    "object": {"foundation"},  # an object describes itself by a string
-}
-
 # Facilities that build on another room's facility, or on another of their own room.
 FACILITY_LINKS = {
     ("frame/locked", "frame/unfair_lock"): "the box is guarded by the typed lock",
@@ -101,8 +96,6 @@ def platform_include(name, included):
         return "the layer knows nothing of the rooms"
     other = included.removeprefix(PLATFORM).split("/")[0]
     if folder is None or other in (folder, "export.h") or "/" not in included.removeprefix(PLATFORM):
-        return None
-    if name.endswith(".cpp") and other in PLATFORM_SOURCES.get(folder, set()):
         return None
     if folder not in ORDER or other not in ORDER:
         return f"platform/{folder if folder not in ORDER else other} has no place in the order of tools/checks/layers.py"

@@ -12,8 +12,8 @@
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstddef>
 #include <string>

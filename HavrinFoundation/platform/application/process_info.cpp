@@ -2,7 +2,7 @@
 #include <HavrinFoundation/platform/application/process_info.h>
 
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdlib>
 #include <fstream>

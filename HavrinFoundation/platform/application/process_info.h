@@ -9,8 +9,8 @@
 
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <optional>
 #include <string>

@@ -2,9 +2,9 @@
 #include <HavrinFoundation/platform/archives/archive_reader.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
+#include <HavrinFoundation/platform/object/coding_protocols.h>
 
 #include <utility>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/archives/archive_reader.h>
 
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/coding_protocols.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <utility>
 

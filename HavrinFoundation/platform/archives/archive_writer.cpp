@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/archives/archive_writer.h>
 
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/object/coding_protocols.h>
 
 #include <algorithm>
 #include <utility>

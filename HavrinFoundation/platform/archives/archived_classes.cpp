@@ -3,8 +3,8 @@
 
 #include <HavrinFoundation/platform/archives/keyed_unarchiver.h>
 #include <HavrinFoundation/platform/base/shared_lock.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/set.h>
+#include <HavrinFoundation/platform/object/coding_protocols.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <map>

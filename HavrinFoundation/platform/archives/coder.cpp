@@ -3,8 +3,8 @@
 
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cmath>
 #include <string>

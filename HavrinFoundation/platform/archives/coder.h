@@ -28,8 +28,8 @@
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/error.h>
+#include <HavrinFoundation/platform/object/coding_protocols.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 #include <cstddef>

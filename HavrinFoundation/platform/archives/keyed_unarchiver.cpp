@@ -5,8 +5,8 @@
 #include <HavrinFoundation/platform/archives/archived_keys.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <utility>
 

@@ -6,7 +6,7 @@
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <unordered_map>
 

@@ -2,11 +2,11 @@
 #include <HavrinFoundation/platform/foundation/array.h>
 
 #include <HavrinFoundation/platform/foundation/array_buffer.h>
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/collection_hash.h>
 #include <HavrinFoundation/platform/foundation/collection_nesting.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <algorithm>
 #include <limits>

@@ -22,9 +22,9 @@
 
 #include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 #include <HavrinFoundation/platform/foundation/index_set.h>
+#include <HavrinFoundation/platform/object/coding_protocols.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 #include <concepts>

@@ -13,10 +13,10 @@
 
 #include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/coding_protocols.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdint>
 #include <span>

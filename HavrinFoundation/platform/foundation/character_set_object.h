@@ -3,7 +3,7 @@
 //
 //   Strong<NSCharacterSet> vowels = makeCharacterSet(CharacterSet("aeiou"));
 //   vowels->characterSet().contains(U'e')                  true: the value, with which all is asked and searched
-//   makeString("xyze")->rangeOfCharacterFromSet(vowels)    {3, 1}
+//   makeString("xyze")->rangeOfCharacterFromSet(vowels->characterSet())    {3, 1}
 //   vowels->isEqual(makeCharacterSet(CharacterSet("uoiea")))   true: by membership
 //
 // The value and the object convert into each other without copying members. A subclass that overrides `characterSet`

@@ -12,9 +12,9 @@
 
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
-#include <HavrinFoundation/platform/foundation/lazy_string.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/lazy_string.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdint>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/index_set.h>
 
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <algorithm>
 #include <string>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
+#include <HavrinFoundation/platform/object/string.h>
 #include <HavrinFoundation/platform/time/date_format.h>
 
 namespace havrin {

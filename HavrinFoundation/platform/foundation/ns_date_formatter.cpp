@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/ns_date_formatter.h>
 
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <optional>
 #include <utility>

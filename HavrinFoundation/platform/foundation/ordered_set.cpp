@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <string>
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/set.h>
 
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
 #include <HavrinFoundation/platform/foundation/collection_hash.h>
 #include <HavrinFoundation/platform/foundation/collection_nesting.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <string>
 #include <utility>

@@ -2,7 +2,7 @@
 #include <HavrinFoundation/platform/interface/ui_color.h>
 
 #include <HavrinFoundation/platform/foundation/number.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <bit>
 #include <cmath>

@@ -2,11 +2,11 @@
 #include <HavrinFoundation/platform/object/class.h>
 
 #include <HavrinFoundation/platform/base/shared_lock.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/object/runtime_internal.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <algorithm>
 #include <cstdio>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/object/object.h>
 
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/class.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/object/observed.h>
 #include <HavrinFoundation/platform/object/runtime_internal.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,8 +2,8 @@
 #include <HavrinFoundation/platform/object/selector.h>
 
 #include <HavrinFoundation/platform/base/shared_lock.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/class.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <memory>
 #include <string>

@@ -2,8 +2,8 @@
 // What observing asks a class about a key.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/class.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <memory>
 #include <vector>

@@ -10,7 +10,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/base/text.h>
-#include <HavrinFoundation/platform/foundation/lazy_string.h>
+#include <HavrinFoundation/platform/object/lazy_string.h>
 #include <HavrinFoundation/platform/object/message.h>
 
 namespace havrin {

@@ -2,8 +2,8 @@
 // What a class has for a key: the rows that key-value coding and observing go through.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/class.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdint>
 #include <string>

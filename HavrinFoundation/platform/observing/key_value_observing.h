@@ -49,8 +49,8 @@
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/foundation/index_set.h>
-#include <HavrinFoundation/platform/foundation/lazy_string.h>
 #include <HavrinFoundation/platform/foundation/set.h>
+#include <HavrinFoundation/platform/object/lazy_string.h>
 #include <HavrinFoundation/platform/object/message.h>
 #include <HavrinFoundation/platform/observing/key_path.h>
 

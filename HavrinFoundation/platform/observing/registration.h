@@ -3,8 +3,8 @@
 #pragma once
 
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 #include <HavrinFoundation/platform/observing/key_facts.h>
 
 #include <atomic>

@@ -14,7 +14,7 @@
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <cstddef>
 #include <cstdint>

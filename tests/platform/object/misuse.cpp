@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What must not compile: one mistake a case, and none in case 0.
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 #include <string>
 

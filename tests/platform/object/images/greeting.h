@@ -3,8 +3,8 @@
 // copy of this header.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/members.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 template <>
 struct havrin::Message<havrin::NSObject, "img_greet:"> : Signature<Strong<NSString>(NSString*)> {};

@@ -3,8 +3,8 @@
 // the linker keeps it.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 extern const havrin::Image kPlayerImage;
 namespace {

@@ -17,7 +17,7 @@
 
 #include <HavrinFoundation/platform/base/range.h>
 #include <HavrinFoundation/platform/export.h>
-#include <HavrinFoundation/platform/foundation/coding_protocols.h>
+#include <HavrinFoundation/platform/object/coding_protocols.h>
 #include <HavrinFoundation/platform/object/members.h>
 
 #include <cstdint>
@@ -30,7 +30,7 @@ namespace havrin {
 inline namespace platform {
 
 class ConstantString;
-class NSCharacterSet;
+class CharacterSet;
 
 class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
  public:
@@ -58,7 +58,7 @@ class HAVRIN_EXPORT NSString : public Object<NSString, NSObject> {
 
   /// The first character that is in `set`, two units long outside the first plane; {kNotFound, 0} when there is none.
   /// A lone surrogate counts as U+FFFD. Throws: NSException (InvalidArgument) for a null set.
-  [[nodiscard]] virtual NSRange rangeOfCharacterFromSet(const NSCharacterSet* set) const;
+  [[nodiscard]] virtual NSRange rangeOfCharacterFromSet(const CharacterSet& set) const;
 
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] std::uint64_t hash() const override;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 
-#include <HavrinFoundation/platform/foundation/character_set_object.h>
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/unicode/character_set.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
 
 #include <cstdlib>
@@ -176,10 +176,8 @@ bool NSString::boolValue() const {
   return withUnits(*this, [](auto units) { return readBool(units); });
 }
 
-NSRange NSString::rangeOfCharacterFromSet(const NSCharacterSet* set) const {
-  if (!set) throwNullArgument(*this, "rangeOfCharacterFromSet:", "set");
-  const CharacterSet members = set->characterSet();
-  const auto range = withUnits(*this, [&members](auto units) { return rangeOfCharacter(units, members); });
+NSRange NSString::rangeOfCharacterFromSet(const CharacterSet& set) const {
+  const auto range = withUnits(*this, [&set](auto units) { return rangeOfCharacter(units, set); });
   return range ? NSRange{range->lowerBound, range->upperBound - range->lowerBound} : NSRange{kNotFound, 0};
 }
 

@@ -8,7 +8,7 @@ namespace havrin {
 inline namespace platform {
 
 /// Objects can be written to an archive and made again from it: the class answers `encodeWithCoder:` and
-/// `initWithCoder:` (coding/coder.h).
+/// `initWithCoder:` (archives/coder.h).
 struct NSCoding : Protocol<NSCoding> {};
 
 /// The same, and `initWithCoder:` takes nothing on trust: it names the class of every object that it decodes.

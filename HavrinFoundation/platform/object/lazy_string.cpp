@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <HavrinFoundation/platform/foundation/lazy_string.h>
+#include <HavrinFoundation/platform/object/lazy_string.h>
 
 namespace havrin {
 inline namespace platform {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <HavrinFoundation/platform/foundation/collection_errors.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 
 #include <HavrinFoundation/platform/object/exception.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What collections throw, with receiver and selector in the reason. For the project's own sources.
+// What methods throw about their arguments, with receiver and selector in the reason. For the project's own sources.
 #pragma once
 
 #include <HavrinFoundation/platform/base/range.h>
