@@ -22,6 +22,8 @@ ORDER = {folder: height for height, folder in enumerate(VALUES + OBJECTS)}
 # Facilities that build on another room's facility, or on another of their own room.
 FACILITY_LINKS = {
     ("frame/locked", "frame/unfair_lock"): "the box is guarded by the typed lock",
+    ("frame/coroutines", "frame/main_queue"): "a coroutine goes on on the main queue",
+    ("frame/coroutines", "collections/array_blocks"): "a coroutine awaits the asynchronous map",
     ("frame/main_queue", "frame/main_queue_mark"): "asks for the mark, which the image sets",
     ("observation/key_value_observation", "frame/main_queue"): "a token delivers on the main queue",
     ("observation/responder_observations", "observation/key_value_observation"): "the registry creates and owns tokens",
@@ -40,6 +42,7 @@ IMAGE_USERS = {
 
 # Facilities whose typed form is about objects, so that their typed header brings in the object runtime.
 ABOUT_OBJECTS = {
+    "frame/coroutines": "arrays and run loops are what is awaited",
     "frame/test_flag": "the process information object is asked for its environment",
     "frame/main_queue": "a block is what is queued",
     "frame/not_localized": "the text is a string object",

@@ -2,6 +2,7 @@
 // Fast enumeration: how a collection hands out its objects in batches, and the loop over it.
 //
 //   for (NSObject* object : each(stations)) ...          NSException (Generic) when the collection is changed meanwhile
+//   for (Station* station : eachOf<Station>(stations)) ...    the same, and InvalidArgument at any other object
 //
 //   class Playlist : public Object<Playlist, NSObject>, public NSFastEnumeration {
 //     std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
@@ -137,6 +138,40 @@ template <std::derived_from<NSFastEnumeration> ClassType>
 template <std::derived_from<NSFastEnumeration> ClassType>
 [[nodiscard]] FastEnumeration each(const ClassType& collection) {
   return each(&collection);
+}
+
+/// One enumeration whose objects are of one class. Made by `eachOf`.
+template <class Element>
+class TypedEnumeration {
+ public:
+  class Iterator {
+   public:
+    explicit Iterator(FastEnumeration::Iterator place) : place_(place) {}
+    Element* operator*() const { return &checkedReference<Element>(*place_); }
+    Iterator& operator++() {
+      ++place_;
+      return *this;
+    }
+    bool operator!=(FastEnumeration::End end) const { return place_ != end; }
+
+   private:
+    FastEnumeration::Iterator place_;
+  };
+
+  template <class Collection>
+  explicit TypedEnumeration(const Collection& collection) : all_(each(collection)) {}
+  /// Starts the enumeration; once only.
+  [[nodiscard]] Iterator begin() { return Iterator(all_.begin()); }
+  [[nodiscard]] FastEnumeration::End end() const { return all_.end(); }
+
+ private:
+  FastEnumeration all_;
+};
+
+/// As `each`, with the class of the objects. Throws, besides: NSException (InvalidArgument) at an object of another class.
+template <std::derived_from<NSObject> Element, class Collection>
+[[nodiscard]] TypedEnumeration<Element> eachOf(const Collection& collection) {
+  return TypedEnumeration<Element>(collection);
 }
 
 }  // namespace platform

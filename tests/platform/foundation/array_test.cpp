@@ -256,6 +256,7 @@ TEST(MutableArray, MayBeChangedByAnObjectThatItReleases) {
 TEST(FastEnumeration, GoesThroughEveryObjectAndThrowsAfterAChange) {
   EXPECT_EQ(text(*make<Letters>(26U)), "abcdefghijklmnopqrstuvwxyz") << "in batches of sixteen";
   for (NSObject* object : each(Strong<NSArray>())) FAIL() << object;
+  EXPECT_THROW(for (NSString* text : eachOf<NSString>(makeArray({makeNumber(1)}))) FAIL() << text, NSException);
   const auto list = letters("ab");
   int steps = 0;
   EXPECT_EQ(nameOf([&] {
