@@ -119,7 +119,7 @@ TEST(JSONDecoder, ResolvesEscapes) {
   } rows[] = {
       {R"("\"\\\/\b\f\n\r\t")", "\"\\/\b\f\n\r\t", "one letter each"},
       {R"("\u0041\u00e9\u20AC")", "A\u00e9\u20ac", "one, two and three bytes, either case"},
-      {R"("\ud83d\ude00\uDBFF\uDFFF")", "\U0001F600\U0010FFFF", "surrogate pairs"},
+      {R"("\ud800\udc00\uDBFF\uDFFF")", "\U00010000\U0010FFFF", "the first and the last surrogate pair"},
       {R"("a\u0000b")", std::string("a\0b", 3), "NUL"},
       {R"("\\u0041\\")", "\\u0041\\", "an escaped backslash begins no escape"},
       {R"("é€😀")", "é€😀", "nothing to resolve"},

@@ -45,6 +45,7 @@ TEST(PropertyList, DistinguishesKinds) {
   EXPECT_FALSE(List(1) == List(1.0));
   EXPECT_FALSE(List(1) == List(true));
   EXPECT_FALSE(List("a") == List(bytesOf("a")));
+  EXPECT_FALSE(samples::dictionary({{"a", List(1)}}) == samples::dictionary({{"b", List(1)}}));
   EXPECT_TRUE(List(7U) == List(std::int64_t{7}));
   EXPECT_EQ(List(UINT64_MAX).integer(), std::nullopt);
   EXPECT_EQ(List(UINT64_MAX).unsignedInteger(), UINT64_MAX);
@@ -70,6 +71,9 @@ TEST(PropertyList, ReadsXmlByItsRules) {
       {xml("<integer> +7\n</integer>"), List(7), "blanks and a plus"},
       {xml("<integer>-0x10</integer>"), List(-16), "hexadecimal digits"},
       {xml("<real>-Infinity</real>"), List(-HUGE_VAL), "infinity"},
+      {xml("<real> +0.5\n</real>"), List(0.5), "blanks and a plus"},
+      {xml("<date> 2024-12-31T23:59:59Z\n</date>"), List(Date::fromTimeIntervalSince1970(1735689599)),
+       "the last second"},
       {xml("<string>a&lt;&#233;<!-- b --><![CDATA[<c>]]></string>"), List("a<\u00E9<c>"),
        "everything that writes text"},
       {xml("<data> YQ = = </data>"), List(bytesOf("a")), "blanks in base64"},

@@ -258,6 +258,10 @@ TEST_F(SystemZone, RefusesDamagedZoneFiles) {
     write(row.bytes);
     EXPECT_EQ(TimeZone::current(), TimeZone::gmt());
   }
+  for (const char* footer : {"", "CET-1", "CET-01:00:00", "CET-1CEST-2,M3.5.0/+2,M10.5.0/3"}) {
+    write(withFooter(footer));
+    EXPECT_NE(TimeZone::current(), TimeZone::gmt()) << footer;
+  }
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "") << "nothing is written but by the program itself";
   fs::remove(link());
   ASSERT_EQ(mkfifo(link().c_str(), 0600), 0);
