@@ -96,6 +96,7 @@ TEST(Url, ResolvesUnusualBases) {
       {"http://h", "../g", "http://h/g", "a base without a path"},
       {"s:a/b", "../c", "s:/c", "a path without a leading slash"},
       {"s:a", "./b", "s:b", "of one segment"},
+      {"s:a", "../b", "s:b", "from which nothing is above"},
       {"s:a", "..", "s:", "which goes"},
       {"s://h/a?q", "", "s://h/a?q", "the base itself"},
   };

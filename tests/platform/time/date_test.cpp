@@ -74,7 +74,8 @@ TEST(NSDate, ComparesAndDescribesInstants) {
   EXPECT_EQ(late->compare(noon), NSComparisonResult::NSOrderedSame);
   EXPECT_THROW((void)early->compare(nullptr), NSException);
   expectEquality(late, {noon, alloc<NSDate>()->initWithTimeIntervalSince1970(978350400)}, {early, make<NSObject>()});
-  expectEquality(make<NSDate>(Date() + kNan), {}, {make<NSDate>(Date() + kNan)});
+  const Strong<NSDate> never = make<NSDate>(Date() + kNan);
+  expectEquality(never, {never}, {make<NSDate>(Date() + kNan)});
   EXPECT_EQ(early->copy(), early);
   EXPECT_EQ(text(early), "2001-01-01 00:00:00 +0000");
   EXPECT_EQ(text(noon), "2001-01-01 12:00:00 +0000");
