@@ -12,7 +12,7 @@ using namespace havrin;
 
 struct Identity {
   std::string version, buildString;
-  std::int64_t build;
+  std::int64_t build = 0;
   std::string both, agent;
 };
 
@@ -30,8 +30,6 @@ Identity identityOf(const std::string& version, const std::string& buildString, 
   return {version, buildString, build, version + "." + buildString,
           "Havrin/Version " + version + "/Build " + buildString + "/iOS " + system};
 }
-
-const Identity kNone{"", "", 0, "", ""};
 
 std::string information(std::string_view version, std::string_view build) {
   return "<plist><dict><key>CFBundleShortVersionString</key>" + std::string(version) + "<key>CFBundleVersion</key>" +
@@ -81,7 +79,7 @@ TEST(AppIdentity, IsEmptyForABundleThatDoesNotEqualTheMainOne) {
   expectIdentity(*make<Disguised>(true), identityOf("CFBundleShortVersionString", "CFBundleVersion", 0));
   const auto stranger = make<Disguised>(false);
   const TestMainBundle main(stranger.get());
-  expectIdentity(*stranger, kNone);
+  expectIdentity(*stranger, {});
 }
 
 class Renamed : public Object<Renamed, NSBundle> {

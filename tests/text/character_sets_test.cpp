@@ -40,7 +40,7 @@ std::string validSubhavrinNameOnEachSurface() {
                                                    validSubhavrinName<NSCharacterSet>());
 }
 
-// Stands first: nothing has been read or written before it.
+// Runs first: nothing has been read or written before it.
 TEST(CharacterSets, FirstUseFromManyThreadsAndByAWriteBuildsOnce) {
   setValidSubhavrinName<CharacterSet>(CharacterSet("w"));  // a write before any read
   EXPECT_EQ(validSubhavrinNameOnEachSurface(), "w");
