@@ -34,18 +34,16 @@ TEST(TestFlag, ReadsTheVariableAsABoolean) {
   };
   const auto given = make<GivenProcess>();
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
     row.value ? setenv(kVariable, row.value->c_str(), 1) : unsetenv(kVariable);
-    EXPECT_EQ(send<"isExecutingTests">(NSProcessInfo::processInfo()), row.executing);
+    EXPECT_EQ(send<"isExecutingTests">(NSProcessInfo::processInfo()), row.executing) << row.why;
     given->variables = row.value ? makeDictionary({{s(kVariable), s(*row.value)}}) : makeDictionary({});
-    EXPECT_EQ(isExecutingTests(*given), row.executing);
+    EXPECT_EQ(isExecutingTests(*given), row.executing) << row.why;
   }
   unsetenv(kVariable);
 }
 
 TEST(ProcessInfo, GivesTheEnvironmentOfTheMoment) {
   const NSProcessInfo* process = NSProcessInfo::processInfo();
-  EXPECT_EQ(process, NSProcessInfo::processInfo());
   const std::pair<const char*, const char*> rows[] = {{"b=c", "b=c"}, {"", ""}, {"\xFF", "\xEF\xBF\xBD"}};
   for (const auto& [value, read] : rows) {
     setenv("HAVRIN_A", value, 1);
@@ -53,7 +51,7 @@ TEST(ProcessInfo, GivesTheEnvironmentOfTheMoment) {
   }
   unsetenv("HAVRIN_A");
   EXPECT_FALSE(process->environment()->objectForKey(s("HAVRIN_A")));
-  EXPECT_FALSE(process->environmentValue("HAVRIN"));
+  EXPECT_FALSE(process->environmentValue("HAVRIN")) << "the beginning of a name";
   EXPECT_GT(process->operatingSystemVersionString()->length(), 0U);
 }
 
