@@ -142,9 +142,6 @@ struct OwnMutableArray : Own<OwnMutableArray, NSMutableArray> {
 };
 struct OwnOrderedSet : Own<OwnOrderedSet, NSOrderedSet> {};
 struct OwnSet : Probed<OwnSet, NSMutableSet> {
-  Strong<NSSet> initWithSet(const NSSet* set) override { return dropping(NSMutableSet::initWithSet(set)); }
-  std::uint64_t count() const override { return dropping(items.size()); }
-  Strong<NSObject> member(const NSObject*) const override { return dropping(items.empty() ? nullptr : items[0]); }
   Strong<NSArray> allObjects() const override { return dropping(makeArray(items)); }
   void addObject(NSObject* object) override {
     Call::drop();
@@ -165,14 +162,6 @@ struct OwnCharacterSet : Probed<OwnCharacterSet, NSCharacterSet> {
 };
 struct OwnAttributedString : Probed<OwnAttributedString, NSAttributedString> {
   Strong<NSString> string() const override { return dropping(NSAttributedString::string()); }
-  Strong<NSAttributedString> initWithString(NSString* text) override {
-    Call::drop();
-    return NSAttributedString::initWithString(text);
-  }
-  Strong<NSAttributedString> initWithStringAttributes(NSString* text, NSDictionary* attributes) override {
-    Call::drop();
-    return NSAttributedString::initWithStringAttributes(text, attributes);
-  }
 };
 struct OwnDictionary : Probed<OwnDictionary, NSDictionary> {};
 struct OwnColour : Probed<OwnColour, UIColor> {
