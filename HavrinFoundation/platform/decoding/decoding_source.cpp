@@ -28,7 +28,10 @@ void DecodingSource::readElement(ArrayCursor& cursor, ScalarTarget& target) cons
 
 detail::ErrorHolder DecodingSource::readFields(ObjectCursor& cursor, std::span<const Field> fields,
                                                const void* container, ErrorDetail detail) const {
-  return detail::readFields(*this, cursor, fields, container, detail);
+  for (const Field& field : fields) {
+    if (auto failure = detail::readField(*this, cursor, field, container, detail)) return failure;
+  }
+  return {};
 }
 
 }  // namespace platform

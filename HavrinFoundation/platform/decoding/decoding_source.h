@@ -97,27 +97,20 @@ class HAVRIN_EXPORT DecodingSource {
 
 namespace detail {
 
-// The body of the last one, with the `read` of the format in place.
+// The body of the last one for one field, with the `readKey` of the format in place.
 template <class Source>
-ErrorHolder readFields(const Source& source, DecodingSource::ObjectCursor& cursor,
-                       std::span<const DecodingSource::Field> fields, const void* container, ErrorDetail detail) {
-  for (const DecodingSource::Field& field : fields) {
-    if (field.read != nullptr) {
-      if (ErrorHolder failure = field.read(container, field.key, field.member)) return failure;
-      continue;
-    }
-    ScalarTarget target(field.type, field.member, detail);
-    try {
-      if (!source.readKey(cursor, field.key, target)) return DecodingError::keyNotFound(field.key).holder();
-    } catch (...) {
-      target.fail(ErrorHolder::fromCurrentException());
-    }
-    if (target.failure()) [[unlikely]] {
-      target.failure().prepend(field.key);
-      return std::move(target.failure());
-    }
+ErrorHolder readField(const Source& source, DecodingSource::ObjectCursor& cursor, const DecodingSource::Field& field,
+                      const void* container, ErrorDetail detail) {
+  if (field.read != nullptr) return field.read(container, field.key, field.member);
+  ScalarTarget target(field.type, field.member, detail);
+  try {
+    if (!source.readKey(cursor, field.key, target)) return DecodingError::keyNotFound(field.key).holder();
+  } catch (...) {
+    target.fail(ErrorHolder::fromCurrentException());
   }
-  return {};
+  if (target.failure()) [[unlikely]]
+    target.failure().prepend(field.key);
+  return std::move(target.failure());
 }
 
 }  // namespace detail

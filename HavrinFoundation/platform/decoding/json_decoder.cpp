@@ -35,7 +35,9 @@ void readScalar(const JsonTokens& tokens, Token value, ScalarTarget& target) {
     case 'n':
       return target.putNull();
     default:
-      return target.putNumberText(tokens.textOf(value), tokens.bytesFrom(value));
+      if (!target.putShortNumber(tokens.beginOf(value), tokens.bytesFrom(value))) {
+        target.putNumberText(tokens.textOf(value), tokens.bytesFrom(value));
+      }
   }
 }
 
@@ -120,7 +122,11 @@ class JsonSource final : public DecodingSource {
 
   detail::ErrorHolder readFields(ObjectCursor& cursor, std::span<const Field> fields, const void* container,
                                  ErrorDetail detail) const override {
-    return detail::readFields(*this, cursor, fields, container, detail);
+    for (const Field& field : fields) {
+      if (readNext(cursor, field)) continue;
+      if (auto failure = detail::readField(*this, cursor, field, container, detail)) return failure;
+    }
+    return {};
   }
 
   std::optional<std::size_t> count(Value array) const override { return tokens_.countOf(token(array)); }
@@ -141,6 +147,32 @@ class JsonSource final : public DecodingSource {
 
   void move(ArrayCursor& cursor) const {
     cursor.at = tokens_.next(token(cursor.at), tokens_.endOf(token(cursor.array)));
+  }
+
+  // The common case of `readField`: the key is the next one, and its value is what it usually is.
+  // Result: false, with nothing changed but possibly the member, if it is not.
+  bool readNext(ObjectCursor& cursor, const Field& field) const {
+    auto& [passed, position] = cursor.state;
+    const std::uint64_t bit = maskBit(field.key);
+    if ((passed & bit) != 0 || field.read != nullptr) return false;
+    const Token end = tokens_.endOf(token(cursor.object));
+    const Token key = passed == 0 ? JsonTokens::firstIn(token(cursor.object)) : static_cast<Token>(position);
+    if (key == end || !tokens_.says(key, field.key)) return false;
+    const Token value = JsonTokens::valueOf(key);
+    ScalarTarget target(field.type, field.member, ErrorDetail::none);
+    if (field.type == ScalarTarget::Type::text) {
+      if (!tokens_.isPlainString(value)) return false;
+      target.putText(tokens_.insideOf(value));
+    } else if (field.type == ScalarTarget::Type::boolean) {
+      const char first = tokens_.kindOf(value);
+      if (first != 't' && first != 'f') return false;
+      target.putBoolean(first == 't');
+    } else if (tokens_.isContainer(value) || !target.putShortNumber(tokens_.beginOf(value), tokens_.bytesFrom(value))) {
+      return false;
+    }
+    passed |= bit;
+    position = (position & ~kPosition) | tokens_.next(value, end);
+    return true;
   }
 
   // Keys are mostly decoded in the order of the document, so the search continues where the last one ended. A mask with

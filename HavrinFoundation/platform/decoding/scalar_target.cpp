@@ -22,6 +22,12 @@ using detail::ErrorHolder;
 // Doubles represent every integer up to this limit; beyond it, a whole double may be the rounding of another number.
 constexpr double kExactLimit = 9007199254740992.0;  // 2^53
 
+constexpr std::uint64_t kTens[] = {1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
+
+// Powers of ten that are exact. If the digits are exact as a double too, one division rounds once (Clinger, 1990).
+constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                              1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
+
 // Reads decimal digits, eight at a time while eight bytes are readable.
 struct Digits {
   const char* at;
@@ -30,7 +36,6 @@ struct Digits {
   std::uint64_t value = 0;
 
   void take() {
-    static constexpr std::uint64_t kTens[] = {1, 10, 100, 1'000, 10'000, 100'000, 1'000'000, 10'000'000, 100'000'000};
     while (limit - at >= 8) {
       const std::uint64_t word = loadWord(at);
       const unsigned count = leadingDigits(word);
@@ -104,9 +109,8 @@ void ScalarTarget::putNull() {
   }
 }
 
-bool ScalarTarget::storeInteger(bool isNegative, std::uint64_t magnitude) {
+bool ScalarTarget::storeOtherInteger(bool isNegative, std::uint64_t magnitude) {
   const std::uint64_t value = isNegative ? 0 - magnitude : magnitude;
-  if (type_ == Type::int64 && std::in_range<std::int64_t>(magnitude)) return store(scalar_, value), true;  // most
   // Converted from the integer directly, so that it is rounded once.
   if (type_ == Type::float32) {
     const auto real = static_cast<float>(magnitude);
@@ -134,10 +138,7 @@ bool ScalarTarget::storeInteger(bool isNegative, std::uint64_t magnitude) {
   }
 }
 
-void ScalarTarget::putInteger(std::int64_t value) {
-  const auto bits = static_cast<std::uint64_t>(value);
-  if (!storeInteger(value < 0, value < 0 ? 0 - bits : bits)) refuseNumber(std::to_string(value));
-}
+void ScalarTarget::refuseInteger(std::int64_t value) { refuseNumber(std::to_string(value)); }
 
 void ScalarTarget::putInteger(std::uint64_t value) {
   if (!storeInteger(false, value)) refuseNumber(std::to_string(value));
@@ -163,11 +164,28 @@ void ScalarTarget::putReal(double value) {
   refuseNumber(std::string_view(text, static_cast<std::size_t>(end - text)));
 }
 
+// A full word of digits means that the number may go on.
+bool ScalarTarget::putShortNumber(const char* number, std::size_t readable) {
+  if (readable < kShortNumber) return false;
+  const bool isNegative = *number == '-';
+  if (isNegative) ++number;
+  const std::uint64_t whole = loadWord(number);
+  const unsigned wholeDigits = leadingDigits(whole);
+  if (wholeDigits == 0 || wholeDigits == sizeof whole) return false;
+  std::uint64_t digits = valueOfDigits(whole, wholeDigits);
+  const auto hasExponent = [](char behind) { return behind == 'e' || behind == 'E'; };
+  number += wholeDigits;
+  if (*number != '.') return !hasExponent(*number) && storeInteger(isNegative, digits);
+  const std::uint64_t fraction = loadWord(++number);
+  const unsigned fractionDigits = leadingDigits(fraction);
+  if (fractionDigits == sizeof fraction || hasExponent(number[fractionDigits]) || type_ == Type::float32) return false;
+  digits = digits * kTens[fractionDigits] + valueOfDigits(fraction, fractionDigits);
+  const double value = static_cast<double>(digits) / kPowers[fractionDigits];
+  return storeReal(isNegative ? -value : value);
+}
+
 void ScalarTarget::putNumberText(std::string_view text, std::size_t readable) {
   constexpr std::ptrdiff_t kSafeDigits = 19;  // never overflow 64 bits
-  // Fast path (Clinger, 1990): if digits and power of ten are exact as doubles, one division rounds once.
-  static constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
-                                       1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
   if (!isInteger() && !isReal()) return refuseNumber(text);
   const bool isNegative = text.front() == '-';
   const char* const begin = text.data();

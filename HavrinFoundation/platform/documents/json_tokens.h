@@ -46,12 +46,18 @@ class JsonTokens {
     const char* const begin = text_.data() + tokens_[scalar];
     return {begin, static_cast<std::size_t>(endBefore(scalar + 1) - begin)};
   }
+  [[nodiscard]] const char* beginOf(Token scalar) const { return text_.data() + tokens_[scalar]; }
   /// The number of bytes from the start of a scalar to the end of the document.
   [[nodiscard]] std::size_t bytesFrom(Token scalar) const { return text_.size() - tokens_[scalar]; }
   /// The text of a string between its quotes, with escapes unresolved.
   [[nodiscard]] std::string_view insideOf(Token string) const {
     const char* const begin = text_.data() + (tokens_[string] & kMask) + 1;
     return {begin, static_cast<std::size_t>(endBefore(string + 1) - 1 - begin)};
+  }
+  [[nodiscard]] bool isContainer(Token value) const { return (tokens_[value] & kContainer) != 0; }
+  /// Whether a value is a string without escapes.
+  [[nodiscard]] bool isPlainString(Token value) const {
+    return (tokens_[value] & (kContainer | kEscapes)) == 0 && text_.data()[tokens_[value]] == '"';
   }
   [[nodiscard]] bool hasEscapes(Token string) const { return (tokens_[string] & kEscapes) != 0; }
   /// The string's characters, escapes resolved.

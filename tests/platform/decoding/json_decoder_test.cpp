@@ -15,10 +15,21 @@ constexpr const char* kMismatch = "typeMismatch";
 constexpr const char* kCorrupted = "dataCorrupted";
 constexpr const char* kNoValue = "valueNotFound";
 
+// One field, so that its value is read as a part of an object.
+template <class T>
+struct Holder {
+  T value{};
+  using Fields = FieldList<Field<"value", &Holder::value>>;
+};
+
 // The value in words, or the kind of the error: what a row of a table holds.
 template <class T>
 std::string outcome(std::string_view text) {
   const auto decoded = JSONDecoder().tryDecode<T>(text);
+  const auto asField =
+      JSONDecoder().tryDecode<Holder<T>>("{\"value\":" + std::string(text) + ", \"more\": [[], 0, 1]}");
+  EXPECT_TRUE(decoded ? asField && asField->value == *decoded
+                      : !asField && asField.error().kind() == decoded.error().kind());
   if (!decoded) return decoded.error().description().substr(0, decoded.error().description().find(' '));
   std::ostringstream stream;
   stream << std::boolalpha;
@@ -101,6 +112,7 @@ TEST(JSONDecoder, ReadsRealsToTheLastBit) {
     text += static_cast<char>('1' + random() % 9) + digits(random() % 8 ? 12 : 25);
     if (random() % 4) text += '.' + digits(random() % 8 ? 8 : 30);
     if (random() % 3 == 0) text += (random() % 2 ? "e-" : "E") + digits(2);
+    if (random() % 2) text += std::string(20, ' ');  // a short number is read by another way if more bytes follow
     const auto asDouble = decoder.decode<double>(text);
     const double expected = std::strtod(text.c_str(), nullptr);
     ASSERT_EQ(std::memcmp(&asDouble, &expected, sizeof expected), 0) << text;
