@@ -77,8 +77,13 @@ struct KeyIndex {
 // A JSON document as a source; its values are token numbers.
 class JsonSource final : public DecodingSource {
  public:
-  JsonTokens& tokens() { return tokens_; }
-  void forget() { indexes_.clear(); }
+  Decoded<void> open(std::string_view text) {
+    indexes_.clear();
+    auto tokens = buffer_.read(text);
+    if (!tokens) return std::move(tokens.failure());
+    tokens_ = *tokens;
+    return {};
+  }
 
   Found kind(Value value) const override {
     switch (tokens_.kindOf(token(value))) {
@@ -120,11 +125,27 @@ class JsonSource final : public DecodingSource {
     return true;
   }
 
+  // Fields mostly come in the order of the document, with values of their own types. Those are read in a loop whose
+  // state is local, which keeps it in registers; any other field is read as a key by itself.
   detail::ErrorHolder readFields(ObjectCursor& cursor, std::span<const Field> fields, const void* container,
                                  ErrorDetail detail) const override {
-    for (const Field& field : fields) {
-      if (readNext(cursor, field)) continue;
-      if (auto failure = detail::readField(*this, cursor, field, container, detail)) return failure;
+    const JsonTokens tokens = tokens_;
+    const Token end = tokens.endOf(token(cursor.object));
+    for (auto field = fields.begin(); field != fields.end(); ++field) {
+      std::uint64_t passed = cursor.state[0];
+      Token key = nextKey(cursor);
+      for (; field != fields.end() && field->read == nullptr; ++field) {
+        const std::uint64_t bit = maskBit(field->key);
+        if ((passed & bit) != 0 || key == end || !tokens.says(key, field->key)) break;
+        const Token value = JsonTokens::valueOf(key);
+        if (!readUsual(tokens, value, *field)) break;
+        passed |= bit;
+        key = tokens.next(value, end);
+      }
+      cursor.state[0] = passed;
+      cursor.state[1] = (cursor.state[1] & ~kPosition) | key;
+      if (field == fields.end()) break;
+      if (auto failure = detail::readField(*this, cursor, *field, container, detail)) return failure;
     }
     return {};
   }
@@ -149,30 +170,26 @@ class JsonSource final : public DecodingSource {
     cursor.at = tokens_.next(token(cursor.at), tokens_.endOf(token(cursor.array)));
   }
 
-  // The common case of `readField`: the key is the next one, and its value is what it usually is.
-  // Result: false, with nothing changed but possibly the member, if it is not.
-  bool readNext(ObjectCursor& cursor, const Field& field) const {
-    auto& [passed, position] = cursor.state;
-    const std::uint64_t bit = maskBit(field.key);
-    if ((passed & bit) != 0 || field.read != nullptr) return false;
-    const Token end = tokens_.endOf(token(cursor.object));
-    const Token key = passed == 0 ? JsonTokens::firstIn(token(cursor.object)) : static_cast<Token>(position);
-    if (key == end || !tokens_.says(key, field.key)) return false;
-    const Token value = JsonTokens::valueOf(key);
-    ScalarTarget target(field.type, field.member, ErrorDetail::none);
+  // Reads the value of a field that is a scalar, if it is a string without escapes, a boolean or a short number, as the
+  // field is. Result: false, with nothing changed, if it is not.
+  [[gnu::always_inline]] static bool readUsual(const JsonTokens& tokens, Token value, const Field& field) {
     if (field.type == ScalarTarget::Type::text) {
-      if (!tokens_.isPlainString(value)) return false;
-      target.putText(tokens_.insideOf(value));
-    } else if (field.type == ScalarTarget::Type::boolean) {
-      const char first = tokens_.kindOf(value);
-      if (first != 't' && first != 'f') return false;
-      target.putBoolean(first == 't');
-    } else if (tokens_.isContainer(value) || !target.putShortNumber(tokens_.beginOf(value), tokens_.bytesFrom(value))) {
-      return false;
+      if (!tokens.isPlainString(value)) return false;
+      ScalarTarget(field.type, field.member).putText(tokens.insideOf(value));
+      return true;
     }
-    passed |= bit;
-    position = (position & ~kPosition) | tokens_.next(value, end);
-    return true;
+    if (tokens.isContainer(value)) return false;
+    const char* const begin = tokens.beginOf(value);
+    if (field.type == ScalarTarget::Type::boolean) {
+      if (*begin != 't' && *begin != 'f') return false;
+      ScalarTarget(field.type, field.member).putBoolean(*begin == 't');
+      return true;
+    }
+    return ScalarTarget(field.type, field.member).putShortNumber(begin, tokens.bytesFrom(value));
+  }
+
+  static Token nextKey(const ObjectCursor& cursor) {
+    return cursor.state[0] == 0 ? JsonTokens::firstIn(token(cursor.object)) : static_cast<Token>(cursor.state[1]);
   }
 
   // Keys are mostly decoded in the order of the document, so the search continues where the last one ended. A mask with
@@ -184,7 +201,7 @@ class JsonSource final : public DecodingSource {
     if ((passed & bit) != 0) return valueAnywhere(cursor, key);
     const Token object = token(cursor.object);
     const Token end = tokens_.endOf(object);
-    Token next = passed == 0 ? JsonTokens::firstIn(object) : static_cast<Token>(position);
+    Token next = nextKey(cursor);
     while (next != end) {
       const Token at = next;
       next = tokens_.next(JsonTokens::valueOf(at), end);
@@ -225,6 +242,7 @@ class JsonSource final : public DecodingSource {
     return found != indexes_.end() ? found->second : indexes_.try_emplace(object, tokens_, object).first->second;
   }
 
+  JsonTokenBuffer buffer_;
   JsonTokens tokens_;
   mutable std::unordered_map<Token, KeyIndex> indexes_;
 };
@@ -250,8 +268,7 @@ Decoded<const DecodingSource*> JSONDecoder::Document::open(std::string_view text
     return DecodingError::dataCorrupted("the document has " + std::to_string(text.size()) + " bytes; the maximum is " +
                                         std::to_string(decoder_.maximumSize));
   }
-  memory_->source.forget();
-  if (auto outcome = memory_->source.tokens().read(text); !outcome) return std::move(outcome.failure());
+  if (auto outcome = memory_->source.open(text); !outcome) return std::move(outcome.failure());
   return &memory_->source;
 }
 

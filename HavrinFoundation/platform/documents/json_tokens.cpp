@@ -246,15 +246,18 @@ class JsonReading {
   std::array<std::uint32_t, JsonTokens::kDeepestNesting> commas_;      // seen so far in each
 };
 
-Decoded<void> JsonTokens::read(std::string_view text) {
-  if (text.size() > kLargestText) return DecodingError::dataCorrupted("the document has 1 GiB or more");
+Decoded<JsonTokens> JsonTokenBuffer::read(std::string_view text) {
+  if (text.size() > JsonTokens::kLargestText) return DecodingError::dataCorrupted("the document has 1 GiB or more");
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
-  auto tokens = structure_.find(text);
-  if (!tokens) return std::move(tokens.failure());
-  text_ = text;
-  tokens_ = tokens->data();
-  const auto [problem, offset] = JsonReading::outcome(text, *tokens);
-  if (problem == nullptr) return {};
+  auto found = structure_.find(text);
+  if (!found) return std::move(found.failure());
+  const auto [problem, offset] = JsonReading::outcome(text, *found);
+  if (problem == nullptr) {
+    JsonTokens tokens;
+    tokens.text_ = text;
+    tokens.tokens_ = found->data();
+    return tokens;
+  }
   const std::string_view before = text.substr(0, offset);
   const auto line = 1 + std::count(before.begin(), before.end(), '\n');
   const std::size_t column = before.size() - (before.rfind('\n') + 1) + 1;

@@ -20,6 +20,7 @@
 namespace havrin {
 inline namespace platform {
 
+/// The tokens of a checked document: a view, valid until the buffer that made it reads another.
 class JsonTokens {
  public:
   /// Documents larger than this are refused: an offset and two marks share 32 bits.
@@ -28,12 +29,6 @@ class JsonTokens {
 
   /// A token, by its number. The outermost value begins with token 0.
   using Token = std::uint32_t;
-
-  /// Checks and indexes the whole of `text`, which must outlive its use here.
-  /// An error (dataCorrupted, with line and byte, from 1) when: `text` is not JSON, is larger than kLargestText, is
-  /// nested deeper than kDeepestNesting, or an escape in a string is half a surrogate pair.
-  /// Source: RFC 8259.
-  [[nodiscard]] Decoded<void> read(std::string_view text);
 
   /// The first character of a value, which determines its kind: { [ " t f n - or a digit.
   [[nodiscard]] char kindOf(Token value) const {
@@ -93,6 +88,7 @@ class JsonTokens {
 
  private:
   friend class JsonReading;
+  friend class JsonTokenBuffer;
 
   static bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
 
@@ -128,6 +124,19 @@ class JsonTokens {
 
   std::string_view text_;
   const std::uint32_t* tokens_ = nullptr;
+};
+
+/// Reads documents, one after the other, into the same memory.
+class JsonTokenBuffer {
+ public:
+  /// Checks and indexes the whole of `text`, which must outlive its use here.
+  /// An error (dataCorrupted, with line and byte, from 1) when: `text` is not JSON, is larger than
+  /// JsonTokens::kLargestText, is nested deeper than JsonTokens::kDeepestNesting, or an escape in a string is half a
+  /// surrogate pair.
+  /// Source: RFC 8259.
+  [[nodiscard]] Decoded<JsonTokens> read(std::string_view text);
+
+ private:
   JsonStructure structure_;
 };
 
