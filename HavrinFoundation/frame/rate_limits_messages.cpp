@@ -17,8 +17,20 @@ void debounce(NSObject& self, Selector message, double delaySeconds) {
   reperformSelectorAfterDelay(self, message, delaySeconds);
 }
 
+Strong<NSMutableDictionary> throttleTimestamps(NSObject& self) {
+  Strong<NSObject> kept = associatedValue(self, selector<"h_throttleTimestamps">);
+  if (!isKind<NSMutableDictionary>(kept)) return nullptr;
+  return Strong<NSMutableDictionary>::adopt(static_cast<NSMutableDictionary*>(kept.detach()));
+}
+
+constexpr MethodRow kTimestampsRow = row<NSObject, "h_throttleTimestamps", throttleTimestamps>();
+
+// Sent as a message only to a class that overrides it: a send holds its receiver, which `throttle` does already.
 Strong<NSMutableDictionary> timestampsOf(NSObject& self) {
-  if (Strong<NSMutableDictionary> kept = send<"h_throttleTimestamps">(self)) return kept;
+  const MethodRow* answering = dispatchClass(&self)->row(selector<"h_throttleTimestamps">);
+  const bool isOurs = answering && answering->implementation == kTimestampsRow.implementation;
+  Strong<NSMutableDictionary> kept = isOurs ? throttleTimestamps(self) : send<"h_throttleTimestamps">(self);
+  if (kept) return kept;
   send<"setH_throttleTimestamps:">(self, make<NSMutableDictionary>());
   return send<"h_throttleTimestamps">(self);
 }
@@ -38,19 +50,12 @@ void throttle(NSObject& self, Selector message, double intervalSeconds) {
   if (timestamps) timestamps->setObject(makeNumber(monotonicSeconds()), name);
 }
 
-Strong<NSMutableDictionary> throttleTimestamps(NSObject& self) {
-  Strong<NSObject> kept = associatedValue(self, selector<"h_throttleTimestamps">);
-  if (!isKind<NSMutableDictionary>(kept)) return nullptr;
-  return Strong<NSMutableDictionary>::adopt(static_cast<NSMutableDictionary*>(kept.detach()));
-}
-
 void setThrottleTimestamps(NSObject& self, NSMutableDictionary* timestamps) {
   setAssociatedValue(self, selector<"h_throttleTimestamps">, timestamps);
 }
 
 constexpr MethodRow kRows[] = {row<NSObject, "h_debounce:delay:", debounce>(),
-                               row<NSObject, "h_throttle:delay:", throttle>(),
-                               row<NSObject, "h_throttleTimestamps", throttleTimestamps>(),
+                               row<NSObject, "h_throttle:delay:", throttle>(), kTimestampsRow,
                                row<NSObject, "setH_throttleTimestamps:", setThrottleTimestamps>()};
 
 }  // namespace
