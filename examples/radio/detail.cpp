@@ -112,10 +112,8 @@ std::vector<std::string> detailLines(const Station& station, const Shown& shown,
   pane.addBlank();
   pane.add("share", shared);
   if (const auto campaign = fromUrl<UTMParameters>(URL::fromString(shared))) {
-    pane.add("campaign", campaign->campaign.value_or(""));
-    pane.add("medium", campaign->medium.value_or(""));
-    pane.add("source", campaign->source.value_or(""));
-    pane.add("term", campaign->term.value_or(""));
+    pane.add("campaign", campaign->campaign.value_or("") + ", medium " + campaign->medium.value_or("") + ", source " +
+                             campaign->source.value_or("") + ", term " + campaign->term.value_or(""));
   }
   return std::move(pane).lines();
 }
