@@ -3,18 +3,20 @@
 
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
+#include <HavrinFoundation/colours/colour_arithmetic.h>
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/dates/date_arithmetic.h>
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 #include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/clamp.h>
-#include <HavrinFoundation/text/string_helpers.h>
+#include <HavrinFoundation/text/base36.h>
 
 #include <algorithm>
-#include <cctype>
 #include <iterator>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -31,25 +33,6 @@ constexpr double kRefreshIntervalSeconds = 0.1;
 constexpr std::string_view kColourCodes[] = {"#B03A2E", "#CA6F1E", "#A67C00", "#3E7C59",
                                              "#117864", "#1F618D", "#6C3483", "#AF4C7B"};
 
-std::string lowered(std::string_view text) {
-  std::string result(text);
-  for (char& unit : result) {
-    if (static_cast<unsigned char>(unit) < 0x80)
-      unit = static_cast<char>(std::tolower(static_cast<unsigned char>(unit)));
-  }
-  return result;
-}
-
-// What a search may be made of: letters and digits of any script, and blanks.
-bool isSearchText(std::string_view text) {
-  static const CharacterSet kAllowed = [] {
-    CharacterSet allowed = CharacterSet::alphanumerics();
-    allowed.insert(U' ');
-    return allowed;
-  }();
-  return containsOnlyCharacters(text, kAllowed);
-}
-
 std::string greeting(Date lastOpen, Date now) {
   const std::int64_t days = numberOfCalendarDays(lastOpen, now);
   return "Last open " + onAirText(lastOpen, now) + (days > 1 ? " ago." : ".");
@@ -63,55 +46,67 @@ void insertOrErase(std::set<std::string>& set, const std::string& element, bool 
   }
 }
 
+// The code after that of an equal colour, the first one behind the last and for any other colour.
+Strong<UIColor> colourAfter(const UIColor& colour) {
+  constexpr double kOneStep = 1.0 / 255;
+  const auto* const found = std::find_if(
+      std::begin(kColourCodes), std::end(kColourCodes),
+      [&colour](std::string_view code) { return isEqual(colour, *fromHexString<UIColor>(code), kOneStep / 2); });
+  const bool isLast = found == std::end(kColourCodes) || found + 1 == std::end(kColourCodes);
+  return fromHexString<UIColor>(isLast ? kColourCodes[0] : found[1]);
+}
+
+std::string openedText(const NSMutableArray& opened) {
+  if (opened.count() == 0) return "No station has been opened yet.";
+  const auto names = send<"reduce:withBlock:">(opened, nullptr, [](NSString* before, const Station& station) {
+    return Strong<NSObject>(makeString((before ? utf8(*before) + ", " : "") + station.entry().name));
+  });
+  return "Opened: " + utf8(*cast<NSString>(names.get()));
+}
+
 }  // namespace
 
 Board::Board(const NSArray& stations, std::string source, std::size_t skipped, std::function<void()> redraw)
-    : all_(stations.snapshot()),
-      order_(static_cast<NSMutableArray*>(stations.mutableCopy().get())),
-      visible_(all_),
+    : catalogue_(stations),
+      opened_(make<NSMutableArray>()),
       source_(std::move(source)),
       skipped_(skipped),
-      redraw_(std::move(redraw)) {
-  for (NSObject* object : each(all_)) {
-    const auto& station = static_cast<const Station&>(*object);
-    shown_[&station] = {station.entry().listeners, station.entry().song};
-  }
-}
+      redraw_(std::move(redraw)) {}
 
 void Board::restore(const SavedState& state) {
   kept_ = state;
-  for (NSObject* object : each(all_)) {
+  for (NSObject* object : each(&catalogue_.all())) {
     auto& station = static_cast<Station&>(*object);
     const std::string& link = station.entry().link;
     const bool marked = state.favourites.contains(link);
     if (marked || state.unmarked.contains(link)) station.setFavourite(marked);
   }
-  for (const auto& [genre, code] : state.genreColours) paintGenre(genre, code);
-  if (isSearchText(state.search)) search_ = state.search;
-  favouritesOnly_ = state.favouritesOnly;
+  for (const auto& [genre, code] : state.genreColours) paintGenre(genre, fromHexString<UIColor>(code));
+  if (isSearchText(state.search)) filter_.text = state.search;
+  filter_.favouritesOnly = state.favouritesOnly;
   if (const Date now = Date::now(); state.lastOpen && *state.lastOpen <= now) note_ = greeting(*state.lastOpen, now);
   applySearch();
 }
 
 SavedState Board::state() const {
   SavedState state = kept_;
-  for (NSObject* object : each(all_)) {
+  for (NSObject* object : each(&catalogue_.all())) {
     const auto& station = static_cast<const Station&>(*object);
     const std::string& link = station.entry().link;
     insertOrErase(state.favourites, link, station.isFavourite());
     insertOrErase(state.unmarked, link, station.entry().favourite && !station.isFavourite());
   }
-  state.search = search_;
-  state.favouritesOnly = favouritesOnly_;
+  state.search = prompt_.kind() == Prompt::Kind::search ? prompt_.text() : filter_.text;
+  state.favouritesOnly = filter_.favouritesOnly;
   state.lastOpen = Date::now();
   return state;
 }
 
-void Board::observe() {
+void Board::observe(const NSArray& live) {
   const auto paths = makeArray({makeString("listeners"), makeString("song")});
   const Block<void(NSObject*, NSObject*, NSDictionary*)> action =
       [](Board& board, Station& station, NSDictionary& change) { board.note(station, change); };
-  for (NSObject* station : each(all_)) {
+  for (NSObject* station : each(&live)) {
     send<"observeModel:forKeyPaths:options:action:">(
         *this, station, paths, KeyValueObservationOptionSkipInitial | KeyValueObservationOptionSkipUnchanged, action);
   }
@@ -119,16 +114,15 @@ void Board::observe() {
 
 void Board::note(Station& station, const NSDictionary& change) {
   const Strong<NSObject> value = change.objectForKey(makeString("new"));
-  Shown& shown = shown_.at(&station);
-  if (const auto* listeners = cast<NSNumber>(value.get())) shown.listeners = listeners->integerValue();
-  if (const auto* song = cast<NSString>(value.get())) shown.song = utf8(*song);
+  if (const auto* listeners = cast<NSNumber>(value.get())) catalogue_.note(station, listeners->integerValue());
+  if (const auto* song = cast<NSString>(value.get())) catalogue_.note(station, utf8(*song));
   send<"h_throttle:delay:">(*this, selector<"refresh">, kRefreshIntervalSeconds);
 }
 
 bool Board::press(const Keystroke& key) {
   note_.clear();
-  if (key.key == Key::endOfInput || (key.text == "q" && !searching_)) return false;
-  if (searching_ && (key.key == Key::text || key.key == Key::erase)) {
+  if (key.key == Key::endOfInput || (key.text == "q" && !prompt_.isOpen())) return false;
+  if (prompt_.isOpen() && (key.key == Key::text || key.key == Key::erase)) {
     type(key);
   } else {
     command(key);
@@ -140,14 +134,13 @@ bool Board::press(const Keystroke& key) {
 // The key is shown at once, the search runs when the typing pauses.
 void Board::type(const Keystroke& key) {
   if (key.key == Key::erase) {
-    while (!search_.empty() && (static_cast<unsigned char>(search_.back()) & 0xC0) == 0x80) search_.pop_back();
-    if (!search_.empty()) search_.pop_back();
-  } else if (isSearchText(key.text)) {
-    search_ += key.text;
-  } else {
-    note_ = "Search for letters, digits and blanks.";
+    prompt_.erase();
+  } else if (!prompt_.type(key.text)) {
+    note_ = "The " + std::string(prompt_.label()) + " takes " + std::string(prompt_.allowed()) + ".";
   }
-  send<"h_debounce:delay:">(*this, selector<"applySearch">, kSearchDelaySeconds);
+  if (prompt_.kind() == Prompt::Kind::search) {
+    send<"h_debounce:delay:">(*this, selector<"applySearch">, kSearchDelaySeconds);
+  }
 }
 
 void Board::command(const Keystroke& key) {
@@ -165,16 +158,14 @@ void Board::command(const Keystroke& key) {
     case Key::home:
       return moveTo(0);
     case Key::end:
-      return moveTo(static_cast<std::int64_t>(visible_->count()) - 1);
+      return moveTo(static_cast<std::int64_t>(catalogue_.visible().count()) - 1);
     case Key::escape:
       return leave();
     case Key::tab:
-      send<"shuffle">(order_);
+      catalogue_.shuffle();
       return applySearch();
     case Key::enter:
-      applySearch();  // what is typed counts, also before the typing has paused
-      if (!std::exchange(searching_, false)) showsDetail_ = selected() && !showsDetail_;
-      return;
+      return enter();
     case Key::text:
       return runCommand(key.text);
     default:
@@ -184,35 +175,82 @@ void Board::command(const Keystroke& key) {
 
 void Board::runCommand(std::string_view letter) {
   if (letter == "/") {
-    searching_ = true;
-    showsDetail_ = showsKeys_ = false;
+    openPrompt(Prompt::Kind::search, filter_.text);
+  } else if (letter == ":") {
+    openPrompt(Prompt::Kind::number, "");
+  } else if (letter == "c") {
+    openPrompt(Prompt::Kind::colour, "");
+  } else if (letter == "#") {
+    recolour("");
   } else if (letter == "?") {
     showsKeys_ = !showsKeys_;
   } else if (letter == "*") {
-    favouritesOnly_ = !favouritesOnly_;
+    filter_.favouritesOnly = !filter_.favouritesOnly;
     applySearch();
+  } else if (letter == "g") {
+    filter_.genre = catalogue_.genreAfter(filter_.genre);
+    applySearch();
+  } else if (letter == "r") {
+    note_ = openedText(*opened_);
   } else if (letter == "+") {
     mark();
-  } else if (letter == "#") {
-    recolour();
+  } else if (letter == "-") {
+    hide();
+  } else if (letter == "x") {
+    if (const auto station = send<"hav_randomObject">(catalogue_.visible())) moveTo(static_cast<Station&>(*station));
+  } else if (letter == "y") {
+    share();
   } else {
     note_ = "? shows the keys.";
   }
 }
 
+void Board::openPrompt(Prompt::Kind kind, std::string text) {
+  prompt_.open(kind, std::move(text));
+  showsDetail_ = showsKeys_ = false;
+}
+
+void Board::enter() {
+  applySearch();  // what is typed counts, also before the typing has paused
+  const Prompt::Kind kind = prompt_.kind();
+  const std::string typed = prompt_.close();
+  if (kind == Prompt::Kind::none) return open();
+  if (kind == Prompt::Kind::number) goTo(typed);
+  if (kind == Prompt::Kind::colour) recolour(typed);
+}
+
 // Closes the innermost of what is open.
 void Board::leave() {
   if (std::exchange(showsKeys_, false) || std::exchange(showsDetail_, false)) return;
-  searching_ = false;
-  favouritesOnly_ = false;
-  search_.clear();
+  const Prompt::Kind kind = prompt_.kind();
+  (void)prompt_.close();
+  if (kind == Prompt::Kind::number || kind == Prompt::Kind::colour) return;
+  filter_ = {};
+  catalogue_.showAll();
   applySearch();
 }
 
 void Board::moveTo(std::int64_t row) {
-  const auto count = static_cast<std::int64_t>(visible_->count());
+  const auto count = static_cast<std::int64_t>(catalogue_.visible().count());
   cursor_ =
       static_cast<std::size_t>(havrin::clamp(row, ClosedRange<std::int64_t>{0, std::max<std::int64_t>(0, count - 1)}));
+}
+
+// Leaves a filter that hides it.
+void Board::moveTo(const Station& station) {
+  if (!station.shown().isVisible) {
+    filter_ = {};
+    applySearch();
+  }
+  moveTo(static_cast<std::int64_t>(catalogue_.visible().indexOfObject(&station)));
+}
+
+void Board::goTo(const std::string& number) {
+  const std::optional<std::int64_t> identifier = base36ValueAsBase10(number);
+  const Station* station = identifier ? catalogue_.stationNumbered(*identifier) : nullptr;
+  if (station) return moveTo(*station);
+  note_ = identifier ? "There is no station " + base36Value(*identifier) + "."
+                     : "A station's number has up to 13 digits, 0 to 9 and A to Z.";
 }
 
 void Board::say(std::string text) {
@@ -221,18 +259,8 @@ void Board::say(std::string text) {
 }
 
 void Board::applySearch() {
-  const std::string wanted = lowered(search_);
-  Strong<NSArray> found = send<"select:">(order_, [&](const Station& station) {
-    const StationEntry& entry = station.entry();
-    return lowered(entry.name + "\n" + entry.genre + "\n" + entry.song).find(wanted) != std::string::npos;
-  });
-  if (favouritesOnly_) {
-    const Strong<NSArray> others = send<"reject:">(all_, [](const Station& station) { return station.isFavourite(); });
-    const auto kept = Strong<NSMutableArray>(static_cast<NSMutableArray*>(found->mutableCopy().get()));
-    (void)send<"hav_removeObjectsInArray:">(kept, others);
-    found = kept->snapshot();
-  }
-  visible_ = found;
+  if (prompt_.kind() == Prompt::Kind::search) filter_.text = prompt_.text();
+  catalogue_.apply(filter_);
   moveTo(static_cast<std::int64_t>(cursor_));
   refresh();
 }
@@ -240,9 +268,20 @@ void Board::applySearch() {
 void Board::refresh() { redraw_(); }
 
 Station* Board::selected() {
-  if (cursor_ < visible_->count()) return static_cast<Station*>(visible_->objectAtIndex(cursor_).get());
+  if (cursor_ < catalogue_.visible().count()) {
+    return static_cast<Station*>(catalogue_.visible().objectAtIndex(cursor_).get());
+  }
   note_ = "The search finds no station.";
   return nullptr;
+}
+
+void Board::open() {
+  Station* station = selected();
+  showsDetail_ = station && !showsDetail_;
+  if (!showsDetail_) return;
+  constexpr std::int64_t kRemembered = 5;
+  send<"uniqueInsertObject:atPreferredIdx:">(opened_, station, std::uint64_t{0});
+  send<"removeObjectsFromIndex:">(opened_, kRemembered);
 }
 
 void Board::mark() {
@@ -252,22 +291,37 @@ void Board::mark() {
   note_ = station->entry().name + (station->isFavourite() ? " is a favourite now." : " is no favourite any more.");
 }
 
-// The code after the genre's own one, or the first where that is another.
-void Board::recolour() {
-  const Station* station = selected();
+void Board::hide() {
+  Station* station = selected();
   if (!station) return;
-  const auto* const found = std::find(std::begin(kColourCodes), std::end(kColourCodes), hexString(station->colour()));
-  const bool isLast = found == std::end(kColourCodes) || found + 1 == std::end(kColourCodes);
-  const std::string_view code = isLast ? kColourCodes[0] : found[1];
-  const std::string& genre = station->entry().genre;
-  paintGenre(genre, code);
-  kept_.genreColours[genre] = code;
-  note_ = genre + " is " + std::string(code) + " now.";
+  catalogue_.hide(*station);
+  note_ = station->entry().name + " is hidden; Escape shows it again.";
+  applySearch();
 }
 
-void Board::paintGenre(const std::string& genre, std::string_view code) {
-  const Strong<UIColor> colour = fromHexString<UIColor>(code);
-  for (NSObject* object : each(all_)) {
+void Board::share() {
+  const Strong<NSObject> shareable = send<"ifConformance:">(selected(), protocolOf<Shareable>());
+  if (shareable) note_ = utf8(*send<"shareLink">(shareable));
+}
+
+// Nothing typed: the colour after the genre's own one, or the first where that is another.
+void Board::recolour(const std::string& typed) {
+  const Station* station = selected();
+  if (!station) return;
+  const Strong<UIColor> colour = typed.empty() ? colourAfter(station->colour()) : fromHexString<UIColor>(typed);
+  const std::optional<std::string> code = colour ? hexString(*colour) : std::nullopt;
+  if (!code) {
+    note_ = "A colour code has six hexadecimal digits, as #1F618D; this has another number: " + typed;
+    return;
+  }
+  const std::string& genre = station->entry().genre;
+  paintGenre(genre, colour);
+  kept_.genreColours[genre] = *code;
+  note_ = genre + " is " + *code + " now.";
+}
+
+void Board::paintGenre(const std::string& genre, const Strong<UIColor>& colour) {
+  for (NSObject* object : each(&catalogue_.all())) {
     auto& station = static_cast<Station&>(*object);
     if (station.entry().genre == genre) station.setColour(colour);
   }

@@ -2,8 +2,10 @@
 // The board: a responder that observes its stations and says what is to be drawn. Everything here runs on the main queue.
 #pragma once
 
+#include "catalogue.h"
 #include "keys.h"
 #include "layout.h"
+#include "prompt.h"
 #include "saved_state.h"
 #include "screen.h"
 #include "station.h"
@@ -16,7 +18,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace radio {
@@ -31,8 +32,8 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   /// What is to be saved.
   [[nodiscard]] SavedState state() const;
 
-  /// Starts to observe the stations. Before any studio works on them.
-  void observe();
+  /// Starts to observe the stations that studios will change. Before they do.
+  void observe(const havrin::NSArray& live);
 
   /// A key that was typed. Result: false when the board is to end.
   bool press(const Keystroke& key);
@@ -43,7 +44,7 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   /// Shows a line of text until a key is typed.
   void say(std::string text);
 
-  [[nodiscard]] havrin::Strong<havrin::NSArray> stations() const { return all_; }
+  [[nodiscard]] havrin::Strong<havrin::NSArray> stations() const { return catalogue_.all().snapshot(); }
 
  private:
   void note(Station& station, const havrin::NSDictionary& change);
@@ -52,29 +53,33 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   void type(const Keystroke& key);
   void command(const Keystroke& key);
   void runCommand(std::string_view letter);
-  void moveTo(std::int64_t row);
+  void openPrompt(Prompt::Kind kind, std::string text);
+  void enter();
   void leave();
+  void moveTo(std::int64_t row);
+  void moveTo(const Station& station);
+  void goTo(const std::string& number);
+  void open();
   void mark();
-  void recolour();
+  void hide();
+  void share();
+  void recolour(const std::string& typed);
   [[nodiscard]] Station* selected();
-  void paintGenre(const std::string& genre, std::string_view code);
+  void paintGenre(const std::string& genre, const havrin::Strong<havrin::UIColor>& colour);
   [[nodiscard]] std::vector<std::string> header(std::size_t width, const Paint& paint) const;
   [[nodiscard]] std::vector<std::string> list(std::size_t width, std::size_t rows, const Paint& paint);
   [[nodiscard]] std::vector<std::string> detail(std::size_t width, std::size_t rows, const Paint& paint);
   [[nodiscard]] std::vector<std::string> footer(std::size_t width, const Paint& paint) const;
 
-  havrin::Strong<havrin::NSArray> all_;
-  havrin::Strong<havrin::NSMutableArray> order_;  // all of them, as shuffled
-  havrin::Strong<havrin::NSArray> visible_;       // those that the search finds and that are not hidden
-  std::unordered_map<const Station*, Shown> shown_;
+  Catalogue catalogue_;
+  havrin::Strong<havrin::NSMutableArray> opened_;  // the stations opened last, the newest first
   std::string source_;
   std::size_t skipped_;
   std::function<void()> redraw_;
   SavedState kept_;  // marks and colours, also those of stations and genres that are not on this board
-  std::string search_;
+  Filter filter_;
+  Prompt prompt_;
   std::string note_;
-  bool favouritesOnly_ = false;
-  bool searching_ = false;  // letters go to the search
   bool showsKeys_ = false;
   bool showsDetail_ = false;
   std::size_t cursor_ = 0;  // in what is visible

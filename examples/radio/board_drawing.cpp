@@ -2,10 +2,8 @@
 // How the board is drawn: header, list or station, footer.
 #include "board.h"
 #include "detail.h"
-#include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/dates/shared_formatter.h>
 #include <HavrinFoundation/links/app_identity.h>
-#include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/runtime/clamp.h>
 #include <HavrinFoundation/text/friendly_number.h>
 
@@ -25,11 +23,17 @@ constexpr std::pair<std::string_view, std::string_view> kKeys[] = {
     {"/", "search: letters, digits and blanks; Enter keeps it, Escape leaves"},
     {"arrows, wheel", "move, as do Page Up, Page Down, Home and End"},
     {"Enter", "opens the station; Escape or Enter closes it"},
+    {":", "goes to the station of a number, as it is in the first column"},
+    {"g", "shows the next genre only, and all of them after the last"},
+    {"r", "names the stations opened last"},
+    {"y", "shows the link to share the station by"},
     {"+", "makes the station a favourite, or no favourite"},
     {"*", "shows favourites only"},
-    {"#", "gives the genre another colour"},
+    {"#, c", "gives the genre the next colour, or one whose code is typed"},
+    {"-", "hides the station until Escape"},
+    {"x", "goes to any station"},
     {"Tab", "shuffles"},
-    {"Escape", "closes what is open, then clears the search"},
+    {"Escape", "closes what is open, then shows every station"},
     {"Ctrl-Z", "suspends the board (fg brings it back)"},
     {"q, Ctrl-C", "ends"}};
 
@@ -61,30 +65,27 @@ std::vector<std::string> Board::footer(std::size_t width, const Paint& paint) co
   std::vector<std::string> lines;
   lines.push_back(paint.faint(std::string(width, '-')));
   for (std::string& line : linesOf(note_, width)) lines.push_back(std::move(line));
-  lines.push_back(paint.faint(fitted(
-      searching_ ? "type to search  Enter keep  Esc leave"
+  lines.push_back(paint.faint(
+      fitted(prompt_.isOpen()
+                 ? "type " + std::string(prompt_.allowed()) + "  Enter keep  Esc leave"
                  : firstFitting({"/ search  Enter open  ? keys  q end  + mark  * favourites  # colour  Tab shuffle",
                                  "/ search  Enter open  ? keys  q end"},
                                 width),
-      width)));
+             width)));
   lines.push_back(paint.faint(fitted(httpDate(), width)));
   lines.push_back(paint.faint(fitted(havrinAppUserAgentString(*NSBundle::mainBundle()), width)));
   return lines;
 }
 
 std::vector<std::string> Board::header(std::size_t width, const Paint& paint) const {
-  const Strong<NSObject> listeners =
-      send<"reduce:withBlock:">(visible_, makeNumber(0), [this](const NSNumber& sum, const Station& station) {
-        return Strong<NSObject>(makeNumber(sum.integerValue() + shown_.at(&station).listeners));
-      });
-  const Strong<NSArray> onAir =
-      send<"select:">(visible_, [this](const Station& station) { return !shown_.at(&station).song.empty(); });
-  const std::string count = std::to_string(visible_->count()) + " of " + std::to_string(all_->count());
-  const std::string heard = friendlyNumber(cast<NSNumber>(listeners.get())->integerValue());
-  const std::string search = searching_        ? "search: " + search_ + "_"
-                             : search_.empty() ? "/ to search"
-                                               : "search: " + search_;
-  const std::string filter = search + (favouritesOnly_ ? "   favourites only" : "");
+  const std::string count =
+      std::to_string(catalogue_.visible().count()) + " of " + std::to_string(catalogue_.all().count());
+  const std::string heard = friendlyNumber(catalogue_.listeners());
+  const std::string search = prompt_.isOpen()       ? std::string(prompt_.label()) + ": " + prompt_.text() + "_"
+                             : filter_.text.empty() ? "/ to search"
+                                                    : "search: " + filter_.text;
+  const std::string filter = search + (filter_.genre.empty() ? "" : "   " + filter_.genre + " only") +
+                             (filter_.favouritesOnly ? "   favourites only" : "");
   const std::string skipped = skipped_ ? std::to_string(skipped_) + " entries skipped" : "";
   constexpr std::size_t kTitle = 14;
   const std::size_t room = width > kTitle ? width - kTitle : 0;
@@ -95,8 +96,8 @@ std::vector<std::string> Board::header(std::size_t width, const Paint& paint) co
                                                           skipped_ ? std::to_string(skipped_) + " skipped" : source_},
                                                          width - typed - 1);
   return {paint.bold(fitted("HAVRIN RADIO  ", std::min(width, kTitle))) +
-              fitted(firstFitting({count + " stations, " + std::to_string(onAir->count()) + " on the air, " + heard +
-                                       " listeners",
+              fitted(firstFitting({count + " stations, " + std::to_string(catalogue_.onAir()) + " on the air, " +
+                                       heard + " listeners",
                                    count + ", " + heard + " listeners", count},
                                   room),
                      room),
@@ -107,21 +108,21 @@ std::vector<std::string> Board::list(std::size_t width, std::size_t rows, const 
   const Layout layout(width);
   std::vector<std::string> lines{layout.heading(paint)};
   page_ = std::max<std::size_t>(1, rows - 1);
-  const std::size_t count = visible_->count();
+  const std::size_t count = catalogue_.visible().count();
   top_ = std::min({top_, cursor_, count > page_ ? count - page_ : 0});
   if (cursor_ >= top_ + page_) top_ = cursor_ - page_ + 1;
   for (std::size_t i = top_; i < std::min(top_ + page_, count); ++i) {
-    const auto& station = static_cast<const Station&>(*visible_->objectAtIndex(i));
-    lines.push_back(layout.row(station, shown_.at(&station), i == cursor_, paint));
+    const auto& station = static_cast<const Station&>(*catalogue_.visible().objectAtIndex(i));
+    lines.push_back(layout.row(station, i == cursor_, paint));
   }
   return lines;
 }
 
 std::vector<std::string> Board::detail(std::size_t width, std::size_t rows, const Paint& paint) {
   std::vector<std::string> lines;
-  if (cursor_ < visible_->count()) {
-    const auto& station = static_cast<const Station&>(*visible_->objectAtIndex(cursor_));
-    lines = detailLines(station, shown_.at(&station), width, paint);
+  if (cursor_ < catalogue_.visible().count()) {
+    const auto& station = static_cast<const Station&>(*catalogue_.visible().objectAtIndex(cursor_));
+    lines = detailLines(station, width, paint);
   }
   lines.resize(std::min(lines.size(), rows));
   return lines;

@@ -6,10 +6,11 @@
 #include <HavrinFoundation/dates/date_arithmetic.h>
 #include <HavrinFoundation/dates/shared_formatter.h>
 #include <HavrinFoundation/links/utm_parameters.h>
+#include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/text/attributed_strings.h>
 #include <HavrinFoundation/text/base36.h>
 #include <HavrinFoundation/text/friendly_number.h>
-#include <HavrinFoundation/text/sha256.h>
+#include <HavrinFoundation/text/sha256_messages.h>
 
 #include <algorithm>
 #include <optional>
@@ -23,6 +24,17 @@ using namespace havrin;
 namespace {
 
 constexpr std::size_t kLabel = 9;
+
+// How many bytes of `text` its first UTF-16 units take.
+std::size_t bytesOf(std::string_view text, std::uint64_t units) {
+  std::size_t bytes = 0;
+  for (std::uint64_t seen = 0; seen < units && bytes < text.size();) {
+    const Scalar scalar = scalarAt(text, bytes);
+    seen += scalar.value > 0xFFFF ? 2 : 1;
+    bytes += scalar.length;
+  }
+  return bytes;
+}
 
 class Pane {
  public:
@@ -44,7 +56,12 @@ class Pane {
                      std::string(room - std::min<std::size_t>(room, 10), ' '));
   }
   void addBlank() { lines_.emplace_back(width_, ' '); }
-  void addTitle(std::string_view text) { lines_.push_back(paint_.bold(fitted(text, width_))); }
+  // The first run, the link, is underlined.
+  void addTitle(const NSAttributedString& text) {
+    const std::string whole = fitted(utf8(*text.string()), width_);
+    const std::string name = whole.substr(0, bytesOf(whole, text.attributesAtIndex(0).range.length));
+    lines_.push_back(paint_.underlined(name) + paint_.bold(whole.substr(name.size())));
+  }
 
   std::vector<std::string> lines() && { return std::move(lines_); }
 
@@ -55,7 +72,8 @@ class Pane {
 };
 
 // The station's name as a link, then what it plays.
-Strong<NSMutableAttributedString> description(const Station& station, const Shown& shown) {
+Strong<NSMutableAttributedString> description(const Station& station) {
+  const Shown& shown = station.shown();
   const auto link = makeDictionary({{makeString("link"), makeString(station.entry().link)}});
   auto text = fromOptionalString<NSMutableAttributedString>(station.entry().name, link);
   const std::optional<std::string> song = shown.song.empty() ? std::nullopt : std::optional(" plays " + shown.song);
@@ -77,25 +95,14 @@ std::string rangesOf(const NSAttributedString& text) {
 
 }  // namespace
 
-std::string shareLink(const Station& station) {
-  UTMParameters campaign;
-  campaign.campaign = "board";
-  campaign.medium = "share";
-  campaign.source = "havrin-radio";
-  campaign.term = station.entry().genre;
-  auto link = URL::fromString(station.entry().link);
-  if (link) add(*link, campaign);
-  return link ? std::string(link->relativeString()) : station.entry().link;
-}
-
-std::vector<std::string> detailLines(const Station& station, const Shown& shown, std::size_t width,
-                                     const Paint& paint) {
+std::vector<std::string> detailLines(const Station& station, std::size_t width, const Paint& paint) {
+  const Shown& shown = station.shown();
   const StationEntry& entry = station.entry();
   const Date since = fromMillisecondsSince1970<Date>(entry.onAirSince);
-  const Strong<NSMutableAttributedString> text = description(station, shown);
-  const std::string shared = shareLink(station);
+  const Strong<NSMutableAttributedString> text = description(station);
+  const std::string shared = utf8(*station.shareLink());
   Pane pane(width, paint);
-  pane.addTitle(utf8(*text->string()));
+  pane.addTitle(*text);
   pane.add("ranges", rangesOf(*text));
   pane.addBlank();
   pane.add("number", base36Value(entry.identifier) + ", in decimal " + std::to_string(entry.identifier));
@@ -104,7 +111,8 @@ std::vector<std::string> detailLines(const Station& station, const Shown& shown,
   const std::string days = onAirText(since, Date::now());
   pane.add("on air", days.ends_with("days") ? "for " + days : days);
   pane.add("since", utf8(*rfc1123<NSDateFormatter>()->stringFromDate(make<NSDate>(since))));
-  pane.add("digest", groupedSHA256(entry.link).value_or("none"));
+  const Strong<NSString> digest = HAV_SHA_256(makeString(entry.link));
+  pane.add("digest", digest ? utf8(*digest) : "none");
   pane.addBlank();
   pane.addSwatch("colour", station.colour());
   pane.addSwatch("inverse", *inverse(station.colour()));

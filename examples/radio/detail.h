@@ -10,10 +10,7 @@
 
 namespace radio {
 
-/// The link as it is shared: with the campaign that the sharing is counted under.
-std::string shareLink(const Station& station);
-
 /// The lines of the pane, each exactly `width` columns.
-std::vector<std::string> detailLines(const Station& station, const Shown& shown, std::size_t width, const Paint& paint);
+std::vector<std::string> detailLines(const Station& station, std::size_t width, const Paint& paint);
 
 }  // namespace radio

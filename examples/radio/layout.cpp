@@ -57,7 +57,8 @@ std::string Layout::heading(const Paint& paint) const {
                            width_));
 }
 
-std::string Layout::row(const Station& station, const Shown& shown, bool isSelected, const Paint& paint) const {
+std::string Layout::row(const Station& station, bool isSelected, const Paint& paint) const {
+  const Shown& shown = station.shown();
   const StationEntry& entry = station.entry();
   const bool isPlaying = !shown.song.empty();
   const Date since = fromMillisecondsSince1970<Date>(entry.onAirSince);

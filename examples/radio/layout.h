@@ -7,16 +7,9 @@
 #include <HavrinFoundation/platform/time/date.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 namespace radio {
-
-/// What is shown of a station; kept up to date from the changes that are observed.
-struct Shown {
-  std::int64_t listeners;
-  std::string song;
-};
 
 /// The columns of the list, the most important first; a width of 0 for those that have no room. The name of a station
 /// and what it plays are always there.
@@ -26,7 +19,7 @@ class Layout {
 
   [[nodiscard]] std::string heading(const Paint& paint) const;
   /// One line, exactly as wide as the layout.
-  [[nodiscard]] std::string row(const Station& station, const Shown& shown, bool isSelected, const Paint& paint) const;
+  [[nodiscard]] std::string row(const Station& station, bool isSelected, const Paint& paint) const;
 
  private:
   std::size_t width_;

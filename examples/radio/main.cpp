@@ -74,7 +74,7 @@ void runOnce(Board& board, const Options& options, const Paint& paint) {
   for (const Keystroke& key : keysOf(options.keys.value_or(""))) goesOn = goesOn && board.press(key);
   constexpr double kMomentSeconds = 0.6;
   {
-    const Studios studios(*board.stations());
+    const Studios studios(*Studios::live(*board.stations()));
     havrin::RunLoop::current().runUntil(havrin::monotonicSeconds() + kMomentSeconds);
   }
   while (havrin::RunLoop::current().runDue()) {
@@ -85,7 +85,7 @@ void runOnce(Board& board, const Options& options, const Paint& paint) {
 // The board in place until somebody ends it. The main queue lives inside this loop over descriptors.
 void runOnTerminal(Board& board, const Options& options, const Paint& paint, bool& changed) {
   Terminal terminal;
-  const Studios studios(*board.stations());
+  const Studios studios(*Studios::live(*board.stations()));
   KeyReader reader;
   std::vector<Keystroke> keys = keysOf(options.keys.value_or(""));
   const double end = options.seconds ? havrin::monotonicSeconds() + *options.seconds : HUGE_VAL;
@@ -156,7 +156,7 @@ int run(const Options& options) {
   const auto board = havrin::make<Board>(*loaded.stations, std::filesystem::path(file).filename().string(),
                                          loaded.skipped.size(), [&changed] { changed = true; });
   const std::optional<StateFile> kept = restore(*board, options);
-  board->observe();
+  board->observe(*Studios::live(*board->stations()));
   if (onTerminal) {
     runOnTerminal(*board, options, paint, changed);
   } else {

@@ -30,8 +30,7 @@ constexpr const char* kHelp =
   --no-state                    neither restore nor save it
 
 Keys: / searches (Enter keeps what was typed, Escape leaves), arrows, Page Up, Page Down, Home, End and the wheel move,
-      Enter opens the station, + makes it a favourite, # gives its genre another colour, * shows favourites only,
-      Tab shuffles, ? shows the keys, Ctrl-Z suspends, q or Ctrl-C ends.
+      Enter opens the station, ? shows all keys, Ctrl-Z suspends, q or Ctrl-C ends.
 )";
 
 Answer misuse(const std::string& what) { return {"radio: " + what + " (radio --help)\n", 2}; }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "screen.h"
 
+#include <HavrinFoundation/platform/unicode/character_set.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
 #include <HavrinFoundation/runtime/clamp.h>
+#include <HavrinFoundation/text/string_helpers.h>
 
 #include <algorithm>
 #include <cmath>
@@ -18,11 +20,17 @@ std::size_t columnsOf(char32_t scalar) {
 
 // Stations are named by files: what would steer the terminal is made visible.
 std::string withoutControls(std::string_view text) {
+  static const havrin::CharacterSet kControls = [] {
+    havrin::CharacterSet controls;
+    controls.insert(havrin::ClosedRange<char32_t>{0, 0x1F});
+    controls.insert(havrin::ClosedRange<char32_t>{0x7F, 0x9F});
+    return controls;
+  }();
+  if (!havrin::containsAnyCharacters(text, kControls)) return std::string(text);
   std::string visible;
   for (std::size_t i = 0; i < text.size();) {
     const havrin::Scalar scalar = havrin::scalarAt(text, i);
-    const bool isControl = scalar.value < 0x20 || (scalar.value >= 0x7F && scalar.value < 0xA0);
-    visible += isControl ? "\uFFFD" : text.substr(i, scalar.length);
+    visible += kControls.contains(scalar.value) ? "\uFFFD" : text.substr(i, scalar.length);
     i += scalar.length;
   }
   return visible;
@@ -99,11 +107,6 @@ std::vector<std::string> linesOf(std::string_view given, std::size_t width) {
 
 std::string Paint::wrapped(const std::string& code, std::string_view text) const {
   return on_ ? "\x1b[" + code + "m" + std::string(text) + "\x1b[0m" : std::string(text);
-}
-
-std::string Paint::inked(std::string_view text, const havrin::UIColor& ink) const {
-  const auto colour = ink.getRedGreenBlueAlpha();
-  return colour ? wrapped(rgbCode("38", *colour), text) : std::string(text);
 }
 
 std::string Paint::swatch(std::string_view text, const havrin::UIColor& ground) const {

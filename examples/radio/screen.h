@@ -28,10 +28,9 @@ class Paint {
 
   [[nodiscard]] bool isOn() const { return on_; }
   [[nodiscard]] std::string bold(std::string_view text) const { return wrapped("1", text); }
+  [[nodiscard]] std::string underlined(std::string_view text) const { return wrapped("1;4", text); }
   [[nodiscard]] std::string marked(std::string_view text) const { return wrapped("1;7", text); }
   [[nodiscard]] std::string faint(std::string_view text) const { return wrapped("2", text); }
-  /// In true colour: the text's, and the ground behind it.
-  [[nodiscard]] std::string inked(std::string_view text, const havrin::UIColor& ink) const;
   /// On a ground of that colour, in black or white, whichever is read more easily on it.
   [[nodiscard]] std::string swatch(std::string_view text, const havrin::UIColor& ground) const;
 

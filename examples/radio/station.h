@@ -2,11 +2,13 @@
 // One radio station: as it stands in a file, and as the object that the board observes.
 #pragma once
 
+#include "share.h"
 #include <HavrinFoundation/platform/decoding/decoding.h>
 #include <HavrinFoundation/platform/interface/ui_color.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/object/string.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -36,13 +38,25 @@ struct StationEntry {
   static havrin::Decoded<StationEntry> fromDecoder(havrin::Decoder& decoder);
 };
 
-/// A station on the board. What the studios change, `listeners` and `song`, is read on the board from the changes that
-/// it is told of, never from here: the studios work on threads of their own.
+/// What is shown of a station: kept up to date from the changes that are observed. Main queue only.
+struct Shown {
+  std::int64_t listeners;
+  std::string song;
+  std::size_t ordinal = 0;  // in the order of the files
+  bool isVisible = true;    // passes the filter
+};
+
+/// A station on the board. The studios change `listeners` and `song` on threads of their own: the board
+/// reads both from the changes that it observes, which it keeps in `shown`.
 class Station : public havrin::Object<Station, havrin::NSObject> {
  public:
   explicit Station(const StationEntry& entry);
 
   [[nodiscard]] const StationEntry& entry() const { return entry_; }
+  [[nodiscard]] Shown& shown() { return shown_; }
+  [[nodiscard]] const Shown& shown() const { return shown_; }
+  /// The method of the message `shareLink`.
+  [[nodiscard]] havrin::Strong<havrin::NSString> shareLink() const;
   [[nodiscard]] const havrin::UIColor& colour() const { return *colour_; }
   void setColour(const havrin::Strong<havrin::UIColor>& colour) { colour_ = colour; }
   [[nodiscard]] bool isFavourite() const { return favourite_; }
@@ -52,14 +66,17 @@ class Station : public havrin::Object<Station, havrin::NSObject> {
 
  private:
   StationEntry entry_;
+  Shown shown_;
   havrin::Strong<havrin::UIColor> colour_;
   havrin::Strong<havrin::NSString> song_;
   std::int64_t listeners_ = 0;
   bool favourite_ = false;
 
  public:
+  using Protocols = havrin::List<Shareable>;
   using Members =
-      havrin::List<havrin::Property<"listeners", &Station::listeners_>, havrin::Property<"song", &Station::song_>,
+      havrin::List<havrin::Method<"shareLink", &Station::shareLink>,
+                   havrin::Property<"listeners", &Station::listeners_>, havrin::Property<"song", &Station::song_>,
                    havrin::Property<"favourite", &Station::favourite_>>;
 };
 

@@ -2,6 +2,8 @@
 #include "studios.h"
 
 #include "station.h"
+#include <HavrinFoundation/collections/array_blocks_messages.h>
+#include <HavrinFoundation/collections/collection_helpers_messages.h>
 
 #include <algorithm>
 #include <chrono>
@@ -14,19 +16,22 @@ using namespace havrin;
 namespace {
 
 constexpr std::size_t kStudios = 2;
+constexpr std::int64_t kLive = 400;
 constexpr auto kPause = std::chrono::milliseconds(60);
 
 }  // namespace
+
+Strong<NSArray> Studios::live(const NSArray& stations) {
+  const auto onAir = send<"reject:">(stations, [](const Station& station) { return station.entry().song.empty(); });
+  return send<"arrayByRemovingObjectsFromIndex:">(onAir, kLive);
+}
 
 Studios::Studios(const NSArray& stations) : stations_(stations.snapshot()) {
   for (std::size_t studio = 0; studio < kStudios; ++studio) threads_.emplace_back([this, studio] { work(studio); });
 }
 
 Studios::~Studios() {
-  {
-    const std::lock_guard guard(mutex_);
-    ends_ = true;
-  }
+  lock_.withLock([this] { ends_ = true; });
   ended_.notify_all();
   for (std::thread& thread : threads_) thread.join();
 }
@@ -35,11 +40,10 @@ void Studios::work(std::size_t studio) {
   std::mt19937 random(static_cast<unsigned>(studio) + 1);
   std::vector<Station*> mine;
   for (std::uint64_t i = studio; i < stations_->count(); i += kStudios) {
-    auto* station = static_cast<Station*>(stations_->objectAtIndex(i).get());
-    if (!station->entry().song.empty()) mine.push_back(station);
+    mine.push_back(static_cast<Station*>(stations_->objectAtIndex(i).get()));
   }
   if (mine.empty()) return;
-  std::unique_lock guard(mutex_);
+  std::unique_lock guard(lock_);
   while (!ended_.wait_for(guard, kPause, [this] { return ends_; })) {
     guard.unlock();
     Station& station = *mine[random() % mine.size()];

@@ -2,10 +2,12 @@
 // The studios: threads that change songs and listener counts while the board looks on.
 #pragma once
 
+#include <HavrinFoundation/frame/locked.h>
+#include <HavrinFoundation/frame/unfair_lock.h>
 #include <HavrinFoundation/platform/foundation/array.h>
 
 #include <condition_variable>
-#include <mutex>
+#include <cstdint>
 #include <thread>
 #include <vector>
 
@@ -13,7 +15,10 @@ namespace radio {
 
 class Studios {
  public:
-  /// Starts the threads. Each works on stations of its own, and on no other's.
+  /// The stations that have a studio: the first few hundred on the air.
+  static havrin::Strong<havrin::NSArray> live(const havrin::NSArray& stations);
+
+  /// Starts the threads on live stations. Each works on stations of its own, and on no other's.
   explicit Studios(const havrin::NSArray& stations);
   /// Ends and joins them.
   ~Studios();
@@ -24,9 +29,9 @@ class Studios {
   void work(std::size_t studio);
 
   havrin::Strong<havrin::NSArray> stations_;
-  std::mutex mutex_;
-  std::condition_variable ended_;
-  bool ends_ = false;
+  havrin::UnfairLock lock_;
+  std::condition_variable_any ended_;
+  bool ends_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = false;
   std::vector<std::thread> threads_;
 };
 
