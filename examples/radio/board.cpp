@@ -66,12 +66,8 @@ std::string openedText(const NSMutableArray& opened) {
 
 }  // namespace
 
-Board::Board(const NSArray& stations, std::string source, std::size_t skipped, std::function<void()> redraw)
-    : catalogue_(stations),
-      opened_(make<NSMutableArray>()),
-      source_(std::move(source)),
-      skipped_(skipped),
-      redraw_(std::move(redraw)) {}
+Board::Board(const NSArray& stations, std::string source, std::size_t skipped)
+    : catalogue_(stations), opened_(make<NSMutableArray>()), source_(std::move(source)), skipped_(skipped) {}
 
 void Board::restore(const SavedState& state) {
   kept_ = state;
@@ -265,7 +261,7 @@ void Board::applySearch() {
   refresh();
 }
 
-void Board::refresh() { redraw_(); }
+void Board::refresh() { hasChanged_ = true; }
 
 Station* Board::selected() {
   if (cursor_ < catalogue_.visible().count()) {
@@ -273,6 +269,16 @@ Station* Board::selected() {
   }
   note_ = "The search finds no station.";
   return nullptr;
+}
+
+std::string Board::selectedLink() {
+  const Station* station = selected();
+  return station ? station->entry().link : "";
+}
+
+void Board::select(std::string_view link) {
+  const Station* station = catalogue_.stationLinked(link);
+  if (station && station->shown().isVisible) moveTo(*station);
 }
 
 void Board::open() {

@@ -15,17 +15,17 @@
 #include <HavrinFoundation/platform/interface/responder.h>
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace radio {
 
 class Board : public havrin::Object<Board, havrin::UIResponder> {
  public:
-  /// `stations` of Station; `redraw` is called when something has changed, at most ten times a second.
-  Board(const havrin::NSArray& stations, std::string source, std::size_t skipped, std::function<void()> redraw);
+  /// `stations` of Station, read from `source`, without so many that were skipped.
+  Board(const havrin::NSArray& stations, std::string source, std::size_t skipped);
 
   /// Takes over what was saved, and greets. Before it observes.
   void restore(const SavedState& state);
@@ -41,10 +41,16 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   /// What is on the screen now: as many lines as it has room for.
   [[nodiscard]] std::vector<std::string> lines(Terminal::Size size, const Paint& paint);
 
+  /// True once after something that is drawn has changed: after a key at once, for the studios ten times a second.
+  [[nodiscard]] bool takeChange() { return std::exchange(hasChanged_, false); }
+
   /// Shows a line of text until a key is typed.
   void say(std::string text);
 
-  [[nodiscard]] havrin::Strong<havrin::NSArray> stations() const { return catalogue_.all().snapshot(); }
+  /// The link of the selected station; empty for none.
+  [[nodiscard]] std::string selectedLink();
+  /// Selects the station of that link, where there is one.
+  void select(std::string_view link);
 
  private:
   void note(Station& station, const havrin::NSDictionary& change);
@@ -75,11 +81,11 @@ class Board : public havrin::Object<Board, havrin::UIResponder> {
   havrin::Strong<havrin::NSMutableArray> opened_;  // the stations opened last, the newest first
   std::string source_;
   std::size_t skipped_;
-  std::function<void()> redraw_;
   SavedState kept_;  // marks and colours, also those of stations and genres that are not on this board
   Filter filter_;
   Prompt prompt_;
   std::string note_;
+  bool hasChanged_ = true;
   bool showsKeys_ = false;
   bool showsDetail_ = false;
   std::size_t cursor_ = 0;  // in what is visible

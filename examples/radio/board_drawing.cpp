@@ -86,7 +86,8 @@ std::vector<std::string> Board::header(std::size_t width, const Paint& paint) co
                                                     : "search: " + filter_.text;
   const std::string filter = search + (filter_.genre.empty() ? "" : "   " + filter_.genre + " only") +
                              (filter_.favouritesOnly ? "   favourites only" : "");
-  const std::string skipped = skipped_ ? std::to_string(skipped_) + " entries skipped" : "";
+  const std::string skipped =
+      skipped_ ? std::to_string(skipped_) + (skipped_ == 1 ? " entry" : " entries") + " skipped" : "";
   constexpr std::size_t kTitle = 14;
   const std::size_t room = width > kTitle ? width - kTitle : 0;
   // The search is what one types: the file gives way.

@@ -16,11 +16,14 @@ namespace {
 constexpr const char* kHelp =
     R"(A board of radio stations.
 
-  radio [options] [STATIONS.json]
+  radio [options] [FILE...]
 
+  --stations FILE               stations in JSON, JSON lines or a property list; "-" reads standard input; may be given
+                                several times, FILE alone means the same; a file that changes is read anew
   --once                        draw the final state and exit (as without a terminal, or on a dumb one)
   --seconds N                   ends the board by itself after N seconds
-  --verbose                     say why entries of the stations file were skipped
+  --verbose                     log on standard error which entries were skipped and why, and what was loaded and saved
+  --version                     print the version and exit
   --colours never|always|auto   auto: on a terminal, unless NO_COLOR is set
   --keys TEXT                   keys typed by a script, for runs without a keyboard
   --link URL                    show a link and its campaign parameters, and exit
@@ -37,8 +40,10 @@ Answer misuse(const std::string& what) { return {"radio: " + what + " (radio --h
 
 constexpr std::pair<std::string_view, std::optional<std::string> Options::*> kTexts[] = {
     {"--keys", &Options::keys}, {"--link", &Options::link}, {"--state", &Options::stateFile}};
-constexpr std::pair<std::string_view, bool Options::*> kSwitches[] = {
-    {"--once", &Options::once}, {"--verbose", &Options::verbose}, {"--no-state", &Options::keepsNoState}};
+constexpr std::pair<std::string_view, bool Options::*> kSwitches[] = {{"--once", &Options::once},
+                                                                      {"--verbose", &Options::verbose},
+                                                                      {"--version", &Options::showsVersion},
+                                                                      {"--no-state", &Options::keepsNoState}};
 constexpr std::pair<std::string_view, Colours> kColours[] = {
     {"never", Colours::never}, {"always", Colours::always}, {"auto", Colours::automatic}};
 
@@ -64,6 +69,10 @@ std::variant<Options, Answer> readOptions(int count, const char* const* words) {
       const char* given = value();
       if (!given || !*given) return misuse(std::string(word) + " takes a value");
       options.*(*taken) = given;
+    } else if (word == "--stations") {
+      const char* file = value();
+      if (!file || !*file) return misuse("--stations takes a file, or \"-\" for standard input");
+      options.stationsFiles.emplace_back(file);
     } else if (word == "--seconds") {
       const char* text = value();
       const char* end = text ? text + std::strlen(text) : nullptr;
@@ -77,10 +86,8 @@ std::variant<Options, Answer> readOptions(int count, const char* const* words) {
       options.colours = *colours;
     } else if (word.starts_with("-") && word != "-") {
       return misuse("there is no option " + std::string(word));
-    } else if (options.stationsFile.empty()) {
-      options.stationsFile = word;
     } else {
-      return misuse("one stations file at a time: " + options.stationsFile + " or " + std::string(word));
+      options.stationsFiles.emplace_back(word);
     }
   }
   return options;

@@ -5,18 +5,20 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace radio {
 
 enum class Colours { never, always, automatic };
 
 struct Options {
-  std::string stationsFile;              // the shipped one when empty
-  std::optional<std::string> link;       // shown with its campaign parameters, instead of the board
-  std::optional<std::string> keys;       // typed by a script instead of the keyboard
-  std::optional<std::string> stateFile;  // the default place when it is not said
+  std::vector<std::string> stationsFiles;  // "-" is standard input; the shipped one when there are none
+  std::optional<std::string> link;         // shown with its campaign parameters, instead of the board
+  std::optional<std::string> keys;         // typed by a script instead of the keyboard
+  std::optional<std::string> stateFile;    // the default place when it is not said
   bool keepsNoState = false;
   bool once = false;
+  bool showsVersion = false;
   bool verbose = false;
   std::optional<double> seconds;  // until it is ended, when it is not said
   Colours colours = Colours::automatic;

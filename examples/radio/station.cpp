@@ -5,6 +5,8 @@
 #include <HavrinFoundation/links/utm_parameters.h>
 #include <HavrinFoundation/platform/net/url.h>
 
+#include <any>
+#include <atomic>
 #include <string_view>
 
 namespace radio {
@@ -22,6 +24,9 @@ Decoded<StationEntry> unusable(std::string_view field, std::string_view expected
 }  // namespace
 
 Decoded<StationEntry> StationEntry::fromDecoder(Decoder& decoder) {
+  if (const auto counter = decoder.userInfo().find(kDecodedEntries); counter != decoder.userInfo().end()) {
+    std::any_cast<std::atomic<std::size_t>*>(counter->second)->fetch_add(1, std::memory_order_relaxed);
+  }
   auto entry = decodeFields<StationEntry>(decoder);
   if (!entry) return entry;
   if (!fromHexString<UIColor>(entry->genreColour)) {

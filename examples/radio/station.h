@@ -14,6 +14,9 @@
 
 namespace radio {
 
+/// Under this key the decoder's user information may have a `std::atomic<std::size_t>*` that counts entries.
+inline constexpr const char* kDecodedEntries = "decodedEntries";
+
 /// A station as a file describes it.
 struct StationEntry {
   std::int64_t identifier = 0;

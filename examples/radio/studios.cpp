@@ -4,6 +4,7 @@
 #include "station.h"
 #include <HavrinFoundation/collections/array_blocks_messages.h>
 #include <HavrinFoundation/collections/collection_helpers_messages.h>
+#include <HavrinFoundation/text/friendly_number.h>
 
 #include <algorithm>
 #include <chrono>
@@ -26,7 +27,7 @@ Strong<NSArray> Studios::live(const NSArray& stations) {
   return send<"arrayByRemovingObjectsFromIndex:">(onAir, kLive);
 }
 
-Studios::Studios(const NSArray& stations) : stations_(stations.snapshot()) {
+Studios::Studios(const NSArray& stations, Journal& journal) : stations_(stations.snapshot()), journal_(journal) {
   for (std::size_t studio = 0; studio < kStudios; ++studio) threads_.emplace_back([this, studio] { work(studio); });
 }
 
@@ -34,6 +35,9 @@ Studios::~Studios() {
   lock_.withLock([this] { ends_ = true; });
   ended_.notify_all();
   for (std::thread& thread : threads_) thread.join();
+  const Tally tally = tally_.perform([](const Tally& last) { return last; });
+  journal_.note("studios", friendlyNumber(tally.counts) + " listener counts and " + friendlyNumber(tally.songs) +
+                               " songs have changed");
 }
 
 void Studios::work(std::size_t studio) {
@@ -51,7 +55,12 @@ void Studios::work(std::size_t studio) {
     const auto change = static_cast<std::int64_t>(random() % 2001) - 1000;
     station.setListeners(std::max<std::int64_t>(0, before + change * (before / 4000 + 1)));
     // What another station plays is as good a next song as any.
-    if (random() % 4 == 0) station.setSong(makeString(mine[random() % mine.size()]->entry().song));
+    const bool isNextSong = random() % 4 == 0;
+    if (isNextSong) station.setSong(makeString(mine[random() % mine.size()]->entry().song));
+    tally_.perform([isNextSong](Tally& tally) {
+      ++tally.counts;
+      tally.songs += isNextSong ? 1 : 0;
+    });
     guard.lock();
   }
 }

@@ -2,6 +2,7 @@
 // The studios: threads that change songs and listener counts while the board looks on.
 #pragma once
 
+#include "journal.h"
 #include <HavrinFoundation/frame/locked.h>
 #include <HavrinFoundation/frame/unfair_lock.h>
 #include <HavrinFoundation/platform/foundation/array.h>
@@ -19,8 +20,8 @@ class Studios {
   static havrin::Strong<havrin::NSArray> live(const havrin::NSArray& stations);
 
   /// Starts the threads on live stations. Each works on stations of its own, and on no other's.
-  explicit Studios(const havrin::NSArray& stations);
-  /// Ends and joins them.
+  Studios(const havrin::NSArray& stations, Journal& journal);
+  /// Ends and joins them, and notes how much they have changed.
   ~Studios();
   Studios(const Studios&) = delete;
   Studios& operator=(const Studios&) = delete;
@@ -29,6 +30,13 @@ class Studios {
   void work(std::size_t studio);
 
   havrin::Strong<havrin::NSArray> stations_;
+  struct Tally {
+    std::int64_t counts = 0;
+    std::int64_t songs = 0;
+  };
+
+  Journal& journal_;
+  havrin::Locked<Tally> tally_{Tally()};
   havrin::UnfairLock lock_;
   std::condition_variable_any ended_;
   bool ends_ HAVRIN_THREAD_SAFETY(guarded_by(lock_)) = false;

@@ -28,6 +28,9 @@ class Terminal {
   /// The size now; 100 by 30 where there is no terminal.
   static Size size();
 
+  /// True when the terminal has another size than when it was last drawn on, or shows something else.
+  [[nodiscard]] bool isStale() const { return drawnSize_ != size(); }
+
   /// Shows the lines; only those are written that are not there already.
   void draw(const std::vector<std::string>& lines);
 
