@@ -74,11 +74,20 @@ std::optional<StateFile> stateFile(const Options& options) {
   return std::nullopt;
 }
 
-int save(const SavedState& state, const StateFile& file) {
-  const std::string problem = saveState(state, file);
-  if (problem.empty()) return 0;
-  std::fprintf(stderr, "radio: cannot save the state as %s: %s\n", file.path().c_str(), problem.c_str());
-  return 1;
+int save(const SavedState& base, const SavedState& state, const StateFile& file, Journal& journal) {
+  const SaveResult saved = saveState(base, state, file);
+  if (!saved.problem.empty()) {
+    std::fprintf(stderr, "radio: cannot save the state as %s: %s\n", file.path().c_str(), saved.problem.c_str());
+    return 1;
+  }
+  if (saved.wasMerged) {
+    std::fprintf(stderr,
+                 "radio: another board has saved %s meanwhile: the marks and colours of both are kept, search and "
+                 "filter are this board's\n",
+                 file.path().c_str());
+  }
+  journal.note("state", "saved as " + file.path());
+  return 0;
 }
 
 // Stations from standard input, keys from the terminal all the same.
@@ -146,7 +155,7 @@ int run(Options options) {
     state = session.state();
   }
   journal.release();
-  return file && restored.mayBeSaved ? save(state, *file) : 0;
+  return file && restored.mayBeSaved ? save(restored.state, state, *file, journal) : 0;
 }
 
 }  // namespace

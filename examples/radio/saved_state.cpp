@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "saved_state.h"
 
+#include "state_merge.h"
+#include <HavrinFoundation/collections/set_blocks_messages.h>
 #include <HavrinFoundation/colours/hex_codes.h>
 #include <HavrinFoundation/platform/application/process_info.h>
 #include <HavrinFoundation/platform/archives/coder.h>
@@ -14,7 +16,11 @@
 #include <HavrinFoundation/platform/foundation/set.h>
 #include <HavrinFoundation/runtime/casts_messages.h>
 #include <HavrinFoundation/runtime/insecure_unarchiving_messages.h>
+#include <HavrinFoundation/text/hex.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <random>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -55,6 +61,7 @@ class ArchivedState : public Object<ArchivedState, NSObject> {
     coder->encodeObject(makeString(state_.search), "search");
     coder->encodeBool(state_.favouritesOnly, "favouritesOnly");
     coder->encodeObject(dictionaryOf(state_.genreColours), "genreColours");
+    coder->encodeObject(makeString(state_.savedBy.uuidString()), "savedBy");
     if (state_.lastOpen) coder->encodeObject(make<NSDate>(*state_.lastOpen), "lastOpen");
   }
 
@@ -65,13 +72,16 @@ class ArchivedState : public Object<ArchivedState, NSObject> {
     if (const auto search = coder->decodeObject<NSString>("search")) state_.search = utf8(*search);
     state_.favouritesOnly = coder->decodeBoolForKey("favouritesOnly");
     state_.genreColours = decodeColours(*coder);
+    if (const auto board = coder->decodeObject<NSString>("savedBy")) {
+      state_.savedBy = UUID::fromString(utf8(*board)).value_or(zero<UUID>());
+    }
     if (const auto date = coder->decodeObject<NSDate>("lastOpen")) state_.lastOpen = date->value();
     return this;
   }
 
  private:
   static void fail(NSCoder& coder, std::string_view key) {
-    const auto why = makeString("a " + std::string(key) + " entry that the board cannot use");
+    const auto why = makeString("an entry of \"" + std::string(key) + "\" has another type than it should");
     coder.failWithError(make<NSError>(NSCocoaErrorDomain, NSCoderInvalidValueError,
                                       makeDictionary({{NSDebugDescriptionErrorKey, why}})));
   }
@@ -80,10 +90,10 @@ class ArchivedState : public Object<ArchivedState, NSObject> {
     std::set<std::string> texts;
     const auto links = coder.decodeObject<NSSet>(key);
     if (!links) return texts;
-    for (NSObject* object : each(links)) {
-      const Strong<NSURL> link = send<"ifInstance:">(classOf<NSURL>(), object);
-      if (!link) fail(coder, key);
-      if (link) texts.insert(link->value().relativeString());
+    const auto isLink = [](NSObject* object) { return send<"ifInstance:">(classOf<NSURL>(), object); };
+    if (send<"reject:">(links, isLink)->count() > 0) fail(coder, key);
+    for (NSObject* link : each(send<"select:">(links, isLink))) {
+      texts.insert(static_cast<NSURL&>(*link).value().relativeString());
     }
     return texts;
   }
@@ -132,6 +142,18 @@ std::pair<std::optional<SavedState>, std::string> unarchived(std::span<const std
   return {state->state(), ""};
 }
 
+std::string beginningOf(std::span<const std::byte> bytes) {
+  constexpr std::size_t kShown = 8;
+  return bytes.empty() ? "; it is empty" : "; it begins with " + hexString(bytes.first(std::min(bytes.size(), kShown)));
+}
+
+UUID newIdentifier() {
+  UUID::Bytes bytes;
+  std::random_device random;
+  for (auto& byte : bytes) byte = static_cast<UUID::Bytes::value_type>(random());
+  return UUID(bytes);
+}
+
 }  // namespace
 
 std::string defaultStateFile() {
@@ -152,11 +174,11 @@ RestoredState restoreState(const StateFile& file) {
   if (contents.found == Found::unreadable) {
     return {{}, "cannot read the saved state " + file.path() + " (" + contents.problem + "), nothing is saved", false};
   }
-  std::string reason = "more than 16 MiB";
+  std::string reason = "expected at most 16 MiB, found more";
   if (contents.found == Found::bytes) {
     auto [state, problem] = unarchived(contents.bytes);
     if (state) return {*std::move(state), "", true};
-    reason = problem;
+    reason = problem + beginningOf(contents.bytes);
   }
   const std::string damaged = "the saved state " + file.path() + " is damaged (" + reason + ")";
   const std::string aside = file.setAside();
@@ -164,10 +186,21 @@ RestoredState restoreState(const StateFile& file) {
   return {{}, damaged + " and is set aside as " + aside, true};
 }
 
-std::string saveState(const SavedState& state, const StateFile& file) {
-  Strong<NSError> error;
-  const auto archive = NSKeyedArchiver::archivedDataWithRootObject(make<ArchivedState>(state), false, &error);
-  return archive ? file.replace(archive->bytes()) : reasonOf(*error);
+SaveResult saveState(const SavedState& base, SavedState state, const StateFile& file) {
+  SaveResult result;
+  result.problem = file.update([&](const StateFile::Contents& contents) -> StateFile::Change {
+    if (contents.found == StateFile::Contents::Found::bytes) {
+      const auto theirs = unarchived(contents.bytes).first;
+      result.wasMerged = theirs && theirs->savedBy != base.savedBy;
+      if (result.wasMerged) state = merged(base, state, *theirs);
+    }
+    state.savedBy = newIdentifier();
+    Strong<NSError> error;
+    const auto archive = NSKeyedArchiver::archivedDataWithRootObject(make<ArchivedState>(state), false, &error);
+    if (!archive) return {{}, reasonOf(*error)};
+    return {{archive->bytes().begin(), archive->bytes().end()}, ""};
+  });
+  return result;
 }
 
 }  // namespace radio

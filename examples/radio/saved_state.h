@@ -3,6 +3,8 @@
 #pragma once
 
 #include "state_file.h"
+#include <HavrinFoundation/dates/zero_uuid.h>
+#include <HavrinFoundation/platform/base/uuid.h>
 #include <HavrinFoundation/platform/time/date.h>
 
 #include <map>
@@ -20,6 +22,7 @@ struct SavedState {
   bool favouritesOnly = false;
   std::map<std::string, std::string> genreColours;  // codes as "#1F618D", of genres that were given another colour
   std::optional<havrin::Date> lastOpen;
+  havrin::UUID savedBy = havrin::zero<havrin::UUID>();  // the board that saved it; all zero when none has
 };
 
 /// Where the state stands unless the command line says: "havrin-radio/board.state" in XDG_STATE_HOME, or else in
@@ -36,7 +39,12 @@ struct RestoredState {
 /// The state in the file. A damaged file is set aside.
 RestoredState restoreState(const StateFile& file);
 
-/// Result: empty, or why the state could not be saved.
-std::string saveState(const SavedState& state, const StateFile& file);
+struct SaveResult {
+  std::string problem;     // not empty: why the state could not be saved; then the file is as it was
+  bool wasMerged = false;  // another board had saved since `base`, whose changes are kept (state_merge.h)
+};
+
+/// Saves `state`, which the file was restored to `base` for, under the file's lock.
+SaveResult saveState(const SavedState& base, SavedState state, const StateFile& file);
 
 }  // namespace radio

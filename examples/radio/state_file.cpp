@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -78,11 +79,22 @@ StateFile::Contents StateFile::read() const {
   return {Found::tooMany, {}, {}};
 }
 
-std::string StateFile::replace(std::span<const std::byte> bytes) const {
+std::string StateFile::update(const std::function<Change(const Contents&)>& change) const {
   const std::filesystem::path folder = std::filesystem::path(path_).parent_path();
   std::error_code error;
   if (!folder.empty()) std::filesystem::create_directories(folder, error);
   if (error) return error.message();
+  const Descriptor lock(::open((path_ + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  if (!lock.isOpen()) return errorText();
+  while (flock(lock.number(), LOCK_EX) != 0) {
+    if (errno != EINTR) return errorText();
+  }
+  const Change changed = change(read());
+  return changed.problem.empty() ? replace(changed.bytes) : changed.problem;
+}
+
+std::string StateFile::replace(std::span<const std::byte> bytes) const {
+  const std::filesystem::path folder = std::filesystem::path(path_).parent_path();
   std::string beside = path_ + ".XXXXXX";
   Descriptor file(mkostemp(beside.data(), O_CLOEXEC));
   if (!file.isOpen()) return errorText();

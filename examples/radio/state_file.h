@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -26,15 +27,22 @@ class StateFile {
   };
   [[nodiscard]] Contents read() const;
 
-  /// Puts `bytes` in place of what stands there, and makes the folders on the way. Whoever reads meanwhile, or after a
-  /// crash, finds the old bytes or the new ones. Result: empty, or what went wrong; then the old ones are still there.
-  [[nodiscard]] std::string replace(std::span<const std::byte> bytes) const;
+  struct Change {
+    std::vector<std::byte> bytes;  // to be put in place of what is there
+    std::string problem;           // not empty: nothing is changed, and why
+  };
+  /// Puts what `change` makes of the contents in their place, and makes the folders on the way. Others that update the
+  /// file wait meanwhile, by a lock on "<path>.lock", which stays there, empty. Other readers, also after a crash, find
+  /// the old bytes or the new ones. Result: empty, or what went wrong; then the old ones are still there.
+  [[nodiscard]] std::string update(const std::function<Change(const Contents&)>& change) const;
 
   /// Renames the file to "<path>.damaged", or to "<path>.damaged.2" and so on where that name is taken.
   /// Result: the new path; empty when it could not be renamed.
   [[nodiscard]] std::string setAside() const;
 
  private:
+  [[nodiscard]] std::string replace(std::span<const std::byte> bytes) const;
+
   std::string path_;
 };
 

@@ -5,7 +5,7 @@
 
 Nothing waits for a time: each step waits until the screen shows what is expected, for at most a minute.
 """
-import fcntl, os, pty, re, select, shutil, signal, struct, subprocess, sys, termios, time, unicodedata
+import fcntl, json, os, pty, re, select, shutil, signal, struct, subprocess, sys, termios, time, unicodedata
 
 LIMIT_SECONDS = 60
 PROMPT = "ready> "
@@ -199,18 +199,50 @@ def test_state(board, state, folder):
     shell.close()
 
 
-def test_signal(board, folder):
-    state = f"{folder}/signal.state"
-    shell = Shell(100, 30)
-    shell.type(f"{board} --state {state} --keys /jazz & echo; fg\n")
-    shell.shows("search: jazz_")
-    children = subprocess.run(["ps", "-o", "pid=", "--ppid", str(shell.process)], capture_output=True, text=True)
+def test_two_boards(board, folder):
+    """Two boards on one state file, of which one is ended by a signal: both people's marks are there afterwards."""
+    state = f"{folder}/shared.state"
+    first, second = Shell(100, 30), Shell(100, 30)
+    for shell, keys, mark in ((first, ":WX\\n+", "★ WX"), (second, ":TU\\n+", "★ TU")):
+        shell.type(f"{board} --state {state} --keys $'{keys}' & echo; fg\n")
+        shell.shows(mark)
+    first.type("q")
+    first.ended(0)
+    children = subprocess.run(["ps", "-o", "pid=", "--ppid", str(second.process)], capture_output=True, text=True)
     os.kill(int(children.stdout.split()[0]), signal.SIGTERM)
-    shell.wait("shell", lambda screen: not screen.alternate)
-    shell.ended(143)
+    second.wait("note on both", lambda screen: "marks and colours of both are kept" in screen.text())
+    second.ended(143)
+    first.type(f"clear; {board} --state {state}\n")
+    first.shows("★ TU")
+    first.shows("★ WX")
+    first.type("q")
+    first.ended(0)
+    first.close()
+    second.close()
+
+
+def test_reload(board, folder):
+    """The stations file changes while its board is open."""
+    with open(os.path.join(os.path.dirname(board), "stations.json")) as file:
+        stations = json.load(file)["stations"]
+    path = f"{folder}/stations.jsonl"
+    shell = Shell(100, 30)
+    for count in (3, 5):
+        with open(f"{path}.new", "w") as file:
+            file.writelines(json.dumps(station) + "\n" for station in stations[:count])
+        os.rename(f"{path}.new", path)
+        if count == 3:
+            shell.type(f"{board} --no-state --keys $'\\x1b[B' {path}\n")
+        shell.shows(f"{count} of {count} stations")
+        shell.wait("selected station", lambda screen: "Маяк Свет" in selected(screen))
+    with open(path, "w") as file:
+        file.write("[")
+    shell.shows("0 of 0 stations.*\n.*1 entry skipped")
+    os.remove(path)
+    shell.shows("^The stations stay as they were: ")
+    shell.type("q")
+    shell.ended(0)
     shell.close()
-    if not os.path.exists(state):
-        sys.exit("a board that was ended by a signal has not saved its state")
 
 
 def main():
@@ -220,7 +252,8 @@ def main():
     state = f"{folder}/board.state"
     test_keys(board, state)
     test_state(board, state, folder)
-    test_signal(board, folder)
+    test_two_boards(board, folder)
+    test_reload(board, folder)
 
 
 main()
