@@ -9,7 +9,7 @@
 #include <HavrinFoundation/platform/dispatch/host_loop.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
-#include <HavrinFoundation/platform/foundation/string.h>
+#include <HavrinFoundation/platform/object/string.h>
 #include <HavrinFoundation/text/friendly_number.h>
 
 #include <cstdint>

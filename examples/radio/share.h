@@ -2,9 +2,9 @@
 // What can be shared: objects that have a link for others.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/string.h>
 #include <HavrinFoundation/platform/object/message.h>
 #include <HavrinFoundation/platform/object/protocol.h>
+#include <HavrinFoundation/platform/object/string.h>
 
 namespace radio {
 
