@@ -13,6 +13,8 @@ class ArchiveReentry : public testing::Test {
     Puppet::initialise = nullptr;
     Puppet::awake = nullptr;
     Puppet::encode = nullptr;
+    written_ = nullptr;
+    EXPECT_EQ(Puppet::alive, 0);
   }
 
   static NSKeyedUnarchiver& unarchiver(NSCoder& coder) { return static_cast<NSKeyedUnarchiver&>(coder); }
