@@ -12,12 +12,12 @@ using namespace havrin;
 
 namespace {
 
-// An array that lets nothing be filtered away.
+// An array whose select: keeps every element.
 class Playlist : public Object<Playlist, NSArray> {
  public:
   std::uint64_t count() const override { return 3; }
   Strong<NSObject> objectAtIndex(std::uint64_t index) const override { return makeNumber(index); }
-  Strong<NSArray> select(ElementPredicate) { return makeArray({objectAtIndex(0)}); }
+  Strong<NSArray> select(ElementPredicate) { return Strong<NSArray>(this); }
   using Members = List<Method<"select:", &Playlist::select>>;
 };
 
@@ -32,17 +32,15 @@ void expect(bool holds, const char* what) {
 }  // namespace
 
 int main() {
-  expect(friendlyNumber(12'345) == "12.3k", "typed forms answer");
+  expect(friendlyNumber(12'345) == "12.3k", "a typed form");
 
   const auto playlist = make<Playlist>();
   expect(send<"map:">(playlist, [](NSNumber* n) { return makeNumber(n->integerValue() + 1); })->count() == 3,
-         "the library's messages reach a class of the program");
+         "the messages of the library reach a class of the program");
   const auto odd = [](NSNumber* n) { return n->integerValue() % 2 == 1; };
   expect(send<"select:">(makeArray({makeNumber(0), makeNumber(1), makeNumber(2)}), odd)->count() == 1,
          "select: is the library's");
-  const Strong<NSArray> kept = send<"select:">(static_cast<NSArray*>(playlist), odd);
-  expect(kept->count() == 1 && cast<NSNumber>(kept->objectAtIndex(0))->integerValue() == 0,
-         "the program's override takes part");
+  expect(send<"select:">(static_cast<NSArray*>(playlist), odd)->count() == 3, "an override of the program is called");
 
   kHLogSubsystem = "org.example.player";
   expect(os_log_subsystem(hlog_create_with_category("network")) == std::string_view("org.example.player"),

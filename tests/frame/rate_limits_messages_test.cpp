@@ -113,18 +113,6 @@ TEST_F(Debounce, ReplacesWhatWaitsInAnyModeWithoutAnArgument) {
   }
 }
 
-TEST_F(Debounce, KeepsItsReceiverUntilItHasSent) {
-  const Weak<Field> weak = field;
-  debounce(selector<"show:">, 1);
-  debounce(selector<"search">, 2);
-  debounce(selector<"search">, 3);
-  field = nullptr;
-  clock.advance(2);
-  EXPECT_EQ(weak.lock()->take(), "show nothing 1000, ") << "selectors do not know one another";
-  clock.advance(1);
-  EXPECT_FALSE(weak.lock());
-}
-
 TEST_F(Throttle, RunsAtOnceAndThenDropsUntilMoreThanTheIntervalHasPassed) {
   const struct {
     double interval, elapsed;
