@@ -161,20 +161,18 @@ TEST(ArrayBlocks, KeepNoReferenceAfterAnException) {
 }
 
 TEST(ArrayBlocks, AllocateTheResultOnce) {
-  for (const int size : {1, 31, 1000}) {
-    const auto list = makeMutableArray({});
-    for (int i = 0; i < size; ++i) list->addObject(makeNumber(i));
-    const Strong<NSArray> array = makeArray(list->elements());
-    const auto even = [](NSObject* number) { return static_cast<NSNumber*>(number)->integerValue() % 2 == 0; };
+  for (const std::size_t size : {2U, 31U, 1000U}) {
+    const Strong<NSArray> array = makeArray(letters(std::string(size, 'a'))->elements());
+    std::uint64_t calls = 0;
+    const auto everySecond = [&](NSObject*) { return ++calls % 2 == 0; };
     const auto same = [](NSObject* object) { return Strong<NSObject>(object); };
-    (void)send<"select:">(array, even);
+    (void)send<"select:">(array, everySecond);
     (void)send<"map:">(array, same);
     allocations = 0;
     const auto mapped = send<"map:">(array, same);
     EXPECT_EQ(allocations, 1) << size;
     allocations = 0;
-    const auto selected = send<"select:">(array, even);
+    const auto selected = send<"select:">(array, everySecond);
     EXPECT_EQ(allocations, size < 64 ? 1 : 2) << size << ": what a large one does not need is given back";
-    EXPECT_EQ(selected->count(), static_cast<std::uint64_t>(size + 1) / 2);
   }
 }
