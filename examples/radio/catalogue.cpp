@@ -76,7 +76,8 @@ void Catalogue::note(Station& station, std::int64_t listeners) {
 void Catalogue::note(Station& station, std::string song) {
   Shown& shown = station.shown();
   const bool wasOnAir = !std::exchange(shown.song, std::move(song)).empty();
-  if (shown.isVisible && wasOnAir != !shown.song.empty()) onAir_ += wasOnAir ? -1 : 1;
+  if (!shown.isVisible || wasOnAir != shown.song.empty()) return;
+  wasOnAir ? --onAir_ : ++onAir_;
 }
 
 Station* Catalogue::stationNumbered(std::int64_t number) const {
