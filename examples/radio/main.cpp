@@ -8,6 +8,7 @@
 #include "screen.h"
 #include "session.h"
 #include "terminal.h"
+#include "terminal_kind.h"
 #include <HavrinFoundation/frame/log.h>
 #include <HavrinFoundation/frame/test_flag.h>
 #include <HavrinFoundation/links/app_identity.h>
@@ -142,10 +143,10 @@ int run(Options options) {
   const RestoredState restored = file ? restoreState(*file) : RestoredState();
   if (!restored.problem.empty()) std::fprintf(stderr, "radio: %s\n", restored.problem.c_str());
   const std::string note = restored.problem.empty() ? "" : "Starting fresh: " + restored.problem;
-  const bool colours =
-      options.colours == Colours::always || (options.colours == Colours::automatic && Terminal::takesControls() &&
-                                             !havrin::NSProcessInfo::processInfo()->environmentValue("NO_COLOR"));
-  const Paint paint(colours);
+  const Depth automatic = Terminal::takesControls() ? terminalDepth() : Depth::plain;
+  const Paint paint(options.colours == Colours::always  ? Depth::trueColour
+                    : options.colours == Colours::never ? Depth::plain
+                                                        : automatic);
   SavedState state;
   if (Terminal::isPresent() && !options.once) {
     state = runBoards(options, paint, journal, loaded, restored.state, note);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cwchar>
 
 namespace radio {
@@ -38,9 +39,12 @@ std::string withoutControls(std::string_view text) {
 
 int byteOf(double component) { return static_cast<int>(havrin::clamp(component, {0.0, 1.0}) * 255.0); }
 
-std::string rgbCode(const char* kind, const havrin::RGBA& colour) {
-  return std::string(kind) + ";2;" + std::to_string(byteOf(colour.red)) + ";" + std::to_string(byteOf(colour.green)) +
-         ";" + std::to_string(byteOf(colour.blue));
+// The nearest level of the six that each component has in the cube of the 256 colours.
+int levelOf(int byte) {
+  constexpr int kLevels[] = {0, 95, 135, 175, 215, 255};
+  const auto* const nearest =
+      std::ranges::min_element(kLevels, {}, [byte](int level) { return std::abs(level - byte); });
+  return static_cast<int>(nearest - kLevels);
 }
 
 // Relative luminance. Source: WCAG 2.1.
@@ -106,16 +110,26 @@ std::vector<std::string> linesOf(std::string_view given, std::size_t width) {
 }
 
 std::string Paint::wrapped(const std::string& code, std::string_view text) const {
-  return on_ ? "\x1b[" + code + "m" + std::string(text) + "\x1b[0m" : std::string(text);
+  return depth_ != Depth::plain ? "\x1b[" + code + "m" + std::string(text) + "\x1b[0m" : std::string(text);
+}
+
+std::string Paint::groundCode(const havrin::RGBA& colour) const {
+  const int red = byteOf(colour.red);
+  const int green = byteOf(colour.green);
+  const int blue = byteOf(colour.blue);
+  if (depth_ == Depth::palette) {
+    return "48;5;" + std::to_string(16 + 36 * levelOf(red) + 6 * levelOf(green) + levelOf(blue));
+  }
+  return "48;2;" + std::to_string(red) + ";" + std::to_string(green) + ";" + std::to_string(blue);
 }
 
 std::string Paint::swatch(std::string_view text, const havrin::UIColor& ground) const {
   const auto colour = ground.getRedGreenBlueAlpha();
-  if (!colour) return std::string(text);
+  if (!colour || depth_ < Depth::palette) return std::string(text);
   // The contrast ratios with white and with black are equal at this luminance.
   constexpr double kBothReadAlike = 0.1791;
-  const char* ink = luminance(*colour) > kBothReadAlike ? "38;2;0;0;0" : "38;2;255;255;255";
-  return wrapped(rgbCode("48", *colour) + ";" + ink, text);
+  const char* ink = luminance(*colour) > kBothReadAlike ? ";38;5;16" : ";38;5;231";
+  return wrapped(groundCode(*colour) + ink, text);
 }
 
 }  // namespace radio

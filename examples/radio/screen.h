@@ -21,12 +21,14 @@ std::string fitted(std::string_view text, std::size_t width, bool toTheRight = f
 /// The whole text over as many lines of at most `width` columns as it takes, between words where it can; none for no text.
 std::vector<std::string> linesOf(std::string_view text, std::size_t width);
 
-/// Colours and emphasis, or plain text where they are off.
+/// How much of colours and emphasis is used: no control sequence; bold, faint and the like; the 256 colours that
+/// terminals have in common; 24 bits.
+enum class Depth { plain, emphasis, palette, trueColour };
+
 class Paint {
  public:
-  explicit Paint(bool on) : on_(on) {}
+  explicit Paint(Depth depth) : depth_(depth) {}
 
-  [[nodiscard]] bool isOn() const { return on_; }
   [[nodiscard]] std::string bold(std::string_view text) const { return wrapped("1", text); }
   [[nodiscard]] std::string underlined(std::string_view text) const { return wrapped("1;4", text); }
   [[nodiscard]] std::string marked(std::string_view text) const { return wrapped("1;7", text); }
@@ -37,7 +39,9 @@ class Paint {
  private:
   [[nodiscard]] std::string wrapped(const std::string& code, std::string_view text) const;
 
-  bool on_;
+  [[nodiscard]] std::string groundCode(const havrin::RGBA& colour) const;
+
+  Depth depth_;
 };
 
 }  // namespace radio

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "terminal.h"
 
+#include "terminal_kind.h"
 #include <HavrinFoundation/platform/application/process_info.h>
 
 #include <cerrno>
@@ -71,7 +72,7 @@ void noteSignal(int signal) {
 
 }  // namespace
 
-Terminal::Terminal() {
+Terminal::Terminal() : showsUTF8_(terminalShowsUTF8()) {
   if (signals < 0) signals = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGTSTP, SIGWINCH}) std::signal(signal, noteSignal);
   std::atexit(leave);
@@ -122,7 +123,7 @@ void Terminal::draw(const std::vector<std::string>& lines) {
   for (std::size_t i = 0; i < lines.size(); ++i) {
     if (i < drawn_.size() && drawn_[i] == lines[i]) continue;
     // Erased first: behind a full line the cursor stays on its last column.
-    frame += "\x1b[" + std::to_string(i + 1) + ";1H\x1b[K" + lines[i];
+    frame += "\x1b[" + std::to_string(i + 1) + ";1H\x1b[K" + (showsUTF8_ ? lines[i] : inASCII(lines[i]));
   }
   if (isAllNew || lines.size() < drawn_.size()) {
     if (lines.size() < drawnSize_.height) frame += "\x1b[" + std::to_string(lines.size() + 1) + ";1H\x1b[J";

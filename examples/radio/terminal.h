@@ -45,6 +45,7 @@ class Terminal {
   [[nodiscard]] std::string typed() const;
 
  private:
+  const bool showsUTF8_;
   std::vector<std::string> drawn_;
   Size drawnSize_{0, 0};
 };

@@ -95,6 +95,7 @@ class Shell:
         if self.process == 0:
             os.execvpe("bash", ["bash", "--norc", "--noprofile", "--noediting", "-i"], environment)
         self.screen = Screen(width, height)
+        self.written = ""  # all that has come
         self.resize(width, height)
         self.wait("a prompt", lambda screen: PROMPT.strip() in screen.text())
 
@@ -113,7 +114,9 @@ class Shell:
             left = end - time.monotonic()
             if left <= 0 or not select.select([self.terminal], [], [], left)[0]:
                 sys.exit(f"no {what} on the screen:\n{self.screen.text()}")
-            self.screen.feed(os.read(self.terminal, 65536).decode(errors="replace"))
+            text = os.read(self.terminal, 65536).decode(errors="replace")
+            self.written += text
+            self.screen.feed(text)
 
     def shows(self, pattern):
         self.wait(pattern, lambda screen: re.search(pattern, screen.text(), re.M))
@@ -245,6 +248,35 @@ def test_reload(board, folder):
     shell.close()
 
 
+def test_terminals(board):
+    """Colours and characters as the terminal has them, and no more written than what has changed."""
+    truecolour, palette = r"\x1b\[48;2;175;76;123;38;5;231m chanson", r"\x1b\[48;5;132;38;5;231m chanson"
+    shell = Shell(100, 30)
+    for environment, cursor, wanted, unwanted in (("COLORTERM=truecolor", "▸", truecolour, "48;5"),
+                                                  ("TERM=xterm-256color", "▸", palette, "48;2"),
+                                                  ("TERM=vt220", "▸", r"\x1b\[1m", "48;"),
+                                                  ("NO_COLOR=1", "▸", "chanson", r"\x1b\[[0-9;]*m"),
+                                                  ("LC_ALL=C", ">", r"\?\?\?\?\?\? FM|155", "[^\\x00-\x7f]")):
+        shell.type("clear\n")
+        shell.wait("clear screen", lambda screen: screen.text().strip() == PROMPT.strip())
+        shell.written = ""
+        shell.type(f"IS_EXECUTING_TEST=1 {environment} {board} --no-state\n")
+        shell.shows(f"^{cursor}  ST(.*\n)+Havrin/Version")
+        if not re.search(wanted, shell.written) or re.search(unwanted, shell.written):
+            sys.exit(f"{environment}: wanted {wanted}, and not {unwanted}, in\n{shell.written!r}")
+        shell.written = ""
+        shell.type("\x1b[B")
+        shell.shows(f"^{cursor}  TU")
+        if len(re.findall(r"\x1b\[\d+;1H", shell.written)) > 3:  # two rows, and the clock
+            sys.exit(f"more is written than two rows: {shell.written!r}")
+        shell.type("q")
+        shell.ended(0)
+    shell.type(f"clear; TERM=dumb {board} --no-state\n")
+    shell.ended(0)
+    shell.shows("^Date: ")
+    shell.close()
+
+
 def main():
     board, folder = sys.argv[1:]
     shutil.rmtree(folder, ignore_errors=True)
@@ -254,6 +286,7 @@ def main():
     test_state(board, state, folder)
     test_two_boards(board, folder)
     test_reload(board, folder)
+    test_terminals(board)
 
 
 main()
