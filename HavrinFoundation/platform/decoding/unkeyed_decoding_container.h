@@ -54,6 +54,10 @@ class HAVRIN_EXPORT UnkeyedDecodingContainer {
   template <class Type>
   [[nodiscard]] Decoded<Type> tryDecode(ErrorDetail detail);
 
+  // Decodes into `scalar`; the error, or nothing.
+  template <DecodableScalar Type>
+  [[nodiscard]] detail::ErrorHolder readInto(Type& scalar, ErrorDetail errorDetail);
+
   /// The value at the position. Empty when: it is null (the position moves past it), or the array has ended.
   /// Throws: typeMismatch; dataCorrupted.
   template <class Type>
@@ -119,20 +123,36 @@ Decoded<Type> UnkeyedDecodingContainer::passing(Use&& use) {
   return outcome;
 }
 
+// Not by way of `passing`: a loop over scalars spends most of its time here.
+template <DecodableScalar Type>
+detail::ErrorHolder UnkeyedDecodingContainer::readInto(Type& scalar, ErrorDetail errorDetail) {
+  ScalarTarget target(scalar, errorDetail);
+  try {
+    if (!isBeforeEnd_ && isAtEnd()) {
+      target.fail(DecodingError::valueNotFound("a value", Found::nothing));
+    } else {
+      isBeforeEnd_ = false;
+      source_->readElement(cursor_, target);
+    }
+  } catch (...) {
+    target.fail(detail::ErrorHolder::fromCurrentException());
+  }
+  if (!target.failure()) [[likely]] {
+    ++cursor_.index;
+    return {};
+  }
+  target.failure().prepend(currentIndex());
+  return std::move(target.failure());
+}
+
 template <class Type>
 Decoded<Type> UnkeyedDecodingContainer::tryDecode(ErrorDetail detail) {
-  return passing<Type>([this, detail]() -> Decoded<Type> {
-    if constexpr (DecodableScalar<Type>) {
-      Decoded<Type> scalar(std::in_place);
-      ScalarTarget target(*scalar, detail);
-      source_->readElement(cursor_, target);
-      if (target.failure()) {
-        scalar.fail(std::move(target.failure()));
-      } else {
-        ++cursor_.index;
-      }
-      return scalar;
-    } else {
+  if constexpr (DecodableScalar<Type>) {
+    Decoded<Type> scalar(std::in_place);
+    if (auto failure = readInto(*scalar, detail)) scalar.fail(std::move(failure));
+    return scalar;
+  } else {
+    return passing<Type>([this, detail]() -> Decoded<Type> {
       const auto element = source_->current(cursor_);
       if (!element) return element.error();
       const detail::CodingStep step{place_.step, {}, static_cast<std::int64_t>(currentIndex()), place_.step->userInfo};
@@ -141,8 +161,8 @@ Decoded<Type> UnkeyedDecodingContainer::tryDecode(ErrorDetail detail) {
       if (!value) return value;
       if (auto moved = advance(); !moved) value.fail(std::move(moved.failure()));
       return value;
-    }
-  });
+    });
+  }
 }
 
 }  // namespace platform
