@@ -154,20 +154,17 @@ void DelayedPerforms::siftDown(std::size_t place) {
 
 void DelayedPerforms::link(Request* request) {
   if (2 * (usedSlots_ + 1) > slots_.size()) growSlots();
-  Slot& slot = slots_[slotOf(request->key.target, request->key.selector)];
-  if (slot.first == nullptr) {
-    slot = {request->key.target, request->key.selector, nullptr};
-    ++usedSlots_;
-  }
-  request->next = std::exchange(slot.first, request);
+  Request*& slot = slots_[slotOf(request->key.target, request->key.selector)];
+  if (slot == nullptr) ++usedSlots_;
+  request->next = std::exchange(slot, request);
 }
 
 void DelayedPerforms::unlink(Request* request) {
   const std::size_t slot = slotOf(request->key.target, request->key.selector);
-  Request** link = &slots_[slot].first;
+  Request** link = &slots_[slot];
   while (*link != request) link = &(*link)->next;
   *link = request->next;
-  if (slots_[slot].first == nullptr) eraseSlot(slot);
+  if (slots_[slot] == nullptr) eraseSlot(slot);
 }
 
 // Moves later entries of the same run up, so that no look-up meets a gap.
@@ -175,20 +172,20 @@ void DelayedPerforms::eraseSlot(std::size_t slot) {
   --usedSlots_;
   const std::size_t mask = slots_.size() - 1;
   std::size_t gap = slot;
-  for (std::size_t next = (gap + 1) & mask; slots_[next].first != nullptr; next = (next + 1) & mask) {
-    const std::size_t home = mixed(slots_[next].target, slots_[next].selector) & mask;
+  for (std::size_t next = (gap + 1) & mask; slots_[next] != nullptr; next = (next + 1) & mask) {
+    const std::size_t home = mixed(slots_[next]->key.target, slots_[next]->key.selector) & mask;
     if (((next - home) & mask) >= ((next - gap) & mask)) {
       slots_[gap] = slots_[next];
       gap = next;
     }
   }
-  slots_[gap] = Slot();
+  slots_[gap] = nullptr;
 }
 
 void DelayedPerforms::growSlots() {
-  const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
-  for (const Slot& slot : old) {
-    if (slot.first != nullptr) slots_[slotOf(slot.target, slot.selector)] = slot;
+  const std::vector<Request*> old = std::exchange(slots_, std::vector<Request*>(2 * slots_.size()));
+  for (Request* first : old) {
+    if (first != nullptr) slots_[slotOf(first->key.target, first->key.selector)] = first;
   }
 }
 

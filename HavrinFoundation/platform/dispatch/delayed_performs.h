@@ -76,11 +76,6 @@ class DelayedPerforms {
     DueTime due;  // never later than the request's
     Request* request;
   };
-  struct Slot {
-    const void* target = nullptr;
-    const void* selector = nullptr;
-    Request* first = nullptr;
-  };
 
   [[nodiscard]] static std::uint64_t mixed(const void* target, const void* selector);
   [[nodiscard]] std::size_t slotOf(const void* target, const void* selector) const;
@@ -99,7 +94,7 @@ class DelayedPerforms {
   [[nodiscard]] Work withdraw(Request* request);
 
   std::vector<Place> heap_;
-  std::vector<Slot> slots_;  // open addressing, a power of two of them
+  std::vector<Request*> slots_;  // the first request of each key, or null: open addressing, a power of two of them
   std::size_t usedSlots_ = 0;
   std::size_t waiting_ = 0;
 };
@@ -118,14 +113,14 @@ inline std::uint64_t DelayedPerforms::mixed(const void* target, const void* sele
 inline std::size_t DelayedPerforms::slotOf(const void* target, const void* selector) const {
   const std::size_t mask = slots_.size() - 1;
   std::size_t slot = mixed(target, selector) & mask;
-  while (slots_[slot].first != nullptr && (slots_[slot].target != target || slots_[slot].selector != selector)) {
+  while (slots_[slot] != nullptr && (slots_[slot]->key.target != target || slots_[slot]->key.selector != selector)) {
     slot = (slot + 1) & mask;
   }
   return slot;
 }
 
 inline DelayedPerforms::Request* DelayedPerforms::firstWith(const void* target, const void* selector) const {
-  return slots_[slotOf(target, selector)].first;
+  return slots_[slotOf(target, selector)];
 }
 
 inline void DelayedPerforms::moveTo(Request* request, DueTime due) {
