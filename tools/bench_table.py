@@ -9,7 +9,8 @@
 The results are google-benchmark's JSON files with every repetition in them. benchmarks/**/targets.tsv has one row per
 pair: our benchmark, the peer's, the ratio aimed at, a note. "-" in place of the ratio says that the peer does another
 job; the note then says what differs, and the row is information. A pair that is in no list does the same job, without
-an aim. A table of a page is what is between "<!-- bench: REGEX -->" and "<!-- /bench -->".
+an aim; benchmarks under growth/ have no rows, tools/growth_plots.py draws them. A table of a page is what is between
+"<!-- bench: REGEX -->" and "<!-- /bench -->".
 Exit status 1: a row of the targets names a benchmark that did not run.
 """
 import argparse
@@ -72,7 +73,7 @@ def unlisted_rows(times, targets):
     known = {row[:2] for row in targets}
     rows = []
     for ours in times:
-        if re.search(r"/ours(?=/|$)", ours):
+        if re.search(r"/ours(?=/|$)", ours) and not ours.startswith("growth/"):
             pattern = re.compile(re.sub(r"/ours(?=/|$)", "/[^/]+", re.escape(ours)) + "$")
             rows += [(ours, peer, None, True, "") for peer in times
                      if peer != ours and pattern.match(peer) and (ours, peer) not in known]

@@ -169,6 +169,14 @@ void registerAll() {
             selectPeer<std::vector<boost::intrusive_ptr<Counted>>>);
     measure("array_blocks/select", "qvariant", size, odd, variants, selectPeer<QList<QVariant>>);
   }
+  for (std::size_t size = 1; size <= 1'000'000; size *= 10) {
+    std::size_t odd = 0;
+    for (const std::int64_t number : numbers(size)) odd += isOdd(number);
+    measure("growth/select", "ours", size, odd, objects, selectOurs);
+    measure("growth/select", "shared_ptr", size, odd, shared, selectPeer<std::vector<std::shared_ptr<Plain>>>);
+    measure("growth/select", "intrusive_ptr", size, odd, intrusive,
+            selectPeer<std::vector<boost::intrusive_ptr<Counted>>>);
+  }
   constexpr std::size_t kMapped = 1000;
   measure("array_blocks/map", "ours", kMapped, kMapped, objects, mapOurs);
   measure("array_blocks/map_to_numbers", "ours", kMapped, kMapped, objects, mapToNumbers);

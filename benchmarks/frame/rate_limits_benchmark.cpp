@@ -52,7 +52,8 @@ void debounceMessage(benchmark::State& state) {
     send<"h_debounce:delay:">(*fields[next], selector<"search">, kDelaySeconds);
     if (++next == fields.size()) next = 0;
   }
-  for (auto& field : fields) cancelPreviousPerformRequests(*field);
+  // With the selector: without it each of them would be looked for among all.
+  for (auto& field : fields) cancelPreviousPerformRequests(*field, selector<"search">, nullptr);
 }
 
 void debounceEngine(benchmark::State& state) {
@@ -67,7 +68,7 @@ void debounceEngine(benchmark::State& state) {
     reperformSelectorAfterDelay(*fields[next], name, kDelaySeconds);
     if (++next == fields.size()) next = 0;
   }
-  for (auto& field : fields) cancelPreviousPerformRequests(*field);
+  for (auto& field : fields) cancelPreviousPerformRequests(*field, name, nullptr);
 }
 
 // A deadline for each key, and a heap that learns of the later ones only when the old ones come.
@@ -159,6 +160,12 @@ DEBOUNCE_BENCHMARK(debounceUv, "uv");
 DEBOUNCE_BENCHMARK(debounceQt, "qt");
 DEBOUNCE_BENCHMARK(debounceGlib, "glib");
 DEBOUNCE_BENCHMARK(debounceAsio, "asio");
+
+#define GROWTH_BENCHMARK(function, name) \
+  BENCHMARK(function)->Name("growth/debounce/" name)->ArgName("size")->RangeMultiplier(10)->Range(1, 100'000)
+GROWTH_BENCHMARK(debounceMessage, "ours");
+GROWTH_BENCHMARK(debouncePriorityQueue, "priority_queue");
+GROWTH_BENCHMARK(debounceUv, "uv");
 
 void throttleMessage(benchmark::State& state) {
   const auto field = make<Field>();

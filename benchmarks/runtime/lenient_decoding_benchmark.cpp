@@ -60,11 +60,11 @@ struct ThrowingStation {
 bool isBad(int element, int badPercent) {
   return badPercent == 50 ? element % 2 == 1 : badPercent != 0 && element % 100 == 99;
 }
-int goodElements(int badPercent) { return kElements - kElements * badPercent / 100; }
+int goodElements(int badPercent, int elements = kElements) { return elements - elements * badPercent / 100; }
 
-std::string stationsText(int badPercent) {
+std::string stationsText(int badPercent, int elements = kElements) {
   std::string text = "{\"stations\":[";
-  for (int element = 0; element < kElements; ++element) {
+  for (int element = 0; element < elements; ++element) {
     const int listeners = element * 37 % 100'000;
     char number[16];
     std::snprintf(number, sizeof number, isBad(element, badPercent) ? "\"%d\"" : "%d", listeners);
@@ -93,12 +93,13 @@ void require(bool condition) {
 }
 
 template <class T>
-void decodesArray(benchmark::State& state, const std::string& text, const char* key, int badPercent) {
+void decodesArray(benchmark::State& state, const std::string& text, const char* key, int badPercent,
+                  int count = kElements) {
   JSONDecoder decoder;
   for (auto _ : state) {
     auto elements = decoder.read(
         text, [&](Decoder& document) { return decodeArraySkippingInvalidElements<T>(document.container(), key); });
-    require(elements.size() == static_cast<std::size_t>(goodElements(badPercent)));
+    require(elements.size() == static_cast<std::size_t>(goodElements(badPercent, count)));
     benchmark::DoNotOptimize(elements.data());
   }
   state.SetItemsProcessed(state.iterations() * kElements);
@@ -106,12 +107,12 @@ void decodesArray(benchmark::State& state, const std::string& text, const char* 
 
 // ---------------------------------------------------------------------------------------------------------- peers
 
-void onDemand(benchmark::State& state, const std::string& plain, int badPercent) {
+void onDemand(benchmark::State& state, const std::string& plain, int badPercent, int elements = kElements) {
   const simdjson::padded_string text(plain);
   simdjson::ondemand::parser parser;
   for (auto _ : state) {
     std::vector<Station> stations;
-    stations.reserve(kElements);
+    stations.reserve(static_cast<std::size_t>(elements));
     simdjson::ondemand::document document;
     simdjson::ondemand::array array;
     require(!parser.iterate(text).get(document) && !document["stations"].get_array().get(array));
@@ -127,18 +128,18 @@ void onDemand(benchmark::State& state, const std::string& plain, int badPercent)
       station.name = name;
       stations.push_back(std::move(station));
     }
-    require(stations.size() == static_cast<std::size_t>(goodElements(badPercent)));
+    require(stations.size() == static_cast<std::size_t>(goodElements(badPercent, elements)));
     benchmark::DoNotOptimize(stations.data());
   }
   state.SetItemsProcessed(state.iterations() * kElements);
 }
 
-void dom(benchmark::State& state, const std::string& plain, int badPercent) {
+void dom(benchmark::State& state, const std::string& plain, int badPercent, int elements = kElements) {
   const simdjson::padded_string text(plain);
   simdjson::dom::parser parser;
   for (auto _ : state) {
     std::vector<Station> stations;
-    stations.reserve(kElements);
+    stations.reserve(static_cast<std::size_t>(elements));
     simdjson::dom::array array;
     require(!parser.parse(text)["stations"].get_array().get(array));
     for (const simdjson::dom::element element : array) {
@@ -152,7 +153,7 @@ void dom(benchmark::State& state, const std::string& plain, int badPercent) {
       station.name = name;
       stations.push_back(std::move(station));
     }
-    require(stations.size() == static_cast<std::size_t>(goodElements(badPercent)));
+    require(stations.size() == static_cast<std::size_t>(goodElements(badPercent, elements)));
     benchmark::DoNotOptimize(stations.data());
   }
   state.SetItemsProcessed(state.iterations() * kElements);
@@ -362,6 +363,19 @@ int main(int argc, char** argv) {
         [bad, &stations](benchmark::State& state) { domThrowing(state, stations, bad); });
     add("stations", "nlohmann", [bad, &stations](benchmark::State& state) { nlohmannThrowing(state, stations, bad); });
     add("stations", "qt", [bad, &stations](benchmark::State& state) { qtJson(state, stations, bad); });
+  }
+  static std::vector<std::string> growing;
+  growing.reserve(7);
+  for (int elements = 1; elements <= 1'000'000; elements *= 10) {
+    const std::string& text = growing.emplace_back(stationsText(0, elements));
+    const std::string label = "growth/decoding/" + std::to_string(elements);
+    benchmark::RegisterBenchmark((label + "/ours").c_str(), [elements, &text](benchmark::State& state) {
+      decodesArray<Station>(state, text, "stations", 0, elements);
+    });
+    benchmark::RegisterBenchmark((label + "/simdjson_dom").c_str(),
+                                 [elements, &text](benchmark::State& state) { dom(state, text, 0, elements); });
+    benchmark::RegisterBenchmark((label + "/simdjson_ondemand").c_str(),
+                                 [elements, &text](benchmark::State& state) { onDemand(state, text, 0, elements); });
   }
   benchmark::RunSpecifiedBenchmarks();
   return 0;

@@ -65,8 +65,8 @@ std::string lowerCase(std::string text) {
 }
 
 template <class Encode>
-void measure(const char* name, std::size_t size, const char* label, Encode encode) {
-  benchmark::RegisterBenchmark((std::string("hex/encode/") + label + "/" + name).c_str(), [=](benchmark::State& state) {
+void measure(const char* name, std::size_t size, const std::string& label, Encode encode) {
+  benchmark::RegisterBenchmark((label + "/" + name).c_str(), [=](benchmark::State& state) {
     Bytes bytes(size);
     std::mt19937 generator(7);
     for (unsigned char& byte : bytes) byte = static_cast<unsigned char>(generator());
@@ -83,7 +83,8 @@ void measure(const char* name, std::size_t size, const char* label, Encode encod
 
 [[maybe_unused]] const bool registered = [] {
   const std::pair<std::size_t, const char*> sizes[] = {{16, "16_B"}, {64, "64_B"}, {1024, "1_KiB"}, {1 << 20, "1_MiB"}};
-  for (const auto& [size, label] : sizes) {
+  for (const auto& [size, sizeLabel] : sizes) {
+    const std::string label = std::string("hex/encode/") + sizeLabel;
     measure("ours", size, label, ours);
     measure("absl", size, label, absl);
     measure("openssl", size, label, openssl);
@@ -91,6 +92,12 @@ void measure(const char* name, std::size_t size, const char* label, Encode encod
     measure("boost", size, label, boost);
     if (size <= 1024) measure("fmt", size, label, fmt);
     if (size <= 1024) measure("snprintf", size, label, snprintf);
+  }
+  for (std::size_t size = 1; size <= 10'000'000; size *= 10) {
+    const std::string label = "growth/hex/" + std::to_string(size);
+    measure("ours", size, label, ours);
+    measure("absl", size, label, absl);
+    measure("openssl", size, label, openssl);
   }
   return true;
 }();

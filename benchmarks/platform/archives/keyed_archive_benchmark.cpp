@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <string>
 #include <thread>
@@ -22,7 +23,7 @@ namespace {
 
 using namespace havrin;
 
-constexpr int kInstances = 3'333;
+constexpr int kInstances = 3'333;  // in all rows but those of growth
 
 class Station : public Object<Station, NSObject> {
  public:
@@ -54,26 +55,28 @@ class Station : public Object<Station, NSObject> {
 };
 const ArchivedClass<Station> kArchivedStation("Station");
 
-NSData& archive() {
-  static NSData* const kArchive = [] {
-    ArrayBuilder stations(kInstances);
-    for (int i = 0; i < kInstances; ++i) stations.add(make<Station>(i));
-    return NSKeyedArchiver::archivedDataWithRootObject(stations.finish(), true, nullptr).detach();
-  }();
-  return *kArchive;
+NSData& archive(int instances = kInstances) {
+  static auto* const kArchives = new std::map<int, Strong<NSData>>;
+  Strong<NSData>& made = (*kArchives)[instances];
+  if (!made) {
+    ArrayBuilder stations(static_cast<std::size_t>(instances));
+    for (int i = 0; i < instances; ++i) stations.add(make<Station>(i));
+    made = NSKeyedArchiver::archivedDataWithRootObject(stations.finish(), true, nullptr);
+  }
+  return *made;
 }
 
 void check(bool isRight) {
   if (!isRight) std::abort();
 }
 
-void readsOurs(benchmark::State& state) {
-  NSData& data = archive();
+void readsOurs(benchmark::State& state, int instances) {
+  NSData& data = archive(instances);
   for (auto _ : state) {
     const auto unarchiver = alloc<NSKeyedUnarchiver>()->initForReadingFromData(&data, nullptr);
     unarchiver->setRequiresSecureCoding(false);
     const auto stations = unarchiver->decodeObject<NSArray>(NSKeyedArchiveRootObjectKey);
-    check(stations && stations->count() == kInstances);
+    check(stations && stations->count() == static_cast<std::uint64_t>(instances));
   }
 }
 
@@ -96,8 +99,8 @@ struct PlainStation {
 
 class Tree {
  public:
-  Tree() {
-    const auto bytes = archive().bytes();
+  explicit Tree(int instances = kInstances) {
+    const auto bytes = archive(instances).bytes();
     plist_from_bin(reinterpret_cast<const char*>(bytes.data()), static_cast<std::uint32_t>(bytes.size()), &root_);
     check(root_ != nullptr);
     objects_ = plist_dict_get_item(root_, "$objects");
@@ -128,7 +131,7 @@ std::shared_ptr<std::string> textOf(plist_t node) {
 }
 
 template <class At>
-void readsTree(At objectAt, plist_t root) {
+std::vector<std::shared_ptr<PlainStation>> readsTree(At objectAt, plist_t root) {
   std::vector<std::shared_ptr<PlainStation>> stations;
   const plist_t row = plist_dict_get_item(objectAt(uidOf(root)), "NS.objects");
   stations.reserve(plist_array_get_size(row));
@@ -148,12 +151,12 @@ void readsTree(At objectAt, plist_t root) {
     stations.push_back(std::move(station));
   }
   std::free(next);
-  check(stations.size() == kInstances);
+  return stations;
 }
 
-void readsIndexed(benchmark::State& state) {
+void readsIndexed(benchmark::State& state, int instances) {
   for (auto _ : state) {
-    const Tree tree;
+    const Tree tree(instances);
     std::vector<plist_t> objects;
     objects.reserve(plist_array_get_size(tree.objects()));
     plist_array_iter next = nullptr;
@@ -162,16 +165,18 @@ void readsIndexed(benchmark::State& state) {
       objects.push_back(object);
     }
     std::free(next);
-    readsTree([&objects](std::uint64_t uid) { return objects.at(uid); }, tree.root());
+    const auto stations = readsTree([&objects](std::uint64_t uid) { return objects.at(uid); }, tree.root());
+    check(stations.size() == static_cast<std::size_t>(instances));
   }
 }
 
 void readsByIndex(benchmark::State& state) {
   for (auto _ : state) {
     const Tree tree;
-    readsTree(
+    const auto stations = readsTree(
         [&tree](std::uint64_t uid) { return plist_array_get_item(tree.objects(), static_cast<std::uint32_t>(uid)); },
         tree.root());
+    check(stations.size() == kInstances);
   }
 }
 
@@ -196,11 +201,16 @@ void writesTree(benchmark::State& state) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::RegisterBenchmark("keyed_archive/read/10000/ours", readsOurs);
-  benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_indexed", readsIndexed);
+  benchmark::RegisterBenchmark("keyed_archive/read/10000/ours", readsOurs, kInstances);
+  benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_indexed", readsIndexed, kInstances);
   benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_by_index", readsByIndex);
   benchmark::RegisterBenchmark("keyed_archive/read/10000/libplist_parse_alone", parses);
   benchmark::RegisterBenchmark("keyed_archive/write/10000/ours", writesOurs);
   benchmark::RegisterBenchmark("keyed_archive/write/10000/libplist_tree_alone", writesTree);
+  for (int instances = 1; instances <= 100'000; instances *= 10) {
+    const std::string label = "growth/archive/" + std::to_string(instances);
+    benchmark::RegisterBenchmark((label + "/ours").c_str(), readsOurs, instances);
+    benchmark::RegisterBenchmark((label + "/libplist_indexed").c_str(), readsIndexed, instances);
+  }
   return runBesideSecondThread(argc, argv);
 }

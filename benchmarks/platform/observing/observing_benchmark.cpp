@@ -301,6 +301,12 @@ void registerAll() {
   add("change/one_party/1000/gobject", [](State& state) { runGObject(state, kMany); });
   add("change/parties/1000/ours", [](State& state) { runOurs(state, kMany, false, 0); });
   add("change/parties/1000/qt", [](State& state) { runQt(state, kMany, false); });
+  for (int count = 1; count <= 100'000; count *= 10) {
+    const std::string label = "growth/change/" + std::to_string(count);
+    add((label + "/ours").c_str(), [count](State& state) { runOurs(state, count, true, 0); });
+    add((label + "/qt").c_str(), [count](State& state) { runQt(state, count, true); });
+    add((label + "/signals2").c_str(), [count](State& state) { runBoost(state, count); });
+  }
   add("change/values/1/ours", [](State& state) { runOurs(state, 1, true, kBoth); });
   add("change/values/1/qt_set_property", qtSetProperty);
   add("change/values/1/gobject_set", gobjectSet);
