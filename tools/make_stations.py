@@ -2,8 +2,10 @@
 # SPDX-License-Identifier: Apache-2.0
 """Writes examples/radio/stations.json: made-up stations in several scripts, a tenth of them bad in ten different ways.
 
-  tools/make_stations.py > examples/radio/stations.json       the same text each time
+  tools/make_stations.py > examples/radio/stations.json             the same text each time
+  tools/make_stations.py --lines --count 1000000 > many.jsonl       more of them, one a line
 """
+import argparse
 import json
 import random
 
@@ -73,14 +75,21 @@ FAULTS = [
 
 
 def main():
+    parser = argparse.ArgumentParser(description="Writes made-up stations.")
+    parser.add_argument("--count", type=int, default=COUNT)
+    parser.add_argument("--lines", action="store_true", help="JSON lines")
+    options = parser.parse_args()
     words = random.Random(20261122)
-    lines = []
-    for number in range(1, COUNT + 1):
+    if not options.lines:
+        print('{\n  "stations": [')
+    for number in range(1, options.count + 1):
         entry = station(number, words)
         if number % BAD_EVERY == 0:
             entry = FAULTS[number // BAD_EVERY % len(FAULTS)](entry)
-        lines.append("    " + json.dumps(entry, ensure_ascii=False))
-    print('{\n  "stations": [\n' + ",\n".join(lines) + "\n  ]\n}")
+        text = json.dumps(entry, ensure_ascii=False)
+        print(text if options.lines else "    " + text + ("," if number < options.count else ""))
+    if not options.lines:
+        print("  ]\n}")
 
 
 if __name__ == "__main__":

@@ -154,7 +154,7 @@ void Board::command(const Keystroke& key) {
     case Key::home:
       return moveTo(0);
     case Key::end:
-      return moveTo(static_cast<std::int64_t>(catalogue_.visible().count()) - 1);
+      return moveTo(static_cast<std::int64_t>(catalogue_.visible().size()) - 1);
     case Key::escape:
       return leave();
     case Key::tab:
@@ -193,7 +193,7 @@ void Board::runCommand(std::string_view letter) {
   } else if (letter == "-") {
     hide();
   } else if (letter == "x") {
-    if (const auto station = send<"hav_randomObject">(catalogue_.visible())) moveTo(static_cast<Station&>(*station));
+    if (const auto station = send<"hav_randomObject">(catalogue_.all())) moveTo(static_cast<Station&>(*station));
   } else if (letter == "y") {
     share();
   } else {
@@ -227,18 +227,19 @@ void Board::leave() {
 }
 
 void Board::moveTo(std::int64_t row) {
-  const auto count = static_cast<std::int64_t>(catalogue_.visible().count());
+  const auto count = static_cast<std::int64_t>(catalogue_.visible().size());
   cursor_ =
       static_cast<std::size_t>(havrin::clamp(row, ClosedRange<std::int64_t>{0, std::max<std::int64_t>(0, count - 1)}));
 }
 
 // Leaves a filter that hides it.
 void Board::moveTo(const Station& station) {
-  if (!station.shown().isVisible) {
+  if (!catalogue_.isVisible(station)) {
     filter_ = {};
     applySearch();
   }
-  moveTo(static_cast<std::int64_t>(catalogue_.visible().indexOfObject(&station)));
+  const std::vector<Station*>& visible = catalogue_.visible();
+  moveTo(std::find(visible.begin(), visible.end(), &station) - visible.begin());
 }
 
 void Board::goTo(const std::string& number) {
@@ -264,8 +265,8 @@ void Board::applySearch() {
 void Board::refresh() { hasChanged_ = true; }
 
 Station* Board::selected() {
-  if (cursor_ < catalogue_.visible().count()) {
-    return static_cast<Station*>(catalogue_.visible().objectAtIndex(cursor_).get());
+  if (cursor_ < catalogue_.visible().size()) {
+    return catalogue_.visible()[cursor_];
   }
   note_ = "The search finds no station.";
   return nullptr;
@@ -278,7 +279,7 @@ std::string Board::selectedLink() {
 
 void Board::select(std::string_view link) {
   const Station* station = catalogue_.stationLinked(link);
-  if (station && station->shown().isVisible) moveTo(*station);
+  if (station && catalogue_.isVisible(*station)) moveTo(*station);
 }
 
 void Board::open() {

@@ -79,7 +79,7 @@ std::vector<std::string> Board::footer(std::size_t width, const Paint& paint) co
 
 std::vector<std::string> Board::header(std::size_t width, const Paint& paint) const {
   const std::string count =
-      std::to_string(catalogue_.visible().count()) + " of " + std::to_string(catalogue_.all().count());
+      std::to_string(catalogue_.visible().size()) + " of " + std::to_string(catalogue_.all().count());
   const std::string heard = friendlyNumber(catalogue_.listeners());
   const std::string search = prompt_.isOpen()       ? std::string(prompt_.label()) + ": " + prompt_.text() + "_"
                              : filter_.text.empty() ? "/ to search"
@@ -109,11 +109,11 @@ std::vector<std::string> Board::list(std::size_t width, std::size_t rows, const 
   const Layout layout(width);
   std::vector<std::string> lines{layout.heading(paint)};
   page_ = std::max<std::size_t>(1, rows - 1);
-  const std::size_t count = catalogue_.visible().count();
+  const std::size_t count = catalogue_.visible().size();
   top_ = std::min({top_, cursor_, count > page_ ? count - page_ : 0});
   if (cursor_ >= top_ + page_) top_ = cursor_ - page_ + 1;
   for (std::size_t i = top_; i < std::min(top_ + page_, count); ++i) {
-    const auto& station = static_cast<const Station&>(*catalogue_.visible().objectAtIndex(i));
+    const auto& station = *catalogue_.visible()[i];
     lines.push_back(layout.row(station, i == cursor_, paint));
   }
   return lines;
@@ -121,8 +121,8 @@ std::vector<std::string> Board::list(std::size_t width, std::size_t rows, const 
 
 std::vector<std::string> Board::detail(std::size_t width, std::size_t rows, const Paint& paint) {
   std::vector<std::string> lines;
-  if (cursor_ < catalogue_.visible().count()) {
-    const auto& station = static_cast<const Station&>(*catalogue_.visible().objectAtIndex(cursor_));
+  if (cursor_ < catalogue_.visible().size()) {
+    const auto& station = *catalogue_.visible()[cursor_];
     lines = detailLines(station, width, paint);
   }
   lines.resize(std::min(lines.size(), rows));

@@ -30,53 +30,67 @@ Station* stationIn(const Strong<NSObject>& found) { return static_cast<Station*>
 }  // namespace
 
 Catalogue::Catalogue(const NSArray& stations)
-    : all_(stations.snapshot()),
-      order_(mutableCopyOf(stations)),
-      visible_(all_),
-      genres_(genresOf(stations)),
-      index_(stations) {
+    : all_(stations.snapshot()), genres_(genresOf(stations)), index_(stations) {
   std::size_t ordinal = 0;
   for (NSObject* object : each(all_)) static_cast<Station&>(*object).shown().ordinal = ordinal++;
+  setOrder(*all_);
   apply({});
 }
 
-void Catalogue::apply(const Filter& filter) {
-  const std::vector<bool> matches = index_.matches(filter.text);
-  onAir_ = 0;
-  listeners_ = 0;
-  visible_ = send<"select:">(order_, [&](Station& station) {
-    Shown& shown = station.shown();
-    shown.isVisible = matches[shown.ordinal] && (!filter.favouritesOnly || station.isFavourite()) &&
-                      (filter.genre.empty() || filter.genre == station.entry().genre);
-    if (shown.isVisible) {
-      listeners_ += shown.listeners;
-      onAir_ += shown.song.empty() ? 0 : 1;
-    }
-    return shown.isVisible;
-  });
+void Catalogue::setOrder(const NSArray& stations) {
+  order_ = stations.snapshot();
+  isInFileOrder_ = order_ == all_;
+  ordered_.clear();
+  for (NSObject* object : each(order_)) ordered_.push_back(static_cast<Station*>(object));
 }
 
-void Catalogue::shuffle() { send<"shuffle">(order_); }
+// Neither sends nor counts references: a million stations are not in the processor's caches.
+void Catalogue::apply(const Filter& filter) {
+  const std::vector<bool> matches = index_.matches(filter.text);
+  visible_.clear();
+  isVisible_.assign(matches.size(), false);
+  onAir_ = 0;
+  listeners_ = 0;
+  for (std::size_t i = 0; i < ordered_.size(); ++i) {
+    if (isInFileOrder_ && !matches[i]) continue;
+    Station& station = *ordered_[i];
+    const Shown& shown = station.shown();
+    const bool isFound = matches[shown.ordinal] && (!filter.favouritesOnly || station.isFavourite()) &&
+                         (filter.genre.empty() || filter.genre == station.entry().genre);
+    if (!isFound) continue;
+    visible_.push_back(&station);
+    isVisible_[shown.ordinal] = true;
+    listeners_ += shown.listeners;
+    onAir_ += shown.song.empty() ? 0 : 1;
+  }
+}
+
+void Catalogue::shuffle() {
+  const auto shuffled = mutableCopyOf(*order_);
+  send<"shuffle">(shuffled);
+  setOrder(*shuffled);
+}
 
 void Catalogue::hide(Station& station) {
-  send<"hav_removeObjectsInArray:">(order_, makeArray({&station}));
-  station.shown().isVisible = false;
+  const auto others = mutableCopyOf(*order_);
+  send<"hav_removeObjectsInArray:">(others, makeArray({&station}));
+  setOrder(*others);
 }
 
 void Catalogue::showAll() {
-  if (order_->count() != all_->count()) order_ = mutableCopyOf(*all_);
+  if (order_->count() != all_->count()) setOrder(*all_);
 }
 
 void Catalogue::note(Station& station, std::int64_t listeners) {
   Shown& shown = station.shown();
   const std::int64_t before = std::exchange(shown.listeners, listeners);
-  if (shown.isVisible) listeners_ += listeners - before;
+  if (isVisible(station)) listeners_ += listeners - before;
 }
 
 void Catalogue::note(Station& station, std::string song) {
   Shown& shown = station.shown();
   const bool wasOnAir = !std::exchange(shown.song, std::move(song)).empty();
-  if (!shown.isVisible || wasOnAir != shown.song.empty()) return;
+  if (!isVisible(station) || wasOnAir != shown.song.empty()) return;
   wasOnAir ? --onAir_ : ++onAir_;
 }
 

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace radio {
 
@@ -25,7 +26,8 @@ class Catalogue {
   explicit Catalogue(const havrin::NSArray& stations);
 
   [[nodiscard]] const havrin::NSArray& all() const { return *all_; }
-  [[nodiscard]] const havrin::NSArray& visible() const { return *visible_; }
+  [[nodiscard]] const std::vector<Station*>& visible() const { return visible_; }
+  [[nodiscard]] bool isVisible(const Station& station) const { return isVisible_[station.shown().ordinal]; }
   [[nodiscard]] std::size_t onAir() const { return onAir_; }
   [[nodiscard]] std::int64_t listeners() const { return listeners_; }
 
@@ -48,9 +50,14 @@ class Catalogue {
   [[nodiscard]] std::string genreAfter(const std::string& genre) const;
 
  private:
+  void setOrder(const havrin::NSArray& stations);
+
   havrin::Strong<havrin::NSArray> all_;
-  havrin::Strong<havrin::NSMutableArray> order_;  // all of them, as shuffled, without hidden ones
-  havrin::Strong<havrin::NSArray> visible_;
+  havrin::Strong<havrin::NSArray> order_;  // all of them, as shuffled, without hidden ones
+  std::vector<Station*> ordered_;          // the same
+  bool isInFileOrder_ = true;
+  std::vector<Station*> visible_;
+  std::vector<bool> isVisible_;                  // by ordinal
   havrin::Strong<havrin::NSOrderedSet> genres_;  // in the order of their first stations
   SearchIndex index_;
   std::size_t onAir_ = 0;

@@ -5,7 +5,7 @@
 #include <HavrinFoundation/platform/foundation/fast_enumeration.h>
 #include <HavrinFoundation/platform/unicode/unicode.h>
 
-#include <algorithm>
+#include <cstring>
 #include <cwctype>
 
 namespace radio {
@@ -43,11 +43,13 @@ std::vector<bool> SearchIndex::matches(std::string_view text) const {
   appendLowered(wanted, text);
   std::vector<bool> found(ends_.size(), wanted.empty());
   if (wanted.empty()) return found;
-  auto end = ends_.begin();
-  const std::string_view texts = texts_;
-  for (std::size_t at = 0; (at = texts.find(wanted, at)) != std::string_view::npos; at = *end) {
-    end = std::upper_bound(end, ends_.end(), at);
-    found[static_cast<std::size_t>(end - ends_.begin())] = true;
+  std::size_t station = 0;
+  for (const char *at = texts_.data(), *last = at + texts_.size();
+       (at =
+            static_cast<const char*>(memmem(at, static_cast<std::size_t>(last - at), wanted.data(), wanted.size())));) {
+    while (texts_.data() + ends_[station] <= at) ++station;
+    found[station] = true;
+    at = texts_.data() + ends_[station];
   }
   return found;
 }

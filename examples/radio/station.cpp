@@ -37,8 +37,8 @@ Decoded<StationEntry> StationEntry::fromDecoder(Decoder& decoder) {
 }
 
 Station::Station(const StationEntry& entry)
-    : entry_(entry),
-      shown_{entry.listeners, entry.song},
+    : shown_{entry.listeners, entry.song},
+      entry_(entry),
       colour_(fromHexString<UIColor>(entry.genreColour)),
       song_(makeString(entry.song)),
       listeners_(entry.listeners),

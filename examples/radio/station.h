@@ -46,7 +46,6 @@ struct Shown {
   std::int64_t listeners;
   std::string song;
   std::size_t ordinal = 0;  // in the order of the files
-  bool isVisible = true;    // passes the filter
 };
 
 /// A station on the board. The studios change `listeners` and `song` on threads of their own: the board
@@ -68,8 +67,8 @@ class Station : public havrin::Object<Station, havrin::NSObject> {
   void setSong(havrin::NSString* song) { set<"song">(song); }
 
  private:
+  Shown shown_;  // before the entry: what a search over all stations reads is together
   StationEntry entry_;
-  Shown shown_;
   havrin::Strong<havrin::UIColor> colour_;
   havrin::Strong<havrin::NSString> song_;
   std::int64_t listeners_ = 0;

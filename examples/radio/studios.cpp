@@ -23,7 +23,7 @@ constexpr auto kPause = std::chrono::milliseconds(60);
 }  // namespace
 
 Strong<NSArray> Studios::live(const NSArray& stations) {
-  const auto onAir = send<"reject:">(stations, [](const Station& station) { return station.entry().song.empty(); });
+  const auto onAir = send<"select:">(stations, [](const Station& station) { return !station.entry().song.empty(); });
   return send<"arrayByRemovingObjectsFromIndex:">(onAir, kLive);
 }
 
