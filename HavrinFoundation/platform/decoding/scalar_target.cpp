@@ -109,8 +109,9 @@ void ScalarTarget::putNull() {
   }
 }
 
-bool ScalarTarget::storeOtherInteger(bool isNegative, std::uint64_t magnitude) {
+bool ScalarTarget::storeInteger(bool isNegative, std::uint64_t magnitude) {
   const std::uint64_t value = isNegative ? 0 - magnitude : magnitude;
+  if (type_ == Type::int64 && std::in_range<std::int64_t>(magnitude)) return store(scalar_, value), true;  // most
   // Converted from the integer directly, so that it is rounded once.
   if (type_ == Type::float32) {
     const auto real = static_cast<float>(magnitude);
@@ -138,7 +139,10 @@ bool ScalarTarget::storeOtherInteger(bool isNegative, std::uint64_t magnitude) {
   }
 }
 
-void ScalarTarget::refuseInteger(std::int64_t value) { refuseNumber(std::to_string(value)); }
+void ScalarTarget::putInteger(std::int64_t value) {
+  const auto bits = static_cast<std::uint64_t>(value);
+  if (!storeInteger(value < 0, value < 0 ? 0 - bits : bits)) refuseNumber(std::to_string(value));
+}
 
 void ScalarTarget::putInteger(std::uint64_t value) {
   if (!storeInteger(false, value)) refuseNumber(std::to_string(value));

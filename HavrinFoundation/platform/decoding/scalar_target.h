@@ -104,11 +104,7 @@ class HAVRIN_EXPORT ScalarTarget {
     if (type_ != Type::boolean) return refuse(Found::boolean, value ? "true" : "false");
     std::memcpy(scalar_, &value, sizeof value);
   }
-  void putInteger(std::int64_t value) {
-    const auto bits = static_cast<std::uint64_t>(value);
-    if (!storeInteger(value < 0, value < 0 ? 0 - bits : bits)) [[unlikely]]
-      refuseInteger(value);
-  }
+  void putInteger(std::int64_t value);
   void putInteger(std::uint64_t value);
   void putReal(double value);
   /// Takes a number as JSON writes it (RFC 8259, section 6); `text` must have that form. `readable`: how many bytes may
@@ -134,19 +130,11 @@ class HAVRIN_EXPORT ScalarTarget {
  private:
   [[nodiscard]] bool isInteger() const { return type_ >= Type::int8 && type_ <= Type::uint64; }
   [[nodiscard]] bool isReal() const { return type_ == Type::float32 || type_ == Type::float64; }
-  [[nodiscard]] bool storeInteger(bool isNegative, std::uint64_t magnitude) {
-    if (type_ != Type::int64 || !std::in_range<std::int64_t>(magnitude))
-      return storeOtherInteger(isNegative, magnitude);
-    const std::uint64_t value = isNegative ? 0 - magnitude : magnitude;
-    std::memcpy(scalar_, &value, sizeof value);
-    return true;
-  }
-  [[nodiscard]] bool storeOtherInteger(bool isNegative, std::uint64_t magnitude);
+  [[nodiscard]] bool storeInteger(bool isNegative, std::uint64_t magnitude);
   [[nodiscard]] bool storeReal(double value);
   void putLongNumberText(bool isNegative, std::string_view text);
   void putRealText(std::string_view text);
   void refuseNumber(std::string_view number);
-  void refuseInteger(std::int64_t value);
 
   void* scalar_;
   bool* isNull_ = nullptr;
