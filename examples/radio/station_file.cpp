@@ -123,7 +123,7 @@ bool hasLines(std::string_view path, std::string_view text) {
 }  // namespace
 
 Strong<StationFile> readStations(const std::string& path, std::atomic<std::size_t>& entries) {
-  const auto file = make<StationFile>();
+  auto file = make<StationFile>();
   const std::string name = path == "-" ? "standard input" : path;
   std::string text;
   if (const std::string problem = readAll(path, text); !problem.empty()) {
