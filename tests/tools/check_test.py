@@ -9,7 +9,7 @@ import tempfile
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
-from checks import format, layers, licence, names, proportion, tree, words  # noqa: E402
+from checks import errors, format, layers, licence, names, proportion, tree, words  # noqa: E402
 from checks.source_tree import SourceTree  # noqa: E402
 
 ALL = (words, tree, layers, names, proportion, format)
@@ -72,6 +72,8 @@ PLANTED = [
      "declares no octal"),
     (names, {"docs/names.md": SOUND["docs/names.md"].replace("| `hexString` |", "| |")},
      "does not list the message hexString"),
+    (errors, {"docs/errors.md": "| `never said` | | |\n"}, "no source says 'never said'"),
+    (errors, {"HavrinFoundation/text/hex.cpp": 'void f() { abortOnMisuse("hex", "too odd"); }\n'}, "no row for 'too odd'"),
     (proportion, {"tests/text/hex_test.cpp": "int i;\n" * 99}, "expected at most"),
     (format, {"HavrinFoundation/text/hex.cpp": "int  i;\n"}, "clang-format-14 -i"),
 ]
