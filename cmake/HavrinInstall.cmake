@@ -18,7 +18,12 @@ foreach(target IN LISTS havrin_installed)
 endforeach()
 install(EXPORT HavrinFoundationTargets NAMESPACE HavrinFoundation:: DESTINATION ${havrin_config_dir} COMPONENT dev)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT doc
-  FILES_MATCHING PATTERN *.md)
+  FILES_MATCHING PATTERN *.md PATTERN *.svg)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/reference/html DESTINATION ${CMAKE_INSTALL_DOCDIR}/reference COMPONENT doc
+  OPTIONAL)  # there when the target `reference` has been built
+execute_process(COMMAND gzip -9nc ${PROJECT_SOURCE_DIR}/docs/havrinfoundation.7
+  OUTPUT_FILE ${PROJECT_BINARY_DIR}/havrinfoundation.7.gz COMMAND_ERROR_IS_FATAL ANY)
+install(FILES ${PROJECT_BINARY_DIR}/havrinfoundation.7.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man7 COMPONENT doc)
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md NOTICE DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 
 configure_package_config_file(

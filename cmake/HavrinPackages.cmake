@@ -1,8 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
 # The Debian packages that `cpack --preset package` makes of the components: each shared library with its debug information
 # apart, what building needs, and the documentation. tools/package_test builds, examines and tries them.
-set(HAVRIN_MAINTAINER "Maintainers of HavrinFoundation <maintainers@localhost>" CACHE STRING
-  "The maintainer that the packages name: whoever builds them")
+set(havrin_maintainer "Maintainers of HavrinFoundation <maintainers@localhost>")
+if(DEFINED ENV{DEBFULLNAME} AND DEFINED ENV{DEBEMAIL})  # where Debian's own tools look for the name
+  set(havrin_maintainer "$ENV{DEBFULLNAME} <$ENV{DEBEMAIL}>")
+endif()
+set(HAVRIN_MAINTAINER ${havrin_maintainer} CACHE STRING "The maintainer that the packages name: whoever builds them")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME havrinfoundation)
