@@ -16,6 +16,8 @@
 // An operation that is over when it is awaited does not suspend the coroutine, so a loop of such operations uses constant
 // stack. A coroutine that waits for what never comes (a completion that is not called, a run loop that does not run) is
 // not resumed and keeps its memory.
+// clang 14 keeps what std::this_thread::get_id() returned over a co_await, although the thread may be another one: ask
+// isMainThread().
 // Cost: one allocation for each co_await that suspends or maps.
 // Left out: results and cancelling of coroutines; queues other than the main queue.
 #pragma once

@@ -17,7 +17,6 @@ using namespace havrin;
 TEST(Coroutines, GoOnAfterADelayAndOnTheMainQueue) {
   TestClock clock;
   std::string log;
-  const auto main = std::this_thread::get_id();
   const auto wait = [&]() -> Detached {
     co_await onMainQueue();  // where it is
     log += "now ";
@@ -30,9 +29,9 @@ TEST(Coroutines, GoOnAfterADelayAndOnTheMainQueue) {
   EXPECT_EQ(log, "now later ");
 
   const auto move = [&]() -> Detached {
-    log = std::this_thread::get_id() == main ? "main " : "other ";
+    log = isMainThread() ? "main " : "other ";
     co_await onMainQueue();
-    log += std::this_thread::get_id() == main ? "main" : "other";
+    log += isMainThread() ? "main" : "other";
   };
   std::thread([&] { move(); }).join();
   clock.advance(0);
