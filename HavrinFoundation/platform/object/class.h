@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Classes at run time. Class objects are objects with classes of their own (metaclasses): they stand in collections,
-// receive messages and carry associated values. One per type in the whole process, built at first use.
+// Classes at run time. Class objects are objects with classes of their own (metaclasses): they can be in
+// collections, receive messages and carry associated values. One per type in the whole process, built at first use.
 //
 //   classOf<NSArray>()           ClassOf<NSArray>, which receives class messages: send<"zero">(classOf<NSUUID>())
 //   classOf(*set)                the class of an object, as what the object is known to be

@@ -19,7 +19,7 @@ inline namespace platform {
 
 namespace {
 
-// Stands for the class of memory in which no object has been constructed yet.
+// In place of a class, for memory in which no object has been constructed yet.
 ClassObject* unborn() { return reinterpret_cast<ClassObject*>(std::uintptr_t{1}); }
 
 // Releasing a deep graph nests up to this many destructors; what lies deeper is put on a list that the frame at this

@@ -16,7 +16,7 @@ inline namespace platform {
 /// Runs `apply`, which sets the value under the key of `setter`, between the two halves of a change.
 void notifyChange(NSObject* object, const SelectorConstant& setter, void (*apply)(void*), void* context);
 
-/// Tells one registration of a change, unless it has ended; ends it when its observer is gone.
+/// Notifies one registration of a change, unless it has ended; ends it when its observer is gone.
 void tell(Registration& registration, NSObject* object, NSDictionary* change);
 
 /// Runs `apply`, which inserts, removes or replaces objects of the array under `key`, between the two halves of a
