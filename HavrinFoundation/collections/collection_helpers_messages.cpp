@@ -19,7 +19,7 @@ Strong<NSObject> randomObject(NSArray& self) {
 Strong<NSArray> arrayByRemovingObjectsFromIndex(NSArray& self, std::int64_t index) {
   const Strong<NSObject> copy = self.mutableCopy();
   auto& rest = checkedReference<NSMutableArray>(copy);
-  (void)send<"removeObjectsFromIndex:">(rest, index);
+  (void)send<"removeObjectsFromIndex:">(rest, index);  // a mutable copy of the program's may answer in its own way
   return immutableCopy(rest);
 }
 
@@ -34,6 +34,7 @@ void safeAddObject(Collection& self, NSObject* object) {
   if (object) self.addObject(object);
 }
 
+// Each position takes one of the objects that are left, so every order is equally likely (Fisher and Yates).
 void shuffle(NSMutableArray& self) {
   const std::uint64_t count = self.count();
   for (std::uint64_t i = 0; i + 1 < count; ++i) {

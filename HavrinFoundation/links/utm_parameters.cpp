@@ -35,6 +35,7 @@ std::optional<UTMParameters> fromUrl<UTMParameters>(const std::optional<URL>& ur
   std::optional<UTMParameters> found(std::in_place);
   components->forEachQueryItem([&found](URLQueryItemView item) {
     for (const auto& [key, field] : kParameters) {
+      // The last of equal keys counts.
       if (item.isNamed(key)) (*found).*field = item.value();
     }
   });

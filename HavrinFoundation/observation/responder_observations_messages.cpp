@@ -34,6 +34,7 @@ void observeModel(UIResponder& self, NSObject* model, NSArray* keyPaths, std::ui
   const Strong<KeyValueObservation> token = send<"initWithObserver:object:keyPaths:options:action:">(
       alloc<KeyValueObservation>(), &self, model, keyPaths, options, action);
   const Strong<NSArray> standing = send<"keyValueObservations">(self);
+  // A new list, since the old one may be in use.
   const Strong<NSObject> copy = standing ? standing->mutableCopy() : make<NSMutableArray>();
   auto& longer = checkedReference<NSMutableArray>(copy);
   longer.addObject(token);

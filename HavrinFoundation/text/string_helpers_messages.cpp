@@ -14,11 +14,13 @@ namespace havrin {
 NSRange entireRange(const NSString& string) { return {0, string.length()}; }
 
 bool containsAnyCharacters(const NSString& string, const CharacterSet& set) {
+  // A subclass of the program's answers for its own characters.
   if (!string.isPlain()) return string.rangeOfCharacterFromSet(set).location != kNotFound;
   if (string.isWide()) return set.firstMemberIn(string.wide()) != string.wide().size();
   return containsAnyCharacters(string.narrow(), set);
 }
 
+// Sends the other test with all other characters, so that one override changes both answers.
 bool containsOnlyCharacters(const NSString& string, const CharacterSet& set) {
   return !send<"containsAnyCharactersInSet:">(string, makeCharacterSet(set.inverted()));
 }

@@ -68,6 +68,7 @@ float NSCoder::decodeFloatForKey(std::string_view key) {
 NSDecodingFailurePolicy NSCoder::decodingFailurePolicy() const { return NSDecodingFailurePolicy::SetErrorAndReturn; }
 
 void NSCoder::failWithError(NSError* error) {
+  // The first error counts: later ones often follow from it.
   if (!error_)
     error_ = error ? error : makeCodingError(NSCoderReadCorruptError, "failWithError: without an error").get();
   if (decodingFailurePolicy() == NSDecodingFailurePolicy::RaiseException) {

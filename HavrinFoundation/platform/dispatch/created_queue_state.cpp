@@ -52,7 +52,7 @@ void CreatedQueueState::takeTurn() {
     target = target_;
     retargeted_.store(false, std::memory_order_relaxed);
   }
-  if (&of(target) != below->queue) {
+  if (&of(target) != below->queue) {  // changed since this turn was queued
     queueTurnOn(target);
     return;
   }
@@ -69,6 +69,7 @@ void CreatedQueueState::runOne() {
   runQueued(std::move(work));
 }
 
+// What is queued meanwhile waits for the next turn, so that the queues of one target take turns.
 void CreatedQueueState::runBatch() {
   if (batch_.empty()) {
     UnfairLockGuard guard(lock_);
@@ -102,7 +103,7 @@ bool CreatedQueueState::callAtOnce(BlockView<void()> block) {
     if (serial_ && std::exchange(busy_, true)) return false;
     target = target_;
   }
-  struct Leave {
+  struct Leave {  // also when the block throws
     CreatedQueueState* serial;
     ~Leave() {
       if (serial != nullptr) serial->leave();

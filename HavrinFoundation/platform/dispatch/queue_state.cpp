@@ -10,6 +10,7 @@ namespace havrin {
 inline namespace platform {
 namespace {
 
+// On a global queue: the destructor is code of the program, which must not run inside whatever replaced the value.
 void destroyLater(void* context, void (*destructor)(void*)) {
   if (context == nullptr || destructor == nullptr) return;
   dispatch_async(dispatch_get_global_queue(), [context, destructor] { destructor(context); });
@@ -40,7 +41,7 @@ DispatchQueue QueueState::adopt(QueueState* state) {
 DispatchQueue QueueState::reference() {
   DispatchQueue borrowed = adopt(this);
   DispatchQueue counted = borrowed;
-  borrowed.owners_ = nullptr;
+  borrowed.owners_ = nullptr;  // the copy was counted, this handle was not
   return counted;
 }
 

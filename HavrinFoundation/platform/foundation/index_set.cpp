@@ -34,6 +34,7 @@ NSIndexSet::NSIndexSet(std::vector<NSRange> ranges) : ranges_(std::move(ranges))
   if (!std::is_sorted(ranges_.begin(), ranges_.end(), byLocation)) {
     std::sort(ranges_.begin(), ranges_.end(), byLocation);
   }
+  // Ranges that touch become one, so that equal sets have equal ranges.
   std::size_t kept = 0;
   for (const NSRange range : ranges_) {
     if (range.length == 0) continue;

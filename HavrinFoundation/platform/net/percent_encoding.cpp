@@ -11,6 +11,7 @@ namespace havrin {
 inline namespace platform {
 namespace {
 
+// The characters of a query (RFC 3986, 3.4) without those that separate its items: "&", "=", ";" and "+".
 constexpr std::array<bool, 256> makeStandsAsItIs() {
   std::array<bool, 256> stands{};
   for (int c = '0'; c <= '9'; ++c) stands[static_cast<std::size_t>(c)] = true;
@@ -34,12 +35,14 @@ std::string percentDecoded(std::string_view text) {
     text.remove_prefix(escape);
     const int high = text.size() < 3 ? kNoDigit : hexValue(text[1]);
     const int low = text.size() < 3 ? kNoDigit : hexValue(text[2]);
+    // A percent sign without two digits is a character like any other.
     const bool whole = high != kNoDigit && low != kNoDigit;
     decoded += whole ? static_cast<char>(high * 16 + low) : '%';
     text.remove_prefix(whole ? 3 : 1);
     escape = text.find('%');
   }
   decoded += text;
+  // Escapes may join to bytes that are not UTF-8.
   return isWellFormed(decoded) ? decoded : repaired(decoded);
 }
 

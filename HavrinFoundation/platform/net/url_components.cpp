@@ -66,6 +66,7 @@ std::optional<std::vector<URLQueryItem>> URLComponents::queryItems() const {
   return items;
 }
 
+// No items give an empty query, which is not the same as none.
 void URLComponents::setQueryItems(std::span<const URLQueryItem> items) {
   removeQuery();
   beforeFragment_ += '?';
