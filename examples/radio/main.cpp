@@ -7,6 +7,7 @@
 #include "saved_state.h"
 #include "screen.h"
 #include "session.h"
+#include "system_error.h"
 #include "terminal.h"
 #include "terminal_kind.h"
 #include <HavrinFoundation/frame/log.h>
@@ -26,7 +27,6 @@
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -176,7 +176,7 @@ int main(int count, char** words) {
   }
   int status = run(options);
   if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
-    const std::string why = std::generic_category().message(errno);
+    const std::string why = errorText();
     std::fprintf(stderr, "radio: cannot write to standard output: %s\n", why.c_str());
     status = 1;
   }

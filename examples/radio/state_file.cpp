@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "state_file.h"
 
+#include "system_error.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -8,15 +10,12 @@
 #include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
 namespace radio {
 
 namespace {
-
-std::string errorText() { return std::generic_category().message(errno); }
 
 class Descriptor {
  public:

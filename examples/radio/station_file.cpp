@@ -2,6 +2,7 @@
 #include "station_file.h"
 
 #include "station.h"
+#include "system_error.h"
 #include <HavrinFoundation/platform/decoding/json_decoder.h>
 #include <HavrinFoundation/platform/decoding/property_list_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
@@ -13,7 +14,6 @@
 #include <span>
 #include <string_view>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -24,8 +24,6 @@ using namespace havrin;
 namespace {
 
 constexpr std::size_t kLargest = std::size_t{1} << 30;
-
-std::string errorText() { return std::generic_category().message(errno); }
 
 // Result: empty, or why the file could not be read.
 std::string readAll(const std::string& path, std::string& text) {

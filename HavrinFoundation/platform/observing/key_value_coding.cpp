@@ -97,7 +97,7 @@ void setNilValueForKey(NSObject& self, NSString* key) {
                                  "null for the number under the key " + (key ? "\"" + utf8(*key) + "\"" : "(null)")));
 }
 
-constexpr MethodRow kRows[] = {
+constexpr MethodRow kCodingRows[] = {
     unheldRow<NSObject, "valueForKey:", valueForKey>(),
     unheldRow<NSObject, "valueForKeyPath:", valueForKeyPath>(),
     unheldRow<NSObject, "setValue:forKey:", setValueForKey>(),
@@ -122,7 +122,7 @@ constexpr MethodRow kMutableDictionaryRows[] = {row<NSMutableDictionary, "setVal
 
 }  // namespace
 
-extern constinit const Category kKeyValueCoding{classObject<NSObject>, "KeyValueCoding", kRows, {}};
+extern constinit const Category kKeyValueCoding{classObject<NSObject>, "KeyValueCoding", kCodingRows, {}};
 extern constinit const Category kDictionaryKeys{classObject<NSDictionary>, "KeyValueCoding", kDictionaryRows, {}};
 extern constinit const Category kMutableDictionaryKeys{
     classObject<NSMutableDictionary>, "KeyValueCoding", kMutableDictionaryRows, {}};

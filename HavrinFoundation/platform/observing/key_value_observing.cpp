@@ -136,7 +136,7 @@ void didChangeValuesAtIndexes(NSObject& self, NSKeyValueChange, NSIndexSet*, NSS
   finish(self, *key);
 }
 
-constexpr MethodRow kRows[] = {
+constexpr MethodRow kObservingRows[] = {
     unheldRow<NSObject, "addObserver:forKeyPath:options:context:", addObserver>(),
     unheldRow<NSObject, "removeObserver:forKeyPath:context:", removeObserverForContext>(),
     unheldRow<NSObject, "removeObserver:forKeyPath:", removeObserver>(),
@@ -157,7 +157,7 @@ void requireObservable(const NSObject& object) {
                                                     "classes are not observable");
 }
 
-extern constinit const Category kKeyValueObserving{classObject<NSObject>, "KeyValueObserving", kRows, {}};
+extern constinit const Category kKeyValueObserving{classObject<NSObject>, "KeyValueObserving", kObservingRows, {}};
 
 }  // namespace platform
 }  // namespace havrin
