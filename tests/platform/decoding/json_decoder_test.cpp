@@ -159,7 +159,7 @@ TEST(JSONDecoder, RefusesAMalformedDocumentAsAWhole) {
   std::istringstream documents(R"(
       [ ] { } [1 [1, [1,] [,1] [1} {] [1]] [1]x {"a"} {"a":} {"a":1,} {"a"1} {a:1} {1:1} {"a":1"b":2} {,} {"a"::1}
       01 - -a +1 .5 1. 1.e1 1e 1e+ 0x10 1_000 1a --1 NaN Infinity -Infinity tru truex True nul nulll falsee
-      'a' "a "a"b "a""b" ["a"1] /*c*/1 1//c "\x" "\u12" "\u12G4" "\ "\ud800" "\ude00" "\ud800\u0041" "\ud800x\udc00")");
+      'a' "a "a"b "a""b" ["a"1] /*c*/1 1//c "\x" "\u12" "\u12G4" "\ "\ud800" "\ude00" "\ud800\u0041" "\ud800x\udc00" ["\U0041"])");
   for (std::string text; documents >> text;) expectRefused(text);
   for (const char* text : {"", " \n\t", "1 2", "[1 2]", "[1\x01]", "[1\f]", "\"\n\"", "\"\x1f\"", "\"\xff\"",
                            "\"\xc0\xaf\"", "\"\xed\xa0\x80\"", "\"\xf4\x90\x80\x80\"", "\"\xe2\x82\"", "[\x80]",

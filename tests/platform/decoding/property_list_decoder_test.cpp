@@ -63,6 +63,7 @@ TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
   EXPECT_EQ(PropertyListDecoder().decode<double>(PropertyList(infinity)), infinity);
   EXPECT_EQ(PropertyListDecoder().decode<float>(PropertyList(infinity)), std::numeric_limits<float>::infinity());
   EXPECT_FALSE(PropertyListDecoder().tryDecode<float>(PropertyList(1e300)));
+  EXPECT_FALSE(PropertyListDecoder().tryDecode<std::uint8_t>(largest));
 }
 
 TEST(PropertyListDecoder, ReportsWhatFailedAndWhere) {
