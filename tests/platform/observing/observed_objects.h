@@ -21,6 +21,14 @@ inline std::string shown(NSObject* object) {
   return object == NSNull::null() ? "null" : utf8(*object->description());
 }
 
+inline void addObserver(NSObject* object, NSObject* observer, std::string_view path, std::uint64_t options = kBoth,
+                        void* context = nullptr) {
+  send<"addObserver:forKeyPath:options:context:">(object, observer, s(path), options, context);
+}
+inline void removeObserver(NSObject* object, NSObject* observer, std::string_view path) {
+  send<"removeObserver:forKeyPath:">(object, observer, s(path));
+}
+
 class Host : public Object<Host, NSObject> {
   Strong<NSString> name_;
   Strong<Host> deputy_;
@@ -101,27 +109,22 @@ class Relay : public Object<Relay, Station> {
 // Writes down what it is told.
 class Watcher : public Object<Watcher, NSObject> {
  public:
-  std::vector<std::string> log;
+  std::string log;
   std::function<void(NSObject*)> during;
   Strong<NSDictionary> last;
 
   void observe(NSString* path, NSObject* object, NSDictionary* change, void*) {
     last = change;
-    std::string line = utf8(*path) + " " + shown(change->objectForKey(NSKeyValueChangeKindKey)) + " " +
-                       shown(change->objectForKey(NSKeyValueChangeOldKey)) + ">" +
-                       shown(change->objectForKey(NSKeyValueChangeNewKey));
-    if (change->objectForKey(NSKeyValueChangeIndexesKey)) {
-      line += " at " + std::to_string(cast<NSIndexSet>(change->objectForKey(NSKeyValueChangeIndexesKey))->firstIndex());
+    const auto entry = [change](NSString* key) { return shown(change->objectForKey(key)); };
+    log += (log.empty() ? "" : ", ") + utf8(*path) + " " + entry(NSKeyValueChangeKindKey) + " " +
+           entry(NSKeyValueChangeOldKey) + ">" + entry(NSKeyValueChangeNewKey);
+    if (const auto* at = cast<NSIndexSet>(change->objectForKey(NSKeyValueChangeIndexesKey))) {
+      log += " at " + std::to_string(at->firstIndex());
     }
-    if (change->objectForKey(NSKeyValueChangeNotificationIsPriorKey)) line += " prior";
-    log.push_back(line);
+    if (change->objectForKey(NSKeyValueChangeNotificationIsPriorKey)) log += " prior";
     if (during) during(object);
   }
-  std::string take() {
-    std::string all;
-    for (const std::string& line : std::exchange(log, {})) all += (all.empty() ? "" : ", ") + line;
-    return all;
-  }
+  std::string take() { return std::exchange(log, ""); }
   using Members = List<Method<"observeValueForKeyPath:ofObject:change:context:", &Watcher::observe>>;
 };
 
@@ -130,9 +133,9 @@ struct Observed : testing::Test {
   Strong<Watcher> watcher = make<Watcher>();
 
   void watch(const char* path, std::uint64_t options = kBoth, void* context = nullptr) {
-    send<"addObserver:forKeyPath:options:context:">(station, watcher, s(path), options, context);
+    addObserver(station, watcher, path, options, context);
   }
-  void unwatch(const char* path) { send<"removeObserver:forKeyPath:">(station, watcher, s(path)); }
+  void unwatch(const char* path) { removeObserver(station, watcher, path); }
 };
 
 }  // namespace havrin_test
