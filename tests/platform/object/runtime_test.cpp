@@ -20,9 +20,7 @@ struct Streamable : Protocol<Streamable> {};
 
 class Station : public Object<Station, NSObject> {
   Strong<NSString> title_;
-  Weak<NSObject> owner_;
   std::int64_t listeners_ = 0;
-  double gain_ = 0;
 
  public:
   static inline int destroyed = 0;
@@ -36,8 +34,7 @@ class Station : public Object<Station, NSObject> {
   static Strong<NSString> kind(ClassOf<Station> self) { return makeString("kind of " + std::string(self.name())); }
 
   using Protocols = List<Recordable>;
-  using Members = List<Property<"title", &Station::title_>, Property<"owner", &Station::owner_>,
-                       Property<"listeners", &Station::listeners_>, Property<"gain", &Station::gain_>,
+  using Members = List<Property<"title", &Station::title_>, Property<"listeners", &Station::listeners_>,
                        Method<"announce", &Station::announce>, Method<"tune:", &Station::tune>,
                        Method<"both:with:", &Station::both>>;
   using ClassMembers = List<ClassMethod<"kind", &Station::kind>>;
@@ -85,8 +82,6 @@ constexpr ConstantString kConstant("constant");
 const ConstantString* const kStrings[] = {&kConstant};
 const Category* const kCategories[] = {&kLabels, &kSame};
 const Loader kLoader{Image{"test", nullptr, kStrings, kCategories, {}}};
-
-std::string text(NSString* string) { return string ? utf8(*string) : "(null)"; }
 
 }  // namespace
 
@@ -170,9 +165,7 @@ TEST(Messages, ThatNobodyAnswersSayReceiverAndSelector) {
 
 TEST(Messages, AreReplacedByACategoryThatComesLater) {
   const auto station = make<Station>();
-  const auto performed = [&] {
-    return text(cast<NSString>(station->performSelector(selector<"test_label:">, makeString("b ")).get()));
-  };
+  const auto performed = [&] { return text(station->performSelector(selector<"test_label:">, makeString("b "))); };
   EXPECT_EQ(text(send<"test_label:">(station, makeString("a "))), "a Station");
   EXPECT_EQ(performed(), "b Station");
   const std::uint64_t before = methodChanges();
@@ -189,8 +182,7 @@ TEST(Selectors, AreOneForEqualNames) {
   EXPECT_EQ(Selector(selector<"tune:">), Selector::named("tune:"));
   EXPECT_NE(Selector(selector<"tune:">), Selector(selector<"title">));
   EXPECT_EQ(Selector(selector<"tune:">).name(), "tune:");
-  EXPECT_FALSE(Selector::known("nobody ever spells this"));
-  EXPECT_FALSE(Selector::known("nobody ever spells this"));  // asking did not make it
+  for (int i = 0; i < 2; ++i) EXPECT_FALSE(Selector::known("nobody ever spells this")) << "asking does not make it";
   EXPECT_EQ(Selector::known("tune:").key(), Selector::named("tune:").key());
   EXPECT_EQ(text(Selector::named("tune:").nameString()), "tune:");
   EXPECT_EQ(Selector(selector<"tune:">).nameString(), Selector::named("tune:").nameString());
@@ -205,8 +197,7 @@ TEST(Selectors, BeyondTheTablesStillFindTheirMethods) {
   };
   const auto object = make<Late>();
   EXPECT_EQ(Selector::named("aSelectorNumberedLate").number(), 0U);
-  EXPECT_EQ(send<"aSelectorNumberedLate">(object), 7);
-  EXPECT_EQ(send<"aSelectorNumberedLate">(object), 7);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(send<"aSelectorNumberedLate">(object), 7);
   EXPECT_EQ(unboxInteger(object->performSelector(selector<"aSelectorNumberedLate">)), 7);
 }
 
@@ -214,14 +205,14 @@ TEST(Perform, BoxesBothWaysAndRefusesWhatDoesNotFit) {
   const auto station = make<Station>();
   EXPECT_EQ(unboxInteger(station->performSelector(selector<"tune:">, makeNumber(4.9))), 4);
   station->performSelector(selector<"setTitle:">, makeString("Sued"));
-  EXPECT_EQ(text(cast<NSString>(station->performSelector(selector<"title">))), "Sued");
+  EXPECT_EQ(text(station->performSelector(selector<"title">)), "Sued");
   station->performSelector(selector<"setTitle:">);
   EXPECT_FALSE(station->title());
-  struct {
+  const struct {
     const char* why;
     Selector selector;
     Strong<NSObject> argument;
-  } const rows[] = {
+  } rows[] = {
       {"no such method", selector<"select:">, nullptr},
       {"two arguments", selector<"both:with:">, makeNumber(1)},
       {"a number where a string is asked for", selector<"setTitle:">, makeNumber(1)},
@@ -235,18 +226,22 @@ TEST(Perform, BoxesBothWaysAndRefusesWhatDoesNotFit) {
   }
 }
 
-TEST(Classes, AreObjectsWithMetaclasses) {
+TEST(Classes, AreObjectsWithMetaclassesAndConformByDeclaration) {
   NSObject* const cls = classOf<Plain>();
-  EXPECT_TRUE(cls->isKindOfClass(classOf<NSObject>()));
-  EXPECT_FALSE(cls->isKindOfClass(classOf<Plain>()));
+  EXPECT_TRUE(cls->isKindOfClass(classOf<NSObject>()) && !cls->isKindOfClass(classOf<Plain>()));
   EXPECT_EQ(Class::from(cls), classOf<Plain>());
   EXPECT_FALSE(Class::from(make<Plain>()));
   EXPECT_EQ(text(cls->description()), "Plain");
   EXPECT_TRUE(make<Plain>()->isKindOfClass(classOf<Station>()));
   EXPECT_FALSE(make<Station>()->isKindOfClass(classOf<Plain>()));
-  EXPECT_TRUE(make<Plain>()->isMemberOfClass(classOf<Plain>()));
-  EXPECT_FALSE(make<Plain>()->isMemberOfClass(classOf<Relay>()));
+  EXPECT_TRUE(make<Plain>()->isMemberOfClass(classOf<Plain>()) && !make<Plain>()->isMemberOfClass(classOf<Relay>()));
   EXPECT_EQ(classOf<Plain>().superclass().name(), "Relay");
+  const auto plain = make<Plain>();
+  EXPECT_TRUE(plain->conformsToProtocol(protocolOf<Recordable>()) && plain->conformsToProtocol(protocolOf<Playable>()));
+  EXPECT_FALSE(plain->conformsToProtocol(protocolOf<Streamable>()));
+  EXPECT_TRUE(cls->conformsToProtocol(protocolOf<Playable>()));
+  EXPECT_TRUE(plain->respondsToSelector(selector<"test_label:">));
+  EXPECT_FALSE(plain->respondsToSelector(Selector::named("noSuchThing")));
 }
 
 TEST(Classes, DeeperThanTheAncestorTableAreWalked) {
@@ -257,21 +252,8 @@ TEST(Classes, DeeperThanTheAncestorTableAreWalked) {
   struct E : Object<E, D> {};
   struct F : Object<F, E> {};
   const auto deep = make<F>();
-  EXPECT_TRUE(isKind<Station>(deep));
-  EXPECT_TRUE(isKind<E>(deep));
-  EXPECT_TRUE(isKind<D>(deep));
-  EXPECT_FALSE(isKind<F>(make<E>()));
-  EXPECT_FALSE(isKind<NSString>(deep));
-}
-
-TEST(Classes, ConformByDeclarationThroughProtocolsAndSuperclasses) {
-  const auto plain = make<Plain>();
-  EXPECT_TRUE(plain->conformsToProtocol(protocolOf<Recordable>()));
-  EXPECT_TRUE(plain->conformsToProtocol(protocolOf<Playable>()));
-  EXPECT_FALSE(plain->conformsToProtocol(protocolOf<Streamable>()));
-  EXPECT_TRUE(static_cast<NSObject*>(classOf<Plain>())->conformsToProtocol(protocolOf<Playable>()));
-  EXPECT_TRUE(plain->respondsToSelector(selector<"test_label:">));
-  EXPECT_FALSE(plain->respondsToSelector(Selector::named("noSuchThing")));
+  EXPECT_TRUE(isKind<Station>(deep) && isKind<D>(deep) && isKind<E>(deep));
+  EXPECT_FALSE(isKind<F>(make<E>()) || isKind<NSString>(deep));
 }
 
 TEST(References, ReadNullFromTheMomentTheLastStrongOneGoes) {
@@ -285,9 +267,8 @@ TEST(References, ReadNullFromTheMomentTheLastStrongOneGoes) {
   };
   bool nullInDestructor = false;
   auto watcher = make<Watcher>();
-  watcher->self = watcher;
+  const Weak<Watcher> weak = watcher->self = watcher;
   watcher->seen = &nullInDestructor;
-  const Weak<Watcher> weak = watcher;
   EXPECT_EQ(weak.lock().get(), watcher.get());
   watcher = nullptr;
   EXPECT_TRUE(nullInDestructor);
@@ -363,11 +344,12 @@ TEST(Destruction, SendsInABaseDestructorReachNoOverride) {
 
 TEST(Associations, AreReplacedAndRemovedOnAnyObject) {
   Station::destroyed = 0;
-  setAssociatedValue(*static_cast<NSObject*>(classOf<Station>()), selector<"title">, make<Station>());
-  EXPECT_EQ(Station::destroyed, 0);
-  setAssociatedValue(*static_cast<NSObject*>(classOf<Station>()), selector<"title">, make<Station>());
-  EXPECT_EQ(Station::destroyed, 1);
-  setAssociatedValue(*static_cast<NSObject*>(classOf<Station>()), selector<"title">, nullptr);
+  NSObject& cls = *static_cast<NSObject*>(classOf<Station>());
+  for (int replaced = 0; replaced < 2; ++replaced) {
+    setAssociatedValue(cls, selector<"title">, make<Station>());
+    EXPECT_EQ(Station::destroyed, replaced);
+  }
+  setAssociatedValue(cls, selector<"title">, nullptr);
   EXPECT_EQ(Station::destroyed, 2);
 }
 
