@@ -62,6 +62,8 @@ namespace {
 std::int64_t added(Station&) { return 7; }
 constexpr MethodRow kAddedRows[] = {row<Station, "added", added>()};
 constinit const Category kAdded{classObject<Station>, "Added", kAddedRows, {}};
+const Category* const kCategories[] = {&kAdded};
+const Image kImage{"added", nullptr, {}, kCategories, {}};
 
 }  // namespace
 
@@ -167,9 +169,7 @@ TEST(KeyValueCoding, SeesMethodsThatACategoryBringsLater) {
   const auto key = s("added");
   EXPECT_EQ(nameOf([&] { (void)send<"valueForKey:">(station, key); }), NSUndefinedKeyException);
   EXPECT_EQ(text(send<"valueForKey:">(station, s("listeners"))), "0");
-  const Category* const categories[] = {&kAdded};
-  const Loader loader(
-      Image{.name = "added", .identification = nullptr, .strings = {}, .categories = categories, .initialisers = {}});
+  const Loader loader(kImage);
   EXPECT_EQ(text(send<"valueForKey:">(station, key)), "7");
   EXPECT_EQ(text(send<"valueForKey:">(station, s("listeners"))), "0");
 }
@@ -185,13 +185,10 @@ TEST(KeyValueCoding, MakesNoSelectorsOfTextFromOutside) {
 }
 
 TEST(KeyValueCoding, MayBeUsedFromSeveralThreadsWhileCategoriesCome) {
-  const Category* const categories[] = {&kAdded};
-  const Image image{
-      .name = "again", .identification = nullptr, .strings = {}, .categories = categories, .initialisers = {}};
-  onThreads(5, [&image](std::size_t thread) {
+  onThreads(5, [](std::size_t thread) {
     const auto station = make<Station>();
     for (int i = 0; i < 500; ++i) {
-      if (thread == 0) const Loader again(image);
+      if (thread == 0) const Loader again(kImage);
       send<"setValue:forKey:">(station, makeNumber(i), s("listeners"));
       EXPECT_EQ(text(send<"valueForKey:">(station, s("listeners"))), std::to_string(i));
     }

@@ -21,6 +21,17 @@ inline std::string shown(NSObject* object) {
   return object == NSNull::null() ? "null" : utf8(*object->description());
 }
 
+/// What a change holds, in one line: "listeners 1 0>3".
+inline std::string shown(NSString* path, const NSDictionary* change) {
+  const auto entry = [change](NSString* key) { return shown(change->objectForKey(key)); };
+  std::string line = shown(path) + " " + entry(NSKeyValueChangeKindKey) + " " + entry(NSKeyValueChangeOldKey) + ">" +
+                     entry(NSKeyValueChangeNewKey);
+  if (const auto* at = cast<NSIndexSet>(change->objectForKey(NSKeyValueChangeIndexesKey))) {
+    line += " at " + std::to_string(at->firstIndex());
+  }
+  return line + (change->objectForKey(NSKeyValueChangeNotificationIsPriorKey) ? " prior" : "");
+}
+
 inline void addObserver(NSObject* object, NSObject* observer, std::string_view path, std::uint64_t options = kBoth,
                         void* context = nullptr) {
   send<"addObserver:forKeyPath:options:context:">(object, observer, s(path), options, context);
@@ -115,13 +126,7 @@ class Watcher : public Object<Watcher, NSObject> {
 
   void observe(NSString* path, NSObject* object, NSDictionary* change, void*) {
     last = change;
-    const auto entry = [change](NSString* key) { return shown(change->objectForKey(key)); };
-    log += (log.empty() ? "" : ", ") + utf8(*path) + " " + entry(NSKeyValueChangeKindKey) + " " +
-           entry(NSKeyValueChangeOldKey) + ">" + entry(NSKeyValueChangeNewKey);
-    if (const auto* at = cast<NSIndexSet>(change->objectForKey(NSKeyValueChangeIndexesKey))) {
-      log += " at " + std::to_string(at->firstIndex());
-    }
-    if (change->objectForKey(NSKeyValueChangeNotificationIsPriorKey)) log += " prior";
+    log += (log.empty() ? "" : ", ") + shown(path, change);
     if (during) during(object);
   }
   std::string take() { return std::exchange(log, ""); }

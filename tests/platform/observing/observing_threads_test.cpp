@@ -6,6 +6,7 @@
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 #include <atomic>
+#include <mutex>
 
 using namespace havrin;
 
@@ -23,25 +24,20 @@ class Host : public Object<Host, NSObject> {
 // A property whose reads and writes may meet, as an application's own locking would make it.
 class Station : public Object<Station, NSObject> {
   std::atomic<std::int64_t> title_ = 0;
-  mutable std::atomic_flag busy_ = ATOMIC_FLAG_INIT;
+  std::mutex lock_;
   Strong<Host> host_ = make<Host>();
 
  public:
   std::int64_t title() const { return title_; }
   void setTitle(std::int64_t title) { title_ = title; }
   Strong<Host> host() {
-    while (busy_.test_and_set(std::memory_order_acquire)) {
-    }
-    Strong<Host> now = host_;
-    busy_.clear(std::memory_order_release);
-    return now;
+    const std::lock_guard guard(lock_);
+    return host_;
   }
   void setHost(Host* host) {
     Strong<Host> next(host);
-    while (busy_.test_and_set(std::memory_order_acquire)) {
-    }
+    const std::lock_guard guard(lock_);
     std::swap(host_, next);
-    busy_.clear(std::memory_order_release);
   }
   using Members = List<Method<"title", &Station::title>, Method<"setTitle:", &Station::setTitle>,
                        Method<"host", &Station::host>, Method<"setHost:", &Station::setHost>>;
