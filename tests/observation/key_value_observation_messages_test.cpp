@@ -15,12 +15,6 @@ using namespace havrin_test;
 
 namespace {
 
-// The entries of a change, in one line: "listeners 1 0>3".
-std::string line(const NSDictionary* change) {
-  const auto entry = [change](const char* key) { return shown(change->objectForKey(s(key))); };
-  return entry("keyPath") + " " + entry("kind") + " " + entry("old") + ">" + entry("new");
-}
-
 constexpr std::uint64_t kSkipInitial = KeyValueObservationOptionSkipInitial;
 constexpr std::uint64_t kSkipUnchanged = KeyValueObservationOptionSkipUnchanged;
 
@@ -62,7 +56,7 @@ struct Observation : testing::Test {
       EXPECT_TRUE(!who || who == observer.get());
       EXPECT_EQ(what, station.get());
       EXPECT_FALSE(isKind<NSMutableDictionary>(change));
-      told += (told.empty() ? "" : ", ") + line(change);
+      told += (told.empty() ? "" : ", ") + shown(cast<NSString>(change->objectForKey(s("keyPath"))), change);
       if (during) during();
     };
   }
@@ -148,7 +142,8 @@ TEST_F(Observation, UnchangedMeansEqualInTheEyesOfTheOldValue) {
   songs->addObject(s("x"));
   songs->replaceObjectAtIndex(0, s("x"));
   songs->removeLastObject();
-  EXPECT_EQ(take(), "songs 2 ->(x), songs 3 (x)>-") << "what came or went is a change, an equal replacement is none";
+  EXPECT_EQ(take(), "songs 2 ->(x) at 0, songs 3 (x)>- at 0")
+      << "what came or went is a change, an equal replacement is none";
 }
 
 TEST_F(Observation, TheFirstCallIsMadeOnWhateverThreadCreatesIt) {
@@ -168,7 +163,7 @@ TEST_F(Observation, DropsChangesOnceItsObserverIsGone) {
   token = observe("title", 0);
   take();
   elsewhere([&] { observer = nullptr; });
-  EXPECT_EQ(token->observer().get(), nullptr);
+  EXPECT_FALSE(token->observer());
   send<"setTitle:">(station, s("a"));
   elsewhere([&] { send<"setTitle:">(station, s("b")); });
   clock.advance(1);
@@ -186,12 +181,11 @@ TEST_F(Observation, FromAnotherThreadIsQueuedInOrderAndKeptAlive) {
   EXPECT_EQ(take(), "");
   const Weak<KeyValueObservation> weakToken = token;
   const Weak<NSObject> weakObserver = observer;
-  NSObject* const kept = observer;
   token = nullptr;
   observer = nullptr;
   EXPECT_FALSE(station->isUnobserved()) << "still registered";
-  EXPECT_EQ(weakObserver.lock().get(), kept);
   observer = weakObserver.lock();
+  EXPECT_TRUE(observer);
   EXPECT_TRUE(clock.runUntil([&] { return !weakToken.lock(); }));
   EXPECT_EQ(take(), "listeners 1 0>1, listeners 1 1>2, listeners 1 2>3");
   EXPECT_TRUE(station->isUnobserved());
