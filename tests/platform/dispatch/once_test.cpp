@@ -22,20 +22,12 @@ TEST(Once, CallsOneBlockWhileTheOthersWait) {
   }
 }
 
-void askAgainFromInside() {
-  dispatch_once_t once;
-  dispatch_once(&once, [&] { dispatch_once(&once, [] {}); });
-}
-
-void throwFromInside() {
-  dispatch_once_t once;
-  dispatch_once(&once, [] { throw std::runtime_error("no table"); });
-}
-
 TEST(OnceDeathTest, StopsTheProcessWithOneLine) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_DEATH(askAgainFromInside(), "dispatch_once: called again from inside its own block\n");
-  EXPECT_DEATH(throwFromInside(), "an exception left the block of dispatch_once: no table\n");
+  dispatch_once_t once;
+  EXPECT_DEATH(dispatch_once(&once, [&] { dispatch_once(&once, [] {}); }), "called again from inside its own block\n");
+  EXPECT_DEATH(dispatch_once(&once, [] { throw std::runtime_error("no table"); }),
+               "an exception left the block of dispatch_once: no table\n");
 }
 
 }  // namespace
