@@ -47,28 +47,14 @@ TEST(UnfairLockWord, IsStillHeldByTheThreadThatForked) {
   EXPECT_EQ(status, 0);
 }
 
-void lockTwice() {
-  os_unfair_lock lock{};
-  os_unfair_lock_lock(&lock);
-  os_unfair_lock_lock(&lock);
-}
-
-void unlockForAnother() {
-  os_unfair_lock lock{};
-  std::thread([&] { os_unfair_lock_lock(&lock); }).join();
-  os_unfair_lock_unlock(&lock);
-}
-
-void unlockFree() {
-  os_unfair_lock lock{};
-  os_unfair_lock_unlock(&lock);
-}
-
 TEST(UnfairLockWordDeathTest, StopsTheProcessWithOneLineWhenMisused) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
-  EXPECT_DEATH(lockTwice(), "os_unfair_lock: locked again by the thread that holds it\n");
-  EXPECT_DEATH(unlockForAnother(), "os_unfair_lock: unlocked by a thread that does not hold it\n");
-  EXPECT_DEATH(unlockFree(), "os_unfair_lock: unlocked while free\n");
+  os_unfair_lock lock{};
+  EXPECT_DEATH(os_unfair_lock_unlock(&lock), "os_unfair_lock: unlocked while free\n");
+  os_unfair_lock_lock(&lock);
+  EXPECT_DEATH(os_unfair_lock_lock(&lock), "os_unfair_lock: locked again by the thread that holds it\n");
+  EXPECT_DEATH(std::thread([&] { os_unfair_lock_unlock(&lock); }).join(),
+               "os_unfair_lock: unlocked by a thread that does not hold it\n");
 }
 
 }  // namespace
