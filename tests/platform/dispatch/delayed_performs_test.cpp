@@ -43,13 +43,13 @@ TEST(DelayedPerforms, HoldsFewPlacesForRequestsThatAreMovedOrCancelled) {
 }
 
 // The same, slowly.
-class Model {
- public:
+struct Model {
   struct Request {
     PerformKey key;
     DueTime due;
     int id;
   };
+  std::vector<Request> requests;
 
   void cancel(const PerformKey& key) {
     std::erase_if(requests, [&](const Request& r) {
@@ -57,13 +57,9 @@ class Model {
     });
   }
   bool postpone(const PerformKey& key, DueTime due) {
-    Request* found = nullptr;
-    for (Request& r : requests) {
-      if (r.key.target != key.target || r.key.selector != key.selector) continue;
-      if (found != nullptr) return false;
-      found = &r;
-    }
-    if (found == nullptr || found->key.argument != nullptr) return false;
+    const auto same = [&](const Request& r) { return r.key.target == key.target && r.key.selector == key.selector; };
+    const auto found = std::find_if(requests.begin(), requests.end(), same);
+    if (std::count_if(requests.begin(), requests.end(), same) != 1 || found->key.argument != nullptr) return false;
     found->due = due;
     return true;
   }
@@ -74,7 +70,6 @@ class Model {
     requests.erase(first);
     return taken;
   }
-  std::vector<Request> requests;
 };
 
 TEST(DelayedPerforms, BehavesAsASimpleListDoes) {

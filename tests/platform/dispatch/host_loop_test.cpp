@@ -39,6 +39,8 @@ TEST(HostLoop, TheDescriptorIsReadableWhileTheMainQueueHasWork) {
 
   dispatch_async(dispatch_get_main_queue(), [&] {
     dispatch_async(dispatch_get_main_queue(), [&] { order.push_back(4); });
+    drainMainLoop();
+    EXPECT_FALSE(isReadable()) << "a host loop nested in here must not spin";
     order.push_back(3);
   });
   drainMainLoop();
@@ -94,22 +96,6 @@ TEST(HostLoop, FollowsATestsClock) {
   EXPECT_TRUE(isReadable());
   drainMainLoop();
   EXPECT_TRUE(ran);
-  EXPECT_TRUE(isAtRest());
-}
-
-TEST(HostLoop, ADrainInsideAMainQueueClosureLeavesTheRestForTheOuterOne) {
-  std::vector<int> order;
-  dispatch_async(dispatch_get_main_queue(), [&] {
-    dispatch_async(dispatch_get_main_queue(), [&] { order.push_back(2); });
-    drainMainLoop();
-    EXPECT_FALSE(isReadable()) << "a host loop nested in here must not spin";
-    order.push_back(1);
-  });
-  drainMainLoop();
-  EXPECT_EQ(order, (std::vector<int>{1}));
-  EXPECT_TRUE(isReadable());
-  drainMainLoop();
-  EXPECT_EQ(order, (std::vector<int>{1, 2}));
   EXPECT_TRUE(isAtRest());
 }
 
