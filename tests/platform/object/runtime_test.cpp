@@ -306,14 +306,12 @@ TEST(Destruction, OfAMillionLinksUsesBoundedStack) {
 
 TEST(Destruction, ReleasesAttachedValuesAfterTheDestructors) {
   struct Owner : Object<Owner, NSObject> {
-    Weak<NSObject> value;
     bool* alive = nullptr;
-    ~Owner() override { *alive = static_cast<bool>(value.lock()); }
+    ~Owner() override { *alive = static_cast<bool>(associatedValue(*this, selector<"test_label:">)); }
   };
   bool alive = false;
   auto owner = make<Owner>();
   auto value = make<NSObject>();
-  owner->value = value;
   owner->alive = &alive;
   setAssociatedValue(*owner, selector<"test_label:">, value);
   EXPECT_EQ(associatedValue(*owner, selector<"test_label:">).get(), value.get());
