@@ -11,19 +11,16 @@ namespace {
 
 std::vector<std::pair<const char*, const char*>> creations;
 
-class Log : public testing::Test {
- protected:
-  void SetUp() override {
-    creations.clear();
-    logCreationSeen = [](const char* subsystem, const char* category) { creations.emplace_back(subsystem, category); };
-  }
-  void TearDown() override {
+struct Log : testing::Test {
+  ~Log() override {
     logCreationSeen = nullptr;
     kHLogSubsystem = "com.havrin";
   }
 };
 
 TEST_F(Log, PassesTheSubsystemOfTheMomentAndTheCallersOwnPointer) {
+  creations.clear();
+  logCreationSeen = [](const char* subsystem, const char* category) { creations.emplace_back(subsystem, category); };
   char category[] = "network";
   const os_log_t first = hlog_create_with_category(category);
   const char* const elsewhere = "org.example.player";
@@ -39,7 +36,6 @@ TEST_F(Log, PassesTheSubsystemOfTheMomentAndTheCallersOwnPointer) {
 }
 
 TEST_F(Log, GivesOneHandleForEqualTexts) {
-  logCreationSeen = nullptr;
   std::vector<os_log_t> handles(8);
   onThreads(handles.size(),
             [&](std::size_t i) { handles[i] = hlog_create_with_category(std::string("disk").c_str()); });
