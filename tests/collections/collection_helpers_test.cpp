@@ -18,8 +18,7 @@ class Draws : public RandomSource {
   }
   bool fill(std::uint64_t&) override { return false; }
 
-  std::vector<std::uint32_t> numbers_;
-  std::vector<std::uint32_t> bounds_;
+  std::vector<std::uint32_t> numbers_, bounds_;
 };
 
 // Notes the changes made to it. A mutable copy is the array itself.
