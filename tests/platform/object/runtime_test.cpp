@@ -94,7 +94,6 @@ TEST(Messages, FindTheMethodOfTheReceiversOwnClass) {
   EXPECT_EQ(text(send<"announce">(make<Plain>())), "twice");
   EXPECT_EQ(text(send<"kind">(classOf<Station>())), "kind of Station");
   EXPECT_EQ(text(send<"kind">(ClassOf<Station>(classOf<Plain>()))), "relay");
-  EXPECT_EQ(send<"tune:">(station, 3), 3);
 }
 
 TEST(Messages, OfCategoriesReachEveryObjectAndEveryClass) {
