@@ -64,8 +64,7 @@ TEST_F(Observed, ChangesAreImmutableDictionaries) {
   send<"setTitle:">(station, s("a"));
   const Strong<NSDictionary> change = watcher->last;
   const auto expected = makeDictionary({{s("kind"), makeNumber(1)}, {s("old"), NSNull::null()}, {s("new"), s("a")}});
-  EXPECT_TRUE(change->isEqual(expected));
-  EXPECT_FALSE(isKind<NSMutableDictionary>(change));
+  EXPECT_TRUE(change->isEqual(expected) && !isKind<NSMutableDictionary>(change));
   EXPECT_EQ(change->copy().get(), change.get());
   const Strong<NSObject> copy = change->mutableCopy();
   EXPECT_TRUE(isKind<NSMutableDictionary>(copy) && copy->isEqual(change));
@@ -90,9 +89,7 @@ TEST_F(Observed, ObjectsStillLookLikeWhatTheyAre) {
 TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   int mine = 0;
   int yours = 0;
-  watch("title", 0, &mine);
-  watch("title", 0, &mine);
-  watch("title", 0, &yours);
+  for (int* context : {&mine, &mine, &yours}) watch("title", 0, context);
   send<"setTitle:">(station, s("a"));
   EXPECT_EQ(watcher->take(), "title 1 ->-, title 1 ->-, title 1 ->-");
   const auto remove = [&](NSObject* observer, const char* path, void* context) {
@@ -105,8 +102,7 @@ TEST_F(Observed, RegistrationsAreCountedAndMatchedByContext) {
   EXPECT_EQ(remove(watcher, "title", &yours), NSRangeException) << "removed before";
   send<"setTitle:">(station, s("b"));
   EXPECT_EQ(watcher->take(), "title 1 ->-, title 1 ->-");
-  unwatch("title");
-  unwatch("title");
+  for (int i = 0; i < 2; ++i) unwatch("title");
   EXPECT_EQ(nameOf([&] { unwatch("title"); }), NSRangeException);
   try {
     send<"removeObserver:forKeyPath:context:">(station, watcher, nullptr, &mine);

@@ -134,8 +134,7 @@ TEST(ObservingThreads, ObjectsOnTheWayAreReplacedWhileTheyChange) {
   send<"setName:">(last, 2);
   EXPECT_EQ(watcher->heard, 1);
   send<"removeObserver:forKeyPath:">(station, watcher, path);
-  EXPECT_FALSE(dispatchClass(last)->isNotifying());
-  EXPECT_FALSE(dispatchClass(station)->isNotifying());
+  EXPECT_FALSE(dispatchClass(last)->isNotifying() || dispatchClass(station)->isNotifying());
 }
 
 TEST(ObservingThreads, WritersOfOnePathLeaveItWhereItLeads) {
