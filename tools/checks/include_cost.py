@@ -2,7 +2,7 @@
 """include-cost: what a file pays for an include: processor time of a syntax check against that of <string> alone.
 
 Prints the five heaviest of the umbrella header and the rooms' headers. Times vary from run to run by a third, which the
-limits leave room for.
+limits leave room for; a header that seems beyond its limit is measured again, beside <string>, before it counts.
 """
 import os
 import subprocess
@@ -15,6 +15,9 @@ MOST_UMBRELLA = 9.0  # takes about 7
 MOST = 4.4  # the heaviest of the rooms' headers take about 3.2
 
 
+TIMES = 3
+
+
 def seconds(root, include):
     """The processor time of g++ for a file that only includes this."""
     before = os.times()
@@ -24,10 +27,18 @@ def seconds(root, include):
     return after.children_user + after.children_system - before.children_user - before.children_system
 
 
+def least(root, include):
+    return min(seconds(root, include) for _ in range(TIMES))
+
+
 def check(tree):
     headers = [UMBRELLA, *tree.under(*(f"{LIBRARY}{room}/" for room in ROOMS), suffixes=(".h",))]
-    unit = min(seconds(tree.root, "string") for _ in range(3))
-    ratios = sorted(((seconds(tree.root, header) / unit, header) for header in headers), reverse=True)
+    unit = least(tree.root, "string")
+    measured = {header: seconds(tree.root, header) / unit for header in headers}
+    for header, ratio in measured.items():
+        if ratio > most(header):
+            measured[header] = min(ratio, least(tree.root, header) / least(tree.root, "string"))
+    ratios = sorted(((ratio, header) for header, ratio in measured.items()), reverse=True)
     for ratio, header in ratios[:5]:
         print(f"  {ratio:4.1f} of <string>  {header}")
     return [f"{header}: costs {ratio:.1f} times what <string> does; at most {most(header):g} is allowed"
