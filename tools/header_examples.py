@@ -12,7 +12,7 @@ bracket is open, is the result of the line above. Lines of a bracket that is ope
 A source includes its header, and no other of the project. The names file declares what the examples of a header use
 besides and the headers that bring it ("with", a standard one in angle brackets), or says that they are compiled only, or left alone, and why.
 
-The first block of C++ on the page is what the others begin with; each other one is a function. A result stands behind
+The first block of C++ on the page is what the others begin with; each other one is a function. A result follows
 "//", and is compared as a header's is.
 """
 import pathlib
@@ -38,7 +38,7 @@ def opening_comment(text):
 
 
 def split_result(line):
-    """The code of a line and what stands behind two blanks outside of quotation marks."""
+    """The code of a line and what follows two blanks outside of quotation marks."""
     quote, i = "", len(line) - len(line.lstrip())
     while i < len(line):
         c = line[i]

@@ -246,7 +246,7 @@ void Board::goTo(const std::string& number) {
   const std::optional<std::int64_t> identifier = base36ValueAsBase10(number);
   const Station* station = identifier ? catalogue_.stationNumbered(*identifier) : nullptr;
   if (station) return moveTo(*station);
-  note_ = identifier ? "There is no station " + base36Value(*identifier) + "."
+  note_ = identifier ? "No station has the number " + base36Value(*identifier) + "."
                      : "A station's number has up to 13 digits, 0 to 9 and A to Z.";
 }
 
@@ -295,7 +295,7 @@ void Board::mark() {
   Station* station = selected();
   if (!station) return;
   station->setFavourite(!station->isFavourite());
-  note_ = station->entry().name + (station->isFavourite() ? " is a favourite now." : " is no favourite any more.");
+  note_ = station->entry().name + (station->isFavourite() ? " is a favourite now." : " is no longer a favourite.");
 }
 
 void Board::hide() {

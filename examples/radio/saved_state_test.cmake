@@ -19,7 +19,7 @@ run("it gives a genre another colour" 0 "jazz is #B03A2E now" ${board} --state $
 run("it restores colours" 0 "48;2;176;58;46;38;5;231m jazz" ${board} --state ${state})
 string(ASCII 27 escape)
 run("it restores an empty search" 0 "/ to search" ${board} --state ${state} --keys ${escape})
-run("it takes a mark away" 0 "is no favourite any more" ${board} --state ${state} --keys "/orchard vinyl 174\n+")
+run("it takes a mark away" 0 "is no longer a favourite" ${board} --state ${state} --keys "/orchard vinyl 174\n+")
 run("the stations file does not bring it back" 0 "▸  5QM .*Orchard Vinyl 174" ${board} --state ${state})
 run("it neither reads nor writes" 0 "/ to search" ${board} --no-state --keys "/jazz${escape}")
 run("it keeps its state in a place of its own" 0 "search: jazz "

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """errors: docs/errors.md and the texts in the sources agree.
 
-Every text of the page's first column is in the library's string literals, part by part where "..." stands for what
+Every text of the page's first column is in the library's string literals, part by part where "..." is what
 varies; every reason for which the library ends the process is on the page.
 """
 import re
@@ -19,7 +19,7 @@ def literals(text):
 
 
 def parts(text):
-    """What stands between the "..." of a text, cut at ": ", where a prefix is put before a reason."""
+    """The pieces between the "..." of a text, cut at ": ", where a prefix is put before a reason."""
     return [part.strip(" {") for piece in text.split("...") for part in piece.split(": ") if len(part.strip(" {:")) > 2]
 
 

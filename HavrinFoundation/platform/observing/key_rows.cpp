@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/observing/key_rows.h>
 
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/boxing.h>
-#include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/class_key_cache.h>
 
 #include <array>
@@ -94,9 +94,7 @@ std::vector<Strong<NSString>> keysOfPath(const NSString& path) {
 }
 
 void requireKey(const NSObject& self, const NSString* key, std::string_view selector) {
-  if (key) return;
-  throw NSException(NSInvalidArgumentException,
-                    "-[" + std::string(classOf(self).name()) + " " + std::string(selector) + "]: the key is null");
+  if (!key) throwNullArgument(self, selector, "key");
 }
 
 }  // namespace platform

@@ -3,7 +3,7 @@
 //
 //   send<"valueForKey:">(station, makeString("listeners"))               NSNumber: numbers and booleans are boxed
 //   send<"setValue:forKey:">(station, makeNumber(12), makeString("listeners"))    by the setter: observers hear of it
-//   send<"valueForKeyPath:">(station, makeString("host.name"))           null when there is no host
+//   send<"valueForKeyPath:">(station, makeString("host.name"))           null without a host
 //   send<"valueForKey:">(station, makeString("lisTeners"))               throws NSException (NSUndefinedKeyException)
 //   send<"setValue:forKey:">(station, nullptr, makeString("listeners"))  throws NSException (InvalidArgument): a number
 //   send<"mutableArrayValueForKey:">(station, makeString("songs"))->addObject(song)    observers receive an insertion

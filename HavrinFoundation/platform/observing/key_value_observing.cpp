@@ -152,9 +152,9 @@ constexpr MethodRow kObservingRows[] = {
 void requireObservable(const NSObject& object) {
   const bool isCollection = isKind<NSArray>(&object) || isKind<NSSet>(&object) || isKind<NSOrderedSet>(&object);
   if (!isCollection && !Class::from(&object)) return;
-  throw NSException(NSInvalidArgumentException, "-[" + std::string(classOf(object).name()) +
-                                                    " addObserver:forKeyPath:options:context:]: collections and "
-                                                    "classes are not observable");
+  throw NSException(
+      NSInvalidArgumentException,
+      methodReason(object, "addObserver:forKeyPath:options:context:", "collections and classes are not observable"));
 }
 
 extern constinit const Category kKeyValueObserving{classObject<NSObject>, "KeyValueObserving", kObservingRows, {}};

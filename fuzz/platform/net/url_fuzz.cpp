@@ -63,12 +63,12 @@ class Oracle {
   bool good_;
 };
 
-// Where the other library resolves differently, on purpose or not, and why ours stands.
+// Where the other library resolves differently, and why ours is right.
 bool mayDiffer(const UriParts& base, const UriParts& reference, const UriParts& ours, const UriParts& theirs) {
   // It writes addresses in brackets in full.
   if (ours.authority && ours.authority->find('[') != ours.authority->npos) return true;
-  // It leaves a "." segment, or adds one, where a path would begin with "//". The standard lets none stand; ours does
-  // only where the path would else be taken for an authority.
+  // It leaves a "." segment, or adds one, where a path would begin with "//". The standard removes them all; ours keeps
+  // one only where the path would otherwise be taken for an authority.
   if (ours.path.starts_with("/.//") || theirs.path.find("/./") != theirs.path.npos) return true;
   // It keeps a path without a leading slash so where dot segments empty it; the standard's steps leave a slash.
   return !ours.authority && !reference.path.starts_with('/') && (reference.scheme || !base.path.starts_with('/'));
