@@ -15,7 +15,6 @@
 
 #include <HavrinFoundation/platform/decoding/decoding.h>
 
-#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <type_traits>
@@ -74,7 +73,7 @@ Decoded<std::vector<Type>> tryDecodeSkippingInvalidElements(UnkeyedDecodingConta
   Decoded<std::vector<Type>> elements(std::in_place);
   if (container.isAtEnd()) return elements;
   if (const auto count = container.count()) {
-    elements->reserve(std::min(*count - container.currentIndex(), detail::kReservedElements<Type>));
+    elements->reserve(detail::reservedElements<Type>(*count - container.currentIndex()));
   }
   constexpr bool kIsReported = !std::same_as<std::remove_cvref_t<Report>, NoReport>;
   do {

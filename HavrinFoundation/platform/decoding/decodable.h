@@ -21,15 +21,12 @@
 #include <HavrinFoundation/platform/decoding/keyed_decoding_container.h>
 #include <HavrinFoundation/platform/decoding/unkeyed_decoding_container.h>
 
-#include <algorithm>
 #include <concepts>
 #include <cstddef>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -63,12 +60,13 @@ template <class Type>
 inline constexpr bool kIsVector = false;
 template <class Type, class Allocator>
 inline constexpr bool kIsVector<std::vector<Type, Allocator>> = true;
+// std::map, std::unordered_map and what has their shape, from text to a value: known by their members, which costs no
+// include.
 template <class Type>
-inline constexpr bool kIsTextMap = false;
-template <class Type, class Order, class Allocator>
-inline constexpr bool kIsTextMap<std::map<std::string, Type, Order, Allocator>> = true;
-template <class Type, class Hash, class Equal, class Allocator>
-inline constexpr bool kIsTextMap<std::unordered_map<std::string, Type, Hash, Equal, Allocator>> = true;
+concept TextMap = std::same_as<typename Type::key_type, std::string> &&
+    requires(Type map, std::string key, typename Type::mapped_type value) {
+  map.try_emplace(std::move(key), std::move(value));
+};
 
 template <class Type>
 concept DecodesByTraits = requires(Decoder& decoder) {
@@ -93,7 +91,7 @@ inline namespace platform {
 /// A type that can be decoded: a built-in type, or a type of the caller in one of the four ways listed in decoding.h.
 template <class Type>
 concept Decodable = DecodableScalar<Type> || detail::kIsOptional<Type> || detail::kIsVector<Type> ||
-    detail::kIsTextMap<Type> || detail::DecodesByTraits<Type> || detail::DecodesByFunction<Type> ||
+    detail::TextMap<Type> || detail::DecodesByTraits<Type> || detail::DecodesByFunction<Type> ||
     detail::DecodesByConstructor<Type> || detail::DecodesByFields<Type>;
 
 /// A Type decoded by its list `Fields`, for a `fromDecoder` that adds checks.
@@ -105,9 +103,12 @@ template <class Type>
 
 namespace detail {
 
-// Limits the memory reserved before decoding to 64 MiB: the count is a claim of the document.
+// The elements to reserve memory for before decoding: 64 MiB of them at most, since the count is a claim of the document.
 template <class Type>
-inline constexpr std::size_t kReservedElements = (std::size_t{64} << 20) / sizeof(Type);
+constexpr std::size_t reservedElements(std::size_t count) {
+  constexpr std::size_t kMost = (std::size_t{64} << 20) / sizeof(Type);
+  return count < kMost ? count : kMost;
+}
 
 // Decodes a member that is not a scalar.
 template <class Type>
@@ -148,7 +149,7 @@ Decoded<Elements> decodeElements(Decoder& decoder) {
     elements.fail(std::move(container.failure()));
     return elements;
   }
-  elements->reserve(std::min(container->count().value_or(0), kReservedElements<Element>));
+  elements->reserve(reservedElements<Element>(container->count().value_or(0)));
   while (!container->isAtEnd()) {
     auto element = container->template tryDecode<Element>();
     if (!element) {
@@ -210,7 +211,7 @@ Decoded<Type> decodeValue(Decoder& decoder) {
     return Type(*std::move(value));
   } else if constexpr (detail::kIsVector<Type>) {
     return detail::decodeElements<Type>(decoder);
-  } else if constexpr (detail::kIsTextMap<Type>) {
+  } else if constexpr (detail::TextMap<Type>) {
     return detail::decodeEntries<Type>(decoder);
   } else if constexpr (detail::DecodesByConstructor<Type>) {
     return detail::captured([&] { return Decoded<Type>(std::in_place, decoder.describingErrors()); });

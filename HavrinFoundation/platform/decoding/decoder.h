@@ -15,7 +15,6 @@
 
 #include <any>
 #include <cstddef>
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>

@@ -5,6 +5,7 @@
 #include <HavrinFoundation/platform/documents/xml_property_list.h>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace havrin {
@@ -41,30 +42,48 @@ void release(std::shared_ptr<const void> container) noexcept {
 
 }  // namespace
 
-PropertyList::PropertyList(Dictionary value) : value_(std::make_shared<const Dictionary>(std::move(value))) {}
+PropertyList::PropertyList(std::string value)
+    : PropertyList(Kind::text, std::make_shared<const std::string>(std::move(value))) {}
+PropertyList::PropertyList(Data value) : PropertyList(Kind::data, std::make_shared<const Data>(std::move(value))) {}
+PropertyList::PropertyList(Array value) : PropertyList(Kind::array, std::make_shared<const Array>(std::move(value))) {}
+PropertyList::PropertyList(Dictionary value)
+    : PropertyList(Kind::dictionary, std::make_shared<const Dictionary>(std::move(value))) {}
 
-// Out of line: with ten alternatives, inlining them at each move would bloat the callers.
-PropertyList::PropertyList(const PropertyList& other) = default;
-PropertyList::PropertyList(PropertyList&& other) noexcept : value_(std::exchange(other.value_, Value())) {}
+PropertyList::PropertyList(const PropertyList& other) : kind_(other.kind_), isUnsigned_(other.isUnsigned_) {
+  if (hasPart()) {
+    std::construct_at(&part_, other.part_);
+  } else {
+    bits_ = other.bits_;
+  }
+}
+PropertyList::PropertyList(PropertyList&& other) noexcept : kind_(other.kind_), isUnsigned_(other.isUnsigned_) {
+  if (hasPart()) {
+    std::construct_at(&part_, std::move(other.part_));
+    std::destroy_at(&other.part_);
+  } else {
+    bits_ = other.bits_;
+  }
+  other.kind_ = Kind::boolean;
+  other.bits_ = 0;
+}
 PropertyList& PropertyList::operator=(PropertyList other) noexcept {
-  value_.swap(other.value_);
-  return *this;
+  std::destroy_at(this);
+  return *std::construct_at(this, std::move(other));
 }
 PropertyList::~PropertyList() {
-  if (auto* const elements = std::get_if<Shared<Array>>(&value_)) release(std::move(*elements));
-  if (auto* const entries = std::get_if<Shared<Dictionary>>(&value_)) release(std::move(*entries));
+  if (!hasPart()) return;
+  if (kind_ >= Kind::array) release(std::move(part_));
+  std::destroy_at(&part_);
 }
 
-PropertyList::Kind PropertyList::kind() const noexcept {
-  if (std::holds_alternative<std::uint64_t>(value_)) return Kind::integer;
-  return static_cast<Kind>(value_.index());
+std::optional<std::int64_t> PropertyList::integer() const noexcept {
+  if (kind_ != Kind::integer || isUnsigned_) return std::nullopt;
+  return static_cast<std::int64_t>(bits_);
 }
 
 std::optional<std::uint64_t> PropertyList::unsignedInteger() const noexcept {
-  if (const auto* value = std::get_if<std::int64_t>(&value_); value && *value >= 0) {
-    return static_cast<std::uint64_t>(*value);
-  }
-  return get<std::uint64_t>();
+  if (kind_ != Kind::integer || (!isUnsigned_ && static_cast<std::int64_t>(bits_) < 0)) return std::nullopt;
+  return bits_;
 }
 
 const PropertyList* PropertyList::valueForKey(std::string_view key) const noexcept {
@@ -77,8 +96,14 @@ bool PropertyList::isEqual(const PropertyList& other) const {
   while (!pairs.empty()) {
     const auto [mine, theirs] = pairs.back();
     pairs.pop_back();
-    if (mine->value_ == theirs->value_) continue;  // containers only where they are shared
-    if (mine->value_.index() != theirs->value_.index()) return false;
+    if (mine->kind_ != theirs->kind_ || mine->isUnsigned_ != theirs->isUnsigned_) return false;
+    if (!mine->hasPart()) {
+      // Numbers rather than their bits: 0 equals -0, and NaN nothing.
+      if (mine->real() != theirs->real() || mine->date() != theirs->date()) return false;
+      if (mine->bits_ != theirs->bits_ && mine->kind_ != Kind::real && mine->kind_ != Kind::date) return false;
+      continue;
+    }
+    if (mine->part_ == theirs->part_) continue;
     if (const auto* const text = mine->text(); text && *text == *theirs->text()) continue;
     if (const auto* const bytes = mine->data(); bytes && *bytes == *theirs->data()) continue;
     if (const auto* const elements = mine->array(); elements && elements->size() == theirs->array()->size()) {

@@ -24,6 +24,7 @@
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/time/date.h>
 
+#include <bit>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -33,7 +34,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace havrin {
@@ -60,19 +60,21 @@ class HAVRIN_EXPORT PropertyList {
   class Dictionary;
 
   template <std::same_as<bool> Type>
-  explicit PropertyList(Type value) : value_(value) {}
+  explicit PropertyList(Type value) : PropertyList(Kind::boolean, value) {}
   template <std::integral Type>
   requires(!std::same_as<Type, bool> && sizeof(Type) <= sizeof(std::int64_t)) explicit PropertyList(Type value)
-      : value_(integerOf(value)) {}
-  explicit PropertyList(double value) : value_(value) {}
-  explicit PropertyList(Date value) : value_(value) {}
-  explicit PropertyList(UID value) : value_(value) {}
+      : PropertyList(Kind::integer, static_cast<std::uint64_t>(value)) {
+    isUnsigned_ = !std::in_range<std::int64_t>(value);
+  }
+  explicit PropertyList(double value) : PropertyList(Kind::real, std::bit_cast<std::uint64_t>(value)) {}
+  explicit PropertyList(Date value) : PropertyList(Kind::date, std::bit_cast<std::uint64_t>(value)) {}
+  explicit PropertyList(UID value) : PropertyList(Kind::uid, value.value) {}
   /// UTF-8 text. Ill-formed sequences are kept in memory and written as U+FFFD.
-  explicit PropertyList(std::string value) : value_(std::make_shared<const std::string>(std::move(value))) {}
+  explicit PropertyList(std::string value);
   explicit PropertyList(std::string_view value) : PropertyList(std::string(value)) {}
   explicit PropertyList(const char* value) : PropertyList(std::string(value)) {}
-  explicit PropertyList(Data value) : value_(std::make_shared<const Data>(std::move(value))) {}
-  explicit PropertyList(Array value) : value_(std::make_shared<const Array>(std::move(value))) {}
+  explicit PropertyList(Data value);
+  explicit PropertyList(Array value);
   explicit PropertyList(Dictionary value);
 
   /// A moved-from value is the boolean false.
@@ -81,21 +83,23 @@ class HAVRIN_EXPORT PropertyList {
   PropertyList& operator=(PropertyList other) noexcept;
   ~PropertyList();
 
-  [[nodiscard]] Kind kind() const noexcept;
+  [[nodiscard]] Kind kind() const noexcept { return kind_; }
 
   /// The value. Empty when: it is of another kind.
-  [[nodiscard]] std::optional<bool> boolean() const noexcept { return get<bool>(); }
-  [[nodiscard]] std::optional<double> real() const noexcept { return get<double>(); }
-  [[nodiscard]] std::optional<Date> date() const noexcept { return get<Date>(); }
-  [[nodiscard]] std::optional<UID> uid() const noexcept { return get<UID>(); }
+  [[nodiscard]] std::optional<bool> boolean() const noexcept {
+    return kind_ == Kind::boolean ? std::optional<bool>(bits_ != 0) : std::nullopt;
+  }
+  [[nodiscard]] std::optional<double> real() const noexcept { return get<double>(Kind::real); }
+  [[nodiscard]] std::optional<Date> date() const noexcept { return get<Date>(Kind::date); }
+  [[nodiscard]] std::optional<UID> uid() const noexcept { return get<UID>(Kind::uid); }
   /// Empty when: it is not an integer, or is outside the range of the type.
-  [[nodiscard]] std::optional<std::int64_t> integer() const noexcept { return get<std::int64_t>(); }
+  [[nodiscard]] std::optional<std::int64_t> integer() const noexcept;
   [[nodiscard]] std::optional<std::uint64_t> unsignedInteger() const noexcept;
   /// Null when: it is of another kind.
-  [[nodiscard]] const std::string* text() const noexcept { return at<std::string>(); }
-  [[nodiscard]] const Data* data() const noexcept { return at<Data>(); }
-  [[nodiscard]] const Array* array() const noexcept { return at<Array>(); }
-  [[nodiscard]] const Dictionary* dictionary() const noexcept { return at<Dictionary>(); }
+  [[nodiscard]] const std::string* text() const noexcept { return part<std::string>(Kind::text); }
+  [[nodiscard]] const Data* data() const noexcept { return part<Data>(Kind::data); }
+  [[nodiscard]] const Array* array() const noexcept { return part<Array>(Kind::array); }
+  [[nodiscard]] const Dictionary* dictionary() const noexcept { return part<Dictionary>(Kind::dictionary); }
   /// The value under `key`. Null when: this is not a dictionary, or does not have the key. Cost: logarithmic.
   [[nodiscard]] const PropertyList* valueForKey(std::string_view key) const noexcept;
 
@@ -105,31 +109,27 @@ class HAVRIN_EXPORT PropertyList {
   }
 
  private:
-  template <class Type>
-  using Shared = std::shared_ptr<const Type>;
-  // In the order of Kind, except that std::uint64_t comes last; it is used only for values from 2^63 on.
-  using Value = std::variant<bool, std::int64_t, double, Date, UID, Shared<std::string>, Shared<Data>, Shared<Array>,
-                             Shared<Dictionary>, std::uint64_t>;
+  PropertyList(Kind kind, std::uint64_t bits) noexcept : kind_(kind), bits_(bits) {}
+  PropertyList(Kind kind, std::shared_ptr<const void> part) noexcept : kind_(kind), part_(std::move(part)) {}
 
   template <class Type>
-  static Value integerOf(Type value) {
-    if (std::in_range<std::int64_t>(value)) return static_cast<std::int64_t>(value);
-    return static_cast<std::uint64_t>(value);
+  [[nodiscard]] std::optional<Type> get(Kind kind) const noexcept {
+    return kind_ == kind ? std::optional<Type>(std::bit_cast<Type>(bits_)) : std::nullopt;
   }
   template <class Type>
-  [[nodiscard]] std::optional<Type> get() const noexcept {
-    const Type* value = std::get_if<Type>(&value_);
-    return value ? std::optional<Type>(*value) : std::nullopt;
+  [[nodiscard]] const Type* part(Kind kind) const noexcept {
+    return kind_ == kind ? static_cast<const Type*>(part_.get()) : nullptr;
   }
-  template <class Type>
-  [[nodiscard]] const Type* at() const noexcept {
-    const Shared<Type>* value = std::get_if<Shared<Type>>(&value_);
-    return value ? value->get() : nullptr;
-  }
-
+  [[nodiscard]] bool hasPart() const noexcept { return kind_ >= Kind::text; }
   [[nodiscard]] bool isEqual(const PropertyList& other) const;
 
-  Value value_;
+  Kind kind_;
+  bool isUnsigned_ = false;  // an integer from 2^63 on
+  // Written out rather than a std::variant, which costs every file that includes this more than the rest of it.
+  union {
+    std::uint64_t bits_;                // up to Kind::uid
+    std::shared_ptr<const void> part_;  // from Kind::text on
+  };
 };
 
 /// Values under distinct keys, sorted by the bytes of the keys.
@@ -145,7 +145,7 @@ class HAVRIN_EXPORT PropertyList::Dictionary {
   /// If several entries have the same key, the first is kept.
   explicit Dictionary(std::vector<Entry> entries);
 
-  [[nodiscard]] std::span<const Entry> entries() const noexcept { return entries_; }
+  [[nodiscard]] std::span<const Entry> entries() const noexcept { return {entries_.data(), entries_.size()}; }
   /// The value under `key`. Null when: the key is missing. Cost: logarithmic.
   [[nodiscard]] const PropertyList* find(std::string_view key) const noexcept;
   /// Sets the value under `key`, replacing an existing one. Cost: linear.

@@ -61,7 +61,7 @@ class HAVRIN_EXPORT CGColor {
   [[nodiscard]] const CGColorSpace* colorSpace() const { return space_ ? &*space_ : nullptr; }
   /// The components; empty when the colour has none.
   [[nodiscard]] std::span<const double> components() const {
-    return many_.empty() ? std::span<const double>(few_.data(), count_) : std::span<const double>(many_);
+    return many_.empty() ? std::span(few_.data(), count_) : std::span(many_.data(), many_.size());
   }
   /// The last component; 1 when there is none.
   [[nodiscard]] double alpha() const { return components().empty() ? 1.0 : components().back(); }
