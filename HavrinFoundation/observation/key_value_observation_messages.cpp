@@ -110,4 +110,6 @@ Strong<NSString> KeyValueObservation::describe() {
                     "\n  object: " + textOf(object_) + "\n  keypaths: [" + paths + "]");
 }
 
+template ClassObject* buildClass<KeyValueObservation>();
+
 }  // namespace havrin

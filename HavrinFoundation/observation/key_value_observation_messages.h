@@ -97,6 +97,8 @@ class HAVRIN_EXPORT KeyValueObservation : public Object<KeyValueObservation, NSO
            Method<"setAction:", &KeyValueObservation::copyAction>>;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<KeyValueObservation>();
+
 /// Sets the five properties through their setters, in this order, registers for each key path with old and new values,
 /// and, unless the options skip it, calls the action once on this thread: with the observer as given, null or not, and a
 /// change that holds the kind 1 alone.

@@ -102,5 +102,7 @@ Strong<NSBundle> installMainBundle(NSBundle* bundle) {
   return std::exchange(all.installedMain, Strong<NSBundle>(bundle));
 }
 
+template ClassObject* buildClass<NSBundle>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -55,6 +55,8 @@ class HAVRIN_EXPORT NSBundle : public Object<NSBundle, NSObject> {
   Information* const information_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSBundle>();
+
 /// Replaces the main bundle by `bundle`; null restores the program's own.
 /// Result: the previous replacement; null if there was none.
 /// Threads: any; meant for test programs.

@@ -70,5 +70,7 @@ Strong<NSString> NSProcessInfo::operatingSystemVersionString() const {
   return makeString(*kName);
 }
 
+template ClassObject* buildClass<NSProcessInfo>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -35,5 +35,7 @@ class HAVRIN_EXPORT NSProcessInfo : public Object<NSProcessInfo, NSObject> {
   [[nodiscard]] virtual Strong<NSString> operatingSystemVersionString() const;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSProcessInfo>();
+
 }  // namespace platform
 }  // namespace havrin

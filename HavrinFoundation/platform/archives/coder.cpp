@@ -86,5 +86,7 @@ Strong<NSError> makeCodingError(std::int64_t code, std::string_view text) {
   return make<NSError>(NSCocoaErrorDomain, code, makeDictionary({{NSDebugDescriptionErrorKey, makeString(text)}}));
 }
 
+template ClassObject* buildClass<NSCoder>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -125,6 +125,8 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
   Strong<NSError> error_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSCoder>();
+
 /// An error in NSCocoaErrorDomain with the debug description `text`.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSError> makeCodingError(std::int64_t code, std::string_view text);
 

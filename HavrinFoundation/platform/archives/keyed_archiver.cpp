@@ -57,5 +57,7 @@ Strong<NSData> NSKeyedArchiver::encodedData() {
   return hasFailed() ? nullptr : make<NSData>(std::move(bytes));
 }
 
+template ClassObject* buildClass<NSKeyedArchiver>();
+
 }  // namespace platform
 }  // namespace havrin

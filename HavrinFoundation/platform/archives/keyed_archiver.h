@@ -70,5 +70,7 @@ class HAVRIN_EXPORT NSKeyedArchiver : public Object<NSKeyedArchiver, NSCoder> {
   bool requiresSecureCoding_ = false;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSKeyedArchiver>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -119,5 +119,7 @@ void NSKeyedUnarchiver::finishDecoding() {
   reader_.reset();
 }
 
+template ClassObject* buildClass<NSKeyedUnarchiver>();
+
 }  // namespace platform
 }  // namespace havrin

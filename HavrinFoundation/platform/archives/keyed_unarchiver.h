@@ -103,6 +103,8 @@ class HAVRIN_EXPORT NSKeyedUnarchiver : public Object<NSKeyedUnarchiver, NSCoder
   bool requiresSecureCoding_ = true;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSKeyedUnarchiver>();
+
 /// Registers the class Type with archives, as a constant at namespace scope beside the class.
 template <class Type>
 struct ArchivedClass {

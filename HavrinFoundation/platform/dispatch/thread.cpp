@@ -8,5 +8,7 @@ Strong<NSThread> NSThread::currentThread() { return RunLoop::current().thread();
 
 Strong<NSThread> NSThread::mainThread() { return RunLoop::main().thread(); }
 
+template ClassObject* buildClass<NSThread>();
+
 }  // namespace platform
 }  // namespace havrin

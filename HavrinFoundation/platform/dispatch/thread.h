@@ -35,5 +35,7 @@ class HAVRIN_EXPORT NSThread : public Object<NSThread, NSObject> {
   const std::shared_ptr<RunLoop> loop_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSThread>();
+
 }  // namespace platform
 }  // namespace havrin

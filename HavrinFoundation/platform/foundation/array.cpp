@@ -286,5 +286,8 @@ Strong<NSArray> makeArray(std::initializer_list<NSObject*> objects) {
   return makeArray(std::span<NSObject* const>(objects.begin(), objects.size()));
 }
 
+template ClassObject* buildClass<NSArray>();
+template ClassObject* buildClass<NSMutableArray>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -175,6 +175,9 @@ class HAVRIN_EXPORT NSMutableArray : public Object<NSMutableArray, NSArray> {
   std::uint64_t mutations_ = 0;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSArray>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSMutableArray>();
+
 /// Collects objects and makes an immutable array of them in one allocation.
 ///   ArrayBuilder titles(stations->count());
 ///   for (NSObject* station : each(stations)) titles.add(titleOf(station));

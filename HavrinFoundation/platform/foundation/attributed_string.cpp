@@ -152,5 +152,8 @@ void NSMutableAttributedString::setAttributes(NSDictionary* attributes, NSRange 
 
 Strong<NSObject> NSMutableAttributedString::copy() const { return snapshot(); }
 
+template ClassObject* buildClass<NSAttributedString>();
+template ClassObject* buildClass<NSMutableAttributedString>();
+
 }  // namespace platform
 }  // namespace havrin

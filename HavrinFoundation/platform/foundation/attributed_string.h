@@ -95,5 +95,8 @@ class HAVRIN_EXPORT NSMutableAttributedString : public Object<NSMutableAttribute
   [[nodiscard]] Strong<NSObject> copy() const override;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSAttributedString>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSMutableAttributedString>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -22,5 +22,8 @@ Strong<NSObject> NSMutableCharacterSet::copy() const { return makeCharacterSet(c
 
 Strong<NSCharacterSet> makeCharacterSet(CharacterSet set) { return make<NSCharacterSet>(std::move(set)); }
 
+template ClassObject* buildClass<NSCharacterSet>();
+template ClassObject* buildClass<NSMutableCharacterSet>();
+
 }  // namespace platform
 }  // namespace havrin

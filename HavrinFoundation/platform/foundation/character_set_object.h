@@ -61,6 +61,9 @@ class HAVRIN_EXPORT NSMutableCharacterSet : public Object<NSMutableCharacterSet,
   [[nodiscard]] Strong<NSObject> copy() const override;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSCharacterSet>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSMutableCharacterSet>();
+
 /// The object for a value. Cost: one allocation; the members are shared.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSCharacterSet> makeCharacterSet(CharacterSet set);
 

@@ -56,5 +56,8 @@ Strong<NSData> makeData(std::span<const std::byte> bytes) { return make<NSData>(
 
 Strong<NSData> makeData(std::string_view text) { return makeData(std::as_bytes(std::span(text))); }
 
+template ClassObject* buildClass<NSData>();
+template ClassObject* buildClass<NSMutableData>();
+
 }  // namespace platform
 }  // namespace havrin

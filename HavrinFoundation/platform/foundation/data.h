@@ -37,7 +37,7 @@ class HAVRIN_EXPORT NSData : public Object<NSData, NSObject> {
   explicit NSData(std::vector<std::byte> bytes) noexcept : bytes_(std::move(bytes)) {}
 
   /// The bytes, not copied.
-  [[nodiscard]] virtual std::span<const std::byte> bytes() const { return bytes_; }
+  [[nodiscard]] virtual std::span<const std::byte> bytes() const { return {bytes_.data(), bytes_.size()}; }
   [[nodiscard]] std::uint64_t length() const { return bytes().size(); }
 
   /// True for data with the same bytes, mutable or not.
@@ -70,6 +70,9 @@ class HAVRIN_EXPORT NSMutableData : public Object<NSMutableData, NSData> {
   /// An NSData with the bytes of now.
   [[nodiscard]] Strong<NSObject> copy() const override;
 };
+
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSData>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSMutableData>();
 
 /// Data with a copy of these bytes, or of a text's.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSData> makeData(std::span<const std::byte> bytes);

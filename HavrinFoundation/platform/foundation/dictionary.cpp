@@ -200,5 +200,8 @@ Strong<NSObject> NSMutableDictionary::copy() const {
   return result;
 }
 
+template ClassObject* buildClass<NSDictionary>();
+template ClassObject* buildClass<NSMutableDictionary>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -117,6 +117,9 @@ class HAVRIN_EXPORT NSMutableDictionary : public Object<NSMutableDictionary, NSD
   std::uint64_t mutations_ = 0;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSDictionary>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSMutableDictionary>();
+
 /// A dictionary of these entries. Throws: as the constructor.
 [[nodiscard]] inline Strong<NSDictionary> makeDictionary(std::initializer_list<NSDictionary::KeyAndValue> entries) {
   return make<NSDictionary>(entries);

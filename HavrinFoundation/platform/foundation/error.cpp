@@ -67,5 +67,7 @@ Strong<NSString> NSError::description() const {
 
 Strong<NSObject> NSError::copy() const { return Strong<NSObject>(const_cast<NSError*>(this)); }
 
+template ClassObject* buildClass<NSError>();
+
 }  // namespace platform
 }  // namespace havrin

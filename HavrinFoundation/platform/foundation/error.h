@@ -60,5 +60,7 @@ class HAVRIN_EXPORT NSError : public Object<NSError, NSObject> {
   Strong<NSDictionary> userInfo_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSError>();
+
 }  // namespace platform
 }  // namespace havrin

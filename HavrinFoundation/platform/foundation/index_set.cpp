@@ -108,5 +108,7 @@ Strong<NSIndexSet> makeIndexSet(std::initializer_list<std::uint64_t> indexes) {
 
 Strong<NSIndexSet> makeIndexSet(NSRange range) { return make<NSIndexSet>(std::vector<NSRange>{range}); }
 
+template ClassObject* buildClass<NSIndexSet>();
+
 }  // namespace platform
 }  // namespace havrin

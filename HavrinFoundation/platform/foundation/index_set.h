@@ -45,7 +45,7 @@ class HAVRIN_EXPORT NSIndexSet : public Object<NSIndexSet, NSObject> {
   /// Calls the block with every index, ascending, until it sets `stop`.
   void enumerateIndexesUsingBlock(BlockView<void(std::uint64_t index, bool& stop)> block) const;
   /// The indexes as ranges: ascending, none empty, none touching the next.
-  [[nodiscard]] std::span<const NSRange> ranges() const { return ranges_; }
+  [[nodiscard]] std::span<const NSRange> ranges() const { return {ranges_.data(), ranges_.size()}; }
 
   [[nodiscard]] bool isEqual(const NSObject* other) const override;
   [[nodiscard]] std::uint64_t hash() const override;
@@ -57,6 +57,8 @@ class HAVRIN_EXPORT NSIndexSet : public Object<NSIndexSet, NSObject> {
   std::vector<NSRange> ranges_;
   std::uint64_t count_ = 0;
 };
+
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSIndexSet>();
 
 /// A set of these indexes, in any order, repeated or not.
 [[nodiscard]] HAVRIN_EXPORT Strong<NSIndexSet> makeIndexSet(std::span<const std::uint64_t> indexes);

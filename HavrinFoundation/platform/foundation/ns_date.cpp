@@ -42,5 +42,7 @@ Strong<NSString> NSDate::description() const {
 
 Strong<NSObject> NSDate::copy() const { return Strong<NSObject>(const_cast<NSDate*>(this)); }
 
+template ClassObject* buildClass<NSDate>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -66,5 +66,7 @@ class HAVRIN_EXPORT NSDate : public Object<NSDate, NSObject> {
   Date date_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSDate>();
+
 }  // namespace platform
 }  // namespace havrin

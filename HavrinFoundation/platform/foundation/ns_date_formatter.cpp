@@ -52,5 +52,7 @@ Strong<NSDate> NSDateFormatter::dateFromString(const NSString* text) const {
   return date ? make<NSDate>(*date) : nullptr;
 }
 
+template ClassObject* buildClass<NSDateFormatter>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -53,5 +53,7 @@ class HAVRIN_EXPORT NSDateFormatter : public Object<NSDateFormatter, NSObject> {
   DateFormat format_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSDateFormatter>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -56,5 +56,7 @@ Strong<NSString> NSURL::description() const {
 
 Strong<NSObject> NSURL::copy() const { return Strong<NSObject>(const_cast<NSURL*>(this)); }
 
+template ClassObject* buildClass<NSURL>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -66,5 +66,7 @@ class HAVRIN_EXPORT NSURL : public Object<NSURL, NSObject> {
   URL url_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSURL>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -28,5 +28,7 @@ Strong<NSString> NSUUID::description() const { return uuidString(); }
 
 Strong<NSObject> NSUUID::copy() const { return Strong<NSObject>(const_cast<NSUUID*>(this)); }
 
+template ClassObject* buildClass<NSUUID>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -51,5 +51,7 @@ class HAVRIN_EXPORT NSUUID : public Object<NSUUID, NSObject> {
   UUID uuid_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSUUID>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -131,5 +131,8 @@ std::int64_t unboxInteger(NSObject* object) { return numberArgument(object).inte
 std::uint64_t unboxUnsigned(NSObject* object) { return numberArgument(object).unsignedIntegerValue(); }
 double unboxReal(NSObject* object) { return numberArgument(object).doubleValue(); }
 
+template ClassObject* buildClass<NSNumber>();
+template ClassObject* buildClass<NSNull>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -83,5 +83,8 @@ class HAVRIN_EXPORT NSNull : public Object<NSNull, NSObject> {
   using Protocols = List<NSSecureCoding>;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSNumber>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSNull>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -98,6 +98,8 @@ class ObjectTable {
     std::uint64_t hash;
     Entry entry;  // key null: removed
   };
+  // Completes the type in every file that has a table, so that a debugger can show the entries there.
+  static_assert(sizeof(Slot) > sizeof(Entry));
   static constexpr std::size_t kUnindexed = 8;
   static constexpr std::size_t kNone = HashIndex::kNone;
 

@@ -132,5 +132,8 @@ void NSMutableOrderedSet::removeObject(const NSObject* object) {
 
 Strong<NSObject> NSMutableOrderedSet::copy() const { return make<NSOrderedSet>()->initWithArray(array()); }
 
+template ClassObject* buildClass<NSOrderedSet>();
+template ClassObject* buildClass<NSMutableOrderedSet>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -103,6 +103,9 @@ class HAVRIN_EXPORT NSMutableOrderedSet : public Object<NSMutableOrderedSet, NSO
   [[nodiscard]] Strong<NSObject> copy() const override;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSOrderedSet>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSMutableOrderedSet>();
+
 [[nodiscard]] inline Strong<NSOrderedSet> makeOrderedSet(std::initializer_list<NSObject*> objects) {
   return make<NSOrderedSet>(objects);
 }

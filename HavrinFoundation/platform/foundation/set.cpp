@@ -136,5 +136,8 @@ void NSMutableSet::removeAllObjects() {
 
 Strong<NSObject> NSMutableSet::copy() const { return make<NSSet>()->initWithSet(this); }
 
+template ClassObject* buildClass<NSSet>();
+template ClassObject* buildClass<NSMutableSet>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -108,6 +108,9 @@ class HAVRIN_EXPORT NSMutableSet : public Object<NSMutableSet, NSSet> {
   std::uint64_t mutations_ = 0;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSSet>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSMutableSet>();
+
 [[nodiscard]] inline Strong<NSSet> makeSet(std::initializer_list<NSObject*> objects) { return make<NSSet>(objects); }
 
 }  // namespace platform

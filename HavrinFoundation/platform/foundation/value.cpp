@@ -19,5 +19,7 @@ Strong<NSString> NSValue::description() const {
 
 Strong<NSObject> NSValue::copy() const { return Strong<NSObject>(const_cast<NSValue*>(this)); }
 
+template ClassObject* buildClass<NSValue>();
+
 }  // namespace platform
 }  // namespace havrin

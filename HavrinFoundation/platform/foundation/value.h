@@ -39,6 +39,8 @@ class HAVRIN_EXPORT NSValue : public Object<NSValue, NSObject> {
   NSRange range_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSValue>();
+
 template <>
 struct Boxing<NSRange> {
   static Strong<NSObject> box(NSRange range) { return NSValue::valueWithRange(range); }

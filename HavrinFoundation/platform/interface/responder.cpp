@@ -6,5 +6,7 @@ inline namespace platform {
 
 UIResponder::~UIResponder() = default;
 
+template ClassObject* buildClass<UIResponder>();
+
 }  // namespace platform
 }  // namespace havrin

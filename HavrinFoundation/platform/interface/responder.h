@@ -18,5 +18,7 @@ class HAVRIN_EXPORT UIResponder : public Object<UIResponder, NSObject> {
   ~UIResponder() override;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<UIResponder>();
+
 }  // namespace platform
 }  // namespace havrin

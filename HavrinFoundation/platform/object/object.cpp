@@ -151,5 +151,7 @@ Strong<NSObject> NSObject::performSelector(Selector selector, NSObject* argument
   return signature.call(implementation, this, &argument);
 }
 
+template ClassObject* buildClass<NSObject>();
+
 }  // namespace platform
 }  // namespace havrin

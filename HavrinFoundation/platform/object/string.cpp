@@ -298,5 +298,8 @@ void bindConstantStrings(std::span<const ConstantString* const> strings) {
   }
 }
 
+template ClassObject* buildClass<NSString>();
+template ClassObject* buildClass<NSMutableString>();
+
 }  // namespace platform
 }  // namespace havrin

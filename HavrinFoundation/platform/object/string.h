@@ -151,6 +151,9 @@ class HAVRIN_EXPORT NSMutableString : public Object<NSMutableString, NSString> {
   bool isWide_ = false;
 };
 
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSString>();
+extern template HAVRIN_EXPORT ClassObject* buildClass<NSMutableString>();
+
 /// A string literal as an object, in the program's data and never destroyed: destructors of static objects may use it.
 /// ASCII only. Must be constexpr, since compilers register a destructor for other variables; the conversion of a
 /// non-const one does not compile.
