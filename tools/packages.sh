@@ -13,7 +13,7 @@ packages_run=(
 # debugger.
 packages_test=(
   "${packages_run[@]}"
-  clang libclang-rt-14-dev libgtest-dev libgmock-dev liburiparser-dev libglib2.0-dev python3 gdb procps
+  clang libclang-rt-14-dev libfmt-dev libgtest-dev libgmock-dev liburiparser-dev libglib2.0-dev python3 gdb procps
 )
 
 # The benchmarks: the framework and every peer.

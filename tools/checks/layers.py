@@ -30,6 +30,8 @@ FACILITY_LINKS = {
     ("collections/set_blocks", "collections/array_blocks"): "sets send the array operations",
     ("colours/hex_codes", "text/character_sets"): "a code keeps hexadecimal characters only",
     ("text/sha256", "text/hex"): "a digest is written as hexadecimal text",
+    ("object_printing", "printing"): "adds objects to what is printed",
+    ("formatting", "printing"): "formats what is printed",
     ("text/attributed_strings", "frame/not_localized"): "the empty fallback is marked as not localised",
 }
 
@@ -42,6 +44,8 @@ IMAGE_USERS = {
 
 # Facilities whose typed form is about objects, so that their typed header brings in the object runtime.
 ABOUT_OBJECTS = {
+    "object_keys": "references to objects are keys",
+    "object_printing": "objects are printed",
     "frame/coroutines": "arrays and run loops are what is awaited",
     "frame/test_flag": "the process information object is asked for its environment",
     "frame/main_queue": "a block is what is queued",
@@ -59,6 +63,9 @@ ABOUT_OBJECTS = {
 
 # What stands at the root of the library: the table of contents, which knows every room.
 ROOT_FILES = {"HavrinFoundation.h", "Typed.h", "image.h", "image.cpp"}
+
+# Headers for users of a library that this one does not use itself.
+FOR_USERS_OF = {"fmt/": "formatting.h"}
 
 # Third-party headers, and the folders of the layer whose .cpp files use them.
 THIRD_PARTY = {
@@ -135,6 +142,9 @@ def foreign_include(name, included):
         return None if in_platform else "system headers are the layer's"
     if "." not in included and "/" not in included:
         return None
+    for prefix, header in FOR_USERS_OF.items():
+        if included.startswith(prefix):
+            return None if name == LIBRARY + header else f"<{included}> is for {header} alone"
     for prefix, folders in THIRD_PARTY.items():
         if included.startswith(prefix):
             if not in_platform or name.removeprefix(PLATFORM).split("/")[0] not in folders:

@@ -34,11 +34,7 @@ bool NSDate::isEqual(const NSObject* other) const {
 
 std::uint64_t NSDate::hash() const { return std::hash<Date>()(value()); }
 
-Strong<NSString> NSDate::description() const {
-  static const DateFormat* const kFormat = new DateFormat("yyyy-MM-dd HH:mm:ss '+0000'", Locale::posix(),
-                                                          Calendar(CalendarIdentifier::gregorian, TimeZone::gmt()));
-  return makeString(kFormat->string(value()));
-}
+Strong<NSString> NSDate::description() const { return makeString(utcText(value())); }
 
 Strong<NSObject> NSDate::copy() const { return Strong<NSObject>(const_cast<NSDate*>(this)); }
 

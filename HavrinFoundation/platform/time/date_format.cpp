@@ -49,5 +49,11 @@ std::string DateFormat::string(Date date) const { return isNotANumber(date) ? st
 
 std::optional<Date> DateFormat::date(std::string_view text) const { return compiled_->icu_.date(text); }
 
+std::string utcText(Date date) {
+  static const auto* const kFormat = new DateFormat("yyyy-MM-dd HH:mm:ss '+0000'", Locale::posix(),
+                                                    Calendar(CalendarIdentifier::gregorian, TimeZone::gmt()));
+  return kFormat->string(date);
+}
+
 }  // namespace platform
 }  // namespace havrin

@@ -54,5 +54,8 @@ class HAVRIN_EXPORT DateFormat {
   std::shared_ptr<const Compiled> compiled_;
 };
 
+/// `date` to the second in UTC, for people: "2024-03-05 14:30:00 +0000". Empty for NaN.
+[[nodiscard]] HAVRIN_EXPORT std::string utcText(Date date);
+
 }  // namespace platform
 }  // namespace havrin
