@@ -1,16 +1,20 @@
 # SPDX-License-Identifier: Apache-2.0
 # The Debian packages that `cpack --preset package` makes of the components: each shared library with its debug information
 # apart, what building needs, and the documentation. tools/package_test builds, examines and tries them.
-set(havrin_maintainer "Maintainers of HavrinFoundation <maintainers@localhost>")
-if(DEFINED ENV{DEBFULLNAME} AND DEFINED ENV{DEBEMAIL})  # where Debian's own tools look for the name
+set(HAVRIN_MAINTAINER "" CACHE STRING
+  "The maintainer that the packages name, \"Name <address>\": whoever builds them. Empty: DEBFULLNAME and DEBEMAIL")
+set(havrin_maintainer "${HAVRIN_MAINTAINER}")
+if(NOT havrin_maintainer AND DEFINED ENV{DEBFULLNAME} AND DEFINED ENV{DEBEMAIL})  # where Debian's own tools look
   set(havrin_maintainer "$ENV{DEBFULLNAME} <$ENV{DEBEMAIL}>")
+elseif(NOT havrin_maintainer)
+  set(havrin_maintainer "Maintainers of HavrinFoundation <maintainers@localhost>")
 endif()
-set(HAVRIN_MAINTAINER ${havrin_maintainer} CACHE STRING "The maintainer that the packages name: whoever builds them")
+set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_LIST_DIR}/packaging/announce_maintainer.cmake)  # warns of that address
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME havrinfoundation)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(CPACK_PACKAGE_CONTACT ${HAVRIN_MAINTAINER})
+set(CPACK_PACKAGE_CONTACT ${havrin_maintainer})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_ALL HavrinTyped HavrinFoundation dev doc)
 set(CPACK_DEB_COMPONENT_INSTALL ON)

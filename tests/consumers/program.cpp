@@ -38,8 +38,8 @@ int main() {
   expect(send<"map:">(playlist, [](NSNumber* n) { return makeNumber(n->integerValue() + 1); })->count() == 3,
          "the messages of the library reach a class of the program");
   const auto odd = [](NSNumber* n) { return n->integerValue() % 2 == 1; };
-  expect(send<"select:">(makeArray({makeNumber(0), makeNumber(1), makeNumber(2)}), odd)->count() == 1,
-         "select: is the library's");
+  const auto kept = send<"select:">(makeArray({makeNumber(0), makeNumber(1), makeNumber(2)}), odd);
+  expect(kept->count() == 1, "select: is the library's");
   expect(send<"select:">(static_cast<NSArray*>(playlist), odd)->count() == 3, "an override of the program is called");
 
   kHLogSubsystem = "org.example.player";
