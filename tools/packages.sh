@@ -28,7 +28,7 @@ packages_bench=(
 packages_coverage=("${packages_test[@]}" llvm-14)
 
 # tools/package_test.
-packages_package=("${packages_run[@]}" dpkg-dev lintian debootstrap)
+packages_package=("${packages_run[@]}" dpkg-dev doxygen lintian debootstrap)
 
 # tools/check.
 packages_check=("${packages_test[@]}" clang-format-14 clang-tidy-14 git)
