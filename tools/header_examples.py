@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Turns the examples in the opening comments of public headers, and those of a page, into C++ sources, one a header.
+"""Turns the examples in the opening comments of public headers, and those of pages, into C++ sources, one each.
 
-  tools/header_examples.py <names file> <output folder> <page> <header>...
+  tools/header_examples.py <names file> <output folder> <pages, joined by ":"> <header>...
 
 An example is a line of the comment indented by three blanks: C++ code, then at least two blanks, then its result. Code that
 ends in ";" or begins as a statement is one; anything else is an expression. "..." is code that is left out. An expression's result is compared where it is a literal,
@@ -12,14 +12,13 @@ bracket is open, is the result of the line above. Lines of a bracket that is ope
 A source includes its header, and no other of the project. The names file declares what the examples of a header use
 besides and the headers that bring it ("with", a standard one in angle brackets), or says that they are compiled only, or left alone, and why.
 
-The first block of C++ on the page is what the others begin with; each other one is a function. A result follows
+The first block of C++ on a page is what the others begin with; each other one is a function. A result follows
 "//", and is compared as a header's is.
 """
 import pathlib
 import re
 import sys
 
-PAGE = "cookbook.md"
 STATEMENT = re.compile(r"(for|if|while|try|struct|class) ")
 ENUMERATOR = re.compile(r"([A-Z]\w*::\w+)(?=$|[:;,])")
 NUMBER = re.compile(r"(-?\d[\d']*(?:\.\d+)?)(?=$|[:;]|, (?!-?\d))")
@@ -122,7 +121,7 @@ def source(header, found, declarations, includes, mode):
             f"void run_{name}() {{ {run}; }}\n")
 
 
-def page_source(page):
+def page_source(name, page):
     """A program part of a page's blocks of C++."""
     blocks = [(page[:match.start(1)].count("\n") + 1, match.group(1))
               for match in re.finditer(r"^```cpp\n(.*?)^```$", page, re.M | re.S)]
@@ -136,12 +135,12 @@ def page_source(page):
             if depth(code) > 0 or not (result or written.rstrip().endswith((";", "}"))):
                 continue
             begin = line - code.count("\n") + 1
-            body += statement(PAGE, begin, code.strip().removesuffix(";") if result else code.rstrip(), result)
+            body += statement(name, begin, code.strip().removesuffix(";") if result else code.rstrip(), result)
             code = ""
         source += f"void block{number}() {{\n{body}}}\n\n"
-    calls = "".join(f'  havrin_examples::guarded("{PAGE}, block {number + 2}", block{number});\n'
+    calls = "".join(f'  havrin_examples::guarded("{name}, block {number + 2}", block{number});\n'
                     for number in range(len(rest)))
-    return f"{source}}}  // namespace\n\nvoid run_page() {{\n{calls}}}\n"
+    return f"{source}}}  // namespace\n\nvoid run_page_{pathlib.Path(name).stem}() {{\n{calls}}}\n"
 
 
 def write(path, text):
@@ -156,8 +155,10 @@ def main():
     headers = sys.argv[4:]
     for unknown in sorted(set(modes) - set(headers)):
         sys.exit(f"{names}: {unknown} is not a public header")
-    write(output / "page.cpp", page_source(pathlib.Path(sys.argv[3]).read_text()))
-    runs = ["run_page"]
+    runs = []
+    for page in map(pathlib.Path, sys.argv[3].split(":")):
+        write(output / f"page_{page.stem}.cpp", page_source(page.name, page.read_text()))
+        runs.append(f"run_page_{page.stem}")
     for header in headers:
         found = examples((root / header).read_text())
         mode = modes.get(header, "run")
