@@ -2,9 +2,11 @@
 #include <HavrinFoundation/frame/rate_limits_messages.h>
 
 #include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/dispatch/perform_selector.h>
 #include <HavrinFoundation/platform/dispatch/thread.h>
 #include <HavrinFoundation/platform/foundation/number.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/platform/object/string.h>
 
@@ -12,8 +14,17 @@ namespace havrin {
 
 namespace {
 
+bool responds(const NSObject& self, Selector message, std::string_view sent) {
+  if (self.respondsToSelector(message)) return true;
+  if (diagnosing()) {
+    const ClassObject& cls = *classOf(self).object();
+    report(Finding::unansweredSelector, {methodName(cls, sent), cls.name(), message.name()});
+  }
+  return false;
+}
+
 void debounce(NSObject& self, Selector message, double delaySeconds) {
-  if (!self.respondsToSelector(message)) return;
+  if (!responds(self, message, "h_debounce:delay:")) return;
   reperformSelectorAfterDelay(self, message, delaySeconds);
 }
 
@@ -36,7 +47,7 @@ Strong<NSMutableDictionary> timestampsOf(NSObject& self) {
 }
 
 void throttle(NSObject& self, Selector message, double intervalSeconds) {
-  if (!self.respondsToSelector(message)) return;
+  if (!responds(self, message, "h_throttle:delay:")) return;
   const Strong<NSMutableDictionary> timestamps = timestampsOf(self);
   NSString* const name = message.nameString();
 

@@ -1,21 +1,22 @@
 # SPDX-License-Identifier: Apache-2.0
-"""errors: docs/errors.md and the texts in the sources agree.
+"""errors: docs/errors.md and docs/diagnosis.md agree with the texts in the sources.
 
-Every text of the page's first column is in the library's string literals, part by part where "..." is what
-varies; every reason for which the library ends the process is on the page.
+Every text of the pages' first columns is in the library's string literals, part by part where "..." is what
+varies; every reason for which the library ends the process is on the first page, every finding on the second.
 """
 import re
 
 from checks.source_tree import LIBRARY
 
-PAGE = "docs/errors.md"
+PAGES = {"docs/errors.md": 30, "docs/diagnosis.md": 3}  # and their least number of rows
+FINDINGS = LIBRARY + "platform/base/diagnosis.cpp"
 LITERAL = r'"((?:[^"\\]|\\.)*)"'
 
 
 def literals(text):
     """The string literals of a source; neighbours are one."""
     for found in re.finditer(rf"{LITERAL}(?:\s*{LITERAL})*", text):
-        yield "".join(re.findall(LITERAL, found.group(0)))
+        yield "".join(re.findall(LITERAL, found.group(0))).replace('\\"', '"')
 
 
 def parts(text):
@@ -24,21 +25,25 @@ def parts(text):
 
 
 def check(tree):
-    page = tree.text(PAGE) if PAGE in tree.files else ""
+    pages = {page: tree.text(page) if page in tree.files else "" for page in PAGES}
     sources = {name: tree.text(name) for name in tree.under(LIBRARY, suffixes=(".h", ".cpp"))}
     written = "\n".join(literal for text in sources.values() for literal in literals(text))
-    problems, rows = [], 0
-    for number, line in enumerate(page.splitlines(), 1):
-        if not line.startswith("| `"):
-            continue
-        rows += 1
-        for text in re.findall(r"`([^`]+)`", line.split(" | ")[0]):
-            problems += [f"{PAGE}:{number}: no source says {part!r}" for part in parts(text)
-                         if part.rstrip(":") not in written]
-    if rows < 30:
-        problems.append(f"{PAGE}: expected the tables of messages, found {rows} rows")
+    problems = []
+    for page, least in PAGES.items():
+        rows = [(number, line) for number, line in enumerate(pages[page].splitlines(), 1) if line.startswith("| `")]
+        for number, line in rows:
+            for text in re.findall(r"`([^`]+)`", line.split(" | ")[0]):
+                problems += [f"{page}:{number}: no source says {part!r}" for part in parts(text)
+                             if part.rstrip(":") not in written]
+        if len(rows) < least:
+            problems.append(f"{page}: expected the tables of messages, found {len(rows)} rows")
     for name, text in sources.items():
         for call in re.finditer(r"\babortOnMisuse\(([^;{]*)\);", text):
-            problems += [f"{PAGE}: has no row for {literal!r} of {name}" for literal in literals(call.group(1))
-                         if literal.strip() not in page]
+            problems += [f"docs/errors.md: has no row for {literal!r} of {name}" for literal in literals(call.group(1))
+                         if literal.strip() not in pages["docs/errors.md"]]
+    findings = re.search(r"kTexts\[\] = \{\n(.*?)\n\};", sources[FINDINGS], re.DOTALL)
+    for text in re.split(r",\n", findings.group(1)):
+        for literal in literals(text):
+            if re.sub(r"\{\d\}", "...", literal) not in pages["docs/diagnosis.md"]:
+                problems.append(f"docs/diagnosis.md: has no row for {literal!r}")
     return problems

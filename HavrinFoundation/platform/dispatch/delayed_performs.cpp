@@ -45,6 +45,12 @@ bool DelayedPerforms::holds(const void* target, const void* selector) const {
   return false;
 }
 
+void DelayedPerforms::each(BlockView<void(const PerformKey&, double)> body) const {
+  for (const Place& place : heap_) {
+    if (place.request->waits()) body(place.request->key, place.request->due.deadline);
+  }
+}
+
 Work DelayedPerforms::withdraw(Request* request) {
   --waiting_;
   return std::move(request->work);

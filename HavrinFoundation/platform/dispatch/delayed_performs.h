@@ -54,6 +54,8 @@ class DelayedPerforms {
   void cancel(const PerformKey& key, BlockView<bool(const void* argument)> sameArgument);
   void cancel(const void* target);
 
+  /// Calls `body` with every request that waits, in no order. It must not add or cancel requests.
+  void each(BlockView<void(const PerformKey& key, double deadline)> body) const;
   /// How many requests wait.
   [[nodiscard]] std::size_t size() const { return waiting_; }
   /// How many places the heap holds, those of cancelled requests included.

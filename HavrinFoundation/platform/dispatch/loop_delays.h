@@ -32,6 +32,10 @@ class LoopDelays {
   void cancel(const PerformKey& key, BlockView<bool(const void* argument)> sameArgument);
   /// Takes away every request with this target, and destroys its work. Cost: linear in all requests.
   void cancel(const void* target);
+  /// DelayedPerforms::each in every mode.
+  void each(BlockView<void(const PerformKey& key, double deadline)> body) const {
+    for (const RunLoopMode* mode : modes_) mode->delayed.each(body);
+  }
   /// Forgets the modes, which are about to be destroyed.
   void end() { modes_.clear(); }
 

@@ -2,6 +2,8 @@
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 
 #include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/base/diagnosis.h>
+#include <HavrinFoundation/platform/dispatch/loop_diagnosis.h>
 #include <HavrinFoundation/platform/dispatch/main_queue_state.h>
 #include <HavrinFoundation/platform/dispatch/thread.h>
 
@@ -13,6 +15,7 @@ inline namespace platform {
 
 void RunLoopState::performAfterDelay(const PerformKey& key, double delaySeconds, Work work, std::string_view mode) {
   if (modes.ended()) return;
+  if (diagnosing()) diagnoseDelayed(key);
   RunLoopMode& named = mode == NSDefaultRunLoopMode ? modes.defaultMode() : *modes.modesFor(mode).named;
   expectInHost(delays.schedule(key, delaySeconds, std::move(work), named));
 }
@@ -93,6 +96,7 @@ Strong<NSThread> RunLoopState::threadObject() {
 
 // Destructors that run here may add and post more work, which is refused and destroyed at once.
 void RunLoopState::end() {
+  if (diagnosing()) diagnoseEnd(delays);
   delays.end();
   const ModeTable::All ending = modes.end();
   Strong<NSObject> thread;

@@ -107,6 +107,11 @@ void WorkerPool::getHelp(Help wanted) {
   }
 }
 
+bool WorkerPool::isWorker() {
+  UnfairLockGuard guard(lock_);
+  return std::find(threads_.begin(), threads_.end(), gettid()) != threads_.end();
+}
+
 void WorkerPool::serve() {
   pthread_setname_np(pthread_self(), "dispatch-worker");
   {

@@ -26,6 +26,9 @@ class WorkerPool final : public QueueState {
   [[nodiscard]] bool isSerial() const override { return false; }
   [[nodiscard]] DispatchQueue target() override { return DispatchQueue(); }
 
+  /// Whether the calling thread is one of the pool's.
+  [[nodiscard]] bool isWorker();
+
  private:
   enum class Turn { kRun, kStandBy, kWait };
   enum class Help { kNone, kWake, kStart };

@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/object/argument_errors.h>
 
+#include <HavrinFoundation/platform/object/class.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
 #include <string>
 
 namespace havrin {
 inline namespace platform {
+
+std::string methodName(const ClassObject& cls, std::string_view selector) {
+  std::string name = cls.isMetaclass() ? "+[" : "-[";
+  return name.append(cls.shown()->name()).append(" ").append(selector).append("]");
+}
 
 void throwIndexBeyond(const NSObject& receiver, std::string_view selector, std::uint64_t index, std::uint64_t count) {
   throw NSException(

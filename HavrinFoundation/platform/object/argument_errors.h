@@ -7,10 +7,14 @@
 #include <HavrinFoundation/platform/object/object.h>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace havrin {
 inline namespace platform {
+
+/// "-[NSArray select:]", or "+[NSUUID zero]" for a metaclass; the class is the one that the program sees.
+[[nodiscard]] std::string methodName(const ClassObject& cls, std::string_view selector);
 
 /// Throws NSException (Range): "-[NSArray objectAtIndex:]: index 9 beyond count 3".
 [[noreturn]] void throwIndexBeyond(const NSObject& receiver, std::string_view selector, std::uint64_t index,

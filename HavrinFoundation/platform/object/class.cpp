@@ -2,6 +2,7 @@
 #include <HavrinFoundation/platform/object/class.h>
 
 #include <HavrinFoundation/platform/base/shared_lock.h>
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/members.h>
@@ -214,10 +215,9 @@ void throwUnrecognized(const ClassObject& cls, std::string_view selector, const 
                        std::string_view advice) {
   char address[32];
   std::snprintf(address, sizeof address, "%p", static_cast<const void*>(receiver));
-  const std::string kind = cls.isMetaclass() ? "class " : "instance ";
-  throw NSException(NSInvalidArgumentException, std::string(cls.isMetaclass() ? "+[" : "-[") + std::string(cls.name()) +
-                                                    " " + std::string(selector) + "]: unrecognized selector sent to " +
-                                                    kind + address + std::string(advice));
+  throw NSException(NSInvalidArgumentException, methodName(cls, selector) + ": unrecognized selector sent to " +
+                                                    (cls.isMetaclass() ? "class " : "instance ") + address +
+                                                    std::string(advice));
 }
 
 Implementation ClassObject::resolve(const SelectorConstant& constant, const std::type_info& signature,

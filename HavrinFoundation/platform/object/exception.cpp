@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/object/exception.h>
 
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/block.h>
 #include <HavrinFoundation/platform/object/class.h>
 
@@ -13,9 +14,7 @@ NSException::NSException(std::string_view name, std::string_view reason)
 NSException::~NSException() = default;
 
 std::string methodReason(const NSObject& receiver, std::string_view selector, std::string_view problem) {
-  const ClassObject& cls = *dispatchClass(&receiver)->shown();
-  std::string reason = cls.isMetaclass() ? "+[" : "-[";
-  return reason.append(cls.name()).append(" ").append(selector).append("]: ").append(problem);
+  return methodName(*dispatchClass(&receiver), selector).append(": ").append(problem);
 }
 
 void throwNullBlock() { throw NSException(NSInvalidArgumentException, "a null block was called"); }

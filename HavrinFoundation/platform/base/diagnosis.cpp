@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <HavrinFoundation/platform/base/diagnosis.h>
+
+#include <HavrinFoundation/platform/base/unfair_lock_word.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <set>
+#include <string>
+#include <unistd.h>
+
+namespace havrin {
+inline namespace platform {
+
+constinit std::atomic<DiagnosisSwitch> diagnosisSwitch{DiagnosisSwitch::unread};
+
+namespace {
+
+// By Finding: what happened and where, and what would be right.
+constexpr std::string_view kTexts[] = {
+    "{0} has no effect: {1} does not respond to \"{2}\"; expected the selector of a method that {1} or a superclass "
+    "lists",
+    "{0} is delayed on a worker thread of a queue, which does not run its run loop; expected the main thread, or a "
+    "thread "
+    "that runs RunLoop::current()",
+    "{0} was delayed and will not run: its thread ended before its run loop came to it; expected "
+    "RunLoop::current().runUntil(...) on that thread, or a thread that lives on",
+};
+
+// Never destroyed: late threads may report.
+struct Written {
+  os_unfair_lock lock;
+  std::set<std::string, std::less<>> lines HAVRIN_THREAD_SAFETY(guarded_by(lock));
+
+  static Written& shared() {
+    static Written* const kWritten = new Written;
+    return *kWritten;
+  }
+};
+
+std::string filled(std::string_view text, std::initializer_list<std::string_view> parts) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '{') {
+      result += parts.begin()[text[i + 1] - '0'];
+      i += 2;
+    } else {
+      result += text[i];
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+bool readDiagnosisSwitch() {
+  DiagnosisSwitch known = diagnosisSwitch.load(std::memory_order_relaxed);
+  if (known == DiagnosisSwitch::unread) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): changing the environment meanwhile is the program's own race
+    const char* value = std::getenv("HAVRIN_DIAGNOSIS");
+    const std::string_view text = value == nullptr ? "" : value;
+    known = text.empty() || text == "0" ? DiagnosisSwitch::off : DiagnosisSwitch::on;
+    diagnosisSwitch.store(known, std::memory_order_relaxed);
+  }
+  return known == DiagnosisSwitch::on;
+}
+
+void report(Finding finding, std::initializer_list<std::string_view> parts) {
+  std::string line = "havrin: diagnosis: " + filled(kTexts[static_cast<std::size_t>(finding)], parts);
+  line += gettid() == getpid() ? " (main thread)\n" : " (thread " + std::to_string(gettid()) + ")\n";
+  Written& written = Written::shared();
+  const UnfairLockGuard guard(written.lock);
+  if (!written.lines.insert(line).second) return;
+  // The result is ignored: a failure to report cannot be reported anywhere.
+  [[maybe_unused]] const ssize_t result = ::write(STDERR_FILENO, line.data(), line.size());
+}
+
+}  // namespace platform
+}  // namespace havrin

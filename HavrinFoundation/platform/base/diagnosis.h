@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+// Run-time diagnosis: lines on the error stream about mistakes that are otherwise silent. Internal.
+//
+//   if (diagnosing()) report(Finding::unknownKey, {"Station", "tilte"});
+//
+// HAVRIN_DIAGNOSIS switches it on: any value but the empty one and "0", read at the first use. What is looked up for a
+// finding, and what is kept to recognise one, costs nothing while it is off. docs/diagnosis.md explains each finding.
+#pragma once
+
+#include <HavrinFoundation/platform/export.h>
+
+#include <atomic>
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
+
+namespace havrin {
+inline namespace platform {
+
+enum class DiagnosisSwitch : std::uint8_t { unread, off, on };
+/// Tests store `unread` when they have changed the environment.
+HAVRIN_EXPORT extern constinit std::atomic<DiagnosisSwitch> diagnosisSwitch;
+
+/// Reads the environment when that has not been done. Result: whether diagnosis is on.
+[[nodiscard]] HAVRIN_EXPORT bool readDiagnosisSwitch();
+
+/// Whether diagnosis is on. Cost: a relaxed load while it is off.
+[[nodiscard]] inline bool diagnosing() {
+  return diagnosisSwitch.load(std::memory_order_relaxed) != DiagnosisSwitch::off && readDiagnosisSwitch();
+}
+
+/// What is recognised; the texts are in diagnosis.cpp, in this order.
+enum class Finding : std::uint8_t {
+  unansweredSelector,  // the message that has no effect, the class, the selector
+  performOnWorker,     // the delayed work
+  performLost,         // the delayed work
+};
+
+/// Writes the text of a finding, with `parts` in place of {0}, {1}, ..., and the calling thread, as one line to the
+/// standard error. A line that has been written before is not written again. Threads: any.
+HAVRIN_EXPORT void report(Finding finding, std::initializer_list<std::string_view> parts);
+
+}  // namespace platform
+}  // namespace havrin

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+// Every mistake that diagnosis recognises, with the lines that it writes, beside its correct form, of which it writes none.
+#include "../objects.h"
+#include <HavrinFoundation/frame/rate_limits_messages.h>
+#include <HavrinFoundation/platform/base/diagnosis.h>
+#include <HavrinFoundation/platform/dispatch/queue.h>
+#include <HavrinFoundation/platform/dispatch/run_loop.h>
+
+#include <cstdlib>
+#include <future>
+#include <regex>
+#include <thread>
+
+using namespace havrin;
+
+namespace {
+
+class Field : public Object<Field, NSObject> {
+ public:
+  void search() {}
+  using Members = List<Method<"search", &Field::search>>;
+};
+
+void debounce(NSObject& field, Selector message) { send<"h_debounce:delay:">(field, message, 0); }
+
+void onThread(void (*body)()) { std::thread(body).join(); }
+void onQueue(void (*body)()) {
+  std::promise<void> done;
+  dispatch_async(dispatch_get_global_queue(), [&] {
+    body();
+    done.set_value();
+  });
+  done.get_future().wait();
+}
+
+struct Mistake {
+  const char* why;
+  void (*mistake)();
+  std::vector<std::string> lines;
+  void (*correct)();
+};
+
+const Mistake kMistakes[] = {
+    {"a misspelt selector in a debounce",
+     [] { debounce(*make<Field>(), selector<"serach">); },
+     {"-[Field h_debounce:delay:] has no effect: Field does not respond to \"serach\"; expected the selector of a "
+      "method "
+      "that Field or a superclass lists (main thread)"},
+     [] { debounce(*make<Field>(), selector<"search">); }},
+    {"a misspelt selector in a throttle, twice",
+     [] {
+       for (int i = 0; i < 2; ++i) send<"h_throttle:delay:">(make<Field>(), selector<"serach">, 1.0);
+     },
+     {"-[Field h_throttle:delay:] has no effect: Field does not respond to \"serach\"; expected the selector of a "
+      "method "
+      "that Field or a superclass lists (main thread)"},
+     [] { send<"h_throttle:delay:">(make<Field>(), selector<"search">, 1.0); }},
+    {"a debounce on a worker thread",
+     [] { onQueue([] { debounce(*make<Field>(), selector<"search">); }); },
+     {"-[Field search] is delayed on a worker thread of a queue, which does not run its run loop; expected the main "
+      "thread, or a thread that runs RunLoop::current() (thread N)"},
+     [] { onQueue([] { RunLoop::main().perform([] {}); }); }},
+    {"a debounce and a closure on a thread that ends without running its loop",
+     [] {
+       onThread([] {
+         debounce(*make<Field>(), selector<"search">);
+         RunLoop::current().performAfter(1, [] {});
+       });
+     },
+     {"-[Field search] was delayed and will not run: its thread ended before its run loop came to it; expected "
+      "RunLoop::current().runUntil(...) on that thread, or a thread that lives on (thread N)",
+      "a closure was delayed and will not run: its thread ended before its run loop came to it; expected "
+      "RunLoop::current().runUntil(...) on that thread, or a thread that lives on (thread N)"},
+     [] {
+       onThread([] {
+         debounce(*make<Field>(), selector<"search">);
+         RunLoop::current().runDue();
+       });
+     }},
+};
+
+/// What `body` writes to the standard error with this value of the environment variable, thread numbers as N.
+std::string written(const char* value, void (*body)()) {
+  value ? setenv("HAVRIN_DIAGNOSIS", value, 1) : unsetenv("HAVRIN_DIAGNOSIS");
+  diagnosisSwitch = DiagnosisSwitch::unread;
+  testing::internal::CaptureStderr();
+  body();
+  return std::regex_replace(testing::internal::GetCapturedStderr(), std::regex("thread [0-9]+"), "thread N");
+}
+
+TEST(Findings, AreWrittenOnceAndOnlyWhereDiagnosisIsOn) {
+  for (const Mistake& row : kMistakes) {
+    SCOPED_TRACE(row.why);
+    for (const char* off : {static_cast<const char*>(nullptr), "", "0"}) EXPECT_EQ(written(off, row.mistake), "");
+    EXPECT_EQ(written("1", row.correct), "");
+    std::string expected;
+    for (const std::string& line : row.lines) expected += "havrin: diagnosis: " + line + "\n";
+    EXPECT_EQ(written("1", row.mistake), expected);
+  }
+}
+
+}  // namespace
