@@ -5,6 +5,7 @@
 #include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
+#include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 #include <cstdlib>
 #include <future>
@@ -18,10 +19,15 @@ namespace {
 class Field : public Object<Field, NSObject> {
  public:
   void search() {}
-  using Members = List<Method<"search", &Field::search>>;
+  Strong<NSObject> form = make<NSObject>();
+  using Members = List<Method<"search", &Field::search>, Property<"form", &Field::form>>;
 };
 
 void debounce(NSObject& field, Selector message) { send<"h_debounce:delay:">(field, message, 0); }
+
+void observe(NSObject& object, std::string_view path) {
+  send<"addObserver:forKeyPath:options:context:">(object, make<Field>(), s(path), 0, nullptr);
+}
 
 void onThread(void (*body)()) { std::thread(body).join(); }
 void onQueue(void (*body)()) {
@@ -76,6 +82,20 @@ const Mistake kMistakes[] = {
          debounce(*make<Field>(), selector<"search">);
          RunLoop::current().runDue();
        });
+     }},
+    {"a misspelt key, and one at the end of a path",
+     [] {
+       observe(*make<Field>(), "fomr");
+       observe(*make<Field>(), "form.tilte");
+     },
+     {"Field is observed for the key \"fomr\", for which it has no getter and no setter; expected the key of a "
+      "property "
+      "or method that Field or a superclass lists (main thread)",
+      "NSObject is observed for the key \"tilte\", for which it has no getter and no setter; expected the key of a "
+      "property or method that NSObject or a superclass lists (main thread)"},
+     [] {
+       observe(*make<Field>(), "form");
+       observe(*makeDictionary({}), "anything");
      }},
 };
 

@@ -25,6 +25,8 @@ constexpr std::string_view kTexts[] = {
     "that runs RunLoop::current()",
     "{0} was delayed and will not run: its thread ended before its run loop came to it; expected "
     "RunLoop::current().runUntil(...) on that thread, or a thread that lives on",
+    "{0} is observed for the key \"{1}\", for which it has no getter and no setter; expected the key of a property or "
+    "method that {0} or a superclass lists",
 };
 
 // Never destroyed: late threads may report.

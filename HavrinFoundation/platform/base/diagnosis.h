@@ -34,6 +34,7 @@ enum class Finding : std::uint8_t {
   unansweredSelector,  // the message that has no effect, the class, the selector
   performOnWorker,     // the delayed work
   performLost,         // the delayed work
+  unknownKey,          // the class, the key
 };
 
 /// Writes the text of a finding, with `parts` in place of {0}, {1}, ..., and the calling thread, as one line to the

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/observing/key_facts.h>
 
+#include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/observing/class_key_cache.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
@@ -47,6 +48,15 @@ KeyFacts ask(const ClassObject& shown, NSString& key) {
   return facts;
 }
 
+// A class that answers keys itself, as dictionaries do, may have any.
+bool answersKeysItself(const ClassObject& shown) {
+  const ClassObject* root = classObject<NSObject>();
+  for (const Selector selector : {Selector(selector<"valueForKey:">), Selector(selector<"valueForUndefinedKey:">)}) {
+    if (shown.row(selector) != root->row(selector)) return true;
+  }
+  return false;
+}
+
 // Never destroyed.
 ClassKeyCache<KeyFacts>& cache() {
   static auto* const kCache = new ClassKeyCache<KeyFacts>;
@@ -63,7 +73,11 @@ KeyFacts factsForKey(const ClassObject& shown, NSString& key) {
     if (const auto known = cache().find(shown, text, changes)) return *known;
     KeyFacts facts = ask(shown, key);
     const KeyRows rows = rowsForKey(shown, text);
-    if (rows.getter || rows.setter) cache().keep(shown, text, changes, facts);
+    if (rows.getter || rows.setter) {
+      cache().keep(shown, text, changes, facts);
+    } else if (diagnosing() && unboxableRowsForKey(shown, text) == KeyRows() && !answersKeysItself(shown)) {
+      report(Finding::unknownKey, {shown.name(), text});
+    }
     return facts;
   });
 }
