@@ -8,11 +8,18 @@
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 #include <cstdlib>
+#include <functional>
 #include <future>
 #include <regex>
+#include <span>
 #include <thread>
 
 using namespace havrin;
+
+namespace {}  // namespace
+
+template <>
+struct havrin::Message<NSObject, "dia_ring"> : Signature<void()> {};
 
 namespace {
 
@@ -38,6 +45,13 @@ void onQueue(void (*body)()) {
   });
   done.get_future().wait();
 }
+
+// What two images add.
+void ring(NSObject&) {}
+constexpr MethodRow kRows[] = {row<NSObject, "dia_ring", ring>()};
+constinit const Category kBell{classObject<NSObject>, "Bell", kRows, {}};
+const Category* const kFirst[] = {&kBell};
+const Category* const kSecond[] = {&kBell};
 
 struct Mistake {
   const char* why;
@@ -97,10 +111,15 @@ const Mistake kMistakes[] = {
        observe(*make<Field>(), "form");
        observe(*makeDictionary({}), "anything");
      }},
+    {"a misspelt selector that is performed",
+     [] { EXPECT_THROW(make<Field>()->performSelector(selector<"serach">), NSException); },
+     {"-[Field serach] was sent, but neither the class nor a category of the loaded images (HavrinFoundation) has it; "
+      "expected the image that adds it to be linked or loaded before (main thread)"},
+     [] { make<Field>()->performSelector(selector<"search">); }},
 };
 
 /// What `body` writes to the standard error with this value of the environment variable, thread numbers as N.
-std::string written(const char* value, void (*body)()) {
+std::string written(const char* value, const std::function<void()>& body) {
   value ? setenv("HAVRIN_DIAGNOSIS", value, 1) : unsetenv("HAVRIN_DIAGNOSIS");
   diagnosisSwitch = DiagnosisSwitch::unread;
   testing::internal::CaptureStderr();
@@ -117,6 +136,25 @@ TEST(Findings, AreWrittenOnceAndOnlyWhereDiagnosisIsOn) {
     for (const std::string& line : row.lines) expected += "havrin: diagnosis: " + line + "\n";
     EXPECT_EQ(written("1", row.mistake), expected);
   }
+}
+
+TEST(Findings, OfImagesAreWrittenAsTheyAreLoaded) {
+  const auto load = [](std::string_view name, std::span<const Category* const> categories) {
+    const Loader loader{Image{name, nullptr, {}, categories, {}}};
+  };
+  EXPECT_EQ(written("1", [&] { EXPECT_THROW(send<"dia_ring">(make<Field>()), NSException); }),
+            "havrin: diagnosis: -[Field dia_ring] was sent, but neither the class nor a category of the loaded images "
+            "(HavrinFoundation) has it; expected the image that adds it to be linked or loaded before (main thread)\n");
+  EXPECT_EQ(
+      written("1", [&] { load("door", kFirst); }),
+      "havrin: diagnosis: -[Field dia_ring] was sent before the image \"door\", which adds it, was loaded; expected "
+      "the image to be loaded first (main thread)\n");
+  EXPECT_EQ(written("1", [&] { load("door", kFirst); }), "") << "the same image";
+  EXPECT_EQ(
+      written("1", [&] { load("gate", kSecond); }),
+      "havrin: diagnosis: -[NSObject dia_ring] is added by the image \"door\" in NSObject(Bell), and by the image "
+      "\"gate\" in NSObject(Bell), which answers from now on; expected a selector with a prefix of its own in each "
+      "image (main thread)\n");
 }
 
 }  // namespace

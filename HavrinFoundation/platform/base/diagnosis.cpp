@@ -27,6 +27,12 @@ constexpr std::string_view kTexts[] = {
     "RunLoop::current().runUntil(...) on that thread, or a thread that lives on",
     "{0} is observed for the key \"{1}\", for which it has no getter and no setter; expected the key of a property or "
     "method that {0} or a superclass lists",
+    "{0} was sent, but neither the class nor a category of the loaded images ({1}) has it; expected the image that "
+    "adds "
+    "it to be linked or loaded before",
+    "{0} was sent before the image \"{1}\", which adds it, was loaded; expected the image to be loaded first",
+    "{0} is added by the image \"{1}\" in {2}, and by the image \"{3}\" in {4}, which answers from now on; expected a "
+    "selector with a prefix of its own in each image",
 };
 
 // Never destroyed: late threads may report.

@@ -35,6 +35,9 @@ enum class Finding : std::uint8_t {
   performOnWorker,     // the delayed work
   performLost,         // the delayed work
   unknownKey,          // the class, the key
+  unansweredMessage,   // the method, the names of the loaded images
+  lateImage,           // the method, the image
+  twoImages,           // the method, the first image and its category, the second image and its category
 };
 
 /// Writes the text of a finding, with `parts` in place of {0}, {1}, ..., and the calling thread, as one line to the

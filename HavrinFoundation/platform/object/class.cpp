@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/object/class.h>
 
+#include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/base/shared_lock.h>
 #include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/loaded_images.h>
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/platform/object/runtime_internal.h>
 #include <HavrinFoundation/platform/object/string.h>
@@ -213,6 +215,7 @@ const MethodRow* ClassObject::row(Selector selector) const {
 
 void throwUnrecognized(const ClassObject& cls, std::string_view selector, const NSObject* receiver,
                        std::string_view advice) {
+  if (diagnosing()) diagnoseUnanswered(cls, selector);
   char address[32];
   std::snprintf(address, sizeof address, "%p", static_cast<const void*>(receiver));
   throw NSException(NSInvalidArgumentException, methodName(cls, selector) + ": unrecognized selector sent to " +
@@ -311,6 +314,7 @@ void pin(const Image& image) {
 
 Loader::Loader(const Image& image) {
   pin(image);
+  noteImage(image);
   bindConstantStrings(image.strings);
   // Classes are built before any row is added: building takes the runtime's lock itself.
   for (const Category* category : image.categories) {
