@@ -2,11 +2,14 @@
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 
 #include <HavrinFoundation/frame/main_queue.h>
+#include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
+#include <atomic>
+#include <cstdint>
 #include <string>
 #include <utility>
 
@@ -41,6 +44,33 @@ bool isUnchanged(const NSDictionary* change) {
 
 std::string textOf(const NSObject* object) { return object ? utf8(*object->description()) : "(null)"; }
 
+std::string listOf(const NSArray* keyPaths) {
+  std::string paths = keyPaths ? "" : "(null)";
+  bool first = true;
+  for (NSObject* path : each(keyPaths)) paths += (std::exchange(first, false) ? "" : ", ") + textOf(path);
+  return paths;
+}
+
+// Under diagnosis: the changes that any observation was notified of, and the observation that this thread made last,
+// with the number of changes by then. One that ends as the last, without a change since, has observed nothing.
+constinit std::atomic<std::uint64_t> changesSeen{0};
+struct Newest {
+  const NSObject* observation;
+  std::uint64_t changes;
+};
+constinit thread_local Newest newest [[gnu::tls_model("initial-exec")]]{};
+
+bool hasObservedNothing(const NSObject& ending) {
+  return std::exchange(newest.observation, nullptr) == &ending &&
+         newest.changes == changesSeen.load(std::memory_order_relaxed);
+}
+
+// Whether an object was given and its destructors have run, in which the observation might still be released.
+bool isGone(const Weak<NSObject>& observer) {
+  const NSObject* object = observer.address();
+  return object && headerOf(object).strong.load(std::memory_order_acquire) >= ObjectHeader::kDestroyed;
+}
+
 }  // namespace
 
 Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObject* object, NSArray* keyPaths,
@@ -60,12 +90,18 @@ Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObje
   if (!(options & KeyValueObservationOptionSkipInitial)) {
     action(observer, object, make<NSKeyValueChangeDictionary>(NSKeyValueChangeDictionary::Values{}));
   }
+  if (diagnosing() && object && keyPaths && keyPaths->count()) {
+    newest = {this, changesSeen.load(std::memory_order_relaxed)};
+  }
   return Strong<KeyValueObservation>(this);
 }
 
 KeyValueObservation::~KeyValueObservation() {
   if (!object_) return;
   try {
+    if (diagnosing() && hasObservedNothing(*this)) {
+      report(Finding::discardedToken, {classOf(*object_).name(), listOf(keyPaths_)});
+    }
     for (NSObject* element : each(keyPaths_)) {
       NSString* const path = cast<NSString>(element);
       if (!path) continue;  // creation failed at this element
@@ -91,6 +127,12 @@ void KeyValueObservation::copyAction(const Action& action) {
 
 void KeyValueObservation::observe(NSString* keyPath, NSObject* object, NSDictionary* change, void* context) {
   if (context != kKeyValueObservationContext) return;
+  if (diagnosing()) {
+    changesSeen.fetch_add(1, std::memory_order_relaxed);
+    if (object_ && isGone(observer_)) {
+      report(Finding::outlivedObserver, {classOf(*object_).name(), listOf(keyPaths_)});
+    }
+  }
   const Strong<NSObject> observer = observer_.lock();
   if (!object || !observer) return;
   if ((options_ & KeyValueObservationOptionSkipUnchanged) && isUnchanged(change)) return;
@@ -101,13 +143,8 @@ void KeyValueObservation::observe(NSString* keyPath, NSObject* object, NSDiction
 Strong<NSString> KeyValueObservation::debugDescription() const { return send<"debugDescription">(*this); }
 
 Strong<NSString> KeyValueObservation::describe() {
-  std::string paths = keyPaths_ ? "" : "(null)";
-  bool first = true;
-  for (NSObject* path : each(keyPaths_)) {
-    paths += (std::exchange(first, false) ? "" : ", ") + textOf(path);
-  }
   return makeString(textOf(NSObject::debugDescription()) + "\n  observer: " + textOf(observer()) +
-                    "\n  object: " + textOf(object_) + "\n  keypaths: [" + paths + "]");
+                    "\n  object: " + textOf(object_) + "\n  keypaths: [" + listOf(keyPaths_) + "]");
 }
 
 template ClassObject* buildClass<KeyValueObservation>();

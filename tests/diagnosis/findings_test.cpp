@@ -2,6 +2,7 @@
 // Every mistake that diagnosis recognises, with the lines that it writes, beside its correct form, of which it writes none.
 #include "../objects.h"
 #include <HavrinFoundation/frame/rate_limits_messages.h>
+#include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
@@ -34,6 +35,12 @@ void debounce(NSObject& field, Selector message) { send<"h_debounce:delay:">(fie
 
 void observe(NSObject& object, std::string_view path) {
   send<"addObserver:forKeyPath:options:context:">(object, make<Field>(), s(path), 0, nullptr);
+}
+
+Strong<KeyValueObservation> token(NSObject* observer, NSObject& object) {
+  return send<"initWithObserver:object:keyPaths:options:action:">(alloc<KeyValueObservation>(), observer, &object,
+                                                                  makeArray({s("form")}), 0,
+                                                                  [](NSObject*, NSObject*, NSDictionary*) {});
 }
 
 void onThread(void (*body)()) { std::thread(body).join(); }
@@ -110,6 +117,29 @@ const Mistake kMistakes[] = {
      [] {
        observe(*make<Field>(), "form");
        observe(*makeDictionary({}), "anything");
+     }},
+    {"an observation that nobody keeps",
+     [] { static_cast<void>(token(make<Field>(), *make<Field>())); },
+     {"the KeyValueObservation of Field for [form] ended, on the thread that made it, before anything changed; "
+      "expected it "
+      "to be kept, in a Strong or by a responder's observeModel:forKeyPath:action: (main thread)"},
+     [] {
+       const auto observer = make<Field>(), field = make<Field>();
+       const auto kept = token(observer, *field);
+       send<"setForm:">(field, nullptr);
+     }},
+    {"an observation that outlives its observer",
+     [] {
+       const auto field = make<Field>();
+       const auto kept = token(make<Field>(), *field);
+       send<"setForm:">(field, nullptr);
+     },
+     {"the KeyValueObservation of Field for [form] still lives although its observer has gone, and drops its changes; "
+      "expected the observer to be the one that keeps it (main thread)"},
+     [] {
+       const auto field = make<Field>();
+       const auto kept = token(nullptr, *field);
+       send<"setForm:">(field, nullptr);
      }},
     {"a misspelt selector that is performed",
      [] { EXPECT_THROW(make<Field>()->performSelector(selector<"serach">), NSException); },

@@ -38,6 +38,8 @@ enum class Finding : std::uint8_t {
   unansweredMessage,   // the method, the names of the loaded images
   lateImage,           // the method, the image
   twoImages,           // the method, the first image and its category, the second image and its category
+  discardedToken,      // the class of the observed object, the key paths
+  outlivedObserver,    // the same
 };
 
 /// Writes the text of a finding, with `parts` in place of {0}, {1}, ..., and the calling thread, as one line to the
