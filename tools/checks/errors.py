@@ -41,8 +41,10 @@ def check(tree):
         for call in re.finditer(r"\babortOnMisuse\(([^;{]*)\);", text):
             problems += [f"docs/errors.md: has no row for {literal!r} of {name}" for literal in literals(call.group(1))
                          if literal.strip() not in pages["docs/errors.md"]]
-    findings = re.search(r"kTexts\[\] = \{\n(.*?)\n\};", sources[FINDINGS], re.DOTALL)
-    for text in re.split(r",\n", findings.group(1)):
+    findings = re.search(r"kTexts\[\] = \{\n(.*?)\n\};", sources.get(FINDINGS, ""), re.DOTALL)
+    if not findings:
+        problems.append(f"{FINDINGS}: has no table kTexts of the findings")
+    for text in re.split(r",\n", findings.group(1) if findings else ""):
         for literal in literals(text):
             if re.sub(r"\{\d\}", "...", literal) not in pages["docs/diagnosis.md"]:
                 problems.append(f"docs/diagnosis.md: has no row for {literal!r}")
