@@ -50,6 +50,7 @@ std::int64_t coarseTick() {
 }
 
 ClockSource* installClockSource(ClockSource* source) {
+  // Counted first: a reader that sees the new source sees its number, since the exchange releases both.
   installations.fetch_add(1, std::memory_order_relaxed);
   return installedSource.exchange(source, std::memory_order_acq_rel);
 }

@@ -21,6 +21,7 @@ constexpr int kPauses[] = {8, 24, 72, 216};
 
 constinit std::atomic<std::uint32_t> lastNumber{0};
 
+// A loop, since 0 means a free lock and comes up again after 2^31 threads.
 std::uint32_t numberOfThisThread() {
   while (thisThread == 0) thisThread = (lastNumber.fetch_add(1, std::memory_order_relaxed) + 1) & ~kWaiters;
   return thisThread;
@@ -52,6 +53,7 @@ bool takeWhileSpinning(std::atomic_ref<std::uint32_t> word, std::uint32_t self) 
 void lockSlowly(os_unfair_lock* lock) {
   const std::uint32_t self = numberOfThisThread();
   std::atomic_ref word(lock->_os_unfair_lock_opaque);
+  // Relaxed: if the word is this thread's number, this thread wrote it.
   if ((word.load(std::memory_order_relaxed) & ~kWaiters) == self) {
     abortOnMisuse("os_unfair_lock", "locked again by the thread that holds it");
   }
@@ -77,6 +79,7 @@ void lockSlowly(os_unfair_lock* lock) {
 
 bool tryLockSlowly(os_unfair_lock* lock) { return take(lock, numberOfThisThread()); }
 
+// The word is not simply this thread's number: threads wait, or the unlock is a mistake.
 void unlockSlowly(os_unfair_lock* lock) {
   std::atomic_ref word(lock->_os_unfair_lock_opaque);
   const std::uint32_t seen = word.load(std::memory_order_relaxed);

@@ -26,7 +26,7 @@ void CreatedQueueState::setTarget(const DispatchQueue& target) {
   DispatchQueue replaced = orGlobal(target);
   UnfairLockGuard guard(lock_);
   std::swap(target_, replaced);
-  retargeted_.store(true, std::memory_order_relaxed);
+  retargeted_.store(true, std::memory_order_relaxed);  // only ends a batch early: target_ itself is read under the lock
 }
 
 void CreatedQueueState::append(Work&& work) {
@@ -52,7 +52,8 @@ void CreatedQueueState::takeTurn() {
     target = target_;
     retargeted_.store(false, std::memory_order_relaxed);
   }
-  if (&of(target) != below->queue) {  // changed since this turn was queued
+  // The target was changed after this turn was queued on the former one.
+  if (&of(target) != below->queue) {
     queueTurnOn(target);
     return;
   }
@@ -69,7 +70,7 @@ void CreatedQueueState::runOne() {
   runQueued(std::move(work));
 }
 
-// What is queued meanwhile waits for the next turn, so that the queues of one target take turns.
+// What is queued in the meantime waits for the next turn, so that the queues of one target take turns.
 void CreatedQueueState::runBatch() {
   if (batch_.empty()) {
     UnfairLockGuard guard(lock_);

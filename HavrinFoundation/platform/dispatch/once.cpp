@@ -32,6 +32,7 @@ void runOrWait(dispatch_once_t* predicate, BlockView<void()> block) {
   std::atomic_ref state(predicate->state);
   const auto self = static_cast<std::uint32_t>(gettid());
   std::uint32_t seen = 0;
+  // Acquired on failure too: the block may be done already, and what it wrote must be visible here.
   if (state.compare_exchange_strong(seen, self, std::memory_order_acquire, std::memory_order_acquire)) {
     run(block);
     if ((state.exchange(kDone, std::memory_order_release) & kWaiters) != 0) futex::wake(predicate->state, INT_MAX);

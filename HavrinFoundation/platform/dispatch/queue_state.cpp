@@ -54,6 +54,7 @@ void QueueState::setSpecific(const void* key, void* context, void (*destructor)(
       replaced = found->context.exchange(context, std::memory_order_acq_rel);
       replacedDestructor = std::exchange(found->destructor, destructor);
     } else if (context != nullptr) {
+      // Readers walk the list without the lock, so an entry is linked when it is complete and stays until the queue goes.
       Specific* first = specifics_.load(std::memory_order_relaxed);
       specifics_.store(new Specific{key, context, destructor, first}, std::memory_order_release);
     }

@@ -35,6 +35,7 @@ void RunLoopSource::signal() {
   if (state_->signalled.exchange(true, std::memory_order_acq_rel)) return;
   state_->loop->perform(
       [state = state_] {
+        // Before the handler: a signal that comes while it runs asks for another run.
         state->signalled.store(false, std::memory_order_release);
         if (const Block<void()> handler = state->handler) handler();
       },

@@ -59,14 +59,16 @@ void RunLoopState::sleepFor(const RunLoopModes& running, double seconds) {
 
 void RunLoopState::wakeAnywhere() {
   sleep_.wake();
+  // In one order with hostDescriptor(): either this sees the descriptor, or that sees what was posted before this.
   if (HostDescriptor* host = host_.load(std::memory_order_seq_cst)) host->signal();
 }
 
 HostDescriptor& RunLoopState::hostDescriptor() {
+  // Relaxed: only the loop's own thread makes it.
   if (HostDescriptor* made = host_.load(std::memory_order_relaxed)) return *made;
   auto* host = new HostDescriptor;
   host_.store(host, std::memory_order_seq_cst);
-  // What was posted before anybody could hear of the descriptor.
+  // For what was posted before a poster could see the descriptor.
   if (hasPosted(modes.modesFor(NSDefaultRunLoopMode))) host->signal();
   if (const std::optional<double> deadline = nextDeadline()) host->expect(*deadline);
   return *host;

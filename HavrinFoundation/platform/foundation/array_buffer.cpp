@@ -50,7 +50,7 @@ ArrayBuffer* ArrayBuffer::grownSole(std::uint64_t length, std::uint64_t capacity
 }
 
 std::uint64_t ArrayBuffer::lock() noexcept {
-  constexpr int kSpins = 64;
+  constexpr int kSpins = 64;  // far longer than the few instructions for which it is held
   for (int spins = 0;; ++spins) {
     std::uint64_t handles = word_.load(std::memory_order_relaxed);
     if (!(handles & kLocked) &&

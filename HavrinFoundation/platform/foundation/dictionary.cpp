@@ -23,6 +23,7 @@ NSDictionary::NSDictionary(std::span<const KeyAndValue> entries) {
 
 NSDictionary::~NSDictionary() = default;
 
+// Whether the table is all there is to it: a subclass of the program may answer objectForKey: by itself.
 bool NSDictionary::isPlain() const {
   const ClassObject* cls = dispatchClass(this)->shown();
   return cls == classObject<NSDictionary>() || cls == classObject<NSMutableDictionary>();
@@ -74,7 +75,7 @@ void NSDictionary::forEach(BlockView<bool(NSObject*, NSObject*)> body) const {
   const std::uint64_t before = counter;
   std::size_t position = 0;
   while (const Entry* next = entries_.next(position)) {
-    const Entry entry = *next;
+    const Entry entry = *next;  // a share of its own: the body may remove it
     const bool goesOn = body(entry.key, entry.value);
     if (counter != before) throwMutatedWhileEnumerated(this);
     if (!goesOn) return;
@@ -112,6 +113,7 @@ bool NSDictionary::isEqual(const NSObject* other) const {
   return same;
 }
 
+// A sum, since equal dictionaries may have their entries in another order.
 std::uint64_t NSDictionary::hash() const {
   std::uint64_t hash = count();
   forEach([&hash](NSObject* key, NSObject* value) {
@@ -145,6 +147,7 @@ void NSMutableDictionary::setObject(NSObject* value, NSObject* key) {
   if (!key) throwNullArgument(*this, "setObject:forKey:", "key");
   if (!value) throwNullArgument(*this, "setObject:forKey:", "value");
   Strong<NSObject> stored(value);
+  // A value that is replaced is no mutation: the keys that an enumeration goes by stay as they are.
   if (Entry* entry = entries_.find(*key)) {
     std::swap(entry->value, stored);
   } else {

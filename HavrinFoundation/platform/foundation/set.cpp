@@ -32,8 +32,9 @@ Strong<NSSet> NSSet::initWithSet(const NSSet* set) {
   return Strong<NSSet>(this);
 }
 
+// Whether the table is all there is to it: a subclass of the program may answer member: by itself.
 bool NSSet::isPlain() const {
-  const ClassObject* cls = headerOf(this).cls.load(std::memory_order_relaxed)->shown();
+  const ClassObject* cls = dispatchClass(this)->shown();
   return cls == classObject<NSSet>() || cls == classObject<NSMutableSet>();
 }
 
@@ -94,6 +95,7 @@ bool NSSet::isEqual(const NSObject* other) const {
   return true;
 }
 
+// A sum, since equal sets may have their elements in another order.
 std::uint64_t NSSet::hash() const {
   std::uint64_t hash = count();
   for (NSObject* object : each(this)) hash += mixedHash(elementHash(object));

@@ -121,6 +121,7 @@ ClassObject* ClassObject::build(const ClassDescription& description) {
   const std::string key = Runtime::key(*description.type);
   Runtime& runtime = Runtime::shared();
   const WriterGuard guard(runtime.lock);
+  // Another thread was first, or another library, which has a cache of its own.
   if (const auto found = runtime.byKey.find(key); found != runtime.byKey.end()) return found->second;
 
   ClassObject* super = description.superclass;
@@ -169,11 +170,13 @@ void ClassObject::addRows(std::span<const MethodRow> rows, bool ofProgram) {
   if (ofProgram) {
     for (ClassObject* cls : runtime.all) {
       if (!cls->inheritsFrom(this)) continue;
+      // A class method of the program makes the class itself run code of the program.
       ClassObject* const leaf = cls->instance_ ? cls->instance_ : cls;
       leaf->hasRowsOfProgram_ = true;
       leaf->isLeaf_.store(false, std::memory_order_relaxed);
     }
   }
+  // What has been resolved is emptied, not replaced: a subclass may have rows of its own for the selector.
   for (const MethodRow& row : rows) {
     const std::uint32_t number = Selector(*row.selector).number();
     for (ClassObject* cls : runtime.all) {
@@ -229,6 +232,7 @@ Implementation ClassObject::resolve(const SelectorConstant& constant, const std:
   {
     const ReaderGuard guard(Runtime::shared().lock);
     const MethodRow* row = findRow(selector.record());
+    // The slot is filled under the reader's lock: addRows() empties slots under the writer's, so before this or after.
     if (row && *row->signature->type == signature) {
       const Implementation found = implementation(*row);
       if (const std::uint32_t number = selector.number()) {
@@ -277,7 +281,7 @@ Strong<NSString> ClassObject::description() const { return makeString(name_); }
 
 Class Class::from(const NSObject* object) {
   if (!object) return {};
-  // Of all objects only class objects are of a metaclass.
+  // Only class objects are instances of a metaclass.
   const ClassObject* cls = dispatchClass(object);
   return cls->isMetaclass() ? Class(static_cast<const ClassObject*>(object)) : Class();
 }

@@ -33,6 +33,7 @@ constinit thread_local Destruction destruction [[gnu::tls_model("initial-exec")]
 
 void destroyNow(NSObject* object) noexcept {
   ObjectHeader& header = headerOf(object);
+  // Relaxed: the last share was given up with acquire, and a Weak reads 0 and this alike.
   header.strong.store(ObjectHeader::kDestroying, std::memory_order_relaxed);
   if (const Notifications* notifications = dispatchClass(object)->notifications()) notifications->drop(object);
   object->~NSObject();

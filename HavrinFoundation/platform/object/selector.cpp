@@ -61,6 +61,7 @@ const SelectorRecord* intern(std::string_view name) {
   auto record = std::make_unique<SelectorRecord>(std::string(name),
                                                  next < ClassObject::kSlots ? static_cast<std::uint32_t>(next) : 0);
   const SelectorRecord* result = record.get();
+  // The piece before the record, the record before the number reaches a constant: readers of a number find both.
   if (result->number) {
     auto& piece = selectors.pieces[result->number / ClassObject::kPageSlots];
     if (!piece.load(std::memory_order_relaxed)) piece.store(new SelectorTable::Piece, std::memory_order_release);
@@ -90,6 +91,7 @@ std::string_view Selector::name() const { return record_ ? std::string_view(reco
 NSString* Selector::nameString() const {
   if (!record_) return nullptr;
   if (NSString* made = record_->string.load(std::memory_order_acquire)) return made;
+  // Not under the table's lock: making a string may intern selectors.
   Strong<NSString> mine = makeString(record_->name);
   NSString* theirs = nullptr;
   if (!record_->string.compare_exchange_strong(theirs, mine.get(), std::memory_order_acq_rel)) return theirs;

@@ -41,6 +41,7 @@ void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
 }  // namespace
 
 void tell(Registration& registration, NSObject* object, NSDictionary* change) {
+  // Looked at last, since another observer of this change may have removed this one.
   if (!registration.isActive.load(std::memory_order_acquire)) return;
   if (const Strong<NSObject> observer = registration.observer.lock()) {
     send<"observeValueForKeyPath:ofObject:change:context:">(observer, registration.path, object, change,

@@ -28,6 +28,7 @@ namespace {
 
 // Getters that make a new object at every call can lead on for ever.
 constexpr std::size_t kMostKeys = 100'000;
+// After so many the path moves faster than it can be read; the next change reads it anew.
 constexpr int kMostWalks = 8;
 
 // One path to be walked from an object: the registration's own, or one that affects a key on it.
@@ -145,6 +146,7 @@ bool Registration::install(const std::vector<WalkedKey>& walked) {
   next.reserve(walked.size());
   for (const WalkedKey& one : walked) next.push_back(one.watched());
   const UnfairLockGuard guard(lock_);
+  // Under the lock: a registration that has ended meanwhile must not enter keys that nobody would take out.
   if (!isActive.load(std::memory_order_acquire)) return false;
   const auto isIn = [](const std::vector<WatchedKey>& list, const WatchedKey& key) {
     return std::any_of(list.begin(), list.end(), [&](const WatchedKey& one) { return one.isSame(key); });

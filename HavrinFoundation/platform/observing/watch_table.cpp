@@ -112,6 +112,7 @@ struct alignas(32) WatchBucket {
     ++watch.live_;
   }
 
+  // The object goes back to its own class with its last watched key.
   void remove(Watch& watch, const Watcher& watcher) {
     watcher.isLive.store(false, std::memory_order_release);
     if (--watch.live_ != 0) return;
@@ -161,6 +162,7 @@ WatcherList::~WatcherList() {
 // NOLINTNEXTLINE(misc-new-delete-overloads): see its declaration
 void WatcherList::operator delete(void* memory) { std::free(memory); }
 
+// The count last, so that readers see whole watchers.
 bool WatcherList::append(Registration& registration, bool moves, bool isEnd) {
   const std::uint32_t count = count_.load(std::memory_order_relaxed);
   if (count == capacity_) return false;
@@ -214,7 +216,7 @@ void watchKey(NSObject& object, NSString& key, const KeyFacts& facts, Registrati
   WatchBucket& bucket = WatchBucket::of(&object);
   {
     const UnfairLockGuard guard(bucket.lock);
-    if (isGoing(object)) return;
+    if (isGoing(object)) return;  // its observations have been dropped already
     Watch* watch = bucket.find(&object, key);
     if (!watch) {
       watch = new Watch(&object, &key, facts);

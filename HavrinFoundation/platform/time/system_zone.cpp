@@ -156,6 +156,7 @@ const ZoneRules& ZoneStore::fromVariable(std::string_view variable) {
 
 const ZoneRules& ZoneStore::system() {
   const std::int64_t tick = coarseTick();
+  // The tick is stored after the rules, so that who sees it sees them. Between two ticks the link is not looked at.
   if (lastTick_.load(std::memory_order_acquire) == tick) return *system_.load(std::memory_order_relaxed);
   const UnfairLockGuard guard(lock_);
   SystemZoneState state = look(paths_.systemLink);
