@@ -6,11 +6,12 @@
 
 An example is a line of the comment indented by three blanks: C++ code, then at least two blanks, then its result. Code that
 ends in ";" or begins as a statement is one; anything else is an expression. "..." is code that is left out. An expression's result is compared where it is a literal,
-{a, b}, an enumerator, "null" or "empty"; any other result is a remark. A line indented by more than eight blanks, when no
+{a, b}, an enumerator, "null" or "empty", and "throws <class>" is held to it; a line that "does not compile" is left
+out; any other result is a remark. A line indented by more than eight blanks, when no
 bracket is open, is the result of the line above. Lines of a bracket that is open belong together.
 
 A source includes its header, and no other of the project. The names file declares what the examples of a header use
-besides and the headers that bring it ("with", a standard one in angle brackets), or says that they are compiled only, or left alone, and why.
+besides and the headers that bring it ("with", a standard one in angle brackets, one of the tests' in quotation marks), or says that they are compiled only, or left alone, and why.
 
 The first block of C++ on a page is what the others begin with; each other one is a function. A result follows
 "//", and is compared as a header's is.
@@ -24,6 +25,7 @@ ENUMERATOR = re.compile(r"([A-Z]\w*::\w+)(?=$|[:;,])")
 NUMBER = re.compile(r"(-?\d[\d']*(?:\.\d+)?)(?=$|[:;]|, (?!-?\d))")
 WORD = re.compile(r"(true|false|null|empty)(?=$|[:;,.])")
 PAIR = re.compile(r"(\{\d+, \d+\})(?=$|[:;,])")
+THROWS = re.compile(r"throws (\w+)")
 TEXT = re.compile(r'(u?"(?:[^"\\]|\\.)*")(?=$|[:;,])')
 
 
@@ -89,6 +91,11 @@ def comparison(result):
 def statement(header, number, code, result):
     place = f'#line {number} "{header}"\n'
     code = re.sub(r" \.\.\.$", " ;", code.replace("{ ... }", "{}"))
+    if thrown := THROWS.match(result):
+        return place + (f'havrin_examples::expectThrow<{thrown.group(1)}>("{header}:{number}", '
+                        f'[&] {{ (void)({code.rstrip(";")}); }});\n')
+    if result.startswith("does not compile"):
+        return ""
     if code.endswith(";") or STATEMENT.match(code):
         return place + code + "\n"
     expected = comparison(result)
@@ -102,7 +109,7 @@ def read_names(path):
     declarations, includes, modes, header = {}, {}, {}, None
     for line in path.read_text().split("\n"):
         if line.startswith("  with "):
-            name = line[7:] if line[7] == "<" else f"<HavrinFoundation/{line[7:]}>"
+            name = line[7:] if line[7] in '<"' else f"<HavrinFoundation/{line[7:]}>"
             includes[header] += f"#include {name}\n"
         elif line.startswith("  "):
             declarations[header] += line + "\n"

@@ -3,7 +3,7 @@
 // array.
 //
 //   send<"select:">(genres, isPopular)                   a set of the receiver's class: mutable, or a subclass
-//   send<"map:">(genres, [](NSString& g) { ... })        Strong<NSArray>: one entry each, NSNull where null came
+//   send<"map:">(genres, titleOf)                        Strong<NSArray>: one entry each, NSNull where null came
 //   send<"compactMap:">(songs, titleOf)                  the non-null results; duplicates among them stay
 //
 // None changes the receiver. Blocks are given the element alone. Ordered sets keep their order; a set's `map:` and

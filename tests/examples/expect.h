@@ -68,6 +68,15 @@ void expect(const char* place, const T& value, const std::type_identity_t<typena
   if (!(value == expected)) report(place, "another pair");
 }
 
+template <class E, class Call>
+void expectThrow(const char* place, const Call& call) {
+  try {
+    call();
+    report(place, "nothing was thrown");
+  } catch (const E&) {
+  }
+}
+
 inline void guarded(const char* name, void (*run)()) {
   try {
     run();

@@ -4,8 +4,12 @@
 //   Strong<NSDictionary> d = makeDictionary({{makeString("kind"), makeNumber(1)}});
 //   d->objectForKey(makeString("kind"))            NSNumber 1
 //   d->objectForKey(makeString("Kind"))            null: keys are compared to the letter
-//   m->setObject(value, key)                       the key is copied, the value retained; a null value raises
-//   m->set(key, nullptr)                           takes the entry away
+//
+//   const auto m = make<NSMutableDictionary>();
+//   m->setObject(makeNumber(1), makeString("kind"));    the key is copied, the value retained
+//   m->setObject(nullptr, makeString("kind"))      throws NSException
+//   m->set(makeString("kind"), nullptr);           takes the entry away
+//   m->count()                                     0
 //   for (NSObject* key : each(d)) ...              the keys; fast_enumeration.h
 //
 // Keys come in the order in which they were first set. A subclass that overrides `count`, `objectForKey` and `allKeys`

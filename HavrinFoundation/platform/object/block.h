@@ -2,11 +2,11 @@
 // Blocks: closures that are shared by reference count. A parameter's type says whether the callee keeps what it is
 // given: `BlockView` borrows for the length of the call and never allocates, `Block` is kept.
 //
-//   Block<int(int)> twice = [](int n) { return 2 * n; };     // one allocation
-//   Block<int(int)> same = twice;                            // shared, same == twice
-//   twice(21)                                                // 42
-//   Block<void()> none;  none ? 1 : 0                        // 0; calling it throws NSException
-//   void each(BlockView<void(NSObject*)> body);              // each([](Station& s) { ... }): class checked per call
+//   Block<int(int)> twice = [](int n) { return 2 * n; };     one allocation
+//   Block<int(int)> same = twice;                            shared: same == twice
+//   twice(21)                                                42
+//   Block<void()>()()                                        throws NSException: the block is null
+//   forEach([](Station& s) { ... });                         for a BlockView<void(NSObject*)>: class checked per call
 //
 // A block with object parameters takes a callable that names any subclass, by pointer or by reference: the class is
 // tested at each call, and NSException (InvalidArgument) says what came instead.

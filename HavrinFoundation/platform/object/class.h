@@ -2,10 +2,11 @@
 // Classes at run time. Class objects are objects with classes of their own (metaclasses): they can be in
 // collections, receive messages and carry associated values. One per type in the whole process, built at first use.
 //
-//   classOf<NSArray>()           ClassOf<NSArray>, which receives class messages: send<"zero">(classOf<NSUUID>())
-//   classOf(*set)                the class of an object, as what the object is known to be
-//   classOf(*set).name()         "NSMutableSet"
-//   cast<NSString>(object)       the object as a string, or null
+//   classOf<NSArray>()                ClassOf<NSArray>, which receives class messages: send<"zero">(classOf<NSUUID>())
+//   classOf(*list)                    the class of an object, as what the object is known to be
+//   classOf(*list).name()             "NSMutableArray"
+//   cast<NSArray>(list.get())         the object as an array, or null
+//   cast<NSString>(list.get())        null
 //
 // Left out: classes made at run time by applications, replacing a method's implementation, class names to classes
 // (archives register the names that they read).

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // The platform's exception: a name that programs test, and a reason that people read.
 //
-//   try { array->objectAtIndex(9); } catch (const NSException& e) { e.name() == NSRangeException; }
+//   array->objectAtIndex(9)                          throws NSException, whose name is NSRangeException
+//   try { ... } catch (const NSException& e) { show(e.name(), e.reason()); }
 //
 // Left out: userInfo, call stack symbols.
 #pragma once

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // References to objects: `Strong` owns a share, `Weak` reads nil from the moment the last share goes.
 //
-//   Strong<Station> station = make<Station>("Nord");   // counts and class are in front of the object
+//   Strong<Station> station = make<Station>("Nord");   counts and class are in front of the object
 //   Weak<Station> later = station;
-//   station = nullptr;                                 // destroyed here
-//   later.lock()                                       // null
+//   station = nullptr;                                 destroyed here
+//   later.lock()                                       null
 //
 // Both convert from and to plain pointers; a plain pointer borrows. A returned `Strong` needs
 // no release. Left out: autorelease pools, unowned references, reference counts that the program may read.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Key paths that the compiler checks: a key that the class has no message for does not compile.
 //
-//   station->addObserver(watcher, keyPath<Station, "host.name">, NSKeyValueObservingOptionNew, nullptr);
+//   send<"valueForKeyPath:">(station, keyPath<Station, "host.name">)      null: the station has no host
 //   utf8(*keyPath<Station, "host.name">)               "host.name"
 //   keyPath<Station, "hots.name">                      does not compile: "... no message for a step ..."
 //

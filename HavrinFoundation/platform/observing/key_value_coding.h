@@ -2,16 +2,17 @@
 // Key-value coding: properties read and set by a name that is known only at run time.
 //
 //   send<"valueForKey:">(station, makeString("listeners"))               NSNumber: numbers and booleans are boxed
-//   send<"setValue:forKey:">(station, makeNumber(12), makeString("listeners"))    by the setter: observers hear of it
+//   send<"setValue:forKey:">(station, makeNumber(12), makeString("listeners"));   by the setter: observers hear of it
 //   send<"valueForKeyPath:">(station, makeString("host.name"))           null without a host
 //   send<"valueForKey:">(station, makeString("lisTeners"))               throws NSException (NSUndefinedKeyException)
 //   send<"setValue:forKey:">(station, nullptr, makeString("listeners"))  throws NSException (InvalidArgument): a number
-//   send<"mutableArrayValueForKey:">(station, makeString("songs"))->addObject(song)    observers receive an insertion
+//   send<"mutableArrayValueForKey:">(station, makeString("songs"))->addObject(song);   observers receive an insertion
+//   send<"valueForKey:">(station, makeString("songs"))->description()    "(Waltz)"
 //
 // Every object answers these messages; a class overrides one by a method of its selector in its list. A key is answered
 // by the methods that the class has rows for, its own, inherited or from a category:
-//   reading     get<Key>, <key>, is<Key>, _<key>: the first that takes nothing and returns something
-//   setting     set<Key>:, _set<Key>:: the first that takes one object, number or boolean
+// - reading: get<Key>, <key>, is<Key>, _<key>: the first that takes nothing and returns something
+// - setting: set<Key>:, _set<Key>:: the first that takes one object, number or boolean
 // Where none does, "valueForUndefinedKey:" or "setValue:forUndefinedKey:" is sent, which throw NSUndefinedKeyException;
 // null for a number or boolean sends "setNilValueForKey:", which throws NSInvalidArgumentException. A null key throws
 // NSInvalidArgumentException. Dictionaries answer keys with their entries; mutable ones set them, with a notification,

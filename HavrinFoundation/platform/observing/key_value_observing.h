@@ -8,6 +8,7 @@
 //     }
 //     using Members = List<Method<"observeValueForKeyPath:ofObject:change:context:", &Watcher::observe>>;
 //   };
+//   const auto watcher = make<Watcher>();
 //   send<"addObserver:forKeyPath:options:context:">(station, watcher, keyPath<Station, "host.name">,
 //                                                   NSKeyValueObservingOptionNew, &kMine);
 //   send<"setTitle:">(station, title);                             notifies before this returns, on this thread
@@ -22,11 +23,11 @@
 // Registering: observer and object are not retained, the context is only compared. The same registration made twice is
 // notified twice and removed twice. A registration whose observer is gone is dropped by itself; one made on an object
 // that is gone has gone with it.
-//   Throws: NSInvalidArgumentException for a null observer or path, and for an array, set, ordered set or class as the
-//   object; what "valueForKey:" throws when a key before the last is undefined, or with New and Initial the last. Nothing
-//   is registered then.
-//   Removing throws NSRangeException when no registration has that observer, path and context (or, without one, that
-//   observer and path).
+// Throws: NSInvalidArgumentException for a null observer or path, and for an array, set, ordered set or class as the
+// object; what "valueForKey:" throws when a key before the last is undefined, or with New and Initial the last. Nothing
+// is registered then.
+// Removing throws NSRangeException when no registration has that observer, path and context (or, without one, that
+// observer and path).
 //
 // Paths: replacing an object on the way notifies the observers of the whole path, with the values at its end, and moves
 // them to the new object. Objects on the way are not retained.
