@@ -10,6 +10,8 @@ target_compile_options(havrin_build_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # g++ 12 sees overlaps in std::string's own concatenation
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
+  # Newer clangs warn of what libstdc++ 12's own std::stable_sort uses.
+  $<$<AND:$<CXX_COMPILER_ID:Clang>,$<VERSION_GREATER_EQUAL:$<CXX_COMPILER_VERSION>,17>>:-Wno-deprecated-declarations>
   $<$<BOOL:${HAVRIN_WARNINGS_AS_ERRORS}>:-Werror>)
 if(HAVRIN_SANITIZERS)
   target_compile_options(havrin_build_flags INTERFACE
