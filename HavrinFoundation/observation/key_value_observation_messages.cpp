@@ -2,6 +2,7 @@
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 
 #include <HavrinFoundation/frame/main_queue.h>
+#include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
@@ -52,17 +53,21 @@ std::string listOf(const NSArray* keyPaths) {
 }
 
 // Under diagnosis: the changes that any observation was notified of, and the observation that this thread made last,
-// with the number of changes by then. One that ends as the last, without a change since, has observed nothing.
+// with the number of changes by then. One that is gone a moment later, with no other and no change in between, was not
+// kept beyond the statement that made it.
 constinit std::atomic<std::uint64_t> changesSeen{0};
 struct Newest {
   const NSObject* observation;
   std::uint64_t changes;
+  double made;
 };
 constinit thread_local Newest newest [[gnu::tls_model("initial-exec")]]{};
+constexpr double kMomentSeconds = 0.001;
 
-bool hasObservedNothing(const NSObject& ending) {
+bool isDiscarded(const NSObject& ending) {
   return std::exchange(newest.observation, nullptr) == &ending &&
-         newest.changes == changesSeen.load(std::memory_order_relaxed);
+         newest.changes == changesSeen.load(std::memory_order_relaxed) &&
+         monotonicSeconds() - newest.made < kMomentSeconds;
 }
 
 // Whether an object was given and its destructors have run, in which the observation might still be released.
@@ -91,7 +96,7 @@ Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObje
     action(observer, object, make<NSKeyValueChangeDictionary>(NSKeyValueChangeDictionary::Values{}));
   }
   if (diagnosing() && object && keyPaths && keyPaths->count()) {
-    newest = {this, changesSeen.load(std::memory_order_relaxed)};
+    newest = {this, changesSeen.load(std::memory_order_relaxed), monotonicSeconds()};
   }
   return Strong<KeyValueObservation>(this);
 }
@@ -99,7 +104,7 @@ Strong<KeyValueObservation> KeyValueObservation::init(NSObject* observer, NSObje
 KeyValueObservation::~KeyValueObservation() {
   if (!object_) return;
   try {
-    if (diagnosing() && hasObservedNothing(*this)) {
+    if (diagnosing() && isDiscarded(*this)) {
       report(Finding::discardedToken, {classOf(*object_).name(), listOf(keyPaths_)});
     }
     for (NSObject* element : each(keyPaths_)) {

@@ -7,6 +7,7 @@
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
+#include <HavrinFoundation/testkit/test_clock.h>
 
 #include <cstdlib>
 #include <functional>
@@ -110,8 +111,7 @@ const Mistake kMistakes[] = {
        observe(*make<Field>(), "form.tilte");
      },
      {"Field is observed for the key \"fomr\", for which it has no getter and no setter; expected the key of a "
-      "property "
-      "or method that Field or a superclass lists (main thread)",
+      "property or method that Field or a superclass lists (main thread)",
       "NSObject is observed for the key \"tilte\", for which it has no getter and no setter; expected the key of a "
       "property or method that NSObject or a superclass lists (main thread)"},
      [] {
@@ -119,14 +119,17 @@ const Mistake kMistakes[] = {
        observe(*makeDictionary({}), "anything");
      }},
     {"an observation that nobody keeps",
-     [] { static_cast<void>(token(make<Field>(), *make<Field>())); },
-     {"the KeyValueObservation of Field for [form] ended, on the thread that made it, before anything changed; "
-      "expected it "
-      "to be kept, in a Strong or by a responder's observeModel:forKeyPath:action: (main thread)"},
      [] {
-       const auto observer = make<Field>(), field = make<Field>();
-       const auto kept = token(observer, *field);
-       send<"setForm:">(field, nullptr);
+       const TestClock clock;
+       static_cast<void>(token(make<Field>(), *make<Field>()));
+     },
+     {"the KeyValueObservation of Field for [form] ended within a millisecond, before anything changed; expected it to "
+      "be "
+      "kept, in a Strong or by a responder's observeModel:forKeyPath:action: (main thread)"},
+     [] {
+       TestClock clock;
+       const auto kept = token(nullptr, *make<Field>());
+       clock.advance(1);
      }},
     {"an observation that outlives its observer",
      [] {

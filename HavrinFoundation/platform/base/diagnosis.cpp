@@ -33,9 +33,8 @@ constexpr std::string_view kTexts[] = {
     "{0} was sent before the image \"{1}\", which adds it, was loaded; expected the image to be loaded first",
     "{0} is added by the image \"{1}\" in {2}, and by the image \"{3}\" in {4}, which answers from now on; expected a "
     "selector with a prefix of its own in each image",
-    "the KeyValueObservation of {0} for [{1}] ended, on the thread that made it, before anything changed; expected it "
-    "to "
-    "be kept, in a Strong or by a responder's observeModel:forKeyPath:action:",
+    "the KeyValueObservation of {0} for [{1}] ended within a millisecond, before anything changed; expected it to be "
+    "kept, in a Strong or by a responder's observeModel:forKeyPath:action:",
     "the KeyValueObservation of {0} for [{1}] still lives although its observer has gone, and drops its changes; "
     "expected "
     "the observer to be the one that keeps it",
