@@ -15,6 +15,7 @@
 #include <HavrinFoundation/dates/shared_formatter.h>
 #include <HavrinFoundation/dates/shared_formatter_messages.h>
 #include <HavrinFoundation/dates/zero_uuid_messages.h>
+#include <HavrinFoundation/frame/diagnostics.h>
 #include <HavrinFoundation/frame/identity.h>
 #include <HavrinFoundation/frame/log.h>
 #include <HavrinFoundation/frame/main_queue.h>

@@ -78,9 +78,14 @@ bool readDiagnosisSwitch() {
   return known == DiagnosisSwitch::on;
 }
 
+std::string threadText(pid_t thread) {
+  if (thread == 0) return "another thread";
+  return thread == getpid() ? "main thread" : "thread " + std::to_string(thread);
+}
+
 void report(Finding finding, std::initializer_list<std::string_view> parts) {
   std::string line = "havrin: diagnosis: " + filled(kTexts[static_cast<std::size_t>(finding)], parts);
-  line += gettid() == getpid() ? " (main thread)\n" : " (thread " + std::to_string(gettid()) + ")\n";
+  line.append(" (").append(threadText(gettid())).append(")\n");
   Written& written = Written::shared();
   const UnfairLockGuard guard(written.lock);
   if (!written.lines.insert(line).second) return;

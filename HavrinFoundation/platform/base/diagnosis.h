@@ -12,7 +12,9 @@
 #include <atomic>
 #include <cstdint>
 #include <initializer_list>
+#include <string>
 #include <string_view>
+#include <sys/types.h>
 
 namespace havrin {
 inline namespace platform {
@@ -45,6 +47,17 @@ enum class Finding : std::uint8_t {
 /// Writes the text of a finding, with `parts` in place of {0}, {1}, ..., and the calling thread, as one line to the
 /// standard error. A line that has been written before is not written again. Threads: any.
 HAVRIN_EXPORT void report(Finding finding, std::initializer_list<std::string_view> parts);
+
+/// A part's contribution to `diagnostics()` (frame/diagnostics.h, whose source lists them all). `describe` appends lines,
+/// each indented by two blanks; nothing where there is nothing to list.
+struct DiagnosticsSection {
+  std::string_view title;
+  void (*describe)(std::string& text);
+};
+HAVRIN_EXPORT extern const DiagnosticsSection kAwaitedLocksSection;
+
+/// "main thread", or "thread 4711"; "another thread" for 0, which is unknown.
+[[nodiscard]] HAVRIN_EXPORT std::string threadText(pid_t thread);
 
 }  // namespace platform
 }  // namespace havrin

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
 
+#include <HavrinFoundation/platform/base/awaited_locks.h>
+#include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/base/futex.h>
 #include <HavrinFoundation/platform/base/misuse.h>
 
@@ -23,7 +25,9 @@ constinit std::atomic<std::uint32_t> lastNumber{0};
 
 // A loop, since 0 means a free lock and comes up again after 2^31 threads.
 std::uint32_t numberOfThisThread() {
+  if (thisThread != 0) return thisThread;
   while (thisThread == 0) thisThread = (lastNumber.fetch_add(1, std::memory_order_relaxed) + 1) & ~kWaiters;
+  if (diagnosing()) noteLockingThread(thisThread);
   return thisThread;
 }
 
@@ -72,6 +76,7 @@ void lockSlowly(os_unfair_lock* lock) {
         !word.compare_exchange_weak(seen, seen | kWaiters, std::memory_order_relaxed, std::memory_order_relaxed)) {
       continue;
     }
+    const LockWait listed(diagnosing() ? lock : nullptr, seen & ~kWaiters);
     futex::wait(lock->_os_unfair_lock_opaque, seen | kWaiters);
     mark = self | kWaiters;
   }

@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/dispatch/created_queue_state.h>
 
+#include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/dispatch/execution_frame.h>
+#include <HavrinFoundation/platform/dispatch/main_queue_state.h>
+#include <HavrinFoundation/platform/dispatch/worker_pool.h>
 
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace havrin {
 inline namespace platform {
@@ -11,15 +16,59 @@ namespace {
 
 DispatchQueue orGlobal(const DispatchQueue& target) { return target ? target : dispatch_get_global_queue(); }
 
+// The queues that were made under diagnosis.
+struct Registry {
+  os_unfair_lock lock;
+  std::vector<CreatedQueueState*> queues HAVRIN_THREAD_SAFETY(guarded_by(lock));
+
+  static Registry& shared() {
+    static Registry& registry = *new Registry;
+    return registry;
+  }
+};
+
+void describeQueue(std::string& text, QueueState& queue) {
+  text.append("  ").append(queue.label()).append(": ");
+  text.append(std::to_string(queue.waiting())).append(" waiting\n");
+}
+
+void describe(std::string& text) {
+  describeQueue(text, MainQueueState::shared());
+  describeQueue(text, WorkerPool::shared());
+  Registry& registry = Registry::shared();
+  UnfairLockGuard guard(registry.lock);
+  for (CreatedQueueState* queue : registry.queues) describeQueue(text, *queue);
+}
+
 }  // namespace
+
+extern const DiagnosticsSection kQueuesSection;
+constinit const DiagnosticsSection kQueuesSection{"queues", describe};
 
 CreatedQueueState::CreatedQueueState(std::string_view label, dispatch_queue_attr_t attribute,
                                      const DispatchQueue& target)
-    : QueueState(label, Lifetime::kCounted), serial_(attribute == DISPATCH_QUEUE_SERIAL), target_(orGlobal(target)) {}
+    : QueueState(label, Lifetime::kCounted), serial_(attribute == DISPATCH_QUEUE_SERIAL), target_(orGlobal(target)) {
+  if (!diagnosing()) return;
+  Registry& registry = Registry::shared();
+  UnfairLockGuard guard(registry.lock);
+  registry.queues.push_back(this);
+}
+
+CreatedQueueState::~CreatedQueueState() {
+  if (!diagnosing()) return;
+  Registry& registry = Registry::shared();
+  UnfairLockGuard guard(registry.lock);
+  std::erase(registry.queues, this);
+}
 
 DispatchQueue CreatedQueueState::target() {
   UnfairLockGuard guard(lock_);
   return target_;
+}
+
+std::size_t CreatedQueueState::waiting() {
+  UnfairLockGuard guard(lock_);
+  return pending_.size();
 }
 
 void CreatedQueueState::setTarget(const DispatchQueue& target) {

@@ -16,10 +16,12 @@ inline namespace platform {
 class CreatedQueueState final : public QueueState {
  public:
   CreatedQueueState(std::string_view label, dispatch_queue_attr_t attribute, const DispatchQueue& target);
+  ~CreatedQueueState() override;
 
   void append(Work&& work) override;
   bool callAtOnce(BlockView<void()> block) override;
   [[nodiscard]] bool isSerial() const override { return serial_; }
+  [[nodiscard]] std::size_t waiting() override;
   [[nodiscard]] DispatchQueue target() override;
   void setTarget(const DispatchQueue& target) override;
 

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <HavrinFoundation/platform/dispatch/loop_delays.h>
+#include <HavrinFoundation/platform/dispatch/run_loop_state.h>
+
+#include <string>
 
 namespace havrin {
 inline namespace platform {
@@ -11,6 +14,9 @@ inline namespace platform {
 void diagnoseDelayed(const PerformKey& key);
 /// Reports the work that waits in the run loop of a thread that ends.
 void diagnoseEnd(const LoopDelays& delays);
+
+/// Appends lines about the work that waits in a loop; of the delayed work only when the calling thread is the loop's.
+void describeLoop(std::string& text, RunLoopState& loop, bool isOwn);
 
 }  // namespace platform
 }  // namespace havrin

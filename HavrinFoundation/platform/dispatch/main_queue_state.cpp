@@ -25,6 +25,11 @@ void MainQueueState::append(Work&& work) {
   if (first) RunLoop::main().wake();
 }
 
+std::size_t MainQueueState::waiting() {
+  UnfairLockGuard guard(lock_);
+  return pending_.size();
+}
+
 bool MainQueueState::canDrain() {
   if (draining_) return false;
   UnfairLockGuard guard(lock_);

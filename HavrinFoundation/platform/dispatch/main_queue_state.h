@@ -15,6 +15,7 @@ class MainQueueState final : public QueueState {
   void append(Work&& work) override;
   bool callAtOnce(BlockView<void()>) override { return false; }
   [[nodiscard]] bool isSerial() const override { return true; }
+  [[nodiscard]] std::size_t waiting() override;
   [[nodiscard]] DispatchQueue target() override { return DispatchQueue(); }
 
   /// Whether one of the queue's closures is running. Main thread only.

@@ -87,6 +87,13 @@ bool ModeTable::hasPosted(const RunLoopModes& modes) {
   return !modes.named->posted.empty() || (modes.common != nullptr && !modes.common->posted.empty());
 }
 
+std::size_t ModeTable::posted() {
+  UnfairLockGuard guard(lock_);
+  std::size_t waiting = 0;
+  for (const auto& mode : modes_) waiting += mode->posted.size();
+  return waiting;
+}
+
 bool ModeTable::isAttached(const RunLoopModes& modes) {
   UnfairLockGuard guard(lock_);
   for (const RunLoopMode* mode : {modes.named, modes.common}) {

@@ -5,6 +5,7 @@
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_mode.h>
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,8 @@ class ModeTable {
   /// Runs one batch of posted work: what was there at the beginning. Result: whether anything has run.
   bool runPosted(const RunLoopModes& modes);
   [[nodiscard]] bool hasPosted(const RunLoopModes& modes);
+  /// How much posted work waits. Threads: any.
+  [[nodiscard]] std::size_t posted();
   /// Whether a mode has work or a source.
   [[nodiscard]] bool isAttached(const RunLoopModes& modes);
 

@@ -6,6 +6,7 @@
 #include <HavrinFoundation/platform/dispatch/queue.h>
 
 #include <atomic>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -40,6 +41,8 @@ class QueueState : public detail::QueueOwners {
   virtual bool callAtOnce(BlockView<void()> block) = 0;
   /// Whether at most one closure runs at a time.
   [[nodiscard]] virtual bool isSerial() const = 0;
+  /// How many closures wait. Threads: any.
+  [[nodiscard]] virtual std::size_t waiting() = 0;
   /// The queue through which this one's closures run; null for the process's own queues.
   [[nodiscard]] virtual DispatchQueue target() = 0;
   /// Aborts on the process's own queues.

@@ -2,6 +2,8 @@
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 
 #include <HavrinFoundation/platform/base/clock.h>
+#include <HavrinFoundation/platform/base/diagnosis.h>
+#include <HavrinFoundation/platform/dispatch/loop_diagnosis.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/platform/dispatch/thread.h>
@@ -11,6 +13,8 @@
 #include <memory>
 #include <new>
 #include <pthread.h>
+#include <string>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -56,9 +60,22 @@ RunLoopState& mainLoop() {
   return *loop;
 }
 
+void describe(std::string& text) {
+  Registry& registry = Registry::shared();
+  UnfairLockGuard guard(registry.lock);
+  for (RunLoopState* loop : registry.loops) describeLoop(text, *loop, loop == ofThisThread);
+}
+
 }  // namespace
 
-RunLoopState::RunLoopState(Kind kind) : isMain_(kind == Kind::kMain) {
+extern const DiagnosticsSection kDelayedWorkSection;
+constinit const DiagnosticsSection kDelayedWorkSection{"delayed work", describe};
+
+RunLoopState::RunLoopState(Kind kind)
+    : isMain_(kind == Kind::kMain),
+      threadNumber_(isMain_        ? getpid()
+                    : diagnosing() ? gettid()
+                                   : 0) {
   Registry& registry = Registry::shared();
   UnfairLockGuard guard(registry.lock);
   registry.loops.push_back(this);

@@ -11,6 +11,7 @@
 #include <atomic>
 #include <optional>
 #include <string_view>
+#include <sys/types.h>
 
 namespace havrin {
 inline namespace platform {
@@ -53,6 +54,9 @@ class RunLoopState final : public RunLoop {
   ModeTable modes;
   LoopDelays delays{modes.defaultMode()};
 
+  /// The system's number of the loop's thread; 0 where diagnosis was off when the loop was made. Threads: any.
+  [[nodiscard]] pid_t threadNumber() const { return threadNumber_; }
+
   /// The object of the loop's thread, made when it is first asked for.
   [[nodiscard]] Strong<NSThread> threadObject();
 
@@ -61,6 +65,7 @@ class RunLoopState final : public RunLoop {
   void expectInHost(double deadline);
 
   const bool isMain_;
+  const pid_t threadNumber_;
   LoopSleep sleep_;
   std::atomic<HostDescriptor*> host_{nullptr};
   os_unfair_lock threadLock_;

@@ -112,6 +112,11 @@ bool WorkerPool::isWorker() {
   return std::find(threads_.begin(), threads_.end(), gettid()) != threads_.end();
 }
 
+std::size_t WorkerPool::waiting() {
+  UnfairLockGuard guard(lock_);
+  return pending_.size();
+}
+
 void WorkerPool::serve() {
   pthread_setname_np(pthread_self(), "dispatch-worker");
   {

@@ -24,6 +24,7 @@ class WorkerPool final : public QueueState {
   void append(Work&& work) override;
   bool callAtOnce(BlockView<void()> block) override;
   [[nodiscard]] bool isSerial() const override { return false; }
+  [[nodiscard]] std::size_t waiting() override;
   [[nodiscard]] DispatchQueue target() override { return DispatchQueue(); }
 
   /// Whether the calling thread is one of the pool's.

@@ -67,7 +67,26 @@ void diagnoseImage(const Image& image, const std::vector<Image>& earlier, std::v
   });
 }
 
+void describe(std::string& text) {
+  Images& images = Images::shared();
+  std::vector<Image> loaded;
+  {
+    const UnfairLockGuard guard(images.lock);
+    loaded = images.loaded;
+  }
+  for (const Image& image : loaded) {
+    text.append("  ").append(image.name);
+    const char* before = ": ";
+    for (const Category* category : image.categories)
+      text.append(std::exchange(before, ", ")).append(nameOf(*category));
+    text += "\n";
+  }
+}
+
 }  // namespace
+
+extern const DiagnosticsSection kImagesSection;
+constinit const DiagnosticsSection kImagesSection{"images", describe};
 
 void noteImage(const Image& image) {
   Images& images = Images::shared();

@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/observing/watch_table.h>
 
+#include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/object/observed.h>
 #include <HavrinFoundation/platform/observing/change.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
+#include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace havrin {
 inline namespace platform {
@@ -123,12 +128,56 @@ struct alignas(32) WatchBucket {
   }
 };
 
+namespace {
+
 // In pages, each made when an object that belongs there is first watched: a program that observes nothing has none.
+constexpr std::uint64_t kPageBits = 8;
+constexpr std::uint64_t kBucketBits = 6;
+using Page = std::array<WatchBucket, (1U << kBucketBits)>;
+constinit std::array<std::atomic<Page*>, (1U << kPageBits)> pages{};
+
+std::string nameOf(const NSObject* object) {
+  char address[32];
+  std::snprintf(address, sizeof address, " %p", static_cast<const void*>(object));
+  return std::string(dispatchClass(object)->shown()->name()).append(address);
+}
+
+std::string lineOf(const Watch& watch) {
+  std::string line = "  " + nameOf(watch.object) + " " + utf8(*watch.key);
+  const char* before = ": ";
+  for (const Watcher& watcher : watch.list().watchers()) {
+    if (!watcher.counts()) continue;
+    const Registration& registration = *watcher.registration;
+    line.append(std::exchange(before, ", ")).append(nameOf(registration.observer.address()));
+    if (registration.isOrphaned()) line += " (gone)";
+    if (!registration.isSimple) line.append(" by \"").append(utf8(*registration.path)).append("\"");
+  }
+  return line + "\n";
+}
+
+// Headers may be read under a bucket's lock, and those of observers while their registrations are.
+void describe(std::string& text) {
+  std::vector<std::string> lines;
+  for (const std::atomic<Page*>& place : pages) {
+    Page* page = place.load(std::memory_order_acquire);
+    if (page == nullptr) continue;
+    for (WatchBucket& bucket : *page) {
+      const UnfairLockGuard guard(bucket.lock);
+      for (Watch* watch = bucket.first.load(std::memory_order_relaxed); watch; watch = WatchBucket::next(*watch)) {
+        lines.push_back(lineOf(*watch));
+      }
+    }
+  }
+  std::sort(lines.begin(), lines.end());
+  for (const std::string& line : lines) text += line;
+}
+
+}  // namespace
+
+extern const DiagnosticsSection kObserversSection;
+constinit const DiagnosticsSection kObserversSection{"observers", describe};
+
 WatchBucket& WatchBucket::of(const NSObject* object) {
-  constexpr std::uint64_t kPageBits = 8;
-  constexpr std::uint64_t kBucketBits = 6;
-  using Page = std::array<WatchBucket, (1U << kBucketBits)>;
-  static constinit std::array<std::atomic<Page*>, (1U << kPageBits)> pages{};
   const std::uint64_t spread = reinterpret_cast<std::uintptr_t>(object) * 0x9E37'79B9'7F4A'7C15U;
   std::atomic<Page*>& place = pages[spread >> (64 - kPageBits)];
   Page* page = place.load(std::memory_order_acquire);
