@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/archives/archive_limits.h>
-
 #include <HavrinFoundation/platform/archives/archive_objects.h>
 
 #include <gtest/gtest.h>
+
 #include <vector>
 
 namespace havrin {
