@@ -34,7 +34,7 @@ void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
       }
     }
     send<"observeValueForKeyPath:ofObject:change:context:">(
-        observer, registration.path, object, NSKeyValueChangeDictionary::plainSetting(), registration.context);
+        observer, &registration.path.text(), object, NSKeyValueChangeDictionary::plainSetting(), registration.context);
   }
 }
 
@@ -44,7 +44,7 @@ void tell(Registration& registration, NSObject* object, NSDictionary* change) {
   // Looked at last, since another observer of this change may have removed this one.
   if (!registration.isActive.load(std::memory_order_acquire)) return;
   if (const Strong<NSObject> observer = registration.observer.lock()) {
-    send<"observeValueForKeyPath:ofObject:change:context:">(observer, registration.path, object, change,
+    send<"observeValueForKeyPath:ofObject:change:context:">(observer, &registration.path.text(), object, change,
                                                             registration.context);
   } else if (registration.isOrphaned()) {
     static_cast<void>(registration.leave());
@@ -102,7 +102,7 @@ void Change::readOld() {
     }
     Strong<NSObject> root = registration.root.lock();
     if (!root) continue;
-    Strong<NSObject> old = wantsOld ? oldValue(*root, *registration.path, kindFor(watcher)) : nullptr;
+    Strong<NSObject> old = wantsOld ? oldValue(*root, registration.path.text(), kindFor(watcher)) : nullptr;
     indirect_.push_back({&watcher, std::move(root), std::move(old)});
   }
 }
@@ -144,7 +144,7 @@ void Change::finish() {
                   .oldValue = one.old,
                   .indexes = kind == kind_ ? indexes_ : nullptr};
     if (registration.wants(NSKeyValueObservingOptionNew)) {
-      values.newValue = newValue(*one.root, *registration.path, kind);
+      values.newValue = newValue(*one.root, registration.path.text(), kind);
     }
     tell(registration, one.root, make<NSKeyValueChangeDictionary>(std::move(values)));
   }

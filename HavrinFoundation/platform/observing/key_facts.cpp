@@ -42,7 +42,7 @@ KeyFacts ask(const ClassObject& shown, NSString& key) {
   facts.isAutomatic = send<"automaticallyNotifiesObserversForKey:">(cls, &key);
   if (const Strong<NSSet> paths = send<"keyPathsForValuesAffectingValueForKey:">(cls, &key); paths && paths->count()) {
     auto all = std::make_shared<KeyFacts::Paths>();
-    for (NSObject* path : each(paths)) all->push_back(keysOfPath(checkedReference<NSString>(path)));
+    for (NSObject* path : each(paths)) all->emplace_back(checkedReference<NSString>(path));
     facts.affecting = std::move(all);
   }
   return facts;

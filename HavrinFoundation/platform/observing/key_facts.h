@@ -3,7 +3,7 @@
 #pragma once
 
 #include <HavrinFoundation/platform/object/class.h>
-#include <HavrinFoundation/platform/object/string.h>
+#include <HavrinFoundation/platform/observing/key_rows.h>
 
 #include <memory>
 #include <vector>
@@ -12,7 +12,7 @@ namespace havrin {
 inline namespace platform {
 
 struct KeyFacts {
-  using Paths = std::vector<std::vector<Strong<NSString>>>;
+  using Paths = std::vector<KeyPath>;
 
   Selector setter;                         // set<Key>:, when anything bears that name
   bool isAutomatic;                        // the setter notifies

@@ -82,15 +82,16 @@ Strong<NSString> plainString(NSString& text) {
   return makeString(utf16(text));
 }
 
-std::vector<Strong<NSString>> keysOfPath(const NSString& path) {
-  const std::u16string units = utf16(path);
-  std::vector<Strong<NSString>> keys;
-  for (std::size_t from = 0; from <= units.size();) {
-    const std::size_t to = std::min(units.find(u'.', from), units.size());
-    keys.push_back(makeString(std::u16string_view(units).substr(from, to - from)));
-    from = to + 1;
-  }
-  return keys;
+KeyPath::KeyPath(NSString& path) : text_(plainString(path)) {
+  const auto split = [this](auto units) {
+    if (units.find('.') == units.npos) return;
+    for (std::size_t from = 0; from <= units.size();) {
+      const std::size_t to = std::min(units.find('.', from), units.size());
+      several_.push_back(makeString(units.substr(from, to - from)));
+      from = to + 1;
+    }
+  };
+  text_->isWide() ? split(text_->wide()) : split(text_->narrow());
 }
 
 void requireKey(const NSObject& self, const NSString* key, std::string_view selector) {

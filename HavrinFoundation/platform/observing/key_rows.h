@@ -6,6 +6,7 @@
 #include <HavrinFoundation/platform/object/string.h>
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,8 +47,22 @@ decltype(auto) withText(const NSString& key, Body&& body) {
 /// An immutable string of the layer's own class with the text of now, so that comparing it runs nobody else's code.
 [[nodiscard]] Strong<NSString> plainString(NSString& text);
 
-/// The keys of a path: "host.name" gives "host", "name". At least one, which may be empty.
-[[nodiscard]] std::vector<Strong<NSString>> keysOfPath(const NSString& path);
+/// A path, as it was when it was given, and its keys: "host.name" has "host" and "name". At least one, which may be
+/// empty. Cost: no allocation for a path of one key.
+class KeyPath {
+ public:
+  explicit KeyPath(NSString& path);
+
+  /// A plainString().
+  [[nodiscard]] NSString& text() const { return *text_; }
+  [[nodiscard]] std::span<const Strong<NSString>> keys() const {
+    return several_.empty() ? std::span(&text_, 1) : std::span(several_.data(), several_.size());
+  }
+
+ private:
+  Strong<NSString> text_;
+  std::vector<Strong<NSString>> several_;  // empty for one key
+};
 
 /// Throws NSException (InvalidArgument) when `key` is null.
 void requireKey(const NSObject& self, const NSString* key, std::string_view selector);

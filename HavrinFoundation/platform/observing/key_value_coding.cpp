@@ -47,15 +47,15 @@ std::string nameOfType(const std::type_info& type) {
                                      (key ? "\"" + utf8(*key) + "\"" : "(null)")));
 }
 
-bool isOneKey(const NSString& path) {
-  if (path.isPlain() && !path.isWide()) return path.narrow().find('.') == std::string_view::npos;
-  return utf16(path).find(u'.') == std::u16string::npos;
-}
-
 Strong<NSObject> valueForKey(NSObject& self, NSString* key) {
   requireKey(self, key, "valueForKey:");
   const MethodRow* row = rowsOf(self, *key).getter;
   return row ? call(*row, self, nullptr) : send<"valueForUndefinedKey:">(self, key);
+}
+
+// What observers' values are read by; a KeyPath would count its text.
+bool isOneKey(const NSString& path) {
+  return path.isPlain() && !path.isWide() && path.narrow().find('.') == std::string_view::npos;
 }
 
 void setValueForKey(NSObject& self, NSObject* value, NSString* key) {
@@ -70,16 +70,18 @@ void setValueForKey(NSObject& self, NSObject* value, NSString* key) {
 Strong<NSObject> valueForKeyPath(NSObject& self, NSString* path) {
   requireKey(self, path, "valueForKeyPath:");
   if (isOneKey(*path)) return send<"valueForKey:">(self, path);
+  const KeyPath steps(*path);
   Strong<NSObject> value(&self);
-  for (const Strong<NSString>& key : keysOfPath(*path)) value = send<"valueForKey:">(value, key);
+  for (const Strong<NSString>& key : steps.keys()) value = send<"valueForKey:">(value, key);
   return value;
 }
 
 void setValueForKeyPath(NSObject& self, NSObject* value, NSString* path) {
   requireKey(self, path, "setValue:forKeyPath:");
-  const std::vector<Strong<NSString>> keys = keysOfPath(*path);
+  const KeyPath steps(*path);
+  const auto keys = steps.keys();
   Strong<NSObject> target(&self);
-  for (std::size_t i = 0; i + 1 < keys.size(); ++i) target = send<"valueForKey:">(target, keys[i]);
+  for (const Strong<NSString>& key : keys.first(keys.size() - 1)) target = send<"valueForKey:">(target, key);
   send<"setValue:forKey:">(target, value, keys.back());
 }
 

@@ -67,12 +67,11 @@ void finish(NSObject& object, const NSString& key) {
 void end(const NSObject& object, const NSObject* observer, NSString* keyPath, std::optional<void*> context) {
   const std::string selector = context ? "removeObserver:forKeyPath:context:" : "removeObserver:forKeyPath:";
   requireKey(object, keyPath, selector);
-  const Strong<NSString> path = plainString(*keyPath);
-  const Strong<Registration> registration =
-      endRegistration(object, *keysOfPath(*path).front(), observer, *path, context);
+  const KeyPath path(*keyPath);
+  const Strong<Registration> registration = endRegistration(object, observer, path, context);
   if (!registration) {
     throw NSException(NSRangeException, "-[" + std::string(classOf(object).name()) + " " + selector +
-                                            "]: the observer is not registered for \"" + utf8(*path) + "\"" +
+                                            "]: the observer is not registered for \"" + utf8(path.text()) + "\"" +
                                             (context ? " with this context" : ""));
   }
   if (!registration->isSimple) registration->letGo();
@@ -81,7 +80,7 @@ void end(const NSObject& object, const NSObject* observer, NSString* keyPath, st
 void tellInitially(Registration& registration, NSObject& object) {
   NSKeyValueChangeDictionary::Values values;
   if (registration.wants(NSKeyValueObservingOptionNew)) {
-    values.newValue = send<"valueForKeyPath:">(object, registration.path);
+    values.newValue = send<"valueForKeyPath:">(object, &registration.path.text());
     if (!values.newValue) values.newValue = NSNull::null();
   }
   tell(registration, &object, make<NSKeyValueChangeDictionary>(std::move(values)));
@@ -93,8 +92,8 @@ void addObserver(NSObject& self, NSObject* watcher, NSString* keyPath, std::uint
   requireKey(self, keyPath, kSelector);
   if (!watcher) throwNullArgument(self, kSelector, "observer");
   const Strong<NSObject> hold(&self);
-  const auto registration = make<Registration>(&self, watcher, plainString(*keyPath), options, context);
-  registration->enter();
+  const auto registration = make<Registration>(&self, watcher, KeyPath(*keyPath), options, context);
+  registration->enter(self);
   if (!registration->wants(NSKeyValueObservingOptionInitial)) return;
   try {
     tellInitially(*registration, self);

@@ -8,6 +8,7 @@
 #include <HavrinFoundation/platform/observing/watch_table.h>
 
 #include <algorithm>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -34,7 +35,7 @@ constexpr int kMostWalks = 8;
 // One path to be walked from an object: the registration's own, or one that affects a key on it.
 struct Route {
   Strong<NSObject> from;
-  const std::vector<Strong<NSString>>* keys;
+  std::span<const Strong<NSString>> keys;
   bool isOwn;
   bool movesAtEnd;  // its last value decides where a path goes on
 };
@@ -61,18 +62,18 @@ const WalkedKey* note(std::vector<WalkedKey>& walked, NSObject& object, const St
 
 // All keys whose change concerns the registration, with the objects that the path leads over now.
 void walk(const Registration& registration, std::vector<WalkedKey>& walked) {
-  std::vector<Route> routes{{registration.root.lock(), &registration.keys, true, false}};
+  std::vector<Route> routes{{registration.root.lock(), registration.path.keys(), true, false}};
   while (!routes.empty()) {
     const Route route = std::move(routes.back());
     routes.pop_back();
     Strong<NSObject> object = route.from;
-    for (std::size_t i = 0; object && i < route.keys->size(); ++i) {
-      const Strong<NSString>& key = (*route.keys)[i];
-      const bool isLast = i + 1 == route.keys->size();
+    for (std::size_t i = 0; object && i < route.keys.size(); ++i) {
+      const Strong<NSString>& key = route.keys[i];
+      const bool isLast = i + 1 == route.keys.size();
       const bool moves = !isLast || route.movesAtEnd;
       const WalkedKey* noted = note(walked, *object, key, moves, isLast && route.isOwn);
       if (noted && noted->facts.affecting) {
-        for (const auto& path : *noted->facts.affecting) routes.push_back({object, &path, false, moves});
+        for (const auto& path : *noted->facts.affecting) routes.push_back({object, path.keys(), false, moves});
       }
       if (!isLast) object = send<"valueForKey:">(object, key);
     }
@@ -81,24 +82,21 @@ void walk(const Registration& registration, std::vector<WalkedKey>& walked) {
 
 }  // namespace
 
-Registration::Registration(NSObject* observedObject, NSObject* watcher, Strong<NSString> keyPath, std::uint64_t asked,
+Registration::Registration(NSObject* observedObject, NSObject* watcher, KeyPath keyPath, std::uint64_t asked,
                            void* given)
     : root(observedObject),
       observer(watcher),
       path(std::move(keyPath)),
       options(asked),
       context(given),
-      keys(keysOfPath(*path)),
-      firstKey(factsForKey(*classOf(*observedObject).object(), *keys.front())),
-      isSimple(keys.size() == 1 && firstKey.isAlone()) {}
+      firstKey(factsForKey(*classOf(*observedObject).object(), *path.keys().front())),
+      isSimple(path.keys().size() == 1 && firstKey.isAlone()) {}
 
 Registration::~Registration() = default;
 
-void Registration::enter() {
-  const Strong<NSObject> object = root.lock();
-  if (!object) return;
+void Registration::enter(NSObject& object) {
   if (isSimple) {
-    watchKey(*object, *path, firstKey, *this, false, true);
+    watchKey(object, path.text(), firstKey, *this, false, true);
     return;
   }
   std::vector<WalkedKey> walked;
@@ -114,7 +112,7 @@ bool Registration::leave() noexcept {
 
 void Registration::letGo() noexcept {
   if (isSimple) {
-    unwatchKey({root, path, false, true}, *this);
+    unwatchKey({root, &path.text(), false, true}, *this);
     return;
   }
   std::vector<WatchedKey> watched;

@@ -32,16 +32,15 @@ struct WalkedKey;
 /// Objects of the runtime only for their counts: nobody outside sees one.
 class Registration final : public Object<Registration, NSObject> {
  public:
-  Registration(NSObject* observedObject, NSObject* watcher, Strong<NSString> keyPath, std::uint64_t asked, void* given);
+  Registration(NSObject* observedObject, NSObject* watcher, KeyPath keyPath, std::uint64_t asked, void* given);
   ~Registration() override;
 
   // Constant from the start.
   const Weak<NSObject> root;
   const Weak<NSObject> observer;
-  const Strong<NSString> path;  // of the layer's own class
+  const KeyPath path;
   const std::uint64_t options;
   void* const context;
-  const std::vector<Strong<NSString>> keys;  // of the path
   const KeyFacts firstKey;
   /// One key that nothing else affects: its own change is all there is, and `watched` stays empty.
   const bool isSimple;
@@ -59,8 +58,9 @@ class Registration final : public Object<Registration, NSObject> {
     return headerOf(observer.address()).strong.load(std::memory_order_acquire) >= ObjectHeader::kDestroyed;
   }
 
-  /// Puts the registration into the table. Throws: what the getters on the way throw; nothing is registered then.
-  void enter();
+  /// Puts the registration into the table; `object` is its root. Throws: what the getters on the way throw; nothing is
+  /// registered then.
+  void enter(NSObject& object);
   /// Ends it; nothing is reported from here on. Returns false when it had already ended.
   bool leave() noexcept;
   /// Takes an ended registration out of the table.

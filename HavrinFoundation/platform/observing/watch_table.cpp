@@ -42,6 +42,14 @@ bool isGoing(const NSObject& object) {
 // Readers count themselves in and then load; writers unlink and then read the count. The loads and stores on both sides
 // are sequentially consistent, so that a writer that reads 0 has no reader that could still find what was unlinked.
 struct alignas(32) WatchBucket {
+  // What no reader can find any more. Declared before the guard of the lock, so that it is freed after it.
+  struct Unreachable {
+    Retired* first = nullptr;
+    ~Unreachable() {
+      while (first) delete std::exchange(first, first->nextRetired);
+    }
+  };
+
   std::atomic<std::uint32_t> readers{0};
   os_unfair_lock lock;
   std::atomic<Watch*> first{nullptr};
@@ -57,15 +65,18 @@ struct alignas(32) WatchBucket {
   // Frees what was retired when nobody reads. To be called without the lock.
   void reclaim() {
     if (!retired.load(std::memory_order_acquire)) return;
-    Retired* items = nullptr;
-    {
-      const UnfairLockGuard guard(lock);
-      if (readers.load(std::memory_order_seq_cst) == 0) items = retired.exchange(nullptr, std::memory_order_acq_rel);
-    }
-    while (items) delete std::exchange(items, items->nextRetired);
+    Unreachable items;
+    const UnfairLockGuard guard(lock);
+    reclaim(items);
   }
 
   // The rest needs the lock.
+
+  // Hands out what was retired when nobody reads.
+  void reclaim(Unreachable& items) {
+    if (!retired.load(std::memory_order_relaxed) || readers.load(std::memory_order_seq_cst) != 0) return;
+    items.first = retired.exchange(nullptr, std::memory_order_acq_rel);
+  }
 
   Watch* find(const NSObject* object, const NSString& key) const {
     for (Watch* watch = first.load(std::memory_order_relaxed); watch; watch = next(*watch)) {
@@ -150,7 +161,7 @@ std::string lineOf(const Watch& watch) {
     const Registration& registration = *watcher.registration;
     line.append(std::exchange(before, ", ")).append(nameOf(registration.observer.address()));
     if (registration.isOrphaned()) line += " (gone)";
-    if (!registration.isSimple) line.append(" by \"").append(utf8(*registration.path)).append("\"");
+    if (!registration.isSimple) line.append(" by \"").append(utf8(registration.path.text())).append("\"");
   }
   return line + "\n";
 }
@@ -263,59 +274,55 @@ void watchKey(NSObject& object, NSString& key, const KeyFacts& facts, Registrati
               bool isEnd) {
   ClassObject* notifying = dispatchClass(&object)->shown()->notifyingClass(kNotifications);
   WatchBucket& bucket = WatchBucket::of(&object);
-  {
-    const UnfairLockGuard guard(bucket.lock);
-    if (isGoing(object)) return;  // its observations have been dropped already
-    Watch* watch = bucket.find(&object, key);
-    if (!watch) {
-      watch = new Watch(&object, &key, facts);
-      bucket.link(watch);
-    }
-    bucket.add(*watch, registration, moves, isEnd);
-    headerOf(&object).cls.store(notifying, std::memory_order_release);
+  WatchBucket::Unreachable unreachable;
+  const UnfairLockGuard guard(bucket.lock);
+  if (isGoing(object)) return;  // its observations have been dropped already
+  Watch* watch = bucket.find(&object, key);
+  if (!watch) {
+    watch = new Watch(&object, &key, facts);
+    bucket.link(watch);
   }
-  bucket.reclaim();
+  bucket.add(*watch, registration, moves, isEnd);
+  headerOf(&object).cls.store(notifying, std::memory_order_release);
+  bucket.reclaim(unreachable);
 }
 
 void unwatchKey(const WatchedKey& watched, const Registration& registration) noexcept {
   const NSObject* object = watched.object.address();
   WatchBucket& bucket = WatchBucket::of(object);
-  {
-    const UnfairLockGuard guard(bucket.lock);
-    Watch* watch = bucket.find(object, *watched.key);
-    if (!watch) return;
-    for (const Watcher& watcher : watch->list().watchers()) {
-      if (watcher.registration.get() == &registration && watcher.isLive.load(std::memory_order_relaxed)) {
-        bucket.remove(*watch, watcher);
-        break;
-      }
-    }
-  }
-  bucket.reclaim();
-}
-
-Strong<Registration> endRegistration(const NSObject& object, const NSString& firstKey, const NSObject* observer,
-                                     const NSString& path, std::optional<void*> context) {
-  Strong<Registration> ended;
-  WatchBucket& bucket = WatchBucket::of(&object);
-  {
-    const UnfairLockGuard guard(bucket.lock);
-    Watch* watch = bucket.find(&object, firstKey);
-    if (!watch) return nullptr;
-    for (const Watcher& watcher : watch->list().watchers()) {
-      Registration& one = *watcher.registration;
-      if (!watcher.isLive.load(std::memory_order_relaxed) || one.observer.address() != observer ||
-          one.root.address() != &object || (context && one.context != *context) || !one.path->isEqual(&path) ||
-          !one.isActive.exchange(false, std::memory_order_acq_rel)) {
-        continue;
-      }
-      ended = &one;
-      if (one.isSimple) bucket.remove(*watch, watcher);
+  WatchBucket::Unreachable unreachable;
+  const UnfairLockGuard guard(bucket.lock);
+  Watch* watch = bucket.find(object, *watched.key);
+  if (!watch) return;
+  for (const Watcher& watcher : watch->list().watchers()) {
+    if (watcher.registration.get() == &registration && watcher.isLive.load(std::memory_order_relaxed)) {
+      bucket.remove(*watch, watcher);
       break;
     }
   }
-  bucket.reclaim();
-  return ended;
+  bucket.reclaim(unreachable);
+}
+
+Strong<Registration> endRegistration(const NSObject& object, const NSObject* observer, const KeyPath& path,
+                                     std::optional<void*> context) {
+  WatchBucket& bucket = WatchBucket::of(&object);
+  WatchBucket::Unreachable unreachable;
+  const UnfairLockGuard guard(bucket.lock);
+  Watch* watch = bucket.find(&object, *path.keys().front());
+  if (!watch) return nullptr;
+  for (const Watcher& watcher : watch->list().watchers()) {
+    Registration& one = *watcher.registration;
+    if (!watcher.isLive.load(std::memory_order_relaxed) || one.observer.address() != observer ||
+        one.root.address() != &object || (context && one.context != *context) ||
+        !one.path.text().isEqual(&path.text()) || !one.isActive.exchange(false, std::memory_order_acq_rel)) {
+      continue;
+    }
+    const Strong<Registration> ended(&one);
+    if (one.isSimple) bucket.remove(*watch, watcher);
+    bucket.reclaim(unreachable);
+    return ended;
+  }
+  return nullptr;
 }
 
 void dropObservations(NSObject* object) noexcept {

@@ -134,9 +134,8 @@ void dropObservations(NSObject* object) noexcept;
 
 /// Ends one active registration on `object` that has this observer, path and context (any, when there is none), and
 /// returns it: a simple one is out of the table, another still has to leave its watched keys. Null when there is none.
-[[nodiscard]] Strong<Registration> endRegistration(const NSObject& object, const NSString& firstKey,
-                                                   const NSObject* observer, const NSString& path,
-                                                   std::optional<void*> context);
+[[nodiscard]] Strong<Registration> endRegistration(const NSObject& object, const NSObject* observer,
+                                                   const KeyPath& path, std::optional<void*> context);
 
 }  // namespace platform
 }  // namespace havrin
