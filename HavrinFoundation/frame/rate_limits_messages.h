@@ -8,7 +8,8 @@
 // The message named takes no argument, or one object, which is null. Delays are in seconds of monotonicSeconds. A
 // receiver that does not respond to the selector is left alone: that is, one whose class has no row for it. Of the
 // layer's own methods `removeAllObjects` and `removeLastObject` have rows; the others are C++ members alone, which a
-// selector does not reach. Wrap such a member in a Method of a class of yours. docs/rate-limits.md draws both on a time line.
+// selector does not reach. Wrap such a member in a Method of a class of yours. With HAVRIN_DIAGNOSIS in the environment a
+// misspelt selector is reported. docs/rate-limits.md draws both on a time line.
 #pragma once
 
 #include <HavrinFoundation/image.h>
