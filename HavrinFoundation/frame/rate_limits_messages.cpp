@@ -14,12 +14,15 @@ namespace havrin {
 
 namespace {
 
+// Out of line, so that the calls that have an effect do not make room for its texts.
+[[gnu::noinline]] void diagnoseUnanswered(const NSObject& self, Selector message, std::string_view sent) {
+  const ClassObject& cls = *classOf(self).object();
+  report(Finding::unansweredSelector, {methodName(cls, sent), cls.name(), message.name()});
+}
+
 bool responds(const NSObject& self, Selector message, std::string_view sent) {
   if (self.respondsToSelector(message)) return true;
-  if (diagnosing()) {
-    const ClassObject& cls = *classOf(self).object();
-    report(Finding::unansweredSelector, {methodName(cls, sent), cls.name(), message.name()});
-  }
+  if (diagnosing()) diagnoseUnanswered(self, message, sent);
   return false;
 }
 
