@@ -9,6 +9,7 @@
 #include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/association.h>
 #include <HavrinFoundation/platform/object/string.h>
+#include <HavrinFoundation/platform/object/suggestion.h>
 
 namespace havrin {
 
@@ -17,7 +18,8 @@ namespace {
 // Out of line, so that the calls that have an effect do not make room for its texts.
 [[gnu::noinline]] void diagnoseUnanswered(const NSObject& self, Selector message, std::string_view sent) {
   const ClassObject& cls = *classOf(self).object();
-  report(Finding::unansweredSelector, {methodName(cls, sent), cls.name(), message.name()});
+  report(Finding::unansweredSelector,
+         {methodName(cls, sent), cls.name(), message.name(), suggestion(cls, message.name())});
 }
 
 bool responds(const NSObject& self, Selector message, std::string_view sent) {

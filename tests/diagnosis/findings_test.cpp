@@ -72,21 +72,19 @@ const Mistake kMistakes[] = {
     {"a misspelt selector in a debounce",
      [] { debounce(*make<Field>(), selector<"serach">); },
      {"-[Field h_debounce:delay:] has no effect: Field does not respond to \"serach\"; expected the selector of a "
-      "method "
-      "that Field or a superclass lists (main thread)"},
+      "method that Field or a superclass lists; did you mean \"search\"? (main thread)"},
      [] { debounce(*make<Field>(), selector<"search">); }},
     {"a misspelt selector in a throttle, twice",
      [] {
        for (int i = 0; i < 2; ++i) send<"h_throttle:delay:">(make<Field>(), selector<"serach">, 1.0);
      },
      {"-[Field h_throttle:delay:] has no effect: Field does not respond to \"serach\"; expected the selector of a "
-      "method "
-      "that Field or a superclass lists (main thread)"},
+      "method that Field or a superclass lists; did you mean \"search\"? (main thread)"},
      [] { send<"h_throttle:delay:">(make<Field>(), selector<"search">, 1.0); }},
     {"a debounce on a worker thread",
      [] { onQueue([] { debounce(*make<Field>(), selector<"search">); }); },
-     {"-[Field search] is delayed on a worker thread of a queue, which does not run its run loop; expected the main "
-      "thread, or a thread that runs RunLoop::current() (thread N)"},
+     {"-[Field search] is delayed on a worker thread of a queue, which does not run its run loop; expected the "
+      "main thread, or a thread that runs RunLoop::current() (thread N)"},
      [] { onQueue([] { RunLoop::main().perform([] {}); }); }},
     {"a debounce and a closure on a thread that ends without running its loop",
      [] {
@@ -111,9 +109,9 @@ const Mistake kMistakes[] = {
        observe(*make<Field>(), "form.tilte");
      },
      {"Field is observed for the key \"fomr\", for which it has no getter and no setter; expected the key of a "
-      "property or method that Field or a superclass lists (main thread)",
-      "NSObject is observed for the key \"tilte\", for which it has no getter and no setter; expected the key of a "
-      "property or method that NSObject or a superclass lists (main thread)"},
+      "property or method that Field or a superclass lists; did you mean \"form\"? (main thread)",
+      "NSObject is observed for the key \"tilte\", for which it has no getter and no setter; expected the key of "
+      "a property or method that NSObject or a superclass lists (main thread)"},
      [] {
        observe(*make<Field>(), "form");
        observe(*makeDictionary({}), "anything");
@@ -123,9 +121,8 @@ const Mistake kMistakes[] = {
        const TestClock clock;
        static_cast<void>(token(make<Field>(), *make<Field>()));
      },
-     {"the KeyValueObservation of Field for [form] ended within a millisecond, before anything changed; expected it to "
-      "be "
-      "kept, in a Strong or by a responder's observeModel:forKeyPath:action: (main thread)"},
+     {"the KeyValueObservation of Field for [form] ended within a millisecond, before anything changed; expected "
+      "it to be kept, in a Strong or by a responder's observeModel:forKeyPath:action: (main thread)"},
      [] {
        TestClock clock;
        const auto kept = token(nullptr, *make<Field>());
@@ -137,8 +134,8 @@ const Mistake kMistakes[] = {
        const auto kept = token(make<Field>(), *field);
        send<"setForm:">(field, nullptr);
      },
-     {"the KeyValueObservation of Field for [form] still lives although its observer has gone, and drops its changes; "
-      "expected the observer to be the one that keeps it (main thread)"},
+     {"the KeyValueObservation of Field for [form] still lives although its observer has gone, and drops its "
+      "changes; expected the observer to be the one that keeps it (main thread)"},
      [] {
        const auto field = make<Field>();
        const auto kept = token(nullptr, *field);
@@ -146,8 +143,8 @@ const Mistake kMistakes[] = {
      }},
     {"a misspelt selector that is performed",
      [] { EXPECT_THROW(make<Field>()->performSelector(selector<"serach">), NSException); },
-     {"-[Field serach] was sent, but neither the class nor a category of the loaded images (HavrinFoundation) has it; "
-      "expected the image that adds it to be linked or loaded before (main thread)"},
+     {"-[Field serach] was sent, but neither the class nor a category of the loaded images (HavrinFoundation) has "
+      "it; expected the image that adds it to be linked or loaded before; did you mean \"search\"? (main thread)"},
      [] { make<Field>()->performSelector(selector<"search">); }},
 };
 

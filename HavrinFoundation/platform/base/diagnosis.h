@@ -33,11 +33,11 @@ HAVRIN_EXPORT extern constinit std::atomic<DiagnosisSwitch> diagnosisSwitch;
 
 /// What is recognised; the texts are in diagnosis.cpp, in this order.
 enum class Finding : std::uint8_t {
-  unansweredSelector,  // the message that has no effect, the class, the selector
+  unansweredSelector,  // the message that has no effect, the class, the selector, a suggestion
   performOnWorker,     // the delayed work
   performLost,         // the delayed work
-  unknownKey,          // the class, the key
-  unansweredMessage,   // the method, the names of the loaded images
+  unknownKey,          // the class, the key, a suggestion
+  unansweredMessage,   // the method, the names of the loaded images, a suggestion
   lateImage,           // the method, the image
   twoImages,           // the method, the first image and its category, the second image and its category
   discardedToken,      // the class of the observed object, the key paths

@@ -74,7 +74,18 @@ struct Runtime {
     const auto place = std::lower_bound(cls.rows_.begin(), cls.rows_.end(), record, Before{});
     return place != cls.rows_.end() && place->first == record ? place->second : nullptr;
   }
+
+  static const auto& rows(const ClassObject& cls) { return cls.rows_; }
 };
+
+std::vector<std::string_view> selectorNames(const ClassObject& cls) {
+  std::vector<std::string_view> names;
+  const ReaderGuard guard(Runtime::shared().lock);
+  for (const ClassObject* each = &cls; each; each = each->superclass()) {
+    for (const auto& row : Runtime::rows(*each)) names.emplace_back(row.second->selector->name);
+  }
+  return names;
+}
 
 std::uint64_t methodChanges() { return Runtime::shared().methodChanges.load(std::memory_order_acquire); }
 

@@ -5,6 +5,7 @@
 #include <HavrinFoundation/platform/base/unfair_lock_word.h>
 #include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/class.h>
+#include <HavrinFoundation/platform/object/suggestion.h>
 
 #include <string>
 #include <utility>
@@ -114,7 +115,7 @@ void diagnoseUnanswered(const ClassObject& cls, std::string_view selector) {
     for (const Image& image : images.loaded) names.append(names.empty() ? "" : ", ").append(image.name);
     images.unanswered.push_back({cls.shown(), std::string(selector)});
   }
-  report(Finding::unansweredMessage, {methodName(cls, selector), names});
+  report(Finding::unansweredMessage, {methodName(cls, selector), names, suggestion(cls, selector)});
 }
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 
 #include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/object/suggestion.h>
 #include <HavrinFoundation/platform/observing/class_key_cache.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
@@ -76,7 +77,7 @@ KeyFacts factsForKey(const ClassObject& shown, NSString& key) {
     if (rows.getter || rows.setter) {
       cache().keep(shown, text, changes, facts);
     } else if (diagnosing() && unboxableRowsForKey(shown, text) == KeyRows() && !answersKeysItself(shown)) {
-      report(Finding::unknownKey, {shown.name(), text});
+      report(Finding::unknownKey, {shown.name(), text, suggestion(shown, text)});
     }
     return facts;
   });
