@@ -16,26 +16,39 @@ constinit std::atomic<DiagnosisSwitch> diagnosisSwitch{DiagnosisSwitch::unread};
 
 namespace {
 
-// By Finding: what happened and where, and what would be right.
-constexpr std::string_view kTexts[] = {
-    "{0} has no effect: {1} does not respond to \"{2}\"; expected the selector of a method that {1} or a "
-    "superclass lists{3}",
-    "{0} is delayed on a worker thread of a queue, which does not run its run loop; expected the main thread, or a "
-    "thread that runs RunLoop::current()",
-    "{0} was delayed and will not run: its thread ended before its run loop came to it; expected "
-    "RunLoop::current().runUntil(...) on that thread, or a thread that lives on",
-    "{0} is observed for the key \"{1}\", for which it has no getter and no setter; expected the key of a property "
-    "or method that {0} or a superclass lists{2}",
-    "{0} was sent, but neither the class nor a category of the loaded images ({1}) has it; expected the image that "
-    "adds it to be linked or loaded before{2}",
-    "{0} was sent before the image \"{1}\", which adds it, was loaded; expected the image to be loaded first",
-    "{0} is added by the image \"{1}\" in {2}, and by the image \"{3}\" in {4}, which answers from now on; "
-    "expected a selector with a prefix of its own in each image",
-    "the KeyValueObservation of {0} for [{1}] ended within a millisecond, before anything changed; expected it to "
-    "be kept, in a Strong or by a responder's observeModel:forKeyPath:action:",
-    "the KeyValueObservation of {0} for [{1}] still lives although its observer has gone, and drops its changes; "
-    "expected the observer to be the one that keeps it",
-};
+// What happened and where, and what would be right.
+std::string_view textOf(Finding finding) {
+  switch (finding) {
+    case Finding::unansweredSelector:
+      return "{0} has no effect: {1} does not respond to \"{2}\"; expected the selector of a method that {1} or a "
+             "superclass lists{3}";
+    case Finding::performOnWorker:
+      return "{0} is delayed on a worker thread of a queue, which does not run its run loop; expected the main "
+             "thread, or a thread that runs RunLoop::current()";
+    case Finding::performLost:
+      return "{0} was delayed and will not run: its thread ended before its run loop came to it; expected "
+             "RunLoop::current().runUntil(...) on that thread, or a thread that lives on";
+    case Finding::unknownKey:
+      return "{0} is observed for the key \"{1}\", for which it has no getter and no setter; expected the key of a "
+             "property or method that {0} or a superclass lists{2}";
+    case Finding::unansweredMessage:
+      return "{0} was sent, but neither the class nor a category of the loaded images ({1}) has it; expected the "
+             "image that adds it to be linked or loaded before{2}";
+    case Finding::lateImage:
+      return "{0} was sent before the image \"{1}\", which adds it, was loaded; expected the image to be loaded "
+             "first";
+    case Finding::twoImages:
+      return "{0} is added by the image \"{1}\" in {2}, and by the image \"{3}\" in {4}, which answers from now "
+             "on; expected a selector with a prefix of its own in each image";
+    case Finding::discardedToken:
+      return "the KeyValueObservation of {0} for [{1}] ended within a millisecond, before anything changed; "
+             "expected it to be kept, in a Strong or by a responder's observeModel:forKeyPath:action:";
+    case Finding::outlivedObserver:
+      return "the KeyValueObservation of {0} for [{1}] still lives although its observer has gone, and drops its "
+             "changes; expected the observer to be the one that keeps it";
+  }
+  return {};
+}
 
 // Never destroyed: late threads may report.
 struct Written {
@@ -81,7 +94,7 @@ std::string threadText(pid_t thread) {
 }
 
 void report(Finding finding, std::initializer_list<std::string_view> parts) {
-  std::string line = "havrin: diagnosis: " + filled(kTexts[static_cast<std::size_t>(finding)], parts);
+  std::string line = "havrin: diagnosis: " + filled(textOf(finding), parts);
   line.append(" (").append(threadText(gettid())).append(")\n");
   Written& written = Written::shared();
   const UnfairLockGuard guard(written.lock);

@@ -31,7 +31,7 @@ HAVRIN_EXPORT extern constinit std::atomic<DiagnosisSwitch> diagnosisSwitch;
   return diagnosisSwitch.load(std::memory_order_relaxed) != DiagnosisSwitch::off && readDiagnosisSwitch();
 }
 
-/// What is recognised; the texts are in diagnosis.cpp, in this order.
+/// What is recognised, with the parts of its text, which is in diagnosis.cpp.
 enum class Finding : std::uint8_t {
   unansweredSelector,  // the message that has no effect, the class, the selector, a suggestion
   performOnWorker,     // the delayed work
