@@ -74,6 +74,8 @@ PLANTED = [
      "does not list the message hexString"),
     (errors, {"docs/errors.md": "| `never said` | | |\n"}, "no source says 'never said'"),
     (errors, {"HavrinFoundation/text/hex.cpp": 'void f() { abortOnMisuse("hex", "too odd"); }\n'}, "no row for 'too odd'"),
+    (errors, {"HavrinFoundation/platform/base/diagnosis.cpp":
+              'std::string_view textOf(Finding one) {\n  return "{0} is odd";\n}\n'}, "no row for '{0} is odd'"),
     (proportion, {"tests/text/hex_test.cpp": "int i;\n" * 99}, "expected at most"),
     (format, {"HavrinFoundation/text/hex.cpp": "int  i;\n"}, "clang-format-14 -i"),
 ]
