@@ -18,8 +18,6 @@
 
 using namespace havrin;
 
-namespace {}  // namespace
-
 template <>
 struct havrin::Message<NSObject, "dia_ring"> : Signature<void()> {};
 
