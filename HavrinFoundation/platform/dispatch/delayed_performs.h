@@ -20,7 +20,8 @@ inline namespace platform {
 
 using detail::Work;
 
-/// The identity of a delayed perform when it is cancelled: three addresses, of objects that its work keeps alive.
+/// The identity of a delayed perform when it is cancelled: three addresses, of objects that its work keeps alive. Nothing
+/// but diagnosis, which names the target's class and the selector, looks behind them.
 struct PerformKey {
   const void* target = nullptr;
   const void* selector = nullptr;
