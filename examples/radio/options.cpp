@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "options.h"
 
+#include <HavrinFoundation/platform/decoding/json_decoder.h>
+
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
@@ -75,10 +76,9 @@ std::variant<Options, Answer> readOptions(int count, const char* const* words) {
       options.stationsFiles.emplace_back(file);
     } else if (word == "--seconds") {
       const char* text = value();
-      const char* end = text ? text + std::strlen(text) : nullptr;
-      if (!text || std::from_chars(text, end, options.seconds.emplace()).ptr != end || !(*options.seconds >= 0)) {
-        return misuse("--seconds takes a number that is not negative");
-      }
+      const auto seconds = havrin::JSONDecoder().tryDecode<double>(text ? text : "");
+      if (!seconds || *seconds < 0) return misuse("--seconds takes a number that is not negative");
+      options.seconds = *seconds;
     } else if (word == "--colours") {
       const char* choice = value();
       const Colours* colours = valueOf(choice ? choice : "", kColours);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/decoding/scalar_target.h>
 
+#include <HavrinFoundation/platform/base/real_text.h>
 #include <HavrinFoundation/platform/documents/digit_words.h>
 
 #include <algorithm>
@@ -68,7 +69,7 @@ long decimalExponent(std::string_view text) {
 template <class Real>
 std::optional<Real> readReal(std::string_view text) {
   Real value = 0;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+  const auto read = detail::realFromChars(text.data(), text.data() + text.size(), value);
   if (read.ec != std::errc::result_out_of_range) return value;
   if (decimalExponent(text) > 0) return std::nullopt;
   return text.front() == '-' ? -Real{0} : Real{0};

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cxxabi.h>
 #include <new>
 #include <utility>
 #include <vector>
@@ -203,11 +202,10 @@ ErrorHolder ErrorHolder::fromCurrentException() {
     return caught.holder();
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const abi::__forced_unwind&) {
-    throw;
   } catch (const std::exception& caught) {
     error = DecodingError::dataCorrupted(caught.what());
   } catch (...) {
+    if (!exception) throw;  // a thread that is being cancelled
   }
   ErrorHolder holder = std::move(error).holder();
   holder.record_->underlying = exception;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/documents/xml_property_list.h>
 
+#include <HavrinFoundation/platform/base/real_text.h>
+
 #include <expat.h>
 
 #include <array>
@@ -49,7 +51,7 @@ std::optional<PropertyList> realOf(std::string_view text) {
   }
   double value = 0;
   const char* const end = text.data() + text.size();
-  const auto [last, failed] = std::from_chars(text.data(), end, value);
+  const auto [last, failed] = detail::realFromChars(text.data(), end, value);
   if (failed != std::errc() || last != end) return std::nullopt;
   return PropertyList(value);
 }
