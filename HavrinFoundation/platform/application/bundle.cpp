@@ -21,6 +21,7 @@ constexpr std::size_t kLargestInformation = std::size_t{16} << 20;
 
 // The canonical path of a folder, with links resolved, so that each folder has one bundle.
 std::optional<std::string> folderAt(std::string_view path) {
+  if (path.empty()) return std::nullopt;  // libc++ takes it for the current folder
   std::error_code failed;
   const std::filesystem::path folder = std::filesystem::canonical(path, failed);
   if (failed || !std::filesystem::is_directory(folder, failed)) return std::nullopt;

@@ -23,6 +23,20 @@
 #include <vector>
 
 namespace havrin {
+
+namespace {
+
+// Such types may share their mangled name with another file's.
+bool isOfUnnamedNamespace(std::string_view name) { return name.find("_GLOBAL__N_") != std::string_view::npos; }
+
+}  // namespace
+
+bool detail::isSameType(const std::type_info& first, const std::type_info& second) noexcept {
+  if (&first == &second) return true;
+  const std::string_view name = first.name();
+  return name == second.name() && !isOfUnnamedNamespace(name);
+}
+
 inline namespace platform {
 
 // The order of a class's rows: that of the addresses, which compare as integers do.
@@ -44,12 +58,10 @@ struct Runtime {
     return *kRuntime;
   }
 
-  // One class per type. Types in unnamed namespaces may share their mangled name with another file's: those go by
-  // address.
+  // One class per type. Types in unnamed namespaces go by address.
   static std::string key(const std::type_info& type) {
     std::string name = type.name();
-    if (name.find("_GLOBAL__N_") != std::string::npos)
-      name += '@' + std::to_string(reinterpret_cast<std::uintptr_t>(&type));
+    if (isOfUnnamedNamespace(name)) name += '@' + std::to_string(reinterpret_cast<std::uintptr_t>(&type));
     return name;
   }
 
@@ -244,7 +256,7 @@ Implementation ClassObject::resolve(const SelectorConstant& constant, const std:
     const ReaderGuard guard(Runtime::shared().lock);
     const MethodRow* row = findRow(selector.record());
     // The slot is filled under the reader's lock: addRows() empties slots under the writer's, so before this or after.
-    if (row && *row->signature->type == signature) {
+    if (row && detail::isSameType(*row->signature->type, signature)) {
       const Implementation found = implementation(*row);
       if (const std::uint32_t number = selector.number()) {
         ownSlot(methods_, number, &noMethods).store(found, std::memory_order_release);

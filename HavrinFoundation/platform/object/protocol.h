@@ -16,6 +16,15 @@
 #include <typeinfo>
 
 namespace havrin {
+
+namespace detail {
+
+/// Whether both describe one type, in whatever images they are. Some standard libraries compare addresses alone, and
+/// images that hide a type have one each.
+[[nodiscard]] HAVRIN_EXPORT bool isSameType(const std::type_info& first, const std::type_info& second) noexcept;
+
+}  // namespace detail
+
 inline namespace platform {
 
 /// A protocol at run time. One protocol may have several of these, one per image; compare with ==.
@@ -27,7 +36,7 @@ class HAVRIN_EXPORT AnyProtocol {
   [[nodiscard]] std::string_view name() const { return name_; }
   /// True when this is `other` or inherits from it.
   [[nodiscard]] bool inheritsFrom(const AnyProtocol& other) const;
-  friend bool operator==(const AnyProtocol& a, const AnyProtocol& b) { return *a.type_ == *b.type_; }
+  friend bool operator==(const AnyProtocol& a, const AnyProtocol& b) { return detail::isSameType(*a.type_, *b.type_); }
 
  private:
   const std::type_info* type_;

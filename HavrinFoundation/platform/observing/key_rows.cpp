@@ -3,6 +3,7 @@
 
 #include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/boxing.h>
+#include <HavrinFoundation/platform/object/protocol.h>
 #include <HavrinFoundation/platform/observing/class_key_cache.h>
 
 #include <array>
@@ -54,7 +55,7 @@ const MethodRow* unboxableRow(const ClassObject& cls, std::span<const std::strin
 const MethodRow* callableRow(const ClassObject& cls, std::string_view name, std::size_t arguments) {
   const MethodRow* row = cls.row(Selector::known(name));
   if (!row || !row->signature->call || row->signature->argumentCount != arguments) return nullptr;
-  return arguments == 0 && *row->signature->type == typeid(void()) ? nullptr : row;
+  return arguments == 0 && detail::isSameType(*row->signature->type, typeid(void())) ? nullptr : row;
 }
 
 std::string capitalised(std::string_view key) {
