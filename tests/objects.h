@@ -37,16 +37,29 @@ inline void expectEquality(NSObject* object, const std::vector<Strong<NSObject>>
   EXPECT_FALSE(object->isEqual(nullptr));
 }
 
-/// The name of the NSException that `body` throws, which must give a reason; "none" when it throws none.
+/// The name and the reason of the NSException that `body` throws, as "name: reason"; "none" when it throws none.
 template <class F>
-std::string nameOf(F body) {
+std::string thrownBy(F body) {
   try {
     body();
   } catch (const NSException& exception) {
     EXPECT_FALSE(exception.reason().empty());
-    return exception.name();
+    return exception.name() + ": " + exception.reason();
   }
   return "none";
+}
+
+/// The name alone.
+template <class F>
+std::string nameOf(F body) {
+  const std::string thrown = thrownBy(std::move(body));
+  return thrown.substr(0, thrown.find(':'));
+}
+
+/// Whether a text contains another.
+inline testing::AssertionResult saysWhy(const std::string& text, std::string_view why) {
+  if (text.find(why) != std::string::npos) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << text;
 }
 
 }  // namespace havrin

@@ -154,10 +154,4 @@ inline Strong<NSData> archived(NSObject* written, bool secure = false) {
   return data;
 }
 
-/// Whether an error's text says so.
-inline testing::AssertionResult saysWhy(const std::string& error, std::string_view why) {
-  if (error.find(why) != std::string::npos) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << error;
-}
-
 }  // namespace havrin::samples

@@ -87,13 +87,6 @@ struct Sample {
 std::vector<Sample> samplesBothWays() {
   std::string everyByte;
   for (int i = 0; i < 256; ++i) everyByte += static_cast<char>(i);
-  const auto grows = make<NSMutableArray>();
-  grows->addObject(makeString("a"));
-  grows->addObject(makeArray({}));
-  const auto changes = make<NSMutableDictionary>();
-  changes->setObject(makeSet({makeNumber(2)}), makeString("a"));
-  const auto seven = make<NSMutableSet>();
-  seven->addObject(makeNumber(7));
   const auto twelve = make<NSMutableArray>();
   for (int i = 0; i < 12; ++i) twelve->addObject(makeString(std::to_string(i)));
   UUID::Bytes id;
@@ -113,11 +106,11 @@ std::vector<Sample> samplesBothWays() {
       {"data", makeData(everyByte)},
       {"mutable_data", makeData(std::string_view("\0\xFF", 2))->mutableCopy()},
       {"array", makeArray({makeString("a"), makeNumber(1), makeNumber(true)})},
-      {"mutable_array", grows},
+      {"mutable_array", makeArray({makeString("a"), makeArray({})})->mutableCopy()},
       {"dictionary", makeDictionary({{makeString("a"), makeNumber(1)}, {makeString("b"), makeDictionary({})}})},
-      {"mutable_dictionary", changes},
+      {"mutable_dictionary", makeDictionary({{makeString("a"), makeSet({makeNumber(2)})}})->mutableCopy()},
       {"set", makeSet({makeString("a"), makeString("b")})},
-      {"mutable_set", seven},
+      {"mutable_set", makeSet({makeNumber(7)})->mutableCopy()},
       {"ordered_set", NSOrderedSet::orderedSetWithArray(classOf<NSOrderedSet>(), twelve)},
       {"mutable_ordered_set", makeOrderedSet({makeString("b"), makeString("a")})->mutableCopy()},
       {"date", make<NSDate>(Date::fromTimeIntervalSinceReferenceDate(730902896.25))},

@@ -130,10 +130,7 @@ TEST(Decoding, ReportsWhatFailedAndWhere) {
        "typeMismatch at the top level: expected a 32-bit integer, found the string \"a\\\"b\\\\\\u000A\"",
        "on one line"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(row.error, row.expected);
-  }
+  for (const auto& row : rows) EXPECT_EQ(row.error, row.expected) << row.why;
 }
 
 TEST(Decoding, ThrowsTheSameErrorWithItsWholePath) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "../../testing.h"
+#include "../documents/property_list_samples.h"
 #include <HavrinFoundation/platform/decoding/property_list_decoder.h>
 
 #include <map>
@@ -7,6 +7,7 @@
 namespace {
 
 using namespace havrin;
+using samples::dictionary;
 
 struct Station {
   std::string name;
@@ -17,10 +18,6 @@ struct Station {
   using Fields = FieldList<Field<"name", &Station::name>, Field<"plays", &Station::plays>,
                            Field<"shares", &Station::shares>, Field<"favourite", &Station::favourite>>;
 };
-
-PropertyList dictionary(std::vector<PropertyList::Dictionary::Entry> entries) {
-  return PropertyList(PropertyList::Dictionary(std::move(entries)));
-}
 
 TEST(PropertyListDecoder, DecodesBothForms) {
   const std::string xml =

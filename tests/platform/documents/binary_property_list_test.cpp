@@ -33,14 +33,9 @@ TEST(BinaryPropertyList, ReadsEveryKindOfObject) {
       {"82 01 00 00", List(List::UID{65536}), "a UID of an odd width"},
       {"A0", List(List::Array{}), "an empty array"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto read = readPropertyList(Binary{{row.object}}.bytes());
-    ASSERT_TRUE(read) << read.error().detail();
-    EXPECT_TRUE(*read == row.value);
-  }
-  const auto wide = Binary{{"A1 00 00 01", "51 61"}, 0, 3, 5}.bytes();
-  EXPECT_TRUE(*readPropertyList(wide) == samples::array("a")) << "references of three bytes, offsets of five";
+  for (const auto& row : rows) samples::expectRead(Binary{{row.object}}.bytes(), row.value, row.why);
+  samples::expectRead(Binary{{"A1 00 00 01", "51 61"}, 0, 3, 5}.bytes(), samples::array("a"),
+                      "wide references and offsets");
 }
 
 TEST(BinaryPropertyList, ReportsWhatIsWrongAndAtWhichByte) {
@@ -69,12 +64,7 @@ TEST(BinaryPropertyList, ReportsWhatIsWrongAndAtWhichByte) {
       {{{"09", ""}}, "byte 19: more objects than bytes"},
       {{{"A1 01", ""}}, "byte 11: the offset is outside the objects"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.error);
-    const auto read = readPropertyList(row.binary.bytes());
-    ASSERT_FALSE(read);
-    EXPECT_EQ(read.error().detail(), row.error);
-  }
+  for (const auto& row : rows) EXPECT_EQ(samples::errorOf(readPropertyList(row.binary.bytes())), row.error);
 }
 
 TEST(BinaryPropertyList, RefusesObjectsThatOverlap) {

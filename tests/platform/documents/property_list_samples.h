@@ -107,6 +107,15 @@ struct Binary {
 };
 
 // What is wrong, without the place.
+inline std::string errorOf(const havrin::Decoded<havrin::PropertyList>& read) {
+  return read ? "none" : read.error().detail();
+}
+
+inline void expectRead(std::span<const std::byte> bytes, const List& value, std::string_view why) {
+  const auto read = readPropertyList(bytes);
+  EXPECT_TRUE(read && *read == value) << why << ": " << errorOf(read);
+}
+
 inline std::string reasonOf(const havrin::Decoded<havrin::PropertyList>& read) {
   if (read) return "nothing";
   const std::string detail = read.error().detail();

@@ -90,12 +90,7 @@ TEST(PropertyList, ReadsXmlByItsRules) {
        "--><plist><array>\n</array></plist>",
        List(List::Array()), "another encoding, and a document type that is not followed"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto read = readPropertyList(bytesOf(row.text));
-    ASSERT_TRUE(read) << read.error().detail();
-    EXPECT_TRUE(*read == row.value);
-  }
+  for (const auto& row : rows) samples::expectRead(bytesOf(row.text), row.value, row.why);
 }
 
 TEST(PropertyList, ReportsWhatIsWrongInXmlAndInWhichLine) {
@@ -129,12 +124,7 @@ TEST(PropertyList, ReportsWhatIsWrongInXmlAndInWhichLine) {
       {"<!DOCTYPE plist [\n<!ENTITY a 'aaaa'>]><plist><string>&a;</string></plist>",
        "line 2: entity declarations are not allowed"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.text);
-    const auto read = readPropertyList(bytesOf(row.text));
-    ASSERT_FALSE(read);
-    EXPECT_EQ(read.error().detail(), row.error);
-  }
+  for (const auto& row : rows) EXPECT_EQ(samples::errorOf(readPropertyList(bytesOf(row.text))), row.error) << row.text;
 }
 
 TEST(PropertyList, BoundsTheNestingOfXml) {

@@ -53,10 +53,7 @@ TEST(Dictionary, FindsValuesByEqualKeys) {
       {s("3"), nullptr, "text is not a number"},
       {nullptr, nullptr, "null is not a key"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(dictionary->objectForKey(row.key).get(), row.value);
-  }
+  for (const auto& row : rows) EXPECT_EQ(dictionary->objectForKey(row.key).get(), row.value) << row.why;
   EXPECT_EQ(dictionary->count(), 2U);
 }
 
@@ -139,36 +136,27 @@ TEST(Dictionary, CopiesDoNotFollowChanges) {
 
 TEST(Dictionary, IsFoundInASetWithoutComparingAllMembers) {
   static int compared = 0;
-  class Compared : public Object<Compared, NSObject> {
-   public:
-    explicit Compared(std::uint64_t number) : number_(number) {}
+  struct Compared : Object<Compared, NSObject> {
+    explicit Compared(std::uint64_t itsNumber) : number(itsNumber) {}
     bool isEqual(const NSObject* other) const override {
       ++compared;
-      return cast<Compared>(other)->number_ == number_;
+      return cast<Compared>(other)->number == number;
     }
-    std::uint64_t hash() const override { return number_; }
-
-   private:
-    std::uint64_t number_;
+    std::uint64_t hash() const override { return number; }
+    std::uint64_t number;
   };
-  const auto key = s("key");
-  const std::function<Strong<NSObject>(NSObject*)> wraps[] = {
-      [&](NSObject* value) {
-        return makeDictionary({{key, value}});
-      },
-      [&](NSObject* value) {
-        return makeArray({key, value});
-      },
-      [&](NSObject* value) {
-        return makeSet({key, value});
-      },
+  const auto wrapped = [key = s("key")](int kind, std::uint64_t number) -> Strong<NSObject> {
+    const auto value = make<Compared>(number);
+    if (kind == 0) return makeDictionary({{key, value}});
+    if (kind == 1) return makeArray({key, value});
+    return makeSet({key, value});
   };
-  for (const auto& wrap : wraps) {
+  for (int kind = 0; kind < 3; ++kind) {
     compared = 0;
     const auto members = make<NSMutableSet>();
-    for (std::uint64_t number = 0; number < 500; ++number) members->addObject(wrap(make<Compared>(number)));
+    for (std::uint64_t number = 0; number < 500; ++number) members->addObject(wrapped(kind, number));
     EXPECT_LT(compared, 500);
-    EXPECT_TRUE(members->containsObject(wrap(make<Compared>(std::uint64_t{77}))));
+    EXPECT_TRUE(members->containsObject(wrapped(kind, 77)));
   }
 }
 

@@ -100,10 +100,8 @@ TEST(Url, ResolvesUnusualBases) {
       {"s:a", "..", "s:", "which goes"},
       {"s://h/a?q", "", "s://h/a?q", "the base itself"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(URL::fromString(row.reference, *URL::fromString(row.base))->absoluteString(), row.resolved);
-  }
+  for (const auto& row : rows)
+    EXPECT_EQ(URL::fromString(row.reference, *URL::fromString(row.base))->absoluteString(), row.resolved) << row.why;
 }
 
 TEST(Url, KeepsTheBaseInItsAbsoluteForm) {

@@ -152,14 +152,10 @@ TEST(Messages, ToNullGiveTheZeroOfTheirResult) {
 
 TEST(Messages, ThatNobodyAnswersSayReceiverAndSelector) {
   const auto station = make<Station>();
-  try {
-    send<"test_nobodyAnswers">(station);
-    FAIL();
-  } catch (const NSException& exception) {
-    EXPECT_EQ(exception.name(), NSInvalidArgumentException);
-    EXPECT_EQ(exception.reason().find("-[Station test_nobodyAnswers]: unrecognized selector sent to instance 0x"), 0U);
-    EXPECT_NE(exception.reason().find("the image whose category has it is not loaded"), std::string::npos);
-  }
+  const std::string thrown = thrownBy([&] { send<"test_nobodyAnswers">(station); });
+  EXPECT_TRUE(saysWhy(
+      thrown, "NSInvalidArgumentException: -[Station test_nobodyAnswers]: unrecognized selector sent to instance 0x"));
+  EXPECT_TRUE(saysWhy(thrown, "the image whose category has it is not loaded"));
 }
 
 TEST(Messages, AreReplacedByACategoryThatComesLater) {

@@ -29,10 +29,7 @@ TEST(Calendar, StartsADayAtItsFirstMoment) {
       {"Pacific/Apia", 1325282400, 1325239200, "the day after the one that was skipped"},
       {"GMT", -0.001, -86400, "a fraction before 1970"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(secondsOf(in(row.zone).startOfDay(at(row.noon))), row.start);
-  }
+  for (const auto& row : rows) EXPECT_EQ(secondsOf(in(row.zone).startOfDay(at(row.noon))), row.start) << row.why;
 }
 
 TEST(Calendar, AddsDaysKeepingTheWallClock) {
@@ -58,10 +55,8 @@ TEST(Calendar, AddsDaysKeepingTheWallClock) {
       {"GMT", -12219292800, -1, -12219379200, "and back"},
       {"GMT", 1675123200.25, 1, 1675209600.25, "into the next month, the fraction kept"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(secondsOf(in(row.zone).dateByAddingDays(at(row.start), row.days)), row.result);
-  }
+  for (const auto& row : rows)
+    EXPECT_EQ(secondsOf(in(row.zone).dateByAddingDays(at(row.start), row.days)), row.result) << row.why;
 }
 
 TEST(Calendar, ClampsWhatNoCalendarReaches) {

@@ -48,10 +48,9 @@ TEST(DateFormat, WritesThePatternInTheWordsOfTheLocale) {
       {"ja_JP@calendar=japanese", "GMT", kMarch, "火, 05 3月 0006 14:30:00 GMT"},
       {"fa_IR", "GMT", kMarch, "سه‌شنبه, ۱۵ اسفند ۱۴۰۲ ۱۴:۳۰:۰۰ گرینویچ"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(std::string(row.locale) + ' ' + row.zone);
-    EXPECT_EQ(format(kHttp, row.locale, row.zone).string(at(row.instant)), row.text);
-  }
+  for (const auto& row : rows)
+    EXPECT_EQ(format(kHttp, row.locale, row.zone).string(at(row.instant)), row.text)
+        << std::string(row.locale) + ' ' + row.zone;
   EXPECT_EQ(format(kHttp, "C", "GMT").string(at(std::numeric_limits<double>::quiet_NaN())), "");
   EXPECT_EQ(format(kHttp, "C", "GMT").pattern(), kHttp);
 }
@@ -75,10 +74,7 @@ TEST(DateFormat, WritesDigitsAndLiterals) {
       {"", ""},
       {"b j", ""},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.pattern);
-    EXPECT_EQ(format(row.pattern, "C", "GMT").string(at(moment)), row.text);
-  }
+  for (const auto& row : rows) EXPECT_EQ(format(row.pattern, "C", "GMT").string(at(moment)), row.text) << row.pattern;
   EXPECT_EQ(format("ss.SSS", "C", "GMT")
                 .string(Date(std::chrono::sys_time<std::chrono::milliseconds>(std::chrono::milliseconds(1999)))),
             "01.999")
