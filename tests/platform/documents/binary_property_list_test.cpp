@@ -50,6 +50,7 @@ TEST(BinaryPropertyList, ReportsWhatIsWrongAndAtWhichByte) {
       {{{"21 00 00"}}, "byte 8: invalid real width"},
       {{{"5F"}}, "byte 8: the object extends past the end of the objects"},
       {{{"5F 51 61"}}, "byte 8: the size is not an integer"},
+      {{{"5F 13"}, 0, 1, 8}, "byte 8: the object extends past the end of the objects"},
       {{{"5F 13 FF FF FF FF FF FF FF FF 61"}}, "byte 8: the object extends past the end of the objects"},
       {{{"51 E9"}}, "byte 8: the ASCII string has a byte that is not ASCII"},
       {{{"88 00 00 00 00 00 00 00 00 01"}}, "byte 8: the UID does not fit into 64 bits"},

@@ -160,6 +160,9 @@ TEST(PropertyList, SharesPartsAndWritesThemOnce) {
   const List taken = std::move(left);
   EXPECT_EQ(taken.array(), inner.array());
   EXPECT_EQ(binaryPropertyList(left), binaryPropertyList(List(false)));  // NOLINT(bugprone-use-after-move)
+  List::Array texts;
+  for (int i = 0; i < 200; ++i) texts.emplace_back(std::to_string(i % 100));
+  EXPECT_EQ(binaryPropertyList(List(texts)).size(), 735U) << "each of a hundred texts once";
   // 65536 times a thousand bytes are more than a thousand bytes may expand to.
   EXPECT_EQ(samples::reasonOf(readPropertyList(bytes)), "shared objects expand beyond the size limit");
 }

@@ -16,6 +16,7 @@ namespace {
 
 struct Playable : Protocol<Playable> {};
 struct Recordable : Protocol<Recordable, Playable> {};
+struct Archivable : Protocol<Archivable, Recordable> {};
 struct Streamable : Protocol<Streamable> {};
 
 class Station : public Object<Station, NSObject> {
@@ -33,7 +34,7 @@ class Station : public Object<Station, NSObject> {
   std::int64_t both(std::int64_t a, std::int64_t b) { return a + b; }
   static Strong<NSString> kind(ClassOf<Station> self) { return makeString("kind of " + std::string(self.name())); }
 
-  using Protocols = List<Recordable>;
+  using Protocols = List<Archivable>;
   using Members = List<Property<"title", &Station::title_>, Property<"listeners", &Station::listeners_>,
                        Method<"announce", &Station::announce>, Method<"tune:", &Station::tune>,
                        Method<"both:with:", &Station::both>>;

@@ -209,7 +209,7 @@ TEST_F(Observed, AnObserverThatIsGoneIsForgotten) {
   send<"setTitle:">(station, s("a"));
   send<"setHost:">(station, host("Ada"));
   EXPECT_TRUE(station->isUnobserved()) << "purged by the change";
-  for (int i = 0; i < 1000; ++i) addObserver(station, make<Watcher>(), "title");
+  for (int i = 0; i < 1000; ++i) addObserver(station, make<Watcher>(), "title", 0);
   send<"setTitle:">(station, s("b"));
   EXPECT_TRUE(station->isUnobserved());
 }
