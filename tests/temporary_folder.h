@@ -7,12 +7,19 @@
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unistd.h>
 
 namespace havrin {
+
+/// What a file holds; empty where there is none.
+inline std::string bytesOfFile(const std::filesystem::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
 
 class TemporaryFolder {
  public:

@@ -125,15 +125,6 @@ inline Strong<NSData> chainOfArrays() {
   return holding(forger, "NSArray", 3 * kMany, [&](std::size_t) { return last = forger.row(arrays, {last}); });
 }
 
-inline Strong<NSData> chainOfNodes() {
-  Forger forger;
-  const auto nodes = forger.classNamed("Node");
-  std::uint64_t last = 0;
-  return holding(forger, "NSArray", 3 * kMany, [&](std::size_t) {
-    return last = forger.instance(nodes, {{"child", forger.list.uid(last)}});
-  });
-}
-
 // One long text as the part that `key` names.
 inline Strong<NSData> longTexts(std::string_view cls, std::string_view key) {
   return alike(kHolders, cls, [key](Forger& forger) {

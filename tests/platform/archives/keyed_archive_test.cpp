@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "../../temporary_folder.h"
 #include "archive_samples.h"
 #include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
@@ -8,7 +9,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace havrin {
 namespace {
@@ -53,9 +53,9 @@ class Scalars : public Object<Scalars, NSObject> {
 const ArchivedClass<Scalars> kArchivedScalars("Scalars");
 
 Strong<NSData> fixture(const std::string& name) {
-  std::ifstream stream(std::filesystem::path(HAVRIN_FIXTURES) / name, std::ios::binary);
-  EXPECT_TRUE(stream) << name << " is not there: keyed_archive_oracle.py makes it";
-  return makeData(std::string(std::istreambuf_iterator<char>(stream), {}));
+  const std::string bytes = bytesOfFile(std::filesystem::path(HAVRIN_FIXTURES) / name);
+  EXPECT_FALSE(bytes.empty()) << name << " is not there: keyed_archive_oracle.py makes it";
+  return makeData(bytes);
 }
 
 // What the script looks at afterwards.

@@ -113,8 +113,7 @@ TEST(Decoding, ReportsWhatFailedAndWhere) {
   } rows[] = {
       {errorOf<Stations>(Array{station()}), "none", "nothing is wrong"},
       {errorOf<Stations>(Array{null}), "valueNotFound at [0]: expected an object, found null", "null for an object"},
-      {errorOf<Stations>(Object{}), "typeMismatch at the top level: expected an array, found an object",
-       "the outermost"},
+      {errorOf<Stations>(Object{}), "typeMismatch at the top level: expected an array, found an object", "the top"},
       {errorOf<Stations>(with("identifier", "many")),
        "typeMismatch at [1].identifier: expected a 64-bit integer, found the string \"many\"", "text for a number"},
       {errorOf<Stations>(with("shares", Object{{"not a word", true}})),

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "../../temporary_folder.h"
 #include "../../testing.h"
 #include "property_list_samples.h"
 #include <HavrinFoundation/platform/documents/property_list.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -13,11 +10,6 @@ using namespace havrin;
 using samples::bytesOf;
 using samples::repeated;
 using List = PropertyList;
-
-std::vector<std::byte> fileBytes(const std::filesystem::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return bytesOf(std::string(std::istreambuf_iterator<char>(stream), {}));
-}
 
 std::string xml(std::string_view inside) { return "<plist version=\"1.0\">" + std::string(inside) + "</plist>"; }
 
@@ -28,7 +20,7 @@ TEST(PropertyList, ReadsAndWritesAsAnotherLibraryDoes) {
     EXPECT_TRUE(*readPropertyList(written) == value);
     if (name == "many") continue;
     for (const char* form : {".bplist", ".xml"}) {
-      const auto fixture = fileBytes(std::filesystem::path(HAVRIN_FIXTURES) / (name + form));
+      const auto fixture = bytesOf(bytesOfFile(std::filesystem::path(HAVRIN_FIXTURES) / (name + form)));
       const auto read = readPropertyList(fixture);
       ASSERT_TRUE(read) << form << ": " << read.error().detail();
       EXPECT_TRUE(*read == value) << form;
@@ -72,10 +64,8 @@ TEST(PropertyList, ReadsXmlByItsRules) {
       {xml("<integer>-0x10</integer>"), List(-16), "hexadecimal digits"},
       {xml("<real>-Infinity</real>"), List(-HUGE_VAL), "infinity"},
       {xml("<real> +0.5\n</real>"), List(0.5), "blanks and a plus"},
-      {xml("<date> 2024-12-31T23:59:59Z\n</date>"), List(Date::fromTimeIntervalSince1970(1735689599)),
-       "the last second"},
-      {xml("<string>a&lt;&#233;<!-- b --><![CDATA[<c>]]></string>"), List("a<\u00E9<c>"),
-       "everything that writes text"},
+      {xml("<date> 2024-12-31T23:59:59Z\n</date>"), List(Date::fromTimeIntervalSince1970(1735689599)), "blanks"},
+      {xml("<string>a&lt;&#233;<!-- b --><![CDATA[<c>]]></string>"), List("a<\u00E9<c>"), "all that writes text"},
       {xml("<data> YQ = = </data>"), List(bytesOf("a")), "blanks in base64"},
       {xml("<dict><key>a</key><true/><key>a</key><false/></dict>"), samples::dictionary({{"a", List(true)}}),
        "the first of two keys"},

@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../../objects.h"
+#include "observed_objects.h"
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/observing/key_value_coding.h>
 
 using namespace havrin;
+using havrin_test::Host;
 
 namespace {
-
-class Host : public Object<Host, NSObject> {
-  Strong<NSString> name_;
-
- public:
-  using Members = List<Property<"name", &Host::name_>>;
-};
 
 struct Unboxable {};
 

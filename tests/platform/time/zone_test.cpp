@@ -11,7 +11,6 @@
 
 #include <atomic>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <sys/stat.h>
 
@@ -74,9 +73,6 @@ TEST(Zone, HasItsOffsetAtEveryInstant) {
       {"America/New_York", 1e12, -14400, true, "the rules go on for ever: September 33658"},
       {"America/New_York", 1e12 + 90 * 86400, -18000, false, "and its December"},
       {"America/New_York", -1e300, -17762, false, "and at their beginning"},
-      {"Europe/Dublin", 1719792000, 3600, false, "Irish standard time is that of summer"},
-      {"Europe/Dublin", 1704067200, 0, true, "and winter is the exception"},
-      {"Australia/Lord_Howe", 1704067200, 39600, true, "half an hour ahead in summer"},
       {"GMT", std::numeric_limits<double>::quiet_NaN(), 0, false, "not a number"},
   };
   for (const auto& row : rows) {
@@ -105,6 +101,7 @@ TEST(Zone, AgreesWithTheCLibraryInEveryZone) {
     const auto compare = [&](std::int64_t second) {
       tm fields = fieldsAt(second);
       ASSERT_EQ(zone.secondsFromGmt(at(static_cast<double>(second))), fields.tm_gmtoff) << second;
+      ASSERT_EQ(zone.isDaylightSavingTime(at(static_cast<double>(second))), fields.tm_isdst > 0) << second;
       const WallTime wall = zone.rules().wallTime(timegm(&fields));
       ASSERT_TRUE(wall.early == second || wall.late == second) << second;
     };
@@ -222,8 +219,7 @@ TEST_F(SystemZone, IsGmtWhereThereAreNoZoneFiles) {
 }
 
 TEST_F(SystemZone, RefusesDamagedZoneFiles) {
-  std::ifstream stream(kZones / "Europe/Paris", std::ios::binary);
-  const std::string paris{std::istreambuf_iterator<char>(stream), {}};
+  const std::string paris = bytesOfFile(kZones / "Europe/Paris"), utc = bytesOfFile(kZones / "UTC");
   std::string huge = paris;
   huge.replace(32, 4, "\x7f\xff\xff\xff");  // two thousand million transitions
   std::string far = paris.substr(0, 44);
@@ -233,8 +229,6 @@ TEST_F(SystemZone, RefusesDamagedZoneFiles) {
   const auto withFooter = [&](std::string_view footer) {
     return paris.substr(0, paris.rfind('\n', paris.size() - 2) + 1) + std::string(footer) + '\n';
   };
-  std::ifstream utcStream(kZones / "UTC", std::ios::binary);
-  const std::string utc{std::istreambuf_iterator<char>(utcStream), {}};
   const struct {
     std::string bytes;
     const char* why;
