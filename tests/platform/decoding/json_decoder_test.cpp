@@ -247,8 +247,10 @@ struct Envelope {
 TEST(JSONDecoder, MayBeUsedFromInsideATypeThatItDecodes) {
   JSONDecoder decoder;
   decoder.userInfo["decoder"] = &decoder;
-  const auto envelopes =
-      decoder.decode<std::vector<Envelope>>(R"([{"inner":"[1,2,3]","outer":4},{"inner":"[5]","outer":6}])");
+  const auto envelopes = decoder
+                             .decode<std::map<std::string, std::vector<Envelope>>>(
+                                 R"({"all":[{"inner":"[1,2,3]","outer":4},{"inner":"[5]","outer":6}]})")
+                             .at("all");
   ASSERT_EQ(envelopes.size(), 2u);
   EXPECT_EQ(envelopes[0].inner, (std::vector<int>{1, 2, 3}));
   EXPECT_EQ(envelopes[1].outer, 6);
