@@ -2,6 +2,7 @@
 // The block operations that finish before they return. The asynchronous map: array_blocks_async_map_test.cpp.
 #include "../objects.h"
 #include <HavrinFoundation/collections/array_blocks_messages.h>
+#include <HavrinFoundation/collections/set_blocks_messages.h>
 
 using namespace havrin;
 
@@ -46,8 +47,7 @@ Strong<NSString> upperVowel(NSString* letter) {
 Strong<NSObject> join(NSString* word, NSString* letter) { return s(text(word) + text(letter)); }
 
 // Each override leaves a mark that the operation's result must show.
-class Marked : public Object<Marked, Word> {
- public:
+struct Marked : Object<Marked, Word> {
   Marked() : Object("abc") {}
   Strong<NSIndexSet> indexesOfObjectsPassingTest(Test) const override { return makeIndexSet({2}); }
   Strong<NSArray> objectsAtIndexes(const NSIndexSet* indexes) const override {
@@ -113,7 +113,7 @@ TEST(ArrayBlocks, UseTheOverridesOfTheReceiver) {
   EXPECT_EQ(text(send<"firstWhere:">(marked, always)), "b");
 }
 
-TEST(ArrayBlocks, RefuseNullBlocksBeforeAnythingRuns) {
+TEST(Blocks, AreRefusedWhereNullBeforeAnythingRuns) {
   const auto word = make<Word>("a");
   const std::function<void()> calls[] = {
       [&] { (void)send<"select:">(word, nullptr); },
@@ -123,6 +123,11 @@ TEST(ArrayBlocks, RefuseNullBlocksBeforeAnythingRuns) {
       [&] { (void)send<"reduce:withBlock:">(word, nullptr, nullptr); },
       [&] { (void)send<"firstWhere:">(word, Block<bool(NSObject*)>()); },
       [&] { (void)send<"select:">(word, [](NSNumber&) { return true; }); },
+      [&] { (void)send<"select:">(makeSet({}), nullptr); },
+      [&] { (void)send<"reject:">(makeSet({}), nullptr); },
+      [&] { (void)send<"map:">(makeSet({}), nullptr); },
+      [&] { (void)send<"select:">(makeOrderedSet({}), nullptr); },
+      [&] { (void)send<"compactMap:">(makeOrderedSet({}), nullptr); },
   };
   for (const auto& call : calls) EXPECT_EQ(nameOf(call), NSInvalidArgumentException);
 }
