@@ -15,7 +15,7 @@
 using namespace havrin;
 
 namespace {
-class Twice;
+struct Twice;
 }
 template <>
 struct platform::Message<Twice, "run:"> : Signature<void(const Block<void()>&)> {};
@@ -441,8 +441,7 @@ TEST(Holding, NoMessageLeaksWhenAnAllocationFails) {
   }
 }
 
-class Twice : public Object<Twice, NSObject> {
- public:
+struct Twice : Object<Twice, NSObject> {
   void run(const Block<void()>& action) {
     action();
     action();

@@ -39,8 +39,7 @@ struct StackUse {
 };
 
 // Leaves out every third element, and passes the other steps on to the inherited method.
-class Sieve : public Object<Sieve, Numbers> {
- public:
+struct Sieve : Object<Sieve, Numbers> {
   explicit Sieve(std::uint64_t number) : Object(number) {}
   void step(std::uint64_t index, const AsyncTransform& transform, NSArray* partial, const AsyncResult& result) {
     if (index < count() && index % 3 == 2) {

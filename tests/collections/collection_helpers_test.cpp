@@ -8,8 +8,7 @@ using namespace havrin;
 namespace {
 
 // Returns the given numbers, and notes the bounds that were asked for.
-class Draws : public RandomSource {
- public:
+struct Draws : RandomSource {
   explicit Draws(std::vector<std::uint32_t> numbers) : numbers_(std::move(numbers)) { installRandomSource(this); }
   ~Draws() override { installRandomSource(nullptr); }
   std::uint32_t uniform(std::uint32_t bound) override {

@@ -16,8 +16,7 @@ Strong<UIColor> cmyk() { return make<UIColor>(CGColor(CGColorSpace::genericCMYK(
 Strong<UIColor> pattern() { return make<UIColor>(CGColor(CGColorSpace::pattern(), {1})); }
 
 // Notes the tolerance that it is compared with.
-class Noting : public Object<Noting, UIColor> {
- public:
+struct Noting : Object<Noting, UIColor> {
   bool isEqualWithin(UIColor* other, double given) {
     tolerance = given;
     return sendSuper<"isEqualToColor:withTolerance:">(*this, other, given);

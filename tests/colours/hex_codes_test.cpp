@@ -14,8 +14,7 @@ namespace {
 constexpr double kHuge = std::numeric_limits<double>::max();
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
-class MyColour : public Object<MyColour, UIColor> {
- public:
+struct MyColour : Object<MyColour, UIColor> {
   static inline int initialised = 0;
   Strong<UIColor> initWithRed(double red, double green, double blue, double alpha) override {
     ++initialised;

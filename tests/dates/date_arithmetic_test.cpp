@@ -106,16 +106,14 @@ TEST(DateArithmetic, CountsDaysAndMinutes) {
 }
 
 /// Compares the other way round.
-class Reversed : public Object<Reversed, NSDate> {
- public:
+struct Reversed : Object<Reversed, NSDate> {
   NSComparisonResult compare(const NSDate* other) const override {
     return static_cast<NSComparisonResult>(-static_cast<std::int64_t>(NSDate::compare(other)));
   }
 };
 
 /// Counts its initialisations, and is a second late.
-class Late : public Object<Late, NSDate> {
- public:
+struct Late : Object<Late, NSDate> {
   int initialised = 0;
   Strong<NSDate> initWithTimeIntervalSince1970(double seconds) override {
     ++initialised;
@@ -124,8 +122,7 @@ class Late : public Object<Late, NSDate> {
 };
 
 /// Its init returns a plain date.
-class Replaced : public Object<Replaced, NSDate> {
- public:
+struct Replaced : Object<Replaced, NSDate> {
   Strong<NSDate> initWithTimeIntervalSince1970(double seconds) override { return object(seconds); }
 };
 

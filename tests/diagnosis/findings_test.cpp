@@ -23,8 +23,7 @@ struct havrin::Message<NSObject, "dia_ring"> : Signature<void()> {};
 
 namespace {
 
-class Field : public Object<Field, NSObject> {
- public:
+struct Field : Object<Field, NSObject> {
   void search() {}
   Strong<NSObject> form = make<NSObject>();
   using Members = List<Method<"search", &Field::search>, Property<"form", &Field::form>>;

@@ -43,8 +43,7 @@ class Field : public Object<Field, NSObject> {
 };
 
 // Keeps its dictionary in a field of its own.
-class OwnTimestamps : public Object<OwnTimestamps, Field> {
- public:
+struct OwnTimestamps : Object<OwnTimestamps, Field> {
   Strong<NSMutableDictionary> timestamps() { return kept; }
   void setTimestamps(NSMutableDictionary* timestamps) { kept = timestamps; }
   using Members = List<Method<"h_throttleTimestamps", &OwnTimestamps::timestamps>,

@@ -10,8 +10,7 @@ namespace {
 constexpr const char* kVariable = "IS_EXECUTING_TEST";
 
 // Has an environment of its own.
-class GivenProcess : public Object<GivenProcess, NSProcessInfo> {
- public:
+struct GivenProcess : Object<GivenProcess, NSProcessInfo> {
   Strong<NSDictionary> variables = makeDictionary({});
   Strong<NSDictionary> environment() const override { return variables; }
 };

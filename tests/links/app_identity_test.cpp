@@ -64,8 +64,7 @@ TEST(AppIdentity, IsEmptyForABundleThatDoesNotEqualTheMainOne) {
   EXPECT_EQ(appBuildNumber(*stranger), 0);
 }
 
-class Renamed : public Object<Renamed, NSBundle> {
- public:
+struct Renamed : Object<Renamed, NSBundle> {
   explicit Renamed(std::string_view path) : Object(path) {}
   bool isNumbered = true;
   Strong<NSString> version() { return makeString("v" + utf8(*sendSuper<"appVersionString">(*this))); }

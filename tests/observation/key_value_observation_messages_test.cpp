@@ -33,8 +33,7 @@ struct LastLook {
 [[gnu::init_priority(101)]] const LastLook kLastLook;
 
 // Expects to be asked to remove no null key path.
-class Strict : public Object<Strict, Station> {
- public:
+struct Strict : Object<Strict, Station> {
   void remove(NSObject* observer, NSString* keyPath, void* context) {
     EXPECT_TRUE(keyPath);
     sendSuper<"removeObserver:forKeyPath:context:">(*this, observer, keyPath, context);

@@ -9,14 +9,12 @@ using namespace havrin_test;
 
 namespace {
 
-class Board : public Object<Board, UIResponder> {
- public:
+struct Board : Object<Board, UIResponder> {
   int redraws = 0;
 };
 
 // Hears of every registration, and of every list.
-class Nosy : public Object<Nosy, Board> {
- public:
+struct Nosy : Object<Nosy, Board> {
   std::vector<std::string> log;
   void observe(NSObject*, NSArray* keyPaths, std::uint64_t options, const KeyValueObservation::Action&) {
     log.push_back(shown(keyPaths) + " " + std::to_string(options));
@@ -24,8 +22,7 @@ class Nosy : public Object<Nosy, Board> {
   using Members = List<Method<"observeModel:forKeyPaths:options:action:", &Nosy::observe>>;
 };
 
-class Keeper : public Object<Keeper, Board> {
- public:
+struct Keeper : Object<Keeper, Board> {
   Strong<NSArray> kept;
   Strong<NSArray> list() { return kept; }
   void keep(NSArray* list) { kept = list; }

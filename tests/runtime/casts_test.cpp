@@ -10,15 +10,13 @@ namespace {
 struct Playable : Protocol<Playable> {};
 struct Recordable : Protocol<Recordable, Playable> {};
 
-class Station : public Object<Station, NSObject> {
- public:
+struct Station : Object<Station, NSObject> {
   using Protocols = List<Recordable>;
 };
 class Relay : public Object<Relay, Station> {};
 
 // Claims to be a Station, and notes the classes that it is asked about.
-class Chameleon : public Object<Chameleon, NSObject> {
- public:
+struct Chameleon : Object<Chameleon, NSObject> {
   bool isKindOfClass(Class cls) const override {
     asked.emplace_back(cls.name());
     return cls == classOf<Station>() || cls == classOf<NSObject>();

@@ -8,8 +8,7 @@ using namespace havrin;
 namespace {
 
 // Counts its initialisations.
-class Title : public Object<Title, NSAttributedString> {
- public:
+struct Title : Object<Title, NSAttributedString> {
   static inline int plain = 0, attributed = 0;
   Strong<NSAttributedString> initWithString(NSString* string) override {
     ++plain;
@@ -22,8 +21,7 @@ class Title : public Object<Title, NSAttributedString> {
 };
 
 // Overrides the message.
-class Shouting : public Object<Shouting, NSAttributedString> {
- public:
+struct Shouting : Object<Shouting, NSAttributedString> {
   Strong<NSAttributedString> shout(NSString*) { return sendSuper<"initWithOptionalString:">(*this, makeString("!")); }
   using Members = List<Method<"initWithOptionalString:", &Shouting::shout>>;
 };

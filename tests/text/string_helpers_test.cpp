@@ -22,8 +22,7 @@ class LateString : public Object<LateString, NSString> {
 };
 
 // Counts its calls, and goes on to the inherited method.
-class Asked : public Object<Asked, LateString> {
- public:
+struct Asked : Object<Asked, LateString> {
   int asked = 0;
   bool containsAny(NSCharacterSet* set) {
     ++asked;
