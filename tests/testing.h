@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -22,8 +23,13 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
+
+/// The rows of a table: for (const auto& [text, number] : Rows<const char*, int>{{"one", 1}, {"two", 2}}) ...
+template <class... Fields>
+using Rows = std::initializer_list<std::tuple<Fields...>>;
 
 inline std::mt19937_64 seededGenerator() {
   const char* given = std::getenv("HAVRIN_TEST_SEED");

@@ -122,20 +122,17 @@ TEST(CollectionHelpers, ShuffleWithOneDrawAndOneExchangePerElementButTheLast) {
 }
 
 TEST(CollectionHelpers, InsertAnObjectUnlessItIsThereOrNull) {
-  const struct {
-    const char* object;
-    std::uint64_t preferred, index;
-    const char *after, *log;
-  } rows[] = {{"b", 0, 1, "(a, b, c)", ""},
-              {"x", 0, 0, "(x, a, b, c)", "insert0 "},
-              {"x", 2, 2, "(a, b, x, c)", "insert2 "},
-              {"x", ~std::uint64_t{0}, 3, "(a, b, c, x)", "insert3 "}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.after);
+  for (const auto& [object, preferred, index, after, log] :
+       Rows<const char*, std::uint64_t, std::uint64_t, const char*, const char*>{
+           {"b", 0, 1, "(a, b, c)", ""},
+           {"x", 0, 0, "(x, a, b, c)", "insert0 "},
+           {"x", 2, 2, "(a, b, x, c)", "insert2 "},
+           {"x", ~std::uint64_t{0}, 3, "(a, b, c, x)", "insert3 "}}) {
+    SCOPED_TRACE(after);
     const auto list = watched("abc");
-    EXPECT_EQ(send<"uniqueInsertObject:atPreferredIdx:">(list, s(row.object), row.preferred), row.index);
-    EXPECT_EQ(text(list), row.after);
-    EXPECT_EQ(list->log(), row.log);
+    EXPECT_EQ(send<"uniqueInsertObject:atPreferredIdx:">(list, s(object), preferred), index);
+    EXPECT_EQ(text(list), after);
+    EXPECT_EQ(list->log(), log);
   }
   const auto list = letters("abc");
   EXPECT_EQ(nameOf([&] { (void)send<"uniqueInsertObject:atPreferredIdx:">(list, nullptr, 0); }),
@@ -146,14 +143,12 @@ TEST(CollectionHelpers, InsertAnObjectUnlessItIsThereOrNull) {
 }
 
 TEST(CollectionHelpers, RemoveAllElementsOfAnotherArrayInOneStep) {
-  const struct {
-    const char *word, *unwanted, *after, *positions;
-  } rows[] = {{"abad", "az", "(b, d)", "(0 2)"}, {"abad", "", "(a, b, a, d)", "()"}, {"abad", "adb", "()", "(0-3)"}};
-  for (const auto& row : rows) {
-    const auto list = watched(row.word);
-    EXPECT_EQ(text(send<"hav_removeObjectsInArray:">(list, letters(row.unwanted))), row.positions);
-    EXPECT_EQ(text(list), row.after);
-    EXPECT_EQ(list->log(), "remove" + std::string(row.positions) + " ");
+  for (const auto& [word, unwanted, after, positions] : Rows<const char*, const char*, const char*, const char*>{
+           {"abad", "az", "(b, d)", "(0 2)"}, {"abad", "", "(a, b, a, d)", "()"}, {"abad", "adb", "()", "(0-3)"}}) {
+    const auto list = watched(word);
+    EXPECT_EQ(text(send<"hav_removeObjectsInArray:">(list, letters(unwanted))), positions);
+    EXPECT_EQ(text(list), after);
+    EXPECT_EQ(list->log(), "remove" + std::string(positions) + " ");
   }
   const auto list = letters("abc");
   EXPECT_EQ(send<"hav_removeObjectsInArray:">(list, nullptr)->count(), 0U);

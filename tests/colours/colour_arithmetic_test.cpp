@@ -26,26 +26,21 @@ struct Noting : Object<Noting, UIColor> {
 };
 
 TEST(ColourComparison, ComparesEachComponentWithinTheTolerance) {
-  const struct {
-    const char* why;
-    Strong<UIColor> colour, other;
-    double tolerance;
-    bool equal;
-  } rows[] = {
-      {"the bound is included", rgb(0.5, 0, 0), rgb(0.75, 0, 0), 0.25, true},
-      {"beyond the bound", rgb(0.5, 0, 0), rgb(0.75, 0, 0), 0.2, false},
-      {"alpha counts", rgb(1, 0, 0), rgb(1, 0, 0, 0.5), 0.4, false},
-      {"grey against RGB", make<UIColor>(0.7, 1.0), rgb(0.7, 0.7, 0.7), 0.001, true},
-      {"NaN component", rgb(0, kNotANumber, 0), rgb(0, kNotANumber, 0), 1.0, false},
-      {"NaN tolerance", rgb(0, 0, 0), rgb(0, 0, 0), kNotANumber, false},
-      {"negative tolerance", rgb(0, 0, 0), rgb(0, 0, 0), -0.1, false},
-      {"unreadable receiver", cmyk(), rgb(1, 0, 0), 100.0, false},
-      {"unreadable other", rgb(1, 0, 0), pattern(), 100.0, false},
-      {"no other", rgb(1, 0, 0), nullptr, 100.0, false},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(send<"isEqualToColor:withTolerance:">(row.colour, row.other, row.tolerance), row.equal);
+  for (const auto& [why, colour, other, tolerance, equal] :
+       Rows<const char*, Strong<UIColor>, Strong<UIColor>, double, bool>{
+           {"the bound is included", rgb(0.5, 0, 0), rgb(0.75, 0, 0), 0.25, true},
+           {"beyond the bound", rgb(0.5, 0, 0), rgb(0.75, 0, 0), 0.2, false},
+           {"alpha counts", rgb(1, 0, 0), rgb(1, 0, 0, 0.5), 0.4, false},
+           {"grey against RGB", make<UIColor>(0.7, 1.0), rgb(0.7, 0.7, 0.7), 0.001, true},
+           {"NaN component", rgb(0, kNotANumber, 0), rgb(0, kNotANumber, 0), 1.0, false},
+           {"NaN tolerance", rgb(0, 0, 0), rgb(0, 0, 0), kNotANumber, false},
+           {"negative tolerance", rgb(0, 0, 0), rgb(0, 0, 0), -0.1, false},
+           {"unreadable receiver", cmyk(), rgb(1, 0, 0), 100.0, false},
+           {"unreadable other", rgb(1, 0, 0), pattern(), 100.0, false},
+           {"no other", rgb(1, 0, 0), nullptr, 100.0, false},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(send<"isEqualToColor:withTolerance:">(colour, other, tolerance), equal);
   }
 }
 
@@ -72,18 +67,18 @@ TEST(Inversion, InvertsColoursAndKeepsAlpha) {
 TEST(Blending, WeighsTheOtherColour) {
   const auto black = UIColor::blackColor();
   const auto white = UIColor::whiteColor();
-  const struct {
-    const char* why;
-    double weight, level;
-  } rows[] = {
-      {"none", 0.0, 0.0},     {"a quarter", 0.25, 0.25}, {"all", 1.0, 1.0},
-      {"too much", 1.5, 0.5}, {"too little", -0.1, 0.5}, {"NaN", kNotANumber, 0.5},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const RGBA expected{row.level, row.level, row.level, 1.0};
-    EXPECT_EQ(blend(*black, *white, row.weight)->getRedGreenBlueAlpha(), expected);
-    EXPECT_EQ(send<"blendWithColor:weight:">(black, white, row.weight)->getRedGreenBlueAlpha(), expected);
+  for (const auto& [why, weight, level] : Rows<const char*, double, double>{
+           {"none", 0.0, 0.0},
+           {"a quarter", 0.25, 0.25},
+           {"all", 1.0, 1.0},
+           {"too much", 1.5, 0.5},
+           {"too little", -0.1, 0.5},
+           {"NaN", kNotANumber, 0.5},
+       }) {
+    SCOPED_TRACE(why);
+    const RGBA expected{level, level, level, 1.0};
+    EXPECT_EQ(blend(*black, *white, weight)->getRedGreenBlueAlpha(), expected);
+    EXPECT_EQ(send<"blendWithColor:weight:">(black, white, weight)->getRedGreenBlueAlpha(), expected);
   }
   EXPECT_EQ(blend(*black, *make<UIColor>(0.0, 0.0), 0.5)->getRedGreenBlueAlpha()->alpha, 0.5);
   EXPECT_FALSE(blend(*cmyk(), *white, 0.5));

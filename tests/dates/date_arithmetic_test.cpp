@@ -18,27 +18,21 @@ Date at(double secondsSince1970) { return Date::fromTimeIntervalSince1970(second
 Strong<NSDate> object(double secondsSince1970) { return make<NSDate>(at(secondsSince1970)); }
 
 TEST(DateArithmetic, KeepsMillisecondsAndReadsBackWholeSeconds) {
-  const struct {
-    std::int64_t milliseconds;
-    double seconds;
-    std::int64_t readBack;
-    const char* why;
-  } rows[] = {
-      {-1500, -1.5, -1000, "toward zero before 1970"},
-      {999, 0.9989999532699585, 0, "less than a second, as near as a double of seconds since 2001"},
-      {9'007'199'254'740'992, 9007199254740.992, 9'007'199'254'740'000, "2^53"},
-      {9'223'372'036'854'775'000, 9223372036854774, 9'223'372'036'854'774'000, "doubles are two seconds apart"},
-      {kMost, 9223372036854776, kMost, "the last"},
-      {kLeast, -9223372036854776, kLeast, "the first"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const Date date = fromMillisecondsSince1970<Date>(row.milliseconds);
-    EXPECT_NEAR(date.timeIntervalSince1970(), row.seconds, row.milliseconds == 9'007'199'254'740'992 ? 1e-3 : 0);
-    EXPECT_EQ(millisecondsSince1970(date), row.readBack);
-    const Strong<NSDate> asObject = fromMillisecondsSince1970<NSDate>(row.milliseconds);
+  for (const auto& [milliseconds, seconds, readBack, why] : Rows<std::int64_t, double, std::int64_t, const char*>{
+           {-1500, -1.5, -1000, "toward zero before 1970"},
+           {999, 0.9989999532699585, 0, "less than a second, as near as a double of seconds since 2001"},
+           {9'007'199'254'740'992, 9007199254740.992, 9'007'199'254'740'000, "2^53"},
+           {9'223'372'036'854'775'000, 9223372036854774, 9'223'372'036'854'774'000, "doubles are two seconds apart"},
+           {kMost, 9223372036854776, kMost, "the last"},
+           {kLeast, -9223372036854776, kLeast, "the first"},
+       }) {
+    SCOPED_TRACE(why);
+    const Date date = fromMillisecondsSince1970<Date>(milliseconds);
+    EXPECT_NEAR(date.timeIntervalSince1970(), seconds, milliseconds == 9'007'199'254'740'992 ? 1e-3 : 0);
+    EXPECT_EQ(millisecondsSince1970(date), readBack);
+    const Strong<NSDate> asObject = fromMillisecondsSince1970<NSDate>(milliseconds);
     EXPECT_EQ(asObject->value(), date);
-    EXPECT_EQ(send<"hav_millisecondsSince1970">(asObject), row.readBack);
+    EXPECT_EQ(send<"hav_millisecondsSince1970">(asObject), readBack);
   }
 }
 
@@ -51,27 +45,22 @@ TEST(DateArithmetic, SaturatesTimesBeyondTheRangeOfMilliseconds) {
 }
 
 TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
-  const struct {
-    const char *zone, *language;
-    double first, second;
-    bool same;
-    const char* why;
-  } rows[] = {
-      {"UTC", "C", 1552521600, 1710374400, true, "14 March 2019 and 2024"},
-      {"UTC", "C", 1709681400, 1709685000, false, "23:30 and 00:30 in GMT"},
-      {"America/New_York", "C", 1709681400, 1709685000, true, "and the same evening in New York"},
-      {"UTC", "fa_IR", 1710374400, 1552521600, false, "leap years fall apart in the Persian calendar"},
-      {"UTC", "C", 0, std::numeric_limits<double>::quiet_NaN(), false, "NaN"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const PinnedEnvironment environment(row.zone, row.language);
-    EXPECT_EQ(isSameMonthAndDay(at(row.first), at(row.second)), row.same);
-    EXPECT_EQ(send<"hav_isSameMonthAndDayAsDate:">(object(row.first), object(row.second)), row.same);
+  for (const auto& [zone, language, first, second, same, why] :
+       Rows<const char*, const char*, double, double, bool, const char*>{
+           {"UTC", "C", 1552521600, 1710374400, true, "14 March 2019 and 2024"},
+           {"UTC", "C", 1709681400, 1709685000, false, "23:30 and 00:30 in GMT"},
+           {"America/New_York", "C", 1709681400, 1709685000, true, "and the same evening in New York"},
+           {"UTC", "fa_IR", 1710374400, 1552521600, false, "leap years fall apart in the Persian calendar"},
+           {"UTC", "C", 0, std::numeric_limits<double>::quiet_NaN(), false, "NaN"},
+       }) {
+    SCOPED_TRACE(why);
+    const PinnedEnvironment environment(zone, language);
+    EXPECT_EQ(isSameMonthAndDay(at(first), at(second)), same);
+    EXPECT_EQ(send<"hav_isSameMonthAndDayAsDate:">(object(first), object(second)), same);
     TestClock clock;
-    clock.setWallSecondsSince1970(row.second);
-    EXPECT_EQ(isSameMonthAndDayAsToday(at(row.first)), row.same);
-    EXPECT_EQ(send<"hav_isSameMonthAndDayAsToday">(object(row.first)), row.same);
+    clock.setWallSecondsSince1970(second);
+    EXPECT_EQ(isSameMonthAndDayAsToday(at(first)), same);
+    EXPECT_EQ(send<"hav_isSameMonthAndDayAsToday">(object(first)), same);
   }
   const Date nothing = at(std::numeric_limits<double>::quiet_NaN());
   EXPECT_FALSE(isSameMonthAndDay(nothing, nothing));

@@ -64,23 +64,19 @@ using Throttle = RateLimits;
 }  // namespace
 
 TEST_F(Debounce, SendsOnceAtTheDeadlineOfTheLastCall) {
-  const struct {
-    double first, second;
-    const char *events, *why;
-  } rows[] = {
-      {10, 0.125, "search 125, ", "an earlier deadline counts at once"},
-      {0.125, 10, "search 10000, ", "a later one as well"},
-      {5, -1, "search 0, ", "a negative delay: the next pass"},
-      {5, kNotANumber, "search 0, ", "NaN: the next pass"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
+  for (const auto& [first, second, events, why] : Rows<double, double, const char*, const char*>{
+           {10, 0.125, "search 125, ", "an earlier deadline counts at once"},
+           {0.125, 10, "search 10000, ", "a later one as well"},
+           {5, -1, "search 0, ", "a negative delay: the next pass"},
+           {5, kNotANumber, "search 0, ", "NaN: the next pass"},
+       }) {
+    SCOPED_TRACE(why);
     field = make<Field>();
-    debounce(selector<"search">, row.first);
-    debounce(selector<"search">, row.second);
+    debounce(selector<"search">, first);
+    debounce(selector<"search">, second);
     EXPECT_EQ(field->take(), "") << "never within the call";
     clock.advance(20);
-    EXPECT_EQ(field->take(), row.events);
+    EXPECT_EQ(field->take(), events);
   }
 }
 
@@ -113,25 +109,20 @@ TEST_F(Debounce, ReplacesWhatWaitsInAnyModeWithoutAnArgument) {
 }
 
 TEST_F(Throttle, RunsAtOnceAndThenDropsUntilMoreThanTheIntervalHasPassed) {
-  const struct {
-    double interval, elapsed;
-    bool runs;
-    const char* why;
-  } rows[] = {
-      {1, 1, false, "elapsed exactly equal"},
-      {1, 1.0001, true, "more"},
-      {0, 0, false, "no interval, and the clock has not moved"},
-      {-1, 0, true, "a negative interval"},
-      {kNotANumber, 1e6, false, "NaN"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
+  for (const auto& [interval, elapsed, runs, why] : Rows<double, double, bool, const char*>{
+           {1, 1, false, "elapsed exactly equal"},
+           {1, 1.0001, true, "more"},
+           {0, 0, false, "no interval, and the clock has not moved"},
+           {-1, 0, true, "a negative interval"},
+           {kNotANumber, 1e6, false, "NaN"},
+       }) {
+    SCOPED_TRACE(why);
     field = make<Field>();
-    throttle(selector<"search">, row.interval);
+    throttle(selector<"search">, interval);
     EXPECT_EQ(field->take(), "search 0, ") << "sent before the first call returns";
-    clock.advance(row.elapsed);
-    throttle(selector<"search">, row.interval);
-    EXPECT_EQ(!field->take().empty(), row.runs);
+    clock.advance(elapsed);
+    throttle(selector<"search">, interval);
+    EXPECT_EQ(!field->take().empty(), runs);
     clock.advance(1e7);
     EXPECT_EQ(field->take(), "") << "what was dropped never runs";
   }

@@ -15,27 +15,22 @@ static_assert(!std::equality_comparable<UTMParameters>);
 auto fields(const UTMParameters& p) { return std::tie(p.campaign, p.content, p.medium, p.name, p.source, p.term); }
 
 TEST(UtmParameters, ReadsTheLastItemOfEachKey) {
-  const struct {
-    std::string_view url;
-    std::optional<UTMParameters> parameters;
-    std::string_view why;
-  } rows[] = {
-      {"https://h/p?utm_campaign=1&utm_content=2&utm_medium=3&utm_name=4&utm_source=5&utm_term=6",
-       UTMParameters{"1", "2", "3", "4", "5", "6"}, "all six"},
-      {"?utm_source=a&x&utm_source=b", UTMParameters{.source = "b"}, "the last one decides"},
-      {"?utm_source=a&utm_source", std::nullopt, "a bare key sets back to absent"},
-      {"?utm_source&utm_source=a", UTMParameters{.source = "a"}, "a bare key clears what stood before it only"},
-      {"?utm_source=a&utm_source=", UTMParameters{.source = ""}, "the empty text is present"},
-      {"?utm_sources=a&tm_source=a", std::nullopt, "keys are whole"},
-      {"?utm%5Fsource=a%20b+c", UTMParameters{.source = "a b+c"}, "names and values are decoded"},
-      {"?utm_source=%FF", UTMParameters{.source = "\uFFFD"}, "bytes that are no text"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto read = fromUrl<UTMParameters>(URL::fromString(row.url));
-    ASSERT_EQ(read.has_value(), row.parameters.has_value());
+  for (const auto& [url, parameters, why] : Rows<std::string_view, std::optional<UTMParameters>, std::string_view>{
+           {"https://h/p?utm_campaign=1&utm_content=2&utm_medium=3&utm_name=4&utm_source=5&utm_term=6",
+            UTMParameters{"1", "2", "3", "4", "5", "6"}, "all six"},
+           {"?utm_source=a&x&utm_source=b", UTMParameters{.source = "b"}, "the last one decides"},
+           {"?utm_source=a&utm_source", std::nullopt, "a bare key sets back to absent"},
+           {"?utm_source&utm_source=a", UTMParameters{.source = "a"}, "a bare key clears what stood before it only"},
+           {"?utm_source=a&utm_source=", UTMParameters{.source = ""}, "the empty text is present"},
+           {"?utm_sources=a&tm_source=a", std::nullopt, "keys are whole"},
+           {"?utm%5Fsource=a%20b+c", UTMParameters{.source = "a b+c"}, "names and values are decoded"},
+           {"?utm_source=%FF", UTMParameters{.source = "\uFFFD"}, "bytes that are no text"},
+       }) {
+    SCOPED_TRACE(why);
+    const auto read = fromUrl<UTMParameters>(URL::fromString(url));
+    ASSERT_EQ(read.has_value(), parameters.has_value());
     if (read) {
-      EXPECT_EQ(fields(*read), fields(*row.parameters));
+      EXPECT_EQ(fields(*read), fields(*parameters));
     }
   }
   EXPECT_FALSE(fromUrl<UTMParameters>(std::nullopt)) << "no link";

@@ -61,22 +61,17 @@ TEST(InsecureUnarchiving, ReadsWhatWasArchivedWhicheverClassIsNamed) {
 }
 
 TEST(InsecureUnarchiving, ReportsAnErrorOnlyForBytesThatAreNotAnArchive) {
-  const struct {
-    const char* why;
-    Strong<NSData> data;
-    bool isArchive;
-  } rows[] = {
-      {"null", nullptr, true},
-      {"no bytes", makeData(""), false},
-      {"a header alone", makeData("bplist00"), false},
-      {"a property list that is not an archive", makeData("<plist><array/></plist>"), false},
-      {"an archive without a root", makeData(kNoRoot), true},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto [object, error] = unarchived(row.data);
+  for (const auto& [why, data, isArchive] : Rows<const char*, Strong<NSData>, bool>{
+           {"null", nullptr, true},
+           {"no bytes", makeData(""), false},
+           {"a header alone", makeData("bplist00"), false},
+           {"a property list that is not an archive", makeData("<plist><array/></plist>"), false},
+           {"an archive without a root", makeData(kNoRoot), true},
+       }) {
+    SCOPED_TRACE(why);
+    const auto [object, error] = unarchived(data);
     EXPECT_FALSE(object);
-    EXPECT_EQ(error ? error->code() : 0, row.isArchive ? 0 : NSCoderReadCorruptError);
+    EXPECT_EQ(error ? error->code() : 0, isArchive ? 0 : NSCoderReadCorruptError);
   }
 }
 

@@ -63,22 +63,20 @@ std::string errorOf(F body) {
 
 TEST(LenientDecoding, KeepsWhatDecodesInOrder) {
   using Integer = std::int64_t;
-  const struct {
-    const char *json, *integers, *optionals, *arrays, *why;
-  } rows[] = {
-      {"[]", "", "", "", "nothing at all"},
-      {"[1,null,3]", "1 3", "1 empty 3", "", "a null is a bad integer and an empty optional"},
-      {"[1,1.5,true,\"x\",{},[],2]", "1 2", "1 2", "[]", "every kind of element"},
-      {"[1e400,-9223372036854775809,1e2,-0.0,4.0]", "100 0 4", "100 0 4", "",
-       "numbers that are whole, and that are not"},
-      {"[[1],[\"x\"],[2,3],4,[null]]", "4", "4", "[1] [2 3]", "an array fails as a whole"},
-      {"[[],[[]],{\"a\":[1]}]", "", "", "[]", "containers inside are stepped over"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(texts(decodedFrom<Integer>(row.json)), row.integers);
-    EXPECT_EQ(texts(decodedFrom<std::optional<Integer>>(row.json)), row.optionals);
-    EXPECT_EQ(texts(decodedFrom<std::vector<Integer>>(row.json)), row.arrays);
+  for (const auto& [json, integers, optionals, arrays, why] :
+       Rows<const char*, const char*, const char*, const char*, const char*>{
+           {"[]", "", "", "", "nothing at all"},
+           {"[1,null,3]", "1 3", "1 empty 3", "", "a null is a bad integer and an empty optional"},
+           {"[1,1.5,true,\"x\",{},[],2]", "1 2", "1 2", "[]", "every kind of element"},
+           {"[1e400,-9223372036854775809,1e2,-0.0,4.0]", "100 0 4", "100 0 4", "",
+            "numbers that are whole, and that are not"},
+           {"[[1],[\"x\"],[2,3],4,[null]]", "4", "4", "[1] [2 3]", "an array fails as a whole"},
+           {"[[],[[]],{\"a\":[1]}]", "", "", "[]", "containers inside are stepped over"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(texts(decodedFrom<Integer>(json)), integers);
+    EXPECT_EQ(texts(decodedFrom<std::optional<Integer>>(json)), optionals);
+    EXPECT_EQ(texts(decodedFrom<std::vector<Integer>>(json)), arrays);
   }
 }
 

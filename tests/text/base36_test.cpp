@@ -35,28 +35,23 @@ std::string writtenByToChars(std::int64_t integer) {
 }
 
 TEST(Base36, ReadsTheWholeTextOrNothing) {
-  const struct {
-    std::string_view text;
-    std::optional<std::int64_t> integer;
-    const char* why;
-  } rows[] = {
-      {"+Z", 35, "a plus"},
-      {"-00000000000000000000000000000000Z", -35, "more zeros than an integer has digits"},
-      {"0001Y2P0IJ32E8E7", kLargest, "zeros before the largest"},
-      {"1Y2P0IJ32E8E8", {}, "one more than the largest"},
-      {"-1Y2P0IJ32E8E8", kSmallest, "the smallest"},
-      {"ZZZZZZZZZZZZ", 4'738'381'338'321'616'895, "the most in twelve digits"},
-      {"ZZZZZZZZZZZZZ", {}, "the most in thirteen"},
-      {"", {}, "empty"},
-      {"+-1", {}, "two signs"},
-      {"1\0"sv, {}, "U+0000"},
-      {"1Y2P0IJ32E8E_", {}, "no digit in the thirteenth place"},
-      {"00000000000000000_", {}, "no digit behind zeros"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(base36ValueAsBase10(row.text), row.integer);
-    EXPECT_EQ(send<"base36ValueAsBase10">(makeString(row.text)), row.integer.value_or(0));
+  for (const auto& [text, integer, why] : Rows<std::string_view, std::optional<std::int64_t>, const char*>{
+           {"+Z", 35, "a plus"},
+           {"-00000000000000000000000000000000Z", -35, "more zeros than an integer has digits"},
+           {"0001Y2P0IJ32E8E7", kLargest, "zeros before the largest"},
+           {"1Y2P0IJ32E8E8", {}, "one more than the largest"},
+           {"-1Y2P0IJ32E8E8", kSmallest, "the smallest"},
+           {"ZZZZZZZZZZZZ", 4'738'381'338'321'616'895, "the most in twelve digits"},
+           {"ZZZZZZZZZZZZZ", {}, "the most in thirteen"},
+           {"", {}, "empty"},
+           {"+-1", {}, "two signs"},
+           {"1\0"sv, {}, "U+0000"},
+           {"1Y2P0IJ32E8E_", {}, "no digit in the thirteenth place"},
+           {"00000000000000000_", {}, "no digit behind zeros"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(base36ValueAsBase10(text), integer);
+    EXPECT_EQ(send<"base36ValueAsBase10">(makeString(text)), integer.value_or(0));
   }
   EXPECT_EQ(base36ValueAsBase10(*makeString(u"1\xD83D")), 0) << "a lone surrogate";
 }
@@ -67,20 +62,15 @@ struct Always36 : Object<Always36<Base>, Base> {
 };
 
 TEST(Base36, WritesTheIntegerValueOfNumbersAndStrings) {
-  const struct {
-    Strong<NSNumber> number;
-    Strong<NSString> string;
-    const char *text, *why;
-  } rows[] = {
-      {makeNumber(35.9), makeString("  35abc"), "Z", "truncated; read up to the first other character"},
-      {makeNumber(~std::uint64_t{0}), makeString("-1"), "-1", "an unsigned number keeps its bits"},
-      {makeNumber(-1e300), makeString("-99999999999999999999"), "-1Y2P0IJ32E8E8", "beyond 64 bits"},
-      {make<Always36<NSNumber>>(), make<Always36<NSString>>(), "10", "an override"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(utf8(*send<"base36Value">(row.number)), row.text);
-    EXPECT_EQ(utf8(*send<"base36Value">(row.string)), row.text);
+  for (const auto& [number, string, text, why] : Rows<Strong<NSNumber>, Strong<NSString>, const char*, const char*>{
+           {makeNumber(35.9), makeString("  35abc"), "Z", "truncated; read up to the first other character"},
+           {makeNumber(~std::uint64_t{0}), makeString("-1"), "-1", "an unsigned number keeps its bits"},
+           {makeNumber(-1e300), makeString("-99999999999999999999"), "-1Y2P0IJ32E8E8", "beyond 64 bits"},
+           {make<Always36<NSNumber>>(), make<Always36<NSString>>(), "10", "an override"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(utf8(*send<"base36Value">(number)), text);
+    EXPECT_EQ(utf8(*send<"base36Value">(string)), text);
   }
   EXPECT_EQ(send<"base36Value">(Strong<NSString>()), nullptr);
 }

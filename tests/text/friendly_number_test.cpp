@@ -25,22 +25,18 @@ std::string printed(std::int64_t number) {
 }
 
 TEST(FriendlyNumber, ShowsOneDecimalBelowAHundredOfTheUnit) {
-  const struct {
-    std::int64_t number;
-    const char *text, *why;
-  } rows[] = {
-      {1'250, "1.2k", "an exact tie, to even"},
-      {99'950, "100.0k", "the decimal is decided before rounding"},
-      {999'999, "1000k", "the unit is decided before rounding"},
-      {5'000'000'000, "5000m", "no larger unit"},
-      {9'008'102'945'499'999, "9008102946m", "the number is no double, but its quotient decides"},
-      {kSmallest, "-9223372036855m", "the smallest, from its magnitude"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(friendlyNumber(row.number), row.text);
-    EXPECT_EQ(utf8(*havrin::send<"friendlyStringWithNumber:">(havrin::classOf<NSString>(), row.number)), row.text);
-    EXPECT_EQ(printed(row.number), row.text);
+  for (const auto& [number, text, why] : Rows<std::int64_t, const char*, const char*>{
+           {1'250, "1.2k", "an exact tie, to even"},
+           {99'950, "100.0k", "the decimal is decided before rounding"},
+           {999'999, "1000k", "the unit is decided before rounding"},
+           {5'000'000'000, "5000m", "no larger unit"},
+           {9'008'102'945'499'999, "9008102946m", "the number is no double, but its quotient decides"},
+           {kSmallest, "-9223372036855m", "the smallest, from its magnitude"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(friendlyNumber(number), text);
+    EXPECT_EQ(utf8(*havrin::send<"friendlyStringWithNumber:">(havrin::classOf<NSString>(), number)), text);
+    EXPECT_EQ(printed(number), text);
   }
 }
 

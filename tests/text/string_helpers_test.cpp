@@ -98,26 +98,20 @@ TEST(StringHelpers, AcceptsNullReceiversAndRefusesNullSets) {
 }
 
 TEST(StringHelpers, RepeatsWithASeparatorBetweenNeighbours) {
-  const struct {
-    std::string_view text;
-    std::int64_t times;
-    std::optional<std::string_view> joinedBy;
-    std::string_view result;
-    const char* why;
-  } rows[] = {
-      {"ab", 3, ", ", "ab, ab, ab", "a separator between neighbours"},
-      {"ab", 3, {}, "ababab", "no separator"},
-      {"ab", 0, ", ", "", "no copy"},
-      {"ab", -1, ", ", "", "a negative number of copies"},
-      {"", 3, "-", "--", "copies of the empty text"},
-      {"", std::numeric_limits<std::int64_t>::max(), {}, "", "any number of empty texts"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(repeating<NSString>(row.text, row.times, row.joinedBy), row.result);
-    const auto sent = send<"stringByRepeatingString:times:joinedBy:">(classOf<NSString>(), makeString(row.text),
-                                                                      row.times, orNull(row.joinedBy));
-    EXPECT_EQ(utf8(*sent), row.result);
+  for (const auto& [text, times, joinedBy, result, why] :
+       Rows<std::string_view, std::int64_t, std::optional<std::string_view>, std::string_view, const char*>{
+           {"ab", 3, ", ", "ab, ab, ab", "a separator between neighbours"},
+           {"ab", 3, {}, "ababab", "no separator"},
+           {"ab", 0, ", ", "", "no copy"},
+           {"ab", -1, ", ", "", "a negative number of copies"},
+           {"", 3, "-", "--", "copies of the empty text"},
+           {"", std::numeric_limits<std::int64_t>::max(), {}, "", "any number of empty texts"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(repeating<NSString>(text, times, joinedBy), result);
+    const auto sent =
+        send<"stringByRepeatingString:times:joinedBy:">(classOf<NSString>(), makeString(text), times, orNull(joinedBy));
+    EXPECT_EQ(utf8(*sent), result);
   }
   for (std::int64_t times = 1; times < 70; ++times) {
     std::string expected = "abc";

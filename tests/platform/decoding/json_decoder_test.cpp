@@ -124,25 +124,19 @@ TEST(JSONDecoder, ReadsRealsToTheLastBit) {
 }
 
 TEST(JSONDecoder, ResolvesEscapes) {
-  const struct {
-    const char* text;
-    std::string expected;
-    const char* why;
-  } rows[] = {
-      {R"("\"\\\/\b\f\n\r\t")", "\"\\/\b\f\n\r\t", "one letter each"},
-      {R"("\u0041\u00e9\u20AC")", "A\u00e9\u20ac", "one, two and three bytes, either case"},
-      {R"("\ud800\udc00\uDBFF\uDFFF")", "\U00010000\U0010FFFF", "the first and the last surrogate pair"},
-      {R"("a\u0000b")", std::string("a\0b", 3), "NUL"},
-      {R"("\\u0041\\")", "\\u0041\\", "an escaped backslash begins no escape"},
-      {R"("é€😀")", "é€😀", "nothing to resolve"},
-      {"\"\x7F\"", "\x7F", "DEL needs no escape"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(JSONDecoder().decode<std::string>(row.text), row.expected);
-    const auto asKey = "{ " + std::string(row.text) + " :1}";
-    EXPECT_EQ((JSONDecoder().decode<std::map<std::string, int>>(asKey)),
-              (std::map<std::string, int>{{row.expected, 1}}));
+  for (const auto& [text, expected, why] : Rows<const char*, std::string, const char*>{
+           {R"("\"\\\/\b\f\n\r\t")", "\"\\/\b\f\n\r\t", "one letter each"},
+           {R"("\u0041\u00e9\u20AC")", "A\u00e9\u20ac", "one, two and three bytes, either case"},
+           {R"("\ud800\udc00\uDBFF\uDFFF")", "\U00010000\U0010FFFF", "the first and the last surrogate pair"},
+           {R"("a\u0000b")", std::string("a\0b", 3), "NUL"},
+           {R"("\\u0041\\")", "\\u0041\\", "an escaped backslash begins no escape"},
+           {R"("é€😀")", "é€😀", "nothing to resolve"},
+           {"\"\x7F\"", "\x7F", "DEL needs no escape"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(JSONDecoder().decode<std::string>(text), expected);
+    const auto asKey = "{ " + std::string(text) + " :1}";
+    EXPECT_EQ((JSONDecoder().decode<std::map<std::string, int>>(asKey)), (std::map<std::string, int>{{expected, 1}}));
   }
 }
 

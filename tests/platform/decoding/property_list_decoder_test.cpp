@@ -38,22 +38,19 @@ TEST(PropertyListDecoder, DecodesBothForms) {
 
 TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
   const auto infinity = std::numeric_limits<double>::infinity();
-  const struct {
-    PropertyList list;
-    std::string error;
-  } rows[] = {
-      {PropertyList(7), "none"},
-      {PropertyList(7.5), "dataCorrupted at the top level: expected a 64-bit integer, found the number 7.5"},
-      {PropertyList(-infinity), "dataCorrupted at the top level: expected a 64-bit integer, found the number -inf"},
-      {PropertyList("7"), "typeMismatch at the top level: expected a 64-bit integer, found the string \"7\""},
-      {PropertyList(Date()), "typeMismatch at the top level: expected a 64-bit integer, found a date"},
-      {PropertyList(PropertyList::UID{1}),
-       "typeMismatch at the top level: expected a 64-bit integer, found a reference"},
-      {dictionary({}), "typeMismatch at the top level: expected a 64-bit integer, found an object"},
-  };
-  for (const auto& row : rows) {
-    const auto decoded = PropertyListDecoder().tryDecode<std::int64_t>(row.list);
-    EXPECT_EQ(decoded ? "none" : decoded.error().description(), row.error);
+  for (const auto& [list, error] : Rows<PropertyList, std::string>{
+           {PropertyList(7), "none"},
+           {PropertyList(7.5), "dataCorrupted at the top level: expected a 64-bit integer, found the number 7.5"},
+           {PropertyList(-infinity),
+            "dataCorrupted at the top level: expected a 64-bit integer, found the number -inf"},
+           {PropertyList("7"), "typeMismatch at the top level: expected a 64-bit integer, found the string \"7\""},
+           {PropertyList(Date()), "typeMismatch at the top level: expected a 64-bit integer, found a date"},
+           {PropertyList(PropertyList::UID{1}),
+            "typeMismatch at the top level: expected a 64-bit integer, found a reference"},
+           {dictionary({}), "typeMismatch at the top level: expected a 64-bit integer, found an object"},
+       }) {
+    const auto decoded = PropertyListDecoder().tryDecode<std::int64_t>(list);
+    EXPECT_EQ(decoded ? "none" : decoded.error().description(), error);
   }
   const PropertyList largest(std::numeric_limits<std::uint64_t>::max());
   EXPECT_EQ(PropertyListDecoder().decode<std::uint64_t>(largest), std::numeric_limits<std::uint64_t>::max());

@@ -35,21 +35,15 @@ TEST(CharacterSetObject, IsEqualByMembership) {
 
 TEST(CharacterSetObject, IsFoundInStringsScalarByScalar) {
   const auto thumb = makeCharacterSet(CharacterSet("👍"));
-  const struct {
-    std::u16string_view text;
-    Strong<NSCharacterSet> set;
-    NSRange range;
-    const char* why;
-  } rows[] = {
-      {u"123abc", makeCharacterSet(CharacterSet::letters()), {3, 1}, "in narrow text"},
-      {u"a👎b", thumb, {kNotFound, 0}, "half a pair is not a match"},
-      {u"👍\xD83D", thumb->invertedSet(), {2, 1}, "a lone surrogate is U+FFFD"},
-      {u"az", make<LateSet>(), {1, 1}, "a subclass's members"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(makeString(row.text)->rangeOfCharacterFromSet(row.set->characterSet()), row.range);
-    EXPECT_EQ(make<NSMutableString>(row.text)->rangeOfCharacterFromSet(row.set->characterSet()), row.range);
+  for (const auto& [text, set, range, why] : Rows<std::u16string_view, Strong<NSCharacterSet>, NSRange, const char*>{
+           {u"123abc", makeCharacterSet(CharacterSet::letters()), {3, 1}, "in narrow text"},
+           {u"a👎b", thumb, {kNotFound, 0}, "half a pair is not a match"},
+           {u"👍\xD83D", thumb->invertedSet(), {2, 1}, "a lone surrogate is U+FFFD"},
+           {u"az", make<LateSet>(), {1, 1}, "a subclass's members"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(makeString(text)->rangeOfCharacterFromSet(set->characterSet()), range);
+    EXPECT_EQ(make<NSMutableString>(text)->rangeOfCharacterFromSet(set->characterSet()), range);
   }
   EXPECT_EQ(make<Countdown>()->rangeOfCharacterFromSet(CharacterSet("5")), (NSRange{4, 1}));
 }

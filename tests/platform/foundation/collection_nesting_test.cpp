@@ -26,39 +26,35 @@ TEST(CollectionNesting, ComparesHashesAndDescribesInBoundedStack) {
     dictionary->setObject(value, key);
     return dictionary->copy();
   };
-  const struct {
-    const char* why;
-    std::function<Strong<NSObject>(NSObject*)> wrap;
-  } rows[] = {
-      {"arrays", [](NSObject* inner) { return makeArray({inner}); }},
-      {"arrays of three",
-       [&](NSObject* inner) {
-         return makeArray({empty, inner, x});
-       }},
-      {"ordered sets", [](NSObject* inner) { return makeOrderedSet({inner}); }},
-      {"dictionaries", [&](NSObject* inner) { return entry(x, inner); }},
-      {"keys", [&](NSObject* inner) { return entry(inner, one); }},
-      {"sets",
-       [&](NSObject* inner) {
-         return makeSet({x, inner});
-       }},
-      {"members of one hash",
-       [&](NSObject* inner) {
-         return makeSet({makeArray({inner}), makeArray({empty})});
-       }},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto first = nested(makeString("end"), row.wrap);
-    const auto same = nested(make<NSMutableString>("end"), row.wrap);
+  for (const auto& [why, wrap] : Rows<const char*, std::function<Strong<NSObject>(NSObject*)>>{
+           {"arrays", [](NSObject* inner) { return makeArray({inner}); }},
+           {"arrays of three",
+            [&](NSObject* inner) {
+              return makeArray({empty, inner, x});
+            }},
+           {"ordered sets", [](NSObject* inner) { return makeOrderedSet({inner}); }},
+           {"dictionaries", [&](NSObject* inner) { return entry(x, inner); }},
+           {"keys", [&](NSObject* inner) { return entry(inner, one); }},
+           {"sets",
+            [&](NSObject* inner) {
+              return makeSet({x, inner});
+            }},
+           {"members of one hash",
+            [&](NSObject* inner) {
+              return makeSet({makeArray({inner}), makeArray({empty})});
+            }},
+       }) {
+    SCOPED_TRACE(why);
+    const auto first = nested(makeString("end"), wrap);
+    const auto same = nested(make<NSMutableString>("end"), wrap);
     EXPECT_TRUE(first->isEqual(same));
     EXPECT_EQ(first->hash(), same->hash());
-    EXPECT_FALSE(first->isEqual(nested(makeString("other"), row.wrap)));
-    EXPECT_FALSE(first->isEqual(nested(makeString("end"), row.wrap, kDeep - 1)));
+    EXPECT_FALSE(first->isEqual(nested(makeString("other"), wrap)));
+    EXPECT_FALSE(first->isEqual(nested(makeString("end"), wrap, kDeep - 1)));
     const std::string description = utf8(*first->description());
     EXPECT_LT(description.size(), 4'000u);
     EXPECT_NE(description.find("..."), std::string::npos);
-    EXPECT_EQ(utf8(*nested(makeString("end"), row.wrap, 20)->description()).find("..."), std::string::npos);
+    EXPECT_EQ(utf8(*nested(makeString("end"), wrap, 20)->description()).find("..."), std::string::npos);
   }
 }
 

@@ -24,33 +24,29 @@ TEST(Error, DescribesItselfForPeopleAndDevelopers) {
   const auto number = makeNumber(3);
   const auto inner = make<NSError>(makeString("d"), -1);
   const std::string start = "Error Domain=NSCocoaErrorDomain Code=4864 ";
-  const struct {
-    Strong<NSDictionary> userInfo;
-    std::string localized, description;
-    const char* why;
-  } rows[] = {
-      {nullptr, kDefault, start + '"' + kDefault + '"', "no details"},
-      {makeDictionary({}), kDefault, start + '"' + kDefault + '"', "empty details"},
-      {makeDictionary({{NSLocalizedDescriptionKey, people}}), "No such station",
-       start + "\"No such station\" UserInfo={NSLocalizedDescription=No such station}", "a text for people"},
-      {makeDictionary({{NSDebugDescriptionErrorKey, developers}}), kDefault,
-       start + "\"*** decode: root\" UserInfo={NSDebugDescription=*** decode: root}", "a text for developers"},
-      {makeDictionary({{NSDebugDescriptionErrorKey, developers}, {NSLocalizedDescriptionKey, people}}),
-       "No such station",
-       start + "\"No such station\" UserInfo={NSDebugDescription=*** decode: root, "
-               "NSLocalizedDescription=No such station}",
-       "both"},
-      {makeDictionary({{NSLocalizedDescriptionKey, number}}), kDefault,
-       start + '"' + kDefault + "\" UserInfo={NSLocalizedDescription=3}", "no text"},
-      {makeDictionary({{NSUnderlyingErrorKey, inner}}), kDefault,
-       start + '"' + kDefault + "\" UserInfo={NSUnderlyingError={Error Domain=d Code=-1 \"Error -1 of d.\"}}",
-       "an error behind it"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto error = make<NSError>(NSCocoaErrorDomain, 4864, row.userInfo);
-    EXPECT_EQ(utf8(*error->localizedDescription()), row.localized);
-    EXPECT_EQ(utf8(*error->description()), row.description);
+  for (const auto& [userInfo, localized, description, why] :
+       Rows<Strong<NSDictionary>, std::string, std::string, const char*>{
+           {nullptr, kDefault, start + '"' + kDefault + '"', "no details"},
+           {makeDictionary({}), kDefault, start + '"' + kDefault + '"', "empty details"},
+           {makeDictionary({{NSLocalizedDescriptionKey, people}}), "No such station",
+            start + "\"No such station\" UserInfo={NSLocalizedDescription=No such station}", "a text for people"},
+           {makeDictionary({{NSDebugDescriptionErrorKey, developers}}), kDefault,
+            start + "\"*** decode: root\" UserInfo={NSDebugDescription=*** decode: root}", "a text for developers"},
+           {makeDictionary({{NSDebugDescriptionErrorKey, developers}, {NSLocalizedDescriptionKey, people}}),
+            "No such station",
+            start + "\"No such station\" UserInfo={NSDebugDescription=*** decode: root, "
+                    "NSLocalizedDescription=No such station}",
+            "both"},
+           {makeDictionary({{NSLocalizedDescriptionKey, number}}), kDefault,
+            start + '"' + kDefault + "\" UserInfo={NSLocalizedDescription=3}", "no text"},
+           {makeDictionary({{NSUnderlyingErrorKey, inner}}), kDefault,
+            start + '"' + kDefault + "\" UserInfo={NSUnderlyingError={Error Domain=d Code=-1 \"Error -1 of d.\"}}",
+            "an error behind it"},
+       }) {
+    SCOPED_TRACE(why);
+    const auto error = make<NSError>(NSCocoaErrorDomain, 4864, userInfo);
+    EXPECT_EQ(utf8(*error->localizedDescription()), localized);
+    EXPECT_EQ(utf8(*error->description()), description);
   }
   EXPECT_EQ(utf8(*make<LateError>()->description()),
             "Error Domain=late Code=7 \"too late\" UserInfo={NSLocalizedDescription=too late}");

@@ -33,25 +33,21 @@ TEST_F(Observed, SettersTellWhatWasAndWhatIs) {
 }
 
 TEST_F(Observed, OptionsSayWhatTheChangeHolds) {
-  const struct {
-    std::uint64_t options;
-    const char* told;
-  } rows[] = {
-      {0, "title 1 ->-"},
-      {kNew, "title 1 ->b"},
-      {kOld, "title 1 a>-"},
-      {kBoth, "title 1 a>b"},
-      {kInitial, "title 1 ->-, title 1 ->-"},
-      {kInitial | kBoth, "title 1 ->a, title 1 a>b"},
-      {kPrior, "title 1 ->- prior, title 1 ->-"},
-      {kPrior | kBoth, "title 1 a>- prior, title 1 a>b"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.options);
+  for (const auto& [options, told] : Rows<std::uint64_t, const char*>{
+           {0, "title 1 ->-"},
+           {kNew, "title 1 ->b"},
+           {kOld, "title 1 a>-"},
+           {kBoth, "title 1 a>b"},
+           {kInitial, "title 1 ->-, title 1 ->-"},
+           {kInitial | kBoth, "title 1 ->a, title 1 a>b"},
+           {kPrior, "title 1 ->- prior, title 1 ->-"},
+           {kPrior | kBoth, "title 1 a>- prior, title 1 a>b"},
+       }) {
+    SCOPED_TRACE(options);
     send<"setTitle:">(station, s("a"));
-    watch("title", row.options);
+    watch("title", options);
     send<"setTitle:">(station, s("b"));
-    EXPECT_EQ(watcher->take(), row.told);
+    EXPECT_EQ(watcher->take(), told);
     unwatch("title");
   }
   send<"setTitle:">(station, nullptr);

@@ -87,48 +87,40 @@ TEST(Calendar, ClampsWhatNoCalendarReaches) {
 }
 
 TEST(Calendar, CountsDaysByTheirNumbersAndMinutesByTheirSeconds) {
-  const struct {
-    const char* zone;
-    double from, to;
-    std::int64_t days, minutes;
-    const char* why;
-  } rows[] = {
-      {"America/New_York", 1710046800, 1710129600, 1, 1380, "23 hours"},
-      {"America/Sao_Paulo", 1541383200, 1541300400, -1, -1380, "and back"},
-      {"Africa/Cairo", 1682629200, 1682712000, 1, 1380, "no midnight"},
-      {"Pacific/Apia", 1325188800, 1325275200, 2, 1440, "a day skipped"},
-      {"GMT", -12219379200, -12219292800, 1, 1440, "ten dates skipped, no day"},
-      {"GMT", 86399, 86401, 1, 0, "over midnight"},
-      {"GMT", 60.0005, 0, 0, -1, "a minute and a little, backwards"},
-      {"GMT", 0, -59, -1, 0, "not yet a minute, backwards"},
-      {"GMT", 0, 59.9995, 0, 0, "half a millisecond short"},
-      {"GMT", -1e-5, 59.99998, 1, 0, "20 microseconds short, over midnight"},
-      {"GMT", 1073741800.001, 1073741860.001, 0, 1, "fractions are held differently on either side of 2^30 seconds"},
-      {"GMT", 1073741860.001, 1073741800.001, 0, -1, "the same backwards"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(in(row.zone).days(at(row.from), at(row.to)), row.days);
-    EXPECT_EQ(in(row.zone).minutes(at(row.from), at(row.to)), row.minutes);
+  for (const auto& [zone, from, to, days, minutes, why] :
+       Rows<const char*, double, double, std::int64_t, std::int64_t, const char*>{
+           {"America/New_York", 1710046800, 1710129600, 1, 1380, "23 hours"},
+           {"America/Sao_Paulo", 1541383200, 1541300400, -1, -1380, "and back"},
+           {"Africa/Cairo", 1682629200, 1682712000, 1, 1380, "no midnight"},
+           {"Pacific/Apia", 1325188800, 1325275200, 2, 1440, "a day skipped"},
+           {"GMT", -12219379200, -12219292800, 1, 1440, "ten dates skipped, no day"},
+           {"GMT", 86399, 86401, 1, 0, "over midnight"},
+           {"GMT", 60.0005, 0, 0, -1, "a minute and a little, backwards"},
+           {"GMT", 0, -59, -1, 0, "not yet a minute, backwards"},
+           {"GMT", 0, 59.9995, 0, 0, "half a millisecond short"},
+           {"GMT", -1e-5, 59.99998, 1, 0, "20 microseconds short, over midnight"},
+           {"GMT", 1073741800.001, 1073741860.001, 0, 1,
+            "fractions are held differently on either side of 2^30 seconds"},
+           {"GMT", 1073741860.001, 1073741800.001, 0, -1, "the same backwards"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(in(zone).days(at(from), at(to)), days);
+    EXPECT_EQ(in(zone).minutes(at(from), at(to)), minutes);
   }
 }
 
 TEST(Calendar, KnowsTheMonthsOfEachSystem) {
-  const struct {
-    const char* locale;
-    MonthAndDay expected;
-  } rows[] = {
-      {"en_US", {3, 14}},
-      {"th_TH", {3, 14}},
-      {"fa_IR", {12, 24}},
-      {"ar_SA", {9, 4}},
-      {"en_US@calendar=hebrew", {7, 4}},
-      {"en-US-u-ca-japanese", {3, 14}},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.locale);
-    const PinnedEnvironment environment("UTC", row.locale);
-    EXPECT_EQ(Calendar::current().monthAndDay(at(1710374400)), row.expected);
+  for (const auto& [locale, expected] : Rows<const char*, MonthAndDay>{
+           {"en_US", {3, 14}},
+           {"th_TH", {3, 14}},
+           {"fa_IR", {12, 24}},
+           {"ar_SA", {9, 4}},
+           {"en_US@calendar=hebrew", {7, 4}},
+           {"en-US-u-ca-japanese", {3, 14}},
+       }) {
+    SCOPED_TRACE(locale);
+    const PinnedEnvironment environment("UTC", locale);
+    EXPECT_EQ(Calendar::current().monthAndDay(at(1710374400)), expected);
   }
 }
 

@@ -109,29 +109,25 @@ TEST(DateFormat, WritesByItsOwnStepsWhatIcuWrites) {
 
 TEST(DateFormat, ReadsWhatFollowsThePattern) {
   constexpr const char* kMinutes = "yyyy-MM-dd HH:mm";
-  const struct {
-    const char *pattern, *zone, *text;
-    std::optional<Date> date;
-    const char* why;
-  } rows[] = {
-      {kHttp, "GMT", "Tue, 05 Mar 2024 14:30:00 GMT", at(1709649000), "as written"},
-      {kHttp, "GMT", "tue, 05 mar 2024 14:30:00 gmt", at(1709649000), "any case"},
-      {kHttp, "GMT", "Tue, 05 Mar 2024 09:30:00 EST", at(1709649000), "the zone in the text"},
-      {kHttp, "GMT", "Tue, 35 Mar 2024 14:30:00 GMT", std::nullopt, "a day that no month has"},
-      {kHttp, "GMT", "Fri, 30 Feb 2024 14:30:00 GMT", std::nullopt, "a day that February lacks"},
-      {kHttp, "GMT", "Tue, 05 Mar 2024 14:30:00 GMT, or so", std::nullopt, "text behind"},
-      {kHttp, "GMT", "Tue, 05 Mar 2024 14:30:00", std::nullopt, "no zone"},
-      {kHttp, "GMT", "", std::nullopt, "empty"},
-      {kHttp, "GMT", "\xff\xfe, 05 Mar", std::nullopt, "not UTF-8"},
-      {kMinutes, "America/New_York", "2024-07-05 10:30", at(1720189800), "a wall clock"},
-      {kMinutes, "America/New_York", "2024-03-10 02:30", std::nullopt, "the clock never showed it"},
-      {kMinutes, "America/New_York", "2024-11-03 01:30", at(1730615400), "twice: the second"},
-      {kMinutes, "Africa/Cairo", "2024-07-05 17:30", at(1720189800), "rules that are younger than ICU's own"},
-      {"yyyy-MM-dd HH:mm VV", "GMT", "2024-07-05 17:30 Africa/Cairo", at(1720189800), "of a zone in the text"},
-      {"HH:mm", "GMT", "14:30", at(52200), "on the first day of 1970"},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(format(row.pattern, "C", row.zone).date(row.text), row.date) << row.why;
+  for (const auto& [pattern, zone, text, date, why] :
+       Rows<const char*, const char*, const char*, std::optional<Date>, const char*>{
+           {kHttp, "GMT", "Tue, 05 Mar 2024 14:30:00 GMT", at(1709649000), "as written"},
+           {kHttp, "GMT", "tue, 05 mar 2024 14:30:00 gmt", at(1709649000), "any case"},
+           {kHttp, "GMT", "Tue, 05 Mar 2024 09:30:00 EST", at(1709649000), "the zone in the text"},
+           {kHttp, "GMT", "Tue, 35 Mar 2024 14:30:00 GMT", std::nullopt, "a day that no month has"},
+           {kHttp, "GMT", "Fri, 30 Feb 2024 14:30:00 GMT", std::nullopt, "a day that February lacks"},
+           {kHttp, "GMT", "Tue, 05 Mar 2024 14:30:00 GMT, or so", std::nullopt, "text behind"},
+           {kHttp, "GMT", "Tue, 05 Mar 2024 14:30:00", std::nullopt, "no zone"},
+           {kHttp, "GMT", "", std::nullopt, "empty"},
+           {kHttp, "GMT", "\xff\xfe, 05 Mar", std::nullopt, "not UTF-8"},
+           {kMinutes, "America/New_York", "2024-07-05 10:30", at(1720189800), "a wall clock"},
+           {kMinutes, "America/New_York", "2024-03-10 02:30", std::nullopt, "the clock never showed it"},
+           {kMinutes, "America/New_York", "2024-11-03 01:30", at(1730615400), "twice: the second"},
+           {kMinutes, "Africa/Cairo", "2024-07-05 17:30", at(1720189800), "rules that are younger than ICU's own"},
+           {"yyyy-MM-dd HH:mm VV", "GMT", "2024-07-05 17:30 Africa/Cairo", at(1720189800), "of a zone in the text"},
+           {"HH:mm", "GMT", "14:30", at(52200), "on the first day of 1970"},
+       }) {
+    EXPECT_EQ(format(pattern, "C", zone).date(text), date) << why;
   }
 }
 

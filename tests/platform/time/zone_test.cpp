@@ -146,21 +146,17 @@ class SystemZone : public ::testing::Test {
 };
 
 TEST_F(SystemZone, IsWhatTheLinkNames) {
-  const struct {
-    fs::path target;
-    const char *name, *why;
-  } rows[] = {
-      {kZones / "Europe/Paris", "Europe/Paris", "a link"},
-      {kZones / "US/Pacific", "US/Pacific", "a link to a zone that is a link"},
-      {kZones / "Etc/UTC", "GMT", "UTC"},
-      {"localtime", "GMT", "a link to itself"},
-      {"/dev/null", "GMT", "a link to a device"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    relink(row.target);
+  for (const auto& [target, name, why] : Rows<fs::path, const char*, const char*>{
+           {kZones / "Europe/Paris", "Europe/Paris", "a link"},
+           {kZones / "US/Pacific", "US/Pacific", "a link to a zone that is a link"},
+           {kZones / "Etc/UTC", "GMT", "UTC"},
+           {"localtime", "GMT", "a link to itself"},
+           {"/dev/null", "GMT", "a link to a device"},
+       }) {
+    SCOPED_TRACE(why);
+    relink(target);
     resetSystemTimeZone();
-    EXPECT_EQ(TimeZone::current().name(), row.name);
+    EXPECT_EQ(TimeZone::current().name(), name);
   }
   fs::create_symlink(kZones / "Asia/Kolkata", folder_.path() / "second");
   relink("second");

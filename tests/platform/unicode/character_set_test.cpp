@@ -52,28 +52,24 @@ void expectFoundAsSlowly(Text text, const CharacterSet& set) {
 }
 
 TEST(CharacterSet, CategorySetsHoldWhatIcuSaysOfEveryCodePoint) {
-  const struct {
-    CharacterSet set;
-    const char16_t* pattern;
-  } rows[] = {
-      {CharacterSet::letters(), u"[[:L:][:M:]]"},
-      {CharacterSet::decimalDigits(), u"[:Nd:]"},
-      {CharacterSet::alphanumerics(), u"[[:L:][:M:][:N:]]"},
-      {CharacterSet::uppercaseLetters(), u"[[:Lu:][:Lt:]]"},
-      {CharacterSet::lowercaseLetters(), u"[:Ll:]"},
-      {CharacterSet::whitespaces(), u"[[:Zs:]\\u0009]"},
-      {CharacterSet::newlines(), u"[\\u000A-\\u000D\\u0085\\u2028\\u2029]"},
-      {CharacterSet::whitespacesAndNewlines(), u"[[:Z:]\\u0009-\\u000D\\u0085]"},
-  };
-  for (const auto& row : rows) {
+  for (const auto& [set, pattern] : Rows<CharacterSet, const char16_t*>{
+           {CharacterSet::letters(), u"[[:L:][:M:]]"},
+           {CharacterSet::decimalDigits(), u"[:Nd:]"},
+           {CharacterSet::alphanumerics(), u"[[:L:][:M:][:N:]]"},
+           {CharacterSet::uppercaseLetters(), u"[[:Lu:][:Lt:]]"},
+           {CharacterSet::lowercaseLetters(), u"[:Ll:]"},
+           {CharacterSet::whitespaces(), u"[[:Zs:]\\u0009]"},
+           {CharacterSet::newlines(), u"[\\u000A-\\u000D\\u0085\\u2028\\u2029]"},
+           {CharacterSet::whitespacesAndNewlines(), u"[[:Z:]\\u0009-\\u000D\\u0085]"},
+       }) {
     UErrorCode error = U_ZERO_ERROR;
-    const icu::UnicodeSet expected(row.pattern, error);
+    const icu::UnicodeSet expected(pattern, error);
     ASSERT_TRUE(U_SUCCESS(error));
-    SCOPED_TRACE(testing::PrintToString(std::u16string(row.pattern)));
-    const CharacterSet inverted = row.set.inverted();
+    SCOPED_TRACE(testing::PrintToString(std::u16string(pattern)));
+    const CharacterSet inverted = set.inverted();
     for (char32_t scalar = 0; scalar < 0x110000; ++scalar) {
       const bool member = isScalar(scalar) && expected.contains(static_cast<UChar32>(scalar));
-      ASSERT_EQ(row.set.contains(scalar), member) << std::hex << static_cast<std::uint32_t>(scalar);
+      ASSERT_EQ(set.contains(scalar), member) << std::hex << static_cast<std::uint32_t>(scalar);
       ASSERT_EQ(inverted.contains(scalar), isScalar(scalar) && !member)
           << std::hex << static_cast<std::uint32_t>(scalar);
     }
