@@ -10,7 +10,7 @@ COUNTED = re.compile(r"(tests|HavrinFoundation)/(?:.*/)?(?:CMakeLists\.txt|[^/]+
 COMMENT = re.compile(r"\s*(?://|$)")
 SCRIPT_COMMENT = re.compile(r"\s*(?:#|$)")
 GOAL = 0.33
-LIMIT = 0.342  # the present share, rounded up; GOAL when that is reached
+LIMIT = 0.335  # the present share, rounded up; GOAL when that is reached
 
 
 def check(tree):
