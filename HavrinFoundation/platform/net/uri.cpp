@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/net/uri.h>
 
+#include <HavrinFoundation/platform/base/ascii.h>
 #include <HavrinFoundation/platform/base/hex_digits.h>
 #include <HavrinFoundation/platform/net/percent_encoding.h>
 
@@ -45,8 +46,6 @@ bool noneRefused(std::string_view text) noexcept {
   return (halves[0] | halves[1]) == 0;
 }
 
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 bool isHexDigit(char c) noexcept { return hexValue(c) != kNoDigit; }
 
 bool escapesAreWhole(std::string_view text) noexcept {
@@ -57,8 +56,8 @@ bool escapesAreWhole(std::string_view text) noexcept {
 }
 
 bool isScheme(std::string_view text) noexcept {
-  return isLetter(text[0]) && std::all_of(text.begin(), text.end(), [](char c) {
-           return isLetter(c) || isDigit(c) || c == '+' || c == '-' || c == '.';
+  return isAsciiLetter(text[0]) && std::all_of(text.begin(), text.end(), [](char c) {
+           return isAsciiLetter(c) || isAsciiDigit(c) || c == '+' || c == '-' || c == '.';
          });
 }
 
@@ -66,7 +65,8 @@ bool isIPv4(std::string_view text) noexcept {
   for (int octet = 0; octet < 4; ++octet) {
     std::size_t length = 0;
     int value = 0;
-    while (length < text.size() && length < 3 && isDigit(text[length])) value = value * 10 + (text[length++] - '0');
+    while (length < text.size() && length < 3 && isAsciiDigit(text[length]))
+      value = value * 10 + (text[length++] - '0');
     if (length == 0 || value > 255 || (length > 1 && text[0] == '0')) return false;
     text.remove_prefix(length);
     if (octet == 3) return text.empty();
@@ -130,7 +130,7 @@ bool isAuthority(std::string_view text) noexcept {
     if (!noneRefused(host) || host.find('@') != host.npos) return false;
     text.remove_prefix(host.size());
   }
-  return text.empty() || (text[0] == ':' && std::all_of(text.begin() + 1, text.end(), isDigit));
+  return text.empty() || (text[0] == ':' && std::all_of(text.begin() + 1, text.end(), isAsciiDigit));
 }
 
 // RFC 3986, 5.2.4, onto the end of `result`.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/time/pattern_writer.h>
 
+#include <HavrinFoundation/platform/base/ascii.h>
 #include <HavrinFoundation/platform/time/civil.h>
 #include <HavrinFoundation/platform/time/icu_format.h>
 
@@ -154,8 +155,6 @@ std::optional<Part> fieldPart(char letter, int letters, Words& words, const Cale
   return std::nullopt;
 }
 
-bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
-
 /// The text that the apostrophe at `position` begins: one apostrophe for two of them, else the text between it and the
 /// next single one; moves `position` behind it. None where the text never ends.
 std::optional<std::string> quoted(std::string_view pattern, std::size_t& position) {
@@ -246,7 +245,7 @@ std::optional<PatternWriter> PatternWriter::compile(std::string_view givenPatter
       const std::optional<std::string> text = quoted(pattern, i);
       if (!text) return std::nullopt;
       pending += *text;
-    } else if (!isLetter(pattern[i])) {
+    } else if (!isAsciiLetter(pattern[i])) {
       pending += pattern[i++];
     } else {
       const std::size_t end = std::min(pattern.find_first_not_of(pattern[i], i), pattern.size());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/time/zone_rules.h>
 
+#include <HavrinFoundation/platform/base/ascii.h>
+
 #include <cctz/time_zone.h>
 
 #include <algorithm>
@@ -55,15 +57,13 @@ class FooterReader {
     text_.remove_prefix(1);
     return true;
   }
-  static bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-  static bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
   bool name() {
     const bool quoted = take('<');
     std::size_t length = 0;
     while (length < text_.size() &&
-           (isLetter(text_[length]) ||
-            (quoted && (isDigit(text_[length]) || text_[length] == '+' || text_[length] == '-'))))
+           (isAsciiLetter(text_[length]) ||
+            (quoted && (isAsciiDigit(text_[length]) || text_[length] == '+' || text_[length] == '-'))))
       ++length;
     text_.remove_prefix(length);
     return length >= 3 && (!quoted || take('>'));
@@ -72,7 +72,7 @@ class FooterReader {
   bool number(int least, int most) {
     int value = 0;
     std::size_t digits = 0;
-    for (; digits < text_.size() && digits < 4 && isDigit(text_[digits]); ++digits)
+    for (; digits < text_.size() && digits < 4 && isAsciiDigit(text_[digits]); ++digits)
       value = 10 * value + text_[digits] - '0';
     text_.remove_prefix(digits);
     return digits != 0 && value >= least && value <= most;
