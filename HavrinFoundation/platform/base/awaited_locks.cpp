@@ -30,7 +30,7 @@ pid_t threadNumbered(std::uint32_t number) {
   return number < threads.size() ? threads[number].load(std::memory_order_relaxed) : 0;
 }
 
-void describe(std::string& text) {
+void describeAwaitedLocks(std::string& text) {
   for (const AwaitedLock& entry : entries) {
     const void* lock = entry.lock.load(std::memory_order_acquire);
     if (lock == nullptr) continue;
@@ -43,7 +43,7 @@ void describe(std::string& text) {
 
 }  // namespace
 
-constinit const DiagnosticsSection kAwaitedLocksSection{"awaited locks", describe};
+constinit const DiagnosticsSection kAwaitedLocksSection{"awaited locks", describeAwaitedLocks};
 
 void noteLockingThread(std::uint32_t number) {
   if (number < threads.size()) threads[number].store(gettid(), std::memory_order_relaxed);

@@ -32,7 +32,7 @@ void describeQueue(std::string& text, QueueState& queue) {
   text.append(std::to_string(queue.waiting())).append(" waiting\n");
 }
 
-void describe(std::string& text) {
+void describeQueues(std::string& text) {
   describeQueue(text, MainQueueState::shared());
   describeQueue(text, WorkerPool::shared());
   Registry& registry = Registry::shared();
@@ -43,7 +43,7 @@ void describe(std::string& text) {
 }  // namespace
 
 extern const DiagnosticsSection kQueuesSection;
-constinit const DiagnosticsSection kQueuesSection{"queues", describe};
+constinit const DiagnosticsSection kQueuesSection{"queues", describeQueues};
 
 CreatedQueueState::CreatedQueueState(std::string_view label, dispatch_queue_attr_t attribute,
                                      const DispatchQueue& target)

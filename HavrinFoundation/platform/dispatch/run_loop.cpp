@@ -60,7 +60,7 @@ RunLoopState& mainLoop() {
   return *loop;
 }
 
-void describe(std::string& text) {
+void describeDelayedWork(std::string& text) {
   Registry& registry = Registry::shared();
   UnfairLockGuard guard(registry.lock);
   for (RunLoopState* loop : registry.loops) describeLoop(text, *loop, loop == ofThisThread);
@@ -69,7 +69,7 @@ void describe(std::string& text) {
 }  // namespace
 
 extern const DiagnosticsSection kDelayedWorkSection;
-constinit const DiagnosticsSection kDelayedWorkSection{"delayed work", describe};
+constinit const DiagnosticsSection kDelayedWorkSection{"delayed work", describeDelayedWork};
 
 RunLoopState::RunLoopState(Kind kind)
     : isMain_(kind == Kind::kMain),

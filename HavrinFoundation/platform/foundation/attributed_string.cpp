@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 
+#include <HavrinFoundation/platform/foundation/range_end.h>
 #include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/exception.h>
 
@@ -17,8 +18,6 @@ Strong<NSDictionary> copied(NSDictionary* attributes) {
   if (!attributes) return makeDictionary({});
   return cast<NSDictionary>(static_cast<NSObject*>(attributes->copy()));
 }
-
-std::uint64_t endOf(NSRange range) { return range.location + range.length; }
 
 // The text that cannot change any more: of many attributed strings perhaps the same one.
 Strong<NSString> immutable(NSString& string) {

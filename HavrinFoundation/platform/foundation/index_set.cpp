@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/foundation/index_set.h>
 
+#include <HavrinFoundation/platform/foundation/range_end.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/string.h>
 
@@ -12,8 +13,6 @@ namespace havrin {
 inline namespace platform {
 
 namespace {
-
-std::uint64_t endOf(const NSRange& range) { return range.location + range.length; }
 
 // The first of ascending ranges that ends beyond `index`: the one that holds it, or the next.
 std::span<const NSRange>::iterator rangeAt(std::span<const NSRange> ranges, std::uint64_t index) {

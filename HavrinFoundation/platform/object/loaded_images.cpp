@@ -68,7 +68,7 @@ void diagnoseImage(const Image& image, const std::vector<Image>& earlier, std::v
   });
 }
 
-void describe(std::string& text) {
+void describeImages(std::string& text) {
   Images& images = Images::shared();
   std::vector<Image> loaded;
   {
@@ -87,7 +87,7 @@ void describe(std::string& text) {
 }  // namespace
 
 extern const DiagnosticsSection kImagesSection;
-constinit const DiagnosticsSection kImagesSection{"images", describe};
+constinit const DiagnosticsSection kImagesSection{"images", describeImages};
 
 void noteImage(const Image& image) {
   Images& images = Images::shared();

@@ -167,7 +167,7 @@ std::string lineOf(const Watch& watch) {
 }
 
 // Headers may be read under a bucket's lock, and those of observers while their registrations are.
-void describe(std::string& text) {
+void describeObservers(std::string& text) {
   std::vector<std::string> lines;
   for (const std::atomic<Page*>& place : pages) {
     Page* page = place.load(std::memory_order_acquire);
@@ -186,7 +186,7 @@ void describe(std::string& text) {
 }  // namespace
 
 extern const DiagnosticsSection kObserversSection;
-constinit const DiagnosticsSection kObserversSection{"observers", describe};
+constinit const DiagnosticsSection kObserversSection{"observers", describeObservers};
 
 WatchBucket& WatchBucket::of(const NSObject* object) {
   const std::uint64_t spread = reinterpret_cast<std::uintptr_t>(object) * 0x9E37'79B9'7F4A'7C15U;
