@@ -317,7 +317,7 @@ Strong<Registration> endRegistration(const NSObject& object, const NSObject* obs
         !one.path.text().isEqual(&path.text()) || !one.isActive.exchange(false, std::memory_order_acq_rel)) {
       continue;
     }
-    const Strong<Registration> ended(&one);
+    Strong<Registration> ended(&one);
     if (one.isSimple) bucket.remove(*watch, watcher);
     bucket.reclaim(unreachable);
     return ended;
