@@ -68,7 +68,8 @@ PropertyList::PropertyList(PropertyList&& other) noexcept : kind_(other.kind_), 
 }
 PropertyList& PropertyList::operator=(PropertyList other) noexcept {
   std::destroy_at(this);
-  return *std::construct_at(this, std::move(other));
+  std::construct_at(this, std::move(other));
+  return *this;
 }
 PropertyList::~PropertyList() {
   if (!hasPart()) return;
