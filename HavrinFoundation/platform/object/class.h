@@ -206,7 +206,10 @@ template <class Type>
 [[nodiscard]] ClassObject* classObject() {
   if (ClassObject* cls = classCache<Type>.load(std::memory_order_acquire)) [[likely]]
     return cls;
-  return buildClass<Type>();
+  // Stored here and not by buildClass(), which may be the library's: each image has a cache of its own.
+  ClassObject* cls = buildClass<Type>();
+  classCache<Type>.store(cls, std::memory_order_release);
+  return cls;
 }
 
 template <class Type>

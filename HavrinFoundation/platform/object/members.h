@@ -270,9 +270,7 @@ ClassObject* buildClass() {
   ClassObject* superclass = nullptr;
   if constexpr (!std::is_void_v<typename ValueType::Superclass>)
     superclass = classObject<typename ValueType::Superclass>();
-  ClassObject* cls = ClassObject::build(describeClass<ValueType>(superclass));
-  classCache<ValueType>.store(cls, std::memory_order_release);
-  return cls;
+  return ClassObject::build(describeClass<ValueType>(superclass));
 }
 
 }  // namespace platform
