@@ -3,7 +3,7 @@
 
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/category.h>
-#include <HavrinFoundation/platform/observing/key_value_coding.h>
+#include <HavrinFoundation/platform/observing/key_rows.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 #include <utility>
@@ -15,10 +15,7 @@ namespace {
 
 using Values = NSKeyValueChangeDictionary::Values;
 
-Strong<NSObject> orNull(Strong<NSObject> value) {
-  if (!value) return NSNull::null();
-  return value;
-}
+KeyedValue orNull(KeyedValue value) { return value ? std::move(value) : KeyedValue(NSNull::null()); }
 
 // Every observer receives the same, and asks for nothing that would have to be read.
 void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
@@ -102,13 +99,13 @@ void Change::readOld() {
     }
     Strong<NSObject> root = registration.root.lock();
     if (!root) continue;
-    Strong<NSObject> old = wantsOld ? oldValue(*root, registration.path.text(), kindFor(watcher)) : nullptr;
+    KeyedValue old = wantsOld ? oldValue(*root, registration.path.text(), kindFor(watcher)) : nullptr;
     indirect_.push_back({&watcher, std::move(root), std::move(old)});
   }
 }
 
 void Change::tellPrior() {
-  const auto before = [&](const Watcher& watcher, NSObject& root, const Strong<NSObject>& old) {
+  const auto before = [&](const Watcher& watcher, NSObject& root, const KeyedValue& old) {
     Registration& registration = *watcher.registration;
     if (!registration.wants(NSKeyValueObservingOptionPrior) || !watcher.counts()) return;
     const NSKeyValueChange kind = kindFor(watcher);
@@ -156,26 +153,29 @@ NSDictionary* Change::directChange(std::uint64_t options) {
   const bool wantsNew = (options & NSKeyValueObservingOptionNew) != 0;
   const bool wantsOld = (options & NSKeyValueObservingOptionOld) != 0;
   if (wantsNew && !new_) new_ = newValue(object_, key_, kind_);
+  // A single dictionary takes the values; several share them.
+  const auto give = [this](KeyedValue& value) { return watchers_.size() == 1 ? std::move(value) : value; };
   made = make<NSKeyValueChangeDictionary>(Values{.kind = kind_,
                                                  .prior = false,
-                                                 .newValue = wantsNew ? new_ : nullptr,
-                                                 .oldValue = wantsOld ? old_ : nullptr,
+                                                 .newValue = wantsNew ? give(new_) : nullptr,
+                                                 .oldValue = wantsOld ? give(old_) : nullptr,
                                                  .indexes = indexes_});
   return made;
 }
 
-Strong<NSObject> Change::read(NSObject& from, NSString& path, NSKeyValueChange kind) const {
-  Strong<NSObject> value = send<"valueForKeyPath:">(from, &path);
+KeyedValue Change::read(NSObject& from, NSString& path, NSKeyValueChange kind) const {
+  KeyedValue value = readPath(from, path);
   if (kind == NSKeyValueChange::setting) return orNull(std::move(value));
-  const auto* array = cast<NSArray>(value.get());
-  return array && indexes_ ? Strong<NSObject>(array->objectsAtIndexes(indexes_)) : nullptr;
+  const Strong<NSObject> whole = value.object();
+  const auto* array = cast<NSArray>(whole.get());
+  return array && indexes_ ? KeyedValue(array->objectsAtIndexes(indexes_)) : nullptr;
 }
 
-Strong<NSObject> Change::oldValue(NSObject& from, NSString& path, NSKeyValueChange kind) const {
+KeyedValue Change::oldValue(NSObject& from, NSString& path, NSKeyValueChange kind) const {
   return kind == NSKeyValueChange::insertion ? nullptr : read(from, path, kind);
 }
 
-Strong<NSObject> Change::newValue(NSObject& from, NSString& path, NSKeyValueChange kind) const {
+KeyedValue Change::newValue(NSObject& from, NSString& path, NSKeyValueChange kind) const {
   return kind == NSKeyValueChange::removal ? nullptr : read(from, path, kind);
 }
 

@@ -39,7 +39,7 @@ class Change {
   struct Indirect {
     const Watcher* watcher;
     Strong<NSObject> root;
-    Strong<NSObject> old;
+    KeyedValue old;
   };
 
   void readOld();
@@ -47,9 +47,9 @@ class Change {
   [[nodiscard]] NSKeyValueChange kindFor(const Watcher& watcher) const {
     return watcher.isEnd ? kind_ : NSKeyValueChange::setting;
   }
-  [[nodiscard]] Strong<NSObject> read(NSObject& from, NSString& path, NSKeyValueChange kind) const;
-  [[nodiscard]] Strong<NSObject> oldValue(NSObject& from, NSString& path, NSKeyValueChange kind) const;
-  [[nodiscard]] Strong<NSObject> newValue(NSObject& from, NSString& path, NSKeyValueChange kind) const;
+  [[nodiscard]] KeyedValue read(NSObject& from, NSString& path, NSKeyValueChange kind) const;
+  [[nodiscard]] KeyedValue oldValue(NSObject& from, NSString& path, NSKeyValueChange kind) const;
+  [[nodiscard]] KeyedValue newValue(NSObject& from, NSString& path, NSKeyValueChange kind) const;
   NSDictionary* directChange(std::uint64_t options);
 
   NSObject& object_;
@@ -57,8 +57,8 @@ class Change {
   const std::span<const Watcher> watchers_;
   const NSKeyValueChange kind_;
   const Strong<NSIndexSet> indexes_;
-  Strong<NSObject> old_;  // under the key itself, when somebody asks for it
-  Strong<NSObject> new_;
+  KeyedValue old_;  // under the key itself, when somebody asks for it
+  KeyedValue new_;
   bool hasPrior_ = false;
   std::array<Strong<NSDictionary>, 4> direct_;  // the dictionaries of simple registrations, by New and Old
   std::vector<Indirect> indirect_;

@@ -17,13 +17,13 @@ constinit const LazyString NSKeyValueChangeNotificationIsPriorKey{"notificationI
 namespace {
 
 // Never destroyed.
-const Strong<NSObject>& kindNumber(NSKeyValueChange kind) {
+const KeyedValue& kindNumber(NSKeyValueChange kind) {
   static const auto* const kNumbers =
-      new std::array<Strong<NSObject>, 5>{makeNumber(0), makeNumber(1), makeNumber(2), makeNumber(3), makeNumber(4)};
+      new std::array<KeyedValue, 5>{makeNumber(0), makeNumber(1), makeNumber(2), makeNumber(3), makeNumber(4)};
   return (*kNumbers)[static_cast<std::size_t>(kind)];
 }
-const Strong<NSObject>& yes() {
-  static const auto* const kYes = new Strong<NSObject>(makeNumber(true));
+const KeyedValue& yes() {
+  static const auto* const kYes = new KeyedValue(makeNumber(true));
   return *kYes;
 }
 
@@ -43,7 +43,7 @@ bool NSKeyValueChangeDictionary::any(Body body) const {
 
 std::uint64_t NSKeyValueChangeDictionary::count() const {
   std::uint64_t count = 0;
-  any([&](NSString*, const Strong<NSObject>&) {
+  any([&](NSString*, const KeyedValue&) {
     ++count;
     return false;
   });
@@ -52,15 +52,21 @@ std::uint64_t NSKeyValueChangeDictionary::count() const {
 
 Strong<NSObject> NSKeyValueChangeDictionary::objectForKey(const NSObject* key) const {
   Strong<NSObject> found;
-  if (any([&](NSString* own, const Strong<NSObject>& value) { return own == key && (found = value); })) return found;
-  if (!isKind<NSString>(key)) return nullptr;
-  any([&](NSString* own, const Strong<NSObject>& value) { return own->isEqual(key) && (found = value); });
+  const auto findWhere = [&](auto matches) {
+    return any([&](NSString* own, const KeyedValue& value) {
+      if (!matches(own)) return false;
+      found = value.object();
+      return true;
+    });
+  };
+  if (findWhere([&](NSString* own) { return own == key; }) || !isKind<NSString>(key)) return found;
+  findWhere([&](NSString* own) { return own->isEqual(key); });
   return found;
 }
 
 Strong<NSArray> NSKeyValueChangeDictionary::allKeys() const {
   ArrayBuilder keys(6);
-  any([&](NSString* key, const Strong<NSObject>&) {
+  any([&](NSString* key, const KeyedValue&) {
     keys.add(key);
     return false;
   });
@@ -69,8 +75,8 @@ Strong<NSArray> NSKeyValueChangeDictionary::allKeys() const {
 
 Strong<NSObject> NSKeyValueChangeDictionary::mutableCopy() const {
   auto copy = make<NSMutableDictionary>();
-  any([&](NSString* key, const Strong<NSObject>& value) {
-    copy->setObject(value, key);
+  any([&](NSString* key, const KeyedValue& value) {
+    copy->setObject(value.object(), key);
     return false;
   });
   return copy;

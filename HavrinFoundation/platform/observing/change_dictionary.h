@@ -10,21 +10,23 @@
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/foundation/dictionary.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
+#include <HavrinFoundation/platform/observing/keyed_value.h>
 
 #include <cstdint>
 
 namespace havrin {
 inline namespace platform {
 
-/// Immutable. Cost: one allocation, and a count for each value. Threads: any.
+/// Immutable. A value that a getter returned as a number is boxed at each look-up.
+/// Cost: one allocation, and a count for each value that is an object. Threads: any.
 class HAVRIN_EXPORT NSKeyValueChangeDictionary final : public Object<NSKeyValueChangeDictionary, NSDictionary> {
  public:
   struct Values {
     NSKeyValueChange kind = NSKeyValueChange::setting;
     bool prior = false;
-    Strong<NSObject> newValue;  // null: no such entry
-    Strong<NSObject> oldValue;
-    Strong<NSObject> indexes;
+    KeyedValue newValue;  // null: no such entry
+    KeyedValue oldValue;
+    KeyedValue indexes;
   };
   explicit NSKeyValueChangeDictionary(Values values) noexcept : values_(std::move(values)) {}
   ~NSKeyValueChangeDictionary() override;
@@ -47,7 +49,7 @@ class HAVRIN_EXPORT NSKeyValueChangeDictionary final : public Object<NSKeyValueC
 
   Values values_;
   NSString* extraKey_ = nullptr;
-  Strong<NSObject> extraValue_;
+  KeyedValue extraValue_;
 };
 
 }  // namespace platform

@@ -6,9 +6,10 @@
 
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -59,10 +60,22 @@ class ClassKeyCache {
     Entry* next = nullptr;
   };
 
+  // Keys are short: their length and both ends tell most of them apart, and a comparison follows in any case.
+  static std::uint64_t mixed(std::string_view key) {
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    if (key.size() >= sizeof first) {
+      std::memcpy(&first, key.data(), sizeof first);
+      std::memcpy(&last, key.data() + key.size() - sizeof last, sizeof last);
+    } else {
+      for (const char unit : key) first = first << 8 | static_cast<unsigned char>(unit);
+    }
+    return (first ^ std::rotl(last, 29) ^ key.size()) * 0x9E37'79B9'7F4A'7C15U;
+  }
   std::atomic<Entry*>& chainOf(const ClassObject& cls, std::string_view key) {
     // Class objects are far apart: the bits above their tables differ.
-    const std::size_t hash = std::hash<std::string_view>()(key) ^ (reinterpret_cast<std::uintptr_t>(&cls) >> 12);
-    return chains_[hash % chains_.size()];
+    const std::uint64_t hash = mixed(key) + (reinterpret_cast<std::uintptr_t>(&cls) >> 12) * 0xD6E8'FEB8'6659'FD93U;
+    return chains_[hash >> 54];
   }
 
   std::array<std::atomic<Entry*>, 1024> chains_{};

@@ -5,6 +5,7 @@
 #include <HavrinFoundation/platform/object/boxing.h>
 #include <HavrinFoundation/platform/object/protocol.h>
 #include <HavrinFoundation/platform/observing/class_key_cache.h>
+#include <HavrinFoundation/platform/observing/key_value_coding.h>
 
 #include <array>
 #include <span>
@@ -29,6 +30,27 @@ std::array<std::string, 4> getterNames(std::string_view key) {
 }
 std::array<std::string, 2> setterNames(std::string_view key) { return {setterName(key), "_" + setterName(key)}; }
 
+using ReadNumber = decltype(KeyRows::readNumber);
+
+// The function that calls a getter of this type, if it is one that returns a number of the list.
+template <class... Numbers>
+ReadNumber readerOf(const std::type_info& type) {
+  ReadNumber found = nullptr;
+  const auto offer = [&](const std::type_info& candidate, ReadNumber read) {
+    if (detail::isSameType(type, candidate)) found = read;
+  };
+  (offer(typeid(Numbers()),
+         [](Implementation getter, NSObject* self) {
+           return KeyedValue::number(reinterpret_cast<Numbers (*)(NSObject*)>(getter)(self));
+         }),
+   ...);
+  return found;
+}
+
+bool isLeftToRoot(const ClassObject& cls, Selector selector) {
+  return cls.row(selector) == classObject<NSObject>()->row(selector);
+}
+
 KeyRows findRows(const ClassObject& cls, std::string_view key) {
   KeyRows rows;
   for (const std::string& name : getterNames(key)) {
@@ -39,6 +61,9 @@ KeyRows findRows(const ClassObject& cls, std::string_view key) {
     rows.setter = callableRow(cls, name, 1);
     if (rows.setter) break;
   }
+  if (rows.getter)
+    rows.readNumber = readerOf<bool, int, std::int64_t, std::uint64_t, double>(*rows.getter->signature->type);
+  rows.isLeftToRoot = isLeftToRoot(cls, selector<"valueForKey:">) && isLeftToRoot(cls, selector<"valueForKeyPath:">);
   return rows;
 }
 
@@ -72,6 +97,14 @@ KeyRows rowsForKey(const ClassObject& shown, std::string_view key) {
   const KeyRows rows = findRows(shown, key);
   if (rows.getter || rows.setter) rowsCache().keep(shown, key, changes, rows);
   return rows;
+}
+
+KeyedValue readPath(NSObject& self, NSString& path) {
+  const ClassObject& dispatch = *dispatchClass(&self);
+  const KeyRows rows = withText(path, [&](std::string_view text) { return rowsForKey(*dispatch.shown(), text); });
+  if (!rows.getter || !rows.isLeftToRoot) return send<"valueForKeyPath:">(self, &path);
+  const Implementation getter = dispatch.implementation(*rows.getter);
+  return rows.readNumber ? rows.readNumber(getter, &self) : rows.getter->signature->call(getter, &self, nullptr);
 }
 
 KeyRows unboxableRowsForKey(const ClassObject& shown, std::string_view key) {

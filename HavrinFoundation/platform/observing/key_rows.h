@@ -4,6 +4,7 @@
 
 #include <HavrinFoundation/platform/object/class.h>
 #include <HavrinFoundation/platform/object/string.h>
+#include <HavrinFoundation/platform/observing/keyed_value.h>
 
 #include <cstdint>
 #include <span>
@@ -17,6 +18,8 @@ inline namespace platform {
 struct KeyRows {
   const MethodRow* getter = nullptr;
   const MethodRow* setter = nullptr;
+  KeyedValue (*readNumber)(Implementation getter, NSObject* self) = nullptr;  // for a getter that returns a number
+  bool isLeftToRoot = false;  // neither `valueForKey:` nor `valueForKeyPath:` is overridden
   friend bool operator==(const KeyRows&, const KeyRows&) = default;
 };
 
@@ -24,6 +27,11 @@ struct KeyRows {
 /// change; keys that have no row are not kept, and no key makes a selector.
 /// Cost: a hash look-up. Threads: any.
 [[nodiscard]] KeyRows rowsForKey(const ClassObject& shown, std::string_view key);
+
+/// The value that `valueForKeyPath:` returns. For a path of one key it is read without a message, and a number stays a
+/// number, unless the class overrides how keys are read.
+/// Throws: what getters and overrides throw. The caller holds `self`.
+[[nodiscard]] KeyedValue readPath(NSObject& self, NSString& path);
 
 /// The rows that would answer `key` if their types could be boxed: for the text of an exception.
 [[nodiscard]] KeyRows unboxableRowsForKey(const ClassObject& shown, std::string_view key);

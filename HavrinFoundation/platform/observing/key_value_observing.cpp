@@ -80,7 +80,7 @@ void end(const NSObject& object, const NSObject* observer, NSString* keyPath, st
 void tellInitially(Registration& registration, NSObject& object) {
   NSKeyValueChangeDictionary::Values values;
   if (registration.wants(NSKeyValueObservingOptionNew)) {
-    values.newValue = send<"valueForKeyPath:">(object, &registration.path.text());
+    values.newValue = readPath(object, registration.path.text());
     if (!values.newValue) values.newValue = NSNull::null();
   }
   tell(registration, &object, make<NSKeyValueChangeDictionary>(std::move(values)));
