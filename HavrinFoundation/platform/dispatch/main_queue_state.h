@@ -29,9 +29,9 @@ class MainQueueState final : public QueueState {
  private:
   MainQueueState();
 
-  os_unfair_lock lock_;
+  alignas(64) os_unfair_lock lock_;
   WorkFifo pending_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
-  WorkFifo batch_;  // the main thread's own
+  alignas(64) WorkFifo batch_;  // the main thread's own
   bool draining_ = false;
 };
 

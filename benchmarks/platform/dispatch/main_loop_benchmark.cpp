@@ -3,6 +3,7 @@
 // to be run. "post/share" is what the poster spends; "post/run" posts from another thread until all has been run;
 // "post/asleep" wakes another thread, which posts to the loop that sleeps meanwhile. The times of the first two are those of the
 // whole batch, of 1000 posts and of 20000 by each producer.
+#include "benchmarks/second_thread.h"
 #include <HavrinFoundation/platform/base/clock.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
@@ -309,8 +310,5 @@ BENCHMARK(idleOurs)->Name("idle/five_seconds/ours")->Iterations(1)->UseRealTime(
 
 int main(int argc, char** argv) {
   QCoreApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  return 0;
+  return runBesideSecondThread(argc, argv);
 }
