@@ -5,6 +5,7 @@
 #include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/base/futex.h>
 #include <HavrinFoundation/platform/base/misuse.h>
+#include <HavrinFoundation/platform/base/spin.h>
 
 namespace havrin {
 inline namespace platform {
@@ -31,18 +32,10 @@ std::uint32_t numberOfThisThread() {
   return thisThread;
 }
 
-void pause() {
-#if defined(__x86_64__)
-  __builtin_ia32_pause();
-#else
-  asm volatile("" ::: "memory");
-#endif
-}
-
 // Gives up early when another thread sleeps already: to spin beside a sleeper only takes the lock from it.
 bool takeWhileSpinning(std::atomic_ref<std::uint32_t> word, std::uint32_t self) {
   for (const int pauses : kPauses) {
-    for (int i = 0; i < pauses; ++i) pause();
+    for (int i = 0; i < pauses; ++i) pauseProcessor();
     std::uint32_t seen = word.load(std::memory_order_relaxed);
     if (seen == 0) {
       if (word.compare_exchange_strong(seen, self, std::memory_order_acquire, std::memory_order_relaxed)) return true;

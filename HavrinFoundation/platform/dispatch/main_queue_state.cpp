@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/dispatch/main_queue_state.h>
 
+#include <HavrinFoundation/platform/base/spin.h>
 #include <HavrinFoundation/platform/dispatch/execution_frame.h>
 #include <HavrinFoundation/platform/dispatch/run_loop.h>
 
@@ -36,10 +37,21 @@ bool MainQueueState::canDrain() {
   return !pending_.empty();
 }
 
+// A loop that takes each closure as it comes meets its posters at the lock every time, and both wait for its memory.
+// After a small batch it leaves them a moment to themselves. Once nothing was found, there is nobody to wait for.
+void MainQueueState::gather() const {
+  constexpr std::size_t kSmall = 32;
+  constexpr int kPauses = 8;
+  if (lastBatch_ == 0 || lastBatch_ >= kSmall) return;
+  for (int i = 0; i < kPauses; ++i) pauseProcessor();
+}
+
 bool MainQueueState::drain() {
   if (draining_) return false;
+  gather();
   {
     UnfairLockGuard guard(lock_);
+    lastBatch_ = pending_.size();
     if (pending_.empty()) return false;
     pending_.swap(batch_);
   }

@@ -29,9 +29,13 @@ class MainQueueState final : public QueueState {
  private:
   MainQueueState();
 
+  void gather() const;
+
+  // What posters write, and what only the loop's thread does, on cache lines of their own.
   alignas(64) os_unfair_lock lock_;
   WorkFifo pending_ HAVRIN_THREAD_SAFETY(guarded_by(lock_));
-  alignas(64) WorkFifo batch_;  // the main thread's own
+  alignas(64) WorkFifo batch_;
+  std::size_t lastBatch_ = 0;  // how many closures the last drain found
   bool draining_ = false;
 };
 
