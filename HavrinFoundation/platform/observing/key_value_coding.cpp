@@ -23,8 +23,9 @@ KeyRows rowsOf(const NSObject& self, const NSString& key) {
   return withText(key, [shown](std::string_view text) { return rowsForKey(*shown, text); });
 }
 
-// Calls the row with what the receiver's class has for it. Holds nothing, as a send to the row does not.
+// Calls the row with what the receiver's class has for it. The method may drop the last reference to the receiver.
 Strong<NSObject> call(const MethodRow& row, NSObject& self, NSObject* const* arguments) {
+  const Strong<NSObject> hold(&self);
   return row.signature->call(dispatchClass(&self)->implementation(row), &self, arguments);
 }
 
@@ -63,7 +64,7 @@ void setValueForKey(NSObject& self, NSObject* value, NSString* key) {
   if (!row) return send<"setValue:forUndefinedKey:">(self, value, key);
   if (!value && !row->signature->takesNull) return send<"setNilValueForKey:">(self, key);
   // A number has been read before the setter runs.
-  const Strong<NSObject> hold(row->signature->takesNull ? value : nullptr);
+  const Strong<NSObject> holdValue(row->signature->takesNull ? value : nullptr);
   call(*row, self, &value);
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // A value under a key, as its getter returned it: an object, or a number that is boxed when somebody asks for the object.
 //
-//   KeyedValue(title).object()                 the title itself
-//   KeyedValue::number(88.5).object()          a new NSNumber at every call
+//   KeyedValue(title).object()                 "Nord": the same object
+//   KeyedValue::number(88.5).object()          NSNumber 88.5: a new one at each call
 //   KeyedValue().object()                      null
 //
-// Observers often ask for old and new values and read neither, or only one.
+// Observers often ask for both values of a change and read neither, or only one.
 #pragma once
 
 #include <HavrinFoundation/platform/object/boxing.h>
