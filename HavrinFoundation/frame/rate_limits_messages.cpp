@@ -29,6 +29,8 @@ bool responds(const NSObject& self, Selector message, std::string_view sent) {
 }
 
 void debounce(NSObject& self, Selector message, double delaySeconds) {
+  // Moving a deadline runs no code of the program but an override that is asked whether the receiver answers.
+  const Strong<NSObject> hold(dispatchClass(&self)->answersByRows() ? nullptr : &self);
   if (!responds(self, message, "h_debounce:delay:")) return;
   reperformSelectorAfterDelay(self, message, delaySeconds);
 }
@@ -70,7 +72,7 @@ void setThrottleTimestamps(NSObject& self, NSMutableDictionary* timestamps) {
   setAssociatedValue(self, selector<"h_throttleTimestamps">, timestamps);
 }
 
-constexpr MethodRow kRows[] = {row<NSObject, "h_debounce:delay:", debounce>(),
+constexpr MethodRow kRows[] = {unheldRow<NSObject, "h_debounce:delay:", debounce>(),
                                row<NSObject, "h_throttle:delay:", throttle>(), kTimestampsRow,
                                row<NSObject, "setH_throttleTimestamps:", setThrottleTimestamps>()};
 

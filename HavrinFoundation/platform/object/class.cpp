@@ -165,6 +165,7 @@ ClassObject* ClassObject::build(const ClassDescription& description) {
   meta->instance_ = cls;
   cls->hasRowsOfProgram_ = super && super->hasRowsOfProgram_;
   cls->isLeaf_.store(description.isLeaf && !cls->hasRowsOfProgram_, std::memory_order_relaxed);
+  cls->answersByRows_ = description.answersByRows;
   cls->create_ = description.create;
   cls->protocols_ = description.protocols;
   Runtime::insert(*cls, description.rows);
@@ -181,6 +182,7 @@ ClassObject* ClassObject::notifyingClass(const Notifications& notifications) {
   ClassObject* made = runtime.place(name_, this, dispatchClass(this));
   made->shown_ = this;
   made->notifications_ = &notifications;
+  made->answersByRows_ = answersByRows_;
   notifying_.store(made, std::memory_order_release);
   return made;
 }

@@ -50,6 +50,7 @@ struct ClassDescription {
   std::string_view name;
   ClassObject* superclass;
   bool isLeaf;                   // its methods run no code of the program
+  bool answersByRows;            // neither it nor a superclass overrides `respondsToSelector`
   Strong<NSObject> (*create)();  // null for classes that cannot be allocated without arguments
   std::span<const MethodRow> rows;
   std::span<const MethodRow> classRows;
@@ -77,6 +78,8 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   /// Whether methods of instances run no code of the program: no override, no block, no observer. False once a category
   /// of the program has been attached.
   [[nodiscard]] bool isLeaf() const { return isLeaf_.load(std::memory_order_relaxed); }
+  /// Whether `respondsToSelector` looks for a row, and runs no override of the program.
+  [[nodiscard]] bool answersByRows() const { return answersByRows_; }
   [[nodiscard]] bool inheritsFrom(const ClassObject* other) const {
     if (other->depth_ < kAncestors) [[likely]]
       return ancestors_[other->depth_] == other;
@@ -136,6 +139,7 @@ class HAVRIN_EXPORT ClassObject final : public NSObject {
   const Notifications* notifications_ = nullptr;
   ClassObject* instance_ = nullptr;  // of a metaclass: its one instance
   std::atomic<bool> isLeaf_{false};
+  bool answersByRows_ = false;
   bool hasRowsOfProgram_ = false;  // its own or a superclass's; guarded by the runtime's lock
   std::uint32_t depth_;
   std::array<const ClassObject*, kAncestors> ancestors_{};

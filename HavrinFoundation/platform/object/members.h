@@ -239,6 +239,14 @@ constexpr bool isLeaf() {
   }
 }
 
+// An override gives the member's address another type.
+template <class ValueType>
+constexpr bool answersByRows() {
+  return requires {
+    requires std::is_same_v<decltype(&ValueType::respondsToSelector), bool (NSObject::*)(Selector) const>;
+  };
+}
+
 template <class ValueType>
 constexpr auto creator() -> Strong<NSObject> (*)() {
   if constexpr (std::is_default_constructible_v<ValueType> && !std::is_abstract_v<ValueType>) {
@@ -259,6 +267,7 @@ ClassDescription describeClass(ClassObject* superclass) {
           .name = typeName<ValueType>(),
           .superclass = superclass,
           .isLeaf = detail::isLeaf<ValueType>(),
+          .answersByRows = detail::answersByRows<ValueType>(),
           .create = detail::creator<ValueType>(),
           .rows = detail::RowsOf<ValueType, typename ValueType::Members>::rows,
           .classRows = detail::RowsOf<ValueType, typename ValueType::ClassMembers>::rows,
