@@ -17,19 +17,21 @@ namespace {
 
 constinit std::atomic<std::uint64_t> slotsCopied{0};
 
+// Throws: std::bad_alloc where no memory could be as large.
+std::size_t sizeWith(std::uint64_t capacity) {
+  constexpr std::size_t kPerSlot = sizeof(ArrayBuffer::Slot) + sizeof(std::uint32_t);
+  if (capacity > std::numeric_limits<std::int64_t>::max() / kPerSlot) throw std::bad_alloc();
+  return sizeof(ArrayBuffer) + capacity * kPerSlot + sizeof(std::uint32_t);
+}
+
 }  // namespace
 
 std::uint64_t arraySlotsCopied() { return slotsCopied.load(std::memory_order_relaxed); }
 
 ArrayBuffer* ArrayBuffer::make(std::uint64_t capacity) {
-  constexpr std::size_t kPerSlot = sizeof(Slot) + sizeof(std::uint32_t);
-  if (capacity > std::numeric_limits<std::int64_t>::max() / kPerSlot) throw std::bad_alloc();
-  void* memory = std::malloc(sizeof(ArrayBuffer) + capacity * kPerSlot + sizeof(std::uint32_t));
+  void* memory = std::malloc(sizeWith(capacity));
   if (!memory) throw std::bad_alloc();
-  auto* buffer = new (memory) ArrayBuffer(capacity);
-  std::memset(buffer->ends(), 0, (capacity + 1) * sizeof(std::uint32_t));
-  buffer->ends()[0] = 1;
-  return buffer;
+  return new (memory) ArrayBuffer(capacity);
 }
 
 ArrayBuffer* ArrayBuffer::copyOf(const Slot* slots, std::uint64_t length, std::uint64_t capacity) {
@@ -41,12 +43,21 @@ ArrayBuffer* ArrayBuffer::copyOf(const Slot* slots, std::uint64_t length, std::u
 }
 
 ArrayBuffer* ArrayBuffer::grownSole(std::uint64_t length, std::uint64_t capacity) {
-  ArrayBuffer* buffer = make(capacity);
-  std::uninitialized_move_n(slots(), length, buffer->slots());
-  buffer->resizeSole(0, length);
+  // Nothing in a buffer or a Strong depends on its address, and a large block is moved by the page.
+  auto* buffer = static_cast<ArrayBuffer*>(std::realloc(static_cast<void*>(this), sizeWith(capacity)));
+  if (!buffer) throw std::bad_alloc();
+  buffer->capacity_ = capacity;
+  buffer->isCounted_ = false;
   slotsCopied.fetch_add(length, std::memory_order_relaxed);
-  std::free(this);
   return buffer;
+}
+
+// Many arrays are filled and read by one handle, which needs no counts; a buffer that once had two keeps counting.
+void ArrayBuffer::countHandles() noexcept {
+  if (isCounted_) return;
+  isCounted_ = true;
+  std::memset(ends(), 0, (capacity_ + 1) * sizeof(std::uint32_t));
+  ends()[filled_] = 1;
 }
 
 std::uint64_t ArrayBuffer::lock() noexcept {
@@ -63,6 +74,7 @@ std::uint64_t ArrayBuffer::lock() noexcept {
 
 void ArrayBuffer::share(std::uint64_t length) noexcept {
   const std::uint64_t handles = lock();
+  countHandles();
   ++ends()[length];
   unlock(handles + kOneHandle);
 }
@@ -73,6 +85,7 @@ ArrayBuffer::Slot* ArrayBuffer::claim(std::uint64_t length, std::uint64_t more) 
     unlock(handles);
     return nullptr;
   }
+  countHandles();
   filled_ += more;
   ++ends()[filled_];
   unlock(handles + kOneHandle);

@@ -52,11 +52,13 @@ class ArrayBuffer {
   /// For the only handle: moves it from one length to another. The slots between are the caller's to construct or
   /// destroy.
   void resizeSole(std::uint64_t length, std::uint64_t newLength) noexcept {
-    --ends()[length];
-    ++ends()[newLength];
+    if (isCounted_) {
+      --ends()[length];
+      ++ends()[newLength];
+    }
     filled_ = newLength;
   }
-  /// For the only handle: moves its slots to a buffer with more room, which takes this one's place.
+  /// For the only handle: gives its slots more room, elsewhere if need be. The result takes this buffer's place.
   [[nodiscard]] ArrayBuffer* grownSole(std::uint64_t length, std::uint64_t capacity);
 
  private:
@@ -68,14 +70,16 @@ class ArrayBuffer {
   explicit ArrayBuffer(std::uint64_t capacity) : capacity_(capacity) {}
   [[nodiscard]] std::uint64_t lock() noexcept;
   void unlock(std::uint64_t handles) noexcept { word_.store(handles, std::memory_order_release); }
-  // How many handles have exactly this length.
+  // How many handles have exactly this length; from the first handle beside the only one on.
   [[nodiscard]] std::uint32_t* ends() { return reinterpret_cast<std::uint32_t*>(slots() + capacity_); }
+  void countHandles() noexcept;
   void giveBack() noexcept;
   void destroy() noexcept;
 
   std::atomic<std::uint64_t> word_{kOneHandle};
   std::uint64_t filled_ = 0;
-  const std::uint64_t capacity_;
+  std::uint64_t capacity_;
+  bool isCounted_ = false;
 };
 
 /// How many slots have been copied from one buffer to another in this process: the measure of what chains cost.
