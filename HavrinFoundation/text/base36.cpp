@@ -27,10 +27,10 @@ constexpr auto kBase36Pairs = [] {
 
 // The value of each byte as a digit. Other bytes have the high bit, so that the digits of a run can be tested at
 // once.
-constexpr std::uint8_t kNoDigit = 0x80;
+constexpr std::uint8_t kForeign = 0x80;
 constexpr auto kDigitValues = [] {
   std::array<std::uint8_t, 256> values{};
-  values.fill(kNoDigit);
+  values.fill(kForeign);
   for (std::uint8_t i = 0; i < 10; ++i) values['0' + i] = i;
   for (std::uint8_t i = 0; i < 26; ++i) values['A' + i] = values['a' + i] = static_cast<std::uint8_t>(10 + i);
   return values;
@@ -60,7 +60,7 @@ std::optional<std::uint64_t> readDigits(std::string_view digits) {
     seen |= digit;
     value = value * kRadix + digit;
   }
-  if ((seen & kNoDigit) != 0) return std::nullopt;
+  if ((seen & kForeign) != 0) return std::nullopt;
   return value;
 }
 
@@ -99,7 +99,7 @@ std::optional<std::int64_t> base36ValueAsBase10(std::string_view text) noexcept 
   if (text.size() > kUncheckedDigits) {
     const std::uint64_t limit = std::uint64_t{std::numeric_limits<std::int64_t>::max()} + (negative ? 1 : 0);
     const std::uint64_t last = digitOf(text.back());
-    if (last == kNoDigit || magnitude > (limit - last) / kRadix) return std::nullopt;
+    if (last == kForeign || magnitude > (limit - last) / kRadix) return std::nullopt;
     magnitude = magnitude * kRadix + last;
   }
   return static_cast<std::int64_t>(negative ? 0 - magnitude : magnitude);

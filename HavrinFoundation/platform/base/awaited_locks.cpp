@@ -23,7 +23,7 @@ struct AwaitedLock {
 namespace {
 
 // More waiting threads than this, and threads numbered beyond, are not listed by name.
-constinit std::array<AwaitedLock, 64> entries;
+constinit std::array<AwaitedLock, 64> awaitedLocks;
 constinit std::array<std::atomic<pid_t>, 1024> threads;
 
 pid_t threadNumbered(std::uint32_t number) {
@@ -31,7 +31,7 @@ pid_t threadNumbered(std::uint32_t number) {
 }
 
 void describeAwaitedLocks(std::string& text) {
-  for (const AwaitedLock& entry : entries) {
+  for (const AwaitedLock& entry : awaitedLocks) {
     const void* lock = entry.lock.load(std::memory_order_acquire);
     if (lock == nullptr) continue;
     char address[32];
@@ -51,7 +51,7 @@ void noteLockingThread(std::uint32_t number) {
 
 LockWait::LockWait(const void* lock, std::uint32_t holder) {
   if (lock == nullptr) return;
-  for (AwaitedLock& entry : entries) {
+  for (AwaitedLock& entry : awaitedLocks) {
     pid_t free = 0;
     if (!entry.waiter.compare_exchange_strong(free, gettid(), std::memory_order_acq_rel)) continue;
     entry.holder = holder;

@@ -17,12 +17,12 @@ namespace {
 DispatchQueue orGlobal(const DispatchQueue& target) { return target ? target : dispatch_get_global_queue(); }
 
 // The queues that were made under diagnosis.
-struct Registry {
+struct QueueRegistry {
   os_unfair_lock lock;
   std::vector<CreatedQueueState*> queues HAVRIN_THREAD_SAFETY(guarded_by(lock));
 
-  static Registry& shared() {
-    static Registry& registry = *new Registry;
+  static QueueRegistry& shared() {
+    static QueueRegistry& registry = *new QueueRegistry;
     return registry;
   }
 };
@@ -35,7 +35,7 @@ void describeQueue(std::string& text, QueueState& queue) {
 void describeQueues(std::string& text) {
   describeQueue(text, MainQueueState::shared());
   describeQueue(text, WorkerPool::shared());
-  Registry& registry = Registry::shared();
+  QueueRegistry& registry = QueueRegistry::shared();
   UnfairLockGuard guard(registry.lock);
   for (CreatedQueueState* queue : registry.queues) describeQueue(text, *queue);
 }
@@ -49,14 +49,14 @@ CreatedQueueState::CreatedQueueState(std::string_view label, dispatch_queue_attr
                                      const DispatchQueue& target)
     : QueueState(label, Lifetime::kCounted), serial_(attribute == DISPATCH_QUEUE_SERIAL), target_(orGlobal(target)) {
   if (!diagnosing()) return;
-  Registry& registry = Registry::shared();
+  QueueRegistry& registry = QueueRegistry::shared();
   UnfairLockGuard guard(registry.lock);
   registry.queues.push_back(this);
 }
 
 CreatedQueueState::~CreatedQueueState() {
   if (!diagnosing()) return;
-  Registry& registry = Registry::shared();
+  QueueRegistry& registry = QueueRegistry::shared();
   UnfairLockGuard guard(registry.lock);
   std::erase(registry.queues, this);
 }

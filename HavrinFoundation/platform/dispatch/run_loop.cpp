@@ -27,12 +27,12 @@ constexpr double kNever = std::numeric_limits<double>::infinity();
 constinit thread_local RunLoopState* ofThisThread [[gnu::tls_model("initial-exec")]] = nullptr;
 
 // Every run loop there is.
-struct Registry {
+struct LoopRegistry {
   os_unfair_lock lock;
   std::vector<RunLoopState*> loops HAVRIN_THREAD_SAFETY(guarded_by(lock));
 
-  static Registry& shared() {
-    static Registry& registry = *new Registry;
+  static LoopRegistry& shared() {
+    static LoopRegistry& registry = *new LoopRegistry;
     return registry;
   }
 };
@@ -61,7 +61,7 @@ RunLoopState& mainLoop() {
 }
 
 void describeDelayedWork(std::string& text) {
-  Registry& registry = Registry::shared();
+  LoopRegistry& registry = LoopRegistry::shared();
   UnfairLockGuard guard(registry.lock);
   for (RunLoopState* loop : registry.loops) describeLoop(text, *loop, loop == ofThisThread);
 }
@@ -76,13 +76,13 @@ RunLoopState::RunLoopState(Kind kind)
       threadNumber_(isMain_        ? getpid()
                     : diagnosing() ? gettid()
                                    : 0) {
-  Registry& registry = Registry::shared();
+  LoopRegistry& registry = LoopRegistry::shared();
   UnfairLockGuard guard(registry.lock);
   registry.loops.push_back(this);
 }
 
 RunLoopState::~RunLoopState() {
-  Registry& registry = Registry::shared();
+  LoopRegistry& registry = LoopRegistry::shared();
   UnfairLockGuard guard(registry.lock);
   std::erase(registry.loops, this);
 }
@@ -141,7 +141,7 @@ void RunLoop::addCommonMode(std::string_view mode) { RunLoopState::of(*this).mod
 void RunLoop::wake() { RunLoopState::of(*this).wakeAnywhere(); }
 
 void RunLoop::wakeAll() {
-  Registry& registry = Registry::shared();
+  LoopRegistry& registry = LoopRegistry::shared();
   UnfairLockGuard guard(registry.lock);
   for (RunLoopState* loop : registry.loops) loop->wake();
 }

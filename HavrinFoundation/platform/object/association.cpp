@@ -13,12 +13,12 @@ inline namespace platform {
 
 namespace {
 
-using Values = std::vector<std::pair<const void*, Strong<NSObject>>>;
+using AttachedValues = std::vector<std::pair<const void*, Strong<NSObject>>>;
 
 // Objects are spread over a few tables so that threads seldom meet at one lock. Never destroyed.
 struct Table {
   os_unfair_lock lock;
-  std::unordered_map<const NSObject*, Values> values HAVRIN_THREAD_SAFETY(guarded_by(lock));
+  std::unordered_map<const NSObject*, AttachedValues> values HAVRIN_THREAD_SAFETY(guarded_by(lock));
 };
 
 Table& tableOf(const NSObject* object) {
@@ -26,7 +26,7 @@ Table& tableOf(const NSObject* object) {
   return (*kTables)[(reinterpret_cast<std::uintptr_t>(object) >> 5) % kTables->size()];
 }
 
-Strong<NSObject>* find(Values& values, const void* key) {
+Strong<NSObject>* find(AttachedValues& values, const void* key) {
   for (auto& [storedKey, value] : values) {
     if (storedKey == key) return &value;
   }
@@ -50,7 +50,7 @@ void setAssociatedValue(NSObject& object, Selector key, NSObject* value) {
   Table& table = tableOf(&object);
   const UnfairLockGuard guard(table.lock);
   headerOf(&object).weak.fetch_or(ObjectHeader::kHasAssociations, std::memory_order_relaxed);
-  Values& values = table.values[&object];
+  AttachedValues& values = table.values[&object];
   if (Strong<NSObject>* stored = find(values, key.key())) {
     std::swap(*stored, incoming);
   } else if (incoming) {
@@ -59,7 +59,7 @@ void setAssociatedValue(NSObject& object, Selector key, NSObject* value) {
 }
 
 void releaseAssociations(NSObject* object) noexcept {
-  Values values;  // released after the lock
+  AttachedValues values;  // released after the lock
   Table& table = tableOf(object);
   const UnfairLockGuard guard(table.lock);
   if (const auto found = table.values.find(object); found != table.values.end()) {
