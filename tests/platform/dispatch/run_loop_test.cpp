@@ -6,6 +6,7 @@
 #include <HavrinFoundation/platform/dispatch/run_loop_source.h>
 #include <HavrinFoundation/platform/dispatch/run_loop_state.h>
 #include <HavrinFoundation/platform/object/exception.h>
+#include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include <algorithm>
@@ -182,19 +183,22 @@ TEST(RunLoopThreads, WaitOnTheRealClockUntilTheirDeadlines) {
 
 TEST(RunLoopThreads, ReleaseTheirPendingWorkWhenTheyEnd) {
   std::atomic<int> released{0};
-  std::thread([&released] {
-    const auto held = [&released, self = std::this_thread::get_id()] {
-      const std::shared_ptr<void> witness(nullptr, [&released, self](void*) {
+  // An object and a selector, since a diagnosis names them.
+  const auto object = make<NSObject>();
+  const PerformKey key{object.get(), Selector(selector<"run">).key()};
+  std::thread([&released, &key] {
+    const auto held = [&, self = std::this_thread::get_id()] {
+      const std::shared_ptr<void> witness(nullptr, [&released, &key, self](void*) {
         // What is destroyed late may still turn to its run loop.
         RunLoop::current().performAfter(0, [] {});
-        RunLoopState::current().cancelPerforms({&target, &selectorB}, nullptr);
+        RunLoopState::current().cancelPerforms(key, nullptr);
         RunLoop::current().perform([] {});
         released += std::this_thread::get_id() == self;
       });
       return [witness] { ADD_FAILURE() << "it ran"; };
     };
     RunLoopState& loop = RunLoopState::current();
-    loop.performAfterDelay({&target, &selectorA}, 5, Work(held()));
+    loop.performAfterDelay(key, 5, Work(held()));
     loop.performAfter(5, held(), "tracking");
     loop.perform(held());
   }).join();
