@@ -49,11 +49,22 @@ class Shell:
     def shows(self, pattern):
         self.wait(pattern, lambda screen: re.search(pattern, screen.text(), re.M))
 
+    def says(self, text):
+        """As shows, of plain text that the terminal may break at any place."""
+        def squeezed(text):
+            return re.sub(r"\s", "", text)
+        self.wait(text, lambda screen: squeezed(text) in squeezed(screen.text()))
+
     def ended(self, status):
         """The board has ended: the shell is back, on its own screen, and nothing of what was typed is in it."""
         self.wait("shell", lambda screen: not screen.alternate and screen.text().rstrip().endswith(PROMPT.strip()))
         self.type("echo status $?\n")
         self.shows(rf"^status {status}$")
+
+    def signal(self, number):
+        """Sends a signal to the board, the shell's only child."""
+        children = subprocess.run(["ps", "-o", "pid=", "--ppid", str(self.process)], capture_output=True, text=True)
+        os.kill(int(children.stdout.split()[0]), number)
 
     def close(self):
         os.kill(self.process, signal.SIGHUP)
@@ -110,10 +121,15 @@ def test_keys(board, state):
 
 def test_state(board, state, folder):
     shell = Shell(100, 30)
-    for ending, status in (("\x03", 130), ("q", 0)):
+    # Each ending saves: the mark of one run is there in the next.
+    for mark, keys, end, status in (("WX", "", lambda: shell.type("\x03"), 130),
+                                    ("WX", ":TU\r+", lambda: shell.signal(signal.SIGHUP), 129),
+                                    ("TU", "", lambda: shell.type("q"), 0)):
         shell.type(f"clear; {board} --state {state}\n")
-        shell.shows("★ WX ")
-        shell.type(ending)
+        shell.shows(f"★ {mark} ")
+        shell.type(keys)
+        shell.shows("★ TU " if keys else f"★ {mark} ")
+        end()
         shell.ended(status)
     with open(state, "wb") as file:
         file.write(b"no archive")
@@ -125,7 +141,7 @@ def test_state(board, state, folder):
     shell.type(f"(trap '' XFSZ; ulimit -f 0; {board} --state {folder}/full/board.state)\n")
     shell.shows("288 of 288 stations")
     shell.type("q")
-    shell.wait("reason", lambda screen: "Filetoolarge" in re.sub(r"\s", "", screen.text()))
+    shell.says("File too large")
     shell.ended(1)
     shell.close()
 
@@ -139,9 +155,8 @@ def test_two_boards(board, folder):
         shell.shows(mark)
     first.type("q")
     first.ended(0)
-    children = subprocess.run(["ps", "-o", "pid=", "--ppid", str(second.process)], capture_output=True, text=True)
-    os.kill(int(children.stdout.split()[0]), signal.SIGTERM)
-    second.wait("note on both", lambda screen: "marks and colours of both are kept" in screen.text())
+    second.signal(signal.SIGTERM)
+    second.says("marks and colours of both are kept")
     second.ended(143)
     first.type(f"clear; {board} --state {state}\n")
     first.shows("★ TU")
@@ -171,6 +186,23 @@ def test_reload(board, folder):
     shell.shows("0 of 0 stations.*\n.*1 entry skipped")
     os.remove(path)
     shell.shows("^The stations stay as they were:")  # the path may begin a line of its own
+    shell.type("q")
+    shell.ended(0)
+    shell.close()
+
+
+def test_slow_file(board, folder):
+    """A file that takes its time: what has been read so far is shown, then the stations."""
+    path = f"{folder}/slow.jsonl"
+    os.mkfifo(path)
+    shell = Shell(100, 30)
+    shell.type(f"{board} --no-state {path}\n")
+    shell.shows("^radio: reading stations, 0 so far, 1 s")
+    with open(os.path.join(os.path.dirname(board), "stations.json")) as file, open(path, "w") as pipe:
+        pipe.writelines(json.dumps(station) + "\n" for station in json.load(file)["stations"][:3])
+    shell.shows("3 of 3 stations")
+    if "reading stations" in shell.screen.text():
+        sys.exit("the line about reading stays on the screen")
     shell.type("q")
     shell.ended(0)
     shell.close()
@@ -214,6 +246,7 @@ def main():
     test_state(board, state, folder)
     test_two_boards(board, folder)
     test_reload(board, folder)
+    test_slow_file(board, folder)
     test_terminals(board)
 
 
