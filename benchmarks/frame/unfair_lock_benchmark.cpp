@@ -86,10 +86,11 @@ constexpr int kHot = 4;
 constexpr int kInside = 30;
 constexpr int kOutside = 120;
 
-#define LOCK_BENCHMARKS(Type, name)                                                                        \
-  BENCHMARK((contended<Type, kHot, 0>))->Name("lock/hot/two/" name)->Threads(2)->UseRealTime();            \
-  BENCHMARK((contended<Type, kInside, kOutside>))->Name("lock/busy/two/" name)->Threads(2)->UseRealTime(); \
-  BENCHMARK((contended<Type, kInside, kOutside>))->Name("lock/busy/four/" name)->Threads(4)->UseRealTime()
+#define LOCK_BENCHMARKS(Type, name)                                                                         \
+  BENCHMARK((contended<Type, kHot, 0>))->Name("lock/hot/two/" name)->Threads(2)->UseRealTime();             \
+  BENCHMARK((contended<Type, kInside, kOutside>))->Name("lock/busy/two/" name)->Threads(2)->UseRealTime();  \
+  BENCHMARK((contended<Type, kInside, kOutside>))->Name("lock/busy/four/" name)->Threads(4)->UseRealTime(); \
+  BENCHMARK((contended<Type, kInside, kOutside>))->Name("lock/busy/eight/" name)->Threads(8)->UseRealTime()
 LOCK_BENCHMARKS(Word, "ours");
 LOCK_BENCHMARKS(QMutex, "qmutex");
 LOCK_BENCHMARKS(std::mutex, "std_mutex");

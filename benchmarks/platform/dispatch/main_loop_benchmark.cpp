@@ -238,8 +238,13 @@ void asleep(benchmark::State& state) {
   poster.join();
 }
 
-#define LOOP_BENCHMARKS(Loop, name)                                                                               \
-  BENCHMARK(untilRun<Loop>)->Name("post/run/20000/" name)->ArgName("producers")->Arg(1)->Arg(2)->UseManualTime(); \
+#define LOOP_BENCHMARKS(Loop, name)  \
+  BENCHMARK(untilRun<Loop>)          \
+      ->Name("post/run/20000/" name) \
+      ->ArgName("producers")         \
+      ->RangeMultiplier(2)           \
+      ->Range(1, 8)                  \
+      ->UseManualTime();             \
   BENCHMARK(asleep<Loop>)->Name("post/asleep/round_trip/" name)->UseRealTime()
 LOOP_BENCHMARKS(Ours, "ours");
 LOOP_BENCHMARKS(ConditionVariable, "condvar");

@@ -212,6 +212,16 @@ void weakPointerLock(benchmark::State& state) {
   const std::weak_ptr<PlainBase> weak = object;
   for (auto _ : state) benchmark::DoNotOptimize(weak.lock());
 }
+void weakLockShared(benchmark::State& state) {
+  static const auto object = make<Base>();
+  const Weak<Base> weak = object;
+  for (auto _ : state) benchmark::DoNotOptimize(weak.lock());
+}
+void weakPointerLockShared(benchmark::State& state) {
+  static const auto object = std::make_shared<PlainBase>();
+  const std::weak_ptr<PlainBase> weak = object;
+  for (auto _ : state) benchmark::DoNotOptimize(weak.lock());
+}
 void makeOurs(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(make<Base>());
 }
@@ -256,6 +266,9 @@ void registerAll() {
                                    Case{"reference/make/object/make_shared", makeShared}}) {
     benchmark::RegisterBenchmark(name, body);
   }
+  // All threads turn to one object.
+  benchmark::RegisterBenchmark("many/weak/ours", weakLockShared)->ThreadRange(1, 8)->UseRealTime();
+  benchmark::RegisterBenchmark("many/weak/weak_ptr", weakPointerLockShared)->ThreadRange(1, 8)->UseRealTime();
 }
 
 }  // namespace

@@ -316,6 +316,13 @@ void registerAll() {
   add("change_dictionary/build/4/ours", dictionaryOurs);
   add("change_dictionary/build/4/qt", dictionaryQt);
   add("change_dictionary/build/4/map", dictionaryMap);
+  // Each thread changes an object of its own.
+  const auto addThreads = [](const char* name, auto body) {
+    benchmark::RegisterBenchmark(name, body)->ThreadRange(1, 8)->UseRealTime();
+  };
+  addThreads("many/change/ours", [](State& state) { runOurs(state, 1, true, 0); });
+  addThreads("many/change/qt", [](State& state) { runQt(state, 1, true); });
+  addThreads("many/change/signals2", [](State& state) { runBoost(state, 1); });
   add("register/and_remove/1/ours", registerOurs);
   add("register/and_remove/20000/ours", registerAmongMany);
   add("register/and_remove/1/qt", registerQt);
