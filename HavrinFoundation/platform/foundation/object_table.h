@@ -15,7 +15,7 @@
 // Threads: one at a time, or readers alone.
 #pragma once
 
-#include <HavrinFoundation/platform/foundation/hash_index.h>
+#include <HavrinFoundation/platform/base/hash_index.h>
 #include <HavrinFoundation/platform/object/object.h>
 
 #include <cstddef>
