@@ -123,44 +123,34 @@ std::uint32_t BinaryPropertyListWriter::hashOf(std::string_view bytes) const {
   return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 
-// The index entry of the scalar with these bytes, or the free entry for it.
-BinaryPropertyListWriter::Place& BinaryPropertyListWriter::place(std::string_view bytes, std::uint32_t hash) {
-  const std::size_t mask = index_.size() - 1;
-  for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
-    Place& found = index_[at];
-    if (found.number == 0) return found;
-    if (found.hash == hash && bytesOf(objects_[found.number - 1]) == bytes) return found;
-  }
-}
-
-// Keeps the index at most half full, so that probing stays short.
 void BinaryPropertyListWriter::makeRoom() {
-  if (2 * (indexed_ + 1) <= index_.size()) return;
-  std::vector<Place> before(std::max<std::size_t>(64, 2 * index_.size()));
-  before.swap(index_);
-  for (const Place& one : before) {
-    if (one.number != 0) place(bytesOf(objects_[one.number - 1]), one.hash) = one;
+  if (index_.hasRoomFor(indexed_ + 1)) return;
+  index_.reset(indexed_ + 32);
+  for (Number number = 0; number < objects_.size(); ++number) {
+    const Object& one = objects_[number];
+    if (one.byteCount != 0 && one.byteCount <= kLargestShared) index_.add(one.hash, number);  // none of a container
   }
 }
 
 // The number of the scalar whose bytes begin at `firstByte`; an equal earlier scalar is reused and the bytes dropped.
 Number BinaryPropertyListWriter::endScalar(std::size_t firstByte) {
-  const Object scalar{.firstByte = firstByte, .byteCount = bytes_.size() - firstByte};
-  if (scalar.byteCount > kLargestShared) {
-    objects_.push_back(scalar);
-    return objects_.size() - 1;
-  }
-  makeRoom();
-  const std::uint32_t hash = hashOf(bytesOf(scalar));
-  Place& found = place(bytesOf(scalar), hash);
-  if (found.number != 0) {
-    bytes_.resize(firstByte);
-  } else {
-    objects_.push_back(scalar);
+  Object scalar{.firstByte = firstByte, .byteCount = bytes_.size() - firstByte};
+  if (scalar.byteCount <= kLargestShared) {
+    makeRoom();
+    const std::string_view bytes = bytesOf(scalar);
+    scalar.hash = hashOf(bytes);
+    const std::size_t known = index_.find(scalar.hash, [&](std::size_t number) {
+      return objects_[number].hash == scalar.hash && bytesOf(objects_[number]) == bytes;
+    });
+    if (known != HashIndex::kNone) {
+      bytes_.resize(firstByte);
+      return known;
+    }
+    index_.add(scalar.hash, objects_.size());
     ++indexed_;
-    found = {hash, static_cast<std::uint32_t>(objects_.size())};
   }
-  return found.number - 1;
+  objects_.push_back(scalar);
+  return objects_.size() - 1;
 }
 
 Number BinaryPropertyListWriter::boolean(bool value) {

@@ -11,6 +11,7 @@
 // to its size.
 #pragma once
 
+#include <HavrinFoundation/platform/base/hash_index.h>
 #include <HavrinFoundation/platform/base/random.h>
 #include <HavrinFoundation/platform/export.h>
 #include <HavrinFoundation/platform/time/date.h>
@@ -65,19 +66,14 @@ class HAVRIN_EXPORT BinaryPropertyListWriter {
     std::size_t byteCount = 0;
     std::size_t firstPart = 0;
     std::size_t partCount = 0;
-    unsigned kind = 0;  // the upper half of a container's marker byte; 0 for a scalar
-  };
-  // An entry of the index. The stored hash avoids most comparisons of bytes.
-  struct Place {
-    std::uint32_t hash = 0;
-    std::uint32_t number = 0;  // plus one; 0 for a free entry
+    unsigned kind = 0;       // the upper half of a container's marker byte; 0 for a scalar
+    std::uint32_t hash = 0;  // of a scalar that is in the index; avoids most comparisons of bytes
   };
 
   [[nodiscard]] std::string_view bytesOf(const Object& scalar) const {
     return std::string_view(bytes_).substr(scalar.firstByte, scalar.byteCount);
   }
   [[nodiscard]] std::uint32_t hashOf(std::string_view bytes) const;
-  [[nodiscard]] Place& place(std::string_view bytes, std::uint32_t hash);
   void makeRoom();
   Number endScalar(std::size_t firstByte);
   void setParts(Number container, unsigned kind, std::span<const Number> first, std::span<const Number> second);
@@ -85,7 +81,7 @@ class HAVRIN_EXPORT BinaryPropertyListWriter {
   std::vector<Object> objects_;
   std::string bytes_;
   std::vector<Number> parts_;
-  std::vector<Place> index_;  // by the hash; a power of two, at most half full
+  HashIndex index_;  // the numbers of scalars that are small enough to be compared
   std::size_t indexed_ = 0;
   // The scalars may come from an attacker, who must not be able to choose colliding ones.
   std::uint64_t secret_ = hashSecret();
