@@ -8,13 +8,10 @@ namespace havrin {
 inline namespace platform {
 namespace {
 
-constexpr std::size_t kFirstSlots = 16;
 // With fewer cancelled requests than this the heap is not rebuilt.
 constexpr std::size_t kFewCancelled = 64;
 
 }  // namespace
-
-DelayedPerforms::DelayedPerforms() : slots_(kFirstSlots) {}
 
 DelayedPerforms::~DelayedPerforms() {
   for (const Place& place : heap_) delete place.request;
@@ -159,39 +156,30 @@ void DelayedPerforms::siftDown(std::size_t place) {
 }
 
 void DelayedPerforms::link(Request* request) {
-  if (2 * (usedSlots_ + 1) > slots_.size()) growSlots();
-  Request*& slot = slots_[slotOf(request->key.target, request->key.selector)];
-  if (slot == nullptr) ++usedSlots_;
-  request->next = std::exchange(slot, request);
+  makeRoom();
+  const auto& [target, selector, argument] = request->key;
+  if (const std::size_t known = positionOf(target, selector); known != HashIndex::kNone) {
+    request->next = std::exchange(byKey_[known], request);
+    return;
+  }
+  index_.add(hashOf(target, selector), byKey_.size());
+  byKey_.push_back(request);
 }
 
 void DelayedPerforms::unlink(Request* request) {
-  const std::size_t slot = slotOf(request->key.target, request->key.selector);
-  Request** link = &slots_[slot];
+  Request** link = &byKey_[positionOf(request->key.target, request->key.selector)];
   while (*link != request) link = &(*link)->next;
   *link = request->next;
-  if (slots_[slot] == nullptr) eraseSlot(slot);
 }
 
-// Moves later entries of the same run up, so that no look-up meets a gap.
-void DelayedPerforms::eraseSlot(std::size_t slot) {
-  --usedSlots_;
-  const std::size_t mask = slots_.size() - 1;
-  std::size_t gap = slot;
-  for (std::size_t next = (gap + 1) & mask; slots_[next] != nullptr; next = (next + 1) & mask) {
-    const std::size_t home = mixed(slots_[next]->key.target, slots_[next]->key.selector) & mask;
-    if (((next - home) & mask) >= ((next - gap) & mask)) {
-      slots_[gap] = slots_[next];
-      gap = next;
-    }
-  }
-  slots_[gap] = nullptr;
-}
-
-void DelayedPerforms::growSlots() {
-  const std::vector<Request*> old = std::exchange(slots_, std::vector<Request*>(2 * slots_.size()));
-  for (Request* first : old) {
-    if (first != nullptr) slots_[slotOf(first->key.target, first->key.selector)] = first;
+// A key whose last request has gone keeps its position until then.
+void DelayedPerforms::makeRoom() {
+  if (index_.hasRoomFor(byKey_.size() + 1)) return;
+  std::erase(byKey_, nullptr);
+  index_.reset(byKey_.size() + 1);
+  for (std::size_t position = 0; position < byKey_.size(); ++position) {
+    const PerformKey& key = byKey_[position]->key;
+    index_.add(hashOf(key.target, key.selector), position);
   }
 }
 

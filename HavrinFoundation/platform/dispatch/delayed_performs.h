@@ -7,6 +7,7 @@
 // when it comes to the top of the heap, or when there are too many of them.
 #pragma once
 
+#include <HavrinFoundation/platform/base/hash_index.h>
 #include <HavrinFoundation/platform/dispatch/work.h>
 #include <HavrinFoundation/platform/object/block.h>
 
@@ -40,7 +41,7 @@ struct DueTime {
 
 class DelayedPerforms {
  public:
-  DelayedPerforms();
+  DelayedPerforms() = default;
   ~DelayedPerforms();
   DelayedPerforms(const DelayedPerforms&) = delete;
   DelayedPerforms& operator=(const DelayedPerforms&) = delete;
@@ -80,13 +81,12 @@ class DelayedPerforms {
     Request* request;
   };
 
-  [[nodiscard]] static std::uint64_t mixed(const void* target, const void* selector);
-  [[nodiscard]] std::size_t slotOf(const void* target, const void* selector) const;
+  [[nodiscard]] static std::uint64_t hashOf(const void* target, const void* selector);
+  [[nodiscard]] std::size_t positionOf(const void* target, const void* selector) const;
   [[nodiscard]] Request* firstWith(const void* target, const void* selector) const;
   void link(Request* request);
   void unlink(Request* request);
-  void eraseSlot(std::size_t slot);
-  void growSlots();
+  void makeRoom();
 
   void moveTo(Request* request, DueTime due);
   void siftUp(std::size_t place);
@@ -97,33 +97,30 @@ class DelayedPerforms {
   [[nodiscard]] Work withdraw(Request* request);
 
   std::vector<Place> heap_;
-  std::vector<Request*> slots_;  // the first request of each key, or null: open addressing, a power of two of them
-  std::size_t usedSlots_ = 0;
+  std::vector<Request*> byKey_;  // the first request of each key; null where its last one has gone
+  HashIndex index_;              // the positions in it
   std::size_t waiting_ = 0;
 };
 
 // Inline: a burst of debounced calls comes through here, a call each.
 
-inline std::uint64_t DelayedPerforms::mixed(const void* target, const void* selector) {
+inline std::uint64_t DelayedPerforms::hashOf(const void* target, const void* selector) {
   const auto a = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(target));
   const auto b = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(selector));
-  // Addresses differ in their middle bits; the product brings these to the top, from where they are taken.
-  std::uint64_t hash = (a ^ (b << 21 | b >> 43)) * 0x9e37'79b9'7f4a'7c15;
-  return hash ^ hash >> 32;
+  return a ^ (b << 21 | b >> 43);
 }
 
-// The slot that holds the key, or the empty one where it belongs.
-inline std::size_t DelayedPerforms::slotOf(const void* target, const void* selector) const {
-  const std::size_t mask = slots_.size() - 1;
-  std::size_t slot = mixed(target, selector) & mask;
-  while (slots_[slot] != nullptr && (slots_[slot]->key.target != target || slots_[slot]->key.selector != selector)) {
-    slot = (slot + 1) & mask;
-  }
-  return slot;
+inline std::size_t DelayedPerforms::positionOf(const void* target, const void* selector) const {
+  return index_.find(hashOf(target, selector), [&](std::size_t position) {
+    const Request* first = byKey_[position];
+    return first != nullptr && first->key.target == target && first->key.selector == selector;
+  });
 }
 
 inline DelayedPerforms::Request* DelayedPerforms::firstWith(const void* target, const void* selector) const {
-  return slots_[slotOf(target, selector)];
+  if (index_.isEmpty()) return nullptr;
+  const std::size_t position = positionOf(target, selector);
+  return position == HashIndex::kNone ? nullptr : byKey_[position];
 }
 
 inline void DelayedPerforms::moveTo(Request* request, DueTime due) {
