@@ -214,8 +214,8 @@ TEST(AsyncMap, RefusesNullBeforeAnythingRuns) {
   const std::function<void()> calls[] = {
       [&] { send<"asyncMap:result:">(array, nullptr, result); },
       [&] { send<"asyncMap:result:">(array, transform, nullptr); },
-      [&] { send<"asyncMapAux:block:currentResult:result:">(array, 0, nullptr, array, result); },
-      [&] { send<"asyncMapAux:block:currentResult:result:">(array, 1, transform, array, nullptr); },
+      [&] { send<"asyncMapAux:block:currentResult:result:">(array, 1, nullptr, array, result); },
+      [&] { send<"asyncMapAux:block:currentResult:result:">(array, 0, transform, array, nullptr); },
       [&] { send<"asyncMapAux:block:currentResult:result:">(array, 1, transform, nullptr, result); },
   };
   for (const auto& call : calls) EXPECT_EQ(nameOf(call), NSInvalidArgumentException);
