@@ -31,29 +31,27 @@ std::string bothForms(const Type& value) {
 TEST(Printing, WritesAReadableTextForStreamsAndFmt) {
   const auto uuid = *UUID::fromString("e621e1f8-c36c-495a-93fc-0c247a3e6e5f");
   const Calendar hebrew(CalendarIdentifier::hebrew, *TimeZone::named("Asia/Jerusalem"));
-  const struct {
-    std::string got, expected;
-  } rows[] = {
-      {bothForms(uuid), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F"},
-      {bothForms(*URL::fromString("../d?a=1", link("https://h/a/b/c"))), "https://h/a/d?a=1"},
-      {bothForms(URLQueryItem("n m", "v&")), "n%20m=v%26"},
-      {bothForms(NSRange{7, kNotFound}), "{7, 9223372036854775807}"},
-      {bothForms(Date::fromTimeIntervalSince1970(1'709'649'000.9)), "2024-03-05 14:30:00 +0000"},
-      {bothForms(Date::fromTimeIntervalSince1970(std::numeric_limits<double>::quiet_NaN())), ""},
-      {bothForms(hebrew), "hebrew in Asia/Jerusalem"},
-      {bothForms(Locale("fr_FR.UTF-8")), "fr_FR"},
-      {bothForms(DateComponents{1, {}, {}, 3, {}, {}, -5, 7}), "{era 1, day 3, second -5, weekday 7}"},
-      {bothForms(DateComponents()), "{}"},
-      {bothForms(CGColor(CGColorSpace::extendedSRGB(), {0.1, 0, 1e-9, 1})), "extendedSRGB(0.1, 0, 1e-09, 1)"},
-      {bothForms(CGColor()), "no colour space"},
-      {bothForms(Strong<NSNumber>()), "null"},
-      {bothForms(makeNumber(2.5)), "2.5"},
-      {bothForms(*makeString("Oslo")), "Oslo"},
-      {bothForms(Class()), "null"},
-      {bothForms(classOf<NSString>()), "NSString"},
-      {bothForms(Selector(selector<"setTitle:">)), "setTitle:"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(row.got, row.expected);
+  for (const auto& [got, expected] : Rows<std::string, std::string>{
+           {bothForms(uuid), "E621E1F8-C36C-495A-93FC-0C247A3E6E5F"},
+           {bothForms(*URL::fromString("../d?a=1", link("https://h/a/b/c"))), "https://h/a/d?a=1"},
+           {bothForms(URLQueryItem("n m", "v&")), "n%20m=v%26"},
+           {bothForms(NSRange{7, kNotFound}), "{7, 9223372036854775807}"},
+           {bothForms(Date::fromTimeIntervalSince1970(1'709'649'000.9)), "2024-03-05 14:30:00 +0000"},
+           {bothForms(Date::fromTimeIntervalSince1970(std::numeric_limits<double>::quiet_NaN())), ""},
+           {bothForms(hebrew), "hebrew in Asia/Jerusalem"},
+           {bothForms(Locale("fr_FR.UTF-8")), "fr_FR"},
+           {bothForms(DateComponents{1, {}, {}, 3, {}, {}, -5, 7}), "{era 1, day 3, second -5, weekday 7}"},
+           {bothForms(DateComponents()), "{}"},
+           {bothForms(CGColor(CGColorSpace::extendedSRGB(), {0.1, 0, 1e-9, 1})), "extendedSRGB(0.1, 0, 1e-09, 1)"},
+           {bothForms(CGColor()), "no colour space"},
+           {bothForms(Strong<NSNumber>()), "null"},
+           {bothForms(makeNumber(2.5)), "2.5"},
+           {bothForms(*makeString("Oslo")), "Oslo"},
+           {bothForms(Class()), "null"},
+           {bothForms(classOf<NSString>()), "NSString"},
+           {bothForms(Selector(selector<"setTitle:">)), "setTitle:"},
+       })
+    EXPECT_EQ(got, expected);
 }
 
 TEST(Keys, ValuesThatAreEqualAreOneKey) {

@@ -59,27 +59,23 @@ TEST(AsyncMap, GivesTheSameArrayWhenAndWhereverItCompletes) {
   const auto elsewhere = [&](NSObject* element, const AsyncCompletion& done) {
     dispatch_async(others, [done, value = twice(element)] { done(value); });
   };
-  const struct {
-    const char* why;
-    AsyncTransform transform;
-  } rows[] = {
-      {"at once", [](NSObject* element, const AsyncCompletion& done) { done(twice(element)); }},
-      {"later, on this thread",
-       [&](NSObject* element, const AsyncCompletion& done) {
-         later.push_back([done, value = twice(element)] { done(value); });
-       }},
-      {"on other threads", elsewhere},
-      {"now and then at once",
-       [&](NSNumber& number, const AsyncCompletion& done) {
-         number.integerValue() % 3 == 0 ? elsewhere(&number, done) : done(twice(&number));
-       }},
-  };
-  for (const auto& row : rows) {
+  for (const auto& [why, transform] : Rows<const char*, AsyncTransform>{
+           {"at once", [](NSObject*element, const AsyncCompletion&done) { done(twice(element)); }},
+           {"later, on this thread",
+            [&](NSObject*element, const AsyncCompletion&done) {
+              later.push_back([done, value = twice(element)] { done(value); });
+            }},
+           {"on other threads", elsewhere},
+           {"now and then at once",
+            [&](NSNumber&number, const AsyncCompletion&done) {
+              number.integerValue() % 3 == 0 ? elsewhere(&number, done) : done(twice(&number));
+            }},
+       }) {
     for (const std::uint64_t size : {0U, 1U, 2U, 50U}) {
-      SCOPED_TRACE(row.why + (", " + std::to_string(size)) + " elements");
+      SCOPED_TRACE(why + (", " + std::to_string(size)) + " elements");
       const auto numbers = make<Numbers>(size);
       std::promise<Strong<NSArray>> result;
-      send<"asyncMap:result:">(numbers, row.transform, [&](NSArray* values) { result.set_value(values); });
+      send<"asyncMap:result:">(numbers, transform, [&](NSArray* values) { result.set_value(values); });
       for (std::size_t i = 0; i < later.size(); ++i) {
         EXPECT_EQ(later.size(), i + 1) << "one transform is outstanding";
         const auto job = later[i];
@@ -127,25 +123,19 @@ TEST(AsyncMap, UsesConstantStackAndCopiesALinearNumberOfSlots) {
     stack.note();
     if (++results < kSize) send<"asyncMap:result:">(values, noted, next);
   };
-  const struct {
-    const char* why;
-    Strong<NSArray> array;
-    AsyncTransform transform;
-    AsyncResult result;
-    std::uint64_t results, slotsCopied;
-  } rows[] = {
-      {"a million steps", make<Numbers>(10 * kSize), noted, count, 10 * kSize, 20 * kSize},
-      {"a chain within each transform", make<Numbers>(kSize), nested, count, kSize, 6 * kSize},
-      {"an override of each step", make<Sieve>(kSize), noted, count, 66'667, 2 * kSize},
-      {"each result begins the next chain", letters("ab"), noted, next, kSize, 4 * kSize},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
+  for (const auto& [why, array, transform, result, expected, slotsCopied] :
+       Rows<const char*, Strong<NSArray>, AsyncTransform, AsyncResult, std::uint64_t, std::uint64_t>{
+           {"a million steps", make<Numbers>(10 * kSize), noted, count, 10 * kSize, 20 * kSize},
+           {"a chain within each transform", make<Numbers>(kSize), nested, count, kSize, 6 * kSize},
+           {"an override of each step", make<Sieve>(kSize), noted, count, 66'667, 2 * kSize},
+           {"each result begins the next chain", letters("ab"), noted, next, kSize, 4 * kSize},
+       }) {
+    SCOPED_TRACE(why);
     results = 0;
     const std::uint64_t copied = arraySlotsCopied();
-    send<"asyncMap:result:">(row.array, row.transform, row.result);
-    EXPECT_EQ(results, row.results);
-    EXPECT_LE(arraySlotsCopied() - copied, row.slotsCopied);
+    send<"asyncMap:result:">(array, transform, result);
+    EXPECT_EQ(results, expected);
+    EXPECT_LE(arraySlotsCopied() - copied, slotsCopied);
     // What the frames of one step take, sanitizers included: far less than one frame for each element would.
     EXPECT_LT(stack.highest - stack.lowest, 16U * 1024);
     stack = {};

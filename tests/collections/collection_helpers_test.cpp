@@ -66,21 +66,22 @@ TEST(CollectionHelpers, PickTheElementAtADrawnIndex) {
 TEST(CollectionHelpers, CutAnArrayAtAnIndex) {
   constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
   constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
-  const struct {
-    std::int64_t index;
-    const char *kept, *removed;
-  } rows[] = {{2, "(a, b)", "(c, d)"},         {3, "(a, b, c)", "(d)"},   {0, "()", "(a, b, c, d)"},
-              {kLowest, "()", "(a, b, c, d)"}, {4, "(a, b, c, d)", "()"}, {kHighest, "(a, b, c, d)", "()"}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.index);
+  for (const auto& [index, kept, rest] :
+       Rows<std::int64_t, const char*, const char*>{{2, "(a, b)", "(c, d)"},
+                                                    {3, "(a, b, c)", "(d)"},
+                                                    {0, "()", "(a, b, c, d)"},
+                                                    {kLowest, "()", "(a, b, c, d)"},
+                                                    {4, "(a, b, c, d)", "()"},
+                                                    {kHighest, "(a, b, c, d)", "()"}}) {
+    SCOPED_TRACE(index);
     const auto list = letters("abcd");
     const auto before = list->snapshot();
-    EXPECT_EQ(text(send<"arrayByRemovingObjectsFromIndex:">(list, row.index)), row.kept);
+    EXPECT_EQ(text(send<"arrayByRemovingObjectsFromIndex:">(list, index)), kept);
     EXPECT_EQ(text(list), "(a, b, c, d)") << "the receiver is as it was";
-    const auto removed = send<"removeObjectsFromIndex:">(list, row.index);
-    EXPECT_EQ(text(removed), row.removed);
+    const auto removed = send<"removeObjectsFromIndex:">(list, index);
+    EXPECT_EQ(text(removed), rest);
     EXPECT_EQ(classOf(*removed).name(), "NSArray");
-    EXPECT_EQ(text(list), row.kept);
+    EXPECT_EQ(text(list), kept);
     EXPECT_EQ(text(before), "(a, b, c, d)");
   }
   const auto list = watched("ab");
@@ -105,19 +106,16 @@ TEST(CollectionHelpers, CombineArraysUpToTheFirstNull) {
 }
 
 TEST(CollectionHelpers, ShuffleWithOneDrawAndOneExchangePerElementButTheLast) {
-  const struct {
-    const char* word;
-    std::vector<std::uint32_t> draws, bounds;
-    const char *log, *after;
-  } rows[] = {{"abcde", {2, 0, 1, 1}, {5, 4, 3, 2}, "0<>2 1<>1 2<>3 3<>4 ", "(c, b, d, e, a)"}, {"", {}, {}, "", "()"}};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.after);
-    Draws draws(row.draws);
-    const auto list = watched(row.word);
+  for (const auto& [word, numbers, bounds, log, after] :
+       Rows<const char*, std::vector<std::uint32_t>, std::vector<std::uint32_t>, const char*, const char*>{
+           {"abcde", {2, 0, 1, 1}, {5, 4, 3, 2}, "0<>2 1<>1 2<>3 3<>4 ", "(c, b, d, e, a)"}, {"", {}, {}, "", "()"}}) {
+    SCOPED_TRACE(after);
+    Draws draws(numbers);
+    const auto list = watched(word);
     send<"shuffle">(list);
-    EXPECT_EQ(draws.bounds_, row.bounds);
-    EXPECT_EQ(list->log(), row.log) << "also where an element stays";
-    EXPECT_EQ(text(list), row.after);
+    EXPECT_EQ(draws.bounds_, bounds);
+    EXPECT_EQ(list->log(), log) << "also where an element stays";
+    EXPECT_EQ(text(list), after);
   }
 }
 

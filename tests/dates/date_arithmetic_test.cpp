@@ -68,29 +68,26 @@ TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
 
 TEST(DateArithmetic, CountsDaysAndMinutes) {
   const PinnedEnvironment environment("UTC");
-  const struct {
-    double from, to;
-    std::int64_t days, minutes;
-    const char* why;
-  } rows[] = {
-      {86340, 86460, 1, 2, "over midnight"}, {0, 59, 0, 0, "less than a minute"},
-      {0, 61, 0, 1, "more than one"},        {61, 0, 0, -1, "backwards"},
-      {0, 0, 0, 0, "the same instant"},      {86400, -86400, -2, -2880, "two days earlier"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const Date from = at(row.from);
-    const Date to = at(row.to);
-    EXPECT_EQ(numberOfCalendarDays(from, to), row.days);
-    EXPECT_EQ(send<"hav_numberOfCalendarDaysToDate:">(object(row.from), object(row.to)), row.days);
-    EXPECT_EQ(numberOfCalendarMinutes<Date>(from, to), row.minutes);
-    EXPECT_EQ(
-        send<"hav_numberOfCalendarMinutesBetweenDate:andDate:">(classOf<NSDate>(), object(row.from), object(row.to)),
-        row.minutes);
-    EXPECT_EQ(dateByAddingDays(from, row.days), from + static_cast<double>(row.days) * 86400);
-    EXPECT_EQ(send<"hav_dateByAddingDays:">(object(row.from), row.days)->value(), dateByAddingDays(from, row.days));
-    EXPECT_EQ(send<"hav_isAfterDate:">(object(row.from), object(row.to)), row.from > row.to);
-    EXPECT_EQ(send<"hav_isBeforeDate:">(object(row.from), object(row.to)), row.from < row.to);
+  for (const auto& [first, second, days, minutes, why] : Rows<double, double, std::int64_t, std::int64_t, const char*>{
+           {86340, 86460, 1, 2, "over midnight"},
+           {0, 59, 0, 0, "less than a minute"},
+           {0, 61, 0, 1, "more than one"},
+           {61, 0, 0, -1, "backwards"},
+           {0, 0, 0, 0, "the same instant"},
+           {86400, -86400, -2, -2880, "two days earlier"},
+       }) {
+    SCOPED_TRACE(why);
+    const Date from = at(first);
+    const Date to = at(second);
+    EXPECT_EQ(numberOfCalendarDays(from, to), days);
+    EXPECT_EQ(send<"hav_numberOfCalendarDaysToDate:">(object(first), object(second)), days);
+    EXPECT_EQ(numberOfCalendarMinutes<Date>(from, to), minutes);
+    EXPECT_EQ(send<"hav_numberOfCalendarMinutesBetweenDate:andDate:">(classOf<NSDate>(), object(first), object(second)),
+              minutes);
+    EXPECT_EQ(dateByAddingDays(from, days), from + static_cast<double>(days) * 86400);
+    EXPECT_EQ(send<"hav_dateByAddingDays:">(object(first), days)->value(), dateByAddingDays(from, days));
+    EXPECT_EQ(send<"hav_isAfterDate:">(object(first), object(second)), first > second);
+    EXPECT_EQ(send<"hav_isBeforeDate:">(object(first), object(second)), first < second);
   }
 }
 

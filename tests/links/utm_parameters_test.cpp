@@ -43,30 +43,27 @@ TEST(UtmParameters, ReadsTheLastItemOfEachKey) {
 
 TEST(UtmParameters, AppendsToTheQuery) {
   const UTMParameters all{"1", "2", "3", "4", "5", "6"};
-  const struct {
-    std::string_view url;
-    UTMParameters parameters;
-    std::string_view result, why;
-  } rows[] = {
-      {"https://h", all, "https://h?utm_campaign=1&utm_content=2&utm_medium=3&utm_name=4&utm_source=5&utm_term=6",
-       "the fixed order"},
-      {"https://h/p?a=1&utm_campaign=x", UTMParameters{.campaign = "c1", .term = "t1"},
-       "https://h/p?a=1&utm_campaign=x&utm_campaign=c1&utm_term=t1", "older parameters keep their places"},
-      {"https://h/p?u=a%2Bb&%c3%a9&#f", UTMParameters{.name = "n"}, "https://h/p?u=a%2Bb&%c3%a9&&utm_name=n#f",
-       "what stands keeps its text"},
-      {"https://h/p", UTMParameters{.source = ""}, "https://h/p?utm_source=", "the empty text is written"},
-      {"https://h/p", UTMParameters{.source = "a b&c+d"}, "https://h/p?utm_source=a%20b%26c%2Bd", "values are encoded"},
-      {"https://h/p#f", {}, "https://h/p?#f", "nothing to write"},
-      {"https://h/p?", UTMParameters{.source = "a"}, "https://h/p?utm_source=a", "an empty query"},
-      {"p?a=1", UTMParameters{.source = "x"}, "p?a=1&utm_source=x", "a relative link without a base"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    URL url = *URL::fromString(row.url);
-    EXPECT_EQ(adding(url, row.parameters), URL::fromString(row.result));
-    EXPECT_EQ(url.relativeString(), row.url) << "the receiver is not changed";
-    add(url, row.parameters);
-    EXPECT_EQ(url.relativeString(), row.result);
+  for (const auto& [before, parameters, result, why] :
+       Rows<std::string_view, UTMParameters, std::string_view, std::string_view>{
+           {"https://h", all, "https://h?utm_campaign=1&utm_content=2&utm_medium=3&utm_name=4&utm_source=5&utm_term=6",
+            "the fixed order"},
+           {"https://h/p?a=1&utm_campaign=x", UTMParameters{.campaign = "c1", .term = "t1"},
+            "https://h/p?a=1&utm_campaign=x&utm_campaign=c1&utm_term=t1", "older parameters keep their places"},
+           {"https://h/p?u=a%2Bb&%c3%a9&#f", UTMParameters{.name = "n"}, "https://h/p?u=a%2Bb&%c3%a9&&utm_name=n#f",
+            "what stands keeps its text"},
+           {"https://h/p", UTMParameters{.source = ""}, "https://h/p?utm_source=", "the empty text is written"},
+           {"https://h/p", UTMParameters{.source = "a b&c+d"}, "https://h/p?utm_source=a%20b%26c%2Bd",
+            "values are encoded"},
+           {"https://h/p#f", {}, "https://h/p?#f", "nothing to write"},
+           {"https://h/p?", UTMParameters{.source = "a"}, "https://h/p?utm_source=a", "an empty query"},
+           {"p?a=1", UTMParameters{.source = "x"}, "p?a=1&utm_source=x", "a relative link without a base"},
+       }) {
+    SCOPED_TRACE(why);
+    URL url = *URL::fromString(before);
+    EXPECT_EQ(adding(url, parameters), URL::fromString(result));
+    EXPECT_EQ(url.relativeString(), before) << "the receiver is not changed";
+    add(url, parameters);
+    EXPECT_EQ(url.relativeString(), result);
   }
 }
 

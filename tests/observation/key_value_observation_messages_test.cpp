@@ -102,30 +102,32 @@ class Named : public Object<Named, KeyValueObservation> {
 }  // namespace
 
 TEST_F(Observation, OptionsAreTwoBits) {
-  const struct {
-    std::vector<const char*> keyPaths;
-    std::uint64_t options;
-    const char *told, *why;
-  } rows[] = {
-      {{"title"}, 0, "- 1 ->-, title 1 a>b, title 1 b>b, title 1 b>null", "none"},
-      {{"title"}, 1 | 8, "- 1 ->-, title 1 a>b, title 1 b>b, title 1 b>null", "others have no effect"},
-      {{"title"}, kSkipInitial, "title 1 a>b, title 1 b>b, title 1 b>null", "no first call"},
-      {{"title"}, kSkipUnchanged, "- 1 ->-, title 1 a>b, title 1 b>null", "an equal, distinct string is no change"},
-      {{"title"}, kSkipInitial | kSkipUnchanged, "title 1 a>b, title 1 b>null", "both"},
-      {{"title", "host.name"}, kSkipUnchanged, "- 1 ->-, title 1 a>b, title 1 b>null", "one first call for two paths"},
-      {{}, 0, "- 1 ->-", "no path, but the first call"},
-      {{}, kSkipInitial, "", "no path and no first call"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
+  for (const auto& [paths, options, expected, why] :
+       Rows<std::vector<const char*>, std::uint64_t, const char*, const char*>{
+           {{"title"}, 0, "- 1 ->-, title 1 a>b, title 1 b>b, title 1 b>null", "none"},
+           {{"title"}, 1 | 8, "- 1 ->-, title 1 a>b, title 1 b>b, title 1 b>null", "others have no effect"},
+           {{"title"}, kSkipInitial, "title 1 a>b, title 1 b>b, title 1 b>null", "no first call"},
+           {{"title"},
+            kSkipUnchanged,
+            "- 1 ->-, title 1 a>b, title 1 b>null",
+            "an equal, distinct string is no change"},
+           {{"title"}, kSkipInitial | kSkipUnchanged, "title 1 a>b, title 1 b>null", "both"},
+           {{"title", "host.name"},
+            kSkipUnchanged,
+            "- 1 ->-, title 1 a>b, title 1 b>null",
+            "one first call for two paths"},
+           {{}, 0, "- 1 ->-", "no path, but the first call"},
+           {{}, kSkipInitial, "", "no path and no first call"},
+       }) {
+    SCOPED_TRACE(why);
     send<"setTitle:">(station, s("a"));
     auto keyPaths = makeMutableArray({});
-    for (const char* path : row.keyPaths) keyPaths->addObject(s(path));
-    token = observe(keyPaths, row.options);
+    for (const char* path : paths) keyPaths->addObject(s(path));
+    token = observe(keyPaths, options);
     send<"setTitle:">(station, s("b"));
     send<"setTitle:">(station, s("b"));
     send<"setValue:forKey:">(station, nullptr, s("title"));
-    EXPECT_EQ(take(), row.told);
+    EXPECT_EQ(take(), expected);
     token = nullptr;
     EXPECT_TRUE(station->isUnobserved());
   }

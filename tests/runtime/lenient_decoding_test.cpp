@@ -167,22 +167,21 @@ TEST(LenientDecoding, DecodesFormatsThatThrowOrDoNotKnowTheirCount) {
 TEST(LenientDecoding, FailsWhereTheFormatCannotStep) {
   const Value value = Object{{"numbers", Array{1, 2, "x", 3}}};
   const Habits stuck{.canStep = false};
-  const struct {
-    Habits habits;
-    const char *error, *why;
-  } rows[] = {
-      {stuck, "dataCorrupted at numbers[0]: no way to step", "a format that cannot move"},
-      {{.failsFrom = 2}, "dataCorrupted at numbers[2]: the stream has broken off", "after two elements that decoded"},
-      {{.failsFrom = 2, .throws = true}, "dataCorrupted at numbers[2]: the stream has broken off", "by an exception"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto container = decoderOf(value, row.habits).container();
+  for (const auto& [habits, error, why] : Rows<Habits, const char*, const char*>{
+           {stuck, "dataCorrupted at numbers[0]: no way to step", "a format that cannot move"},
+           {{.failsFrom = 2},
+            "dataCorrupted at numbers[2]: the stream has broken off",
+            "after two elements that decoded"},
+           {{.failsFrom = 2, .throws = true},
+            "dataCorrupted at numbers[2]: the stream has broken off",
+            "by an exception"},
+       }) {
+    SCOPED_TRACE(why);
+    const auto container = decoderOf(value, habits).container();
     const auto outcome = tryDecodeArraySkippingInvalidElements<std::int64_t>(container, "numbers");
     ASSERT_FALSE(outcome);
-    EXPECT_EQ(outcome.error().description(), row.error);
-    EXPECT_EQ(errorOf([&] { (void)decodeArraySkippingInvalidElements<std::int64_t>(container, "numbers"); }),
-              row.error);
+    EXPECT_EQ(outcome.error().description(), error);
+    EXPECT_EQ(errorOf([&] { (void)decodeArraySkippingInvalidElements<std::int64_t>(container, "numbers"); }), error);
   }
   // An element that fails where its array cannot step fails the array, which is then an element that fails.
   const Value nested = Array{Array{1}, 2};

@@ -15,24 +15,19 @@ using havrin::groupedSHA256;
 TEST(SHA256, GroupsTheDigestOfTheTextUpToItsFirstZero) {
   constexpr const char* kEmpty = "e3b0c442-98fc1c14-9afbf4c8-996fb924-27ae41e4-649b934c-a495991b-7852b855";
   constexpr const char* kA = "ca978112-ca1bbdca-fac231b3-9a23dc4d-a786eff8-147c4e72-b9807785-afee48bb";
-  const struct {
-    std::string_view text;
-    std::optional<std::string> digest;
-    const char* why;
-  } rows[] = {
-      {"", kEmpty, "nothing"},
-      {"\0"sv, kEmpty, "a zero byte first"},
-      {"a\0b"sv, kA, "up to the zero byte"},
-      {"é👍", "11451712-37b5f382-18853d82-e7837eda-a7895304-dd2ffb40-daf9d3cc-e579392f", "UTF-8"},
-      {"a\xFF", {}, "ill-formed text has no digest"},
-      {"a\0\xED\xA0\xBD"sv, {}, "not even behind a zero"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(groupedSHA256(row.text), row.digest);
-    if (!havrin::isWellFormed(row.text)) continue;  // a string of it has U+FFFD in its place
-    const auto digest = havrin::HAV_SHA_256(havrin::makeString(row.text));
-    EXPECT_EQ(utf8(*digest), row.digest);
+  for (const auto& [text, expected, why] : Rows<std::string_view, std::optional<std::string>, const char*>{
+           {"", kEmpty, "nothing"},
+           {"\0"sv, kEmpty, "a zero byte first"},
+           {"a\0b"sv, kA, "up to the zero byte"},
+           {"é👍", "11451712-37b5f382-18853d82-e7837eda-a7895304-dd2ffb40-daf9d3cc-e579392f", "UTF-8"},
+           {"a\xFF", {}, "ill-formed text has no digest"},
+           {"a\0\xED\xA0\xBD"sv, {}, "not even behind a zero"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(groupedSHA256(text), expected);
+    if (!havrin::isWellFormed(text)) continue;  // a string of it has U+FFFD in its place
+    const auto digest = havrin::HAV_SHA_256(havrin::makeString(text));
+    EXPECT_EQ(utf8(*digest), expected);
     EXPECT_TRUE(havrin::isKind<havrin::NSMutableString>(digest));
   }
   EXPECT_EQ(havrin::HAV_SHA_256(nullptr), nullptr);

@@ -44,31 +44,25 @@ TEST(StringHelpers, GivesTheRangeOfTheWholeText) {
 TEST(StringHelpers, TestsCharactersScalarByScalar) {
   const CharacterSet letters = CharacterSet::letters(), none;
   const CharacterSet ascii({U'\0', U'\x7F'}), thumb("👍"), replacement("\uFFFD");
-  const struct {
-    std::string_view text;
-    CharacterSet set;
-    bool any, only;
-    const char* why;
-  } rows[] = {
-      {"", letters, false, true, "empty text"},
-      {"abc", none, false, false, "the empty set"},
-      {"abc", letters, true, true, "only members"},
-      {"abc1", letters, true, false, "a last one that is none"},
-      {"e\u0301", ascii, true, false, "a mark is tested apart from what it marks"},
-      {"👍", thumb, true, true, "a pair is one scalar"},
-      {"👍", thumb.inverted(), false, false, "nor in the complement"},
-      {"\xF0\x9F", replacement, true, true, "an ill-formed part is U+FFFD"},
-      {"a\0"sv, letters, true, false, "U+0000 is looked at"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_EQ(containsAnyCharacters(row.text, row.set), row.any);
-    EXPECT_EQ(containsOnlyCharacters(row.text, row.set), row.only);
-    EXPECT_EQ(containsAnyCharacters(row.text, row.set.inverted()), !row.only);
-    const auto set = makeCharacterSet(row.set);
-    for (const Strong<NSString>& string : {makeString(row.text), Strong<NSString>(make<LateString>(utf16(row.text)))}) {
-      EXPECT_EQ(send<"containsAnyCharactersInSet:">(string, set), row.any);
-      EXPECT_EQ(send<"containsOnlyCharactersInSet:">(string, set), row.only);
+  for (const auto& [text, members, any, only, why] : Rows<std::string_view, CharacterSet, bool, bool, const char*>{
+           {"", letters, false, true, "empty text"},
+           {"abc", none, false, false, "the empty set"},
+           {"abc", letters, true, true, "only members"},
+           {"abc1", letters, true, false, "a last one that is none"},
+           {"e\u0301", ascii, true, false, "a mark is tested apart from what it marks"},
+           {"👍", thumb, true, true, "a pair is one scalar"},
+           {"👍", thumb.inverted(), false, false, "nor in the complement"},
+           {"\xF0\x9F", replacement, true, true, "an ill-formed part is U+FFFD"},
+           {"a\0"sv, letters, true, false, "U+0000 is looked at"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_EQ(containsAnyCharacters(text, members), any);
+    EXPECT_EQ(containsOnlyCharacters(text, members), only);
+    EXPECT_EQ(containsAnyCharacters(text, members.inverted()), !only);
+    const auto set = makeCharacterSet(members);
+    for (const Strong<NSString>& string : {makeString(text), Strong<NSString>(make<LateString>(utf16(text)))}) {
+      EXPECT_EQ(send<"containsAnyCharactersInSet:">(string, set), any);
+      EXPECT_EQ(send<"containsOnlyCharactersInSet:">(string, set), only);
     }
   }
   const auto half = makeString(u"a\xD83D");

@@ -258,28 +258,24 @@ TEST(KeyedArchive, ReadsBackLargeAndRepetitiveObjects) {
     EXPECT_TRUE(coder.decodeObjectForKey("first") && coder.decodeObjectForKey("second"));
     return &self;
   };
-  const struct {
-    Strong<NSObject> object;
-    bool isCompared;  // small enough for it when each part is looked at
-    std::string_view why;
-  } rows[] = {
-      {many(20'000, record), true, "many records"},
-      {different, true, "many members of one hash"},
-      {attributed(std::string(runs.size(), 'x'), runs), true, "many runs"},
-      {makeString(std::string(1'000'000, 'x')), true, "a long text"},
-      {many(100, [&](int) { return makeData(letters)->mutableCopy(); }), true, "equal mutable data, each of its own"},
-      {many(100, [&](int) { return make<NSMutableString>(letters); }), true, "equal mutable strings"},
-      {many(100, [&](int) { return makeString(letters); }), true, "equal strings, each an object"},
-      {many(100, [&](int) { return make<NSMutableAttributedString>(text->string()); }), true, "one text of many"},
-      {many(100, [&](int) { return make<NSURL>(URL::fromUncheckedText(letters)); }), true, "long links"},
-      {doubled(make<NSAttributedString>(wide), 21), false, "wide text, whose bytes count as parts"},
-      {doubled(wide, 21), false, "the same, mutable"},
-      {make<Puppet>(), false, "more parts in an object of the application than a collection may have"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto read = root(archived(row.object));
-    EXPECT_TRUE(read && (!row.isCompared || read->isEqual(row.object)));
+  for (const auto& [object, isCompared, why] : Rows<Strong<NSObject>, bool, std::string_view>{
+           {many(20'000, record), true, "many records"},
+           {different, true, "many members of one hash"},
+           {attributed(std::string(runs.size(), 'x'), runs), true, "many runs"},
+           {makeString(std::string(1'000'000, 'x')), true, "a long text"},
+           {many(100, [&](int) { return makeData(letters)->mutableCopy(); }), true,
+            "equal mutable data, each of its own"},
+           {many(100, [&](int) { return make<NSMutableString>(letters); }), true, "equal mutable strings"},
+           {many(100, [&](int) { return makeString(letters); }), true, "equal strings, each an object"},
+           {many(100, [&](int) { return make<NSMutableAttributedString>(text->string()); }), true, "one text of many"},
+           {many(100, [&](int) { return make<NSURL>(URL::fromUncheckedText(letters)); }), true, "long links"},
+           {doubled(make<NSAttributedString>(wide), 21), false, "wide text, whose bytes count as parts"},
+           {doubled(wide, 21), false, "the same, mutable"},
+           {make<Puppet>(), false, "more parts in an object of the application than a collection may have"},
+       }) {
+    SCOPED_TRACE(why);
+    const auto read = root(archived(object));
+    EXPECT_TRUE(read && (!isCompared || read->isEqual(object)));
   }
   Puppet::encode = nullptr;
   Puppet::initialise = nullptr;

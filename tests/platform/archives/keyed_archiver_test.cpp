@@ -30,27 +30,22 @@ TEST(KeyedArchiver, ReportsWhatCannotBeWritten) {
   const Strong<NSArray> key = parts.finish();
   const auto copies = make<NSMutableArray>();
   for (int i = 0; i < 1'000; ++i) copies->addObject(makeDictionary({{key, makeNumber(i)}}));
-  const struct {
-    Strong<NSObject> object;
-    bool secure;
-    std::string error;
-  } rows[] = {
-      {makeArray({make<Stranger>()}), false, "unknown class Stranger"},
-      {make<Silent>(), false, "class Silent does not adopt NSCoding"},
-      {make<Puppet>(), true, "class Puppet does not adopt NSSecureCoding"},
-      {holdsItself, false, "a collection contains itself"},
-      {deepest, false, "objects are nested deeper than 1024 levels"},
-      {laughs, false, "shared objects expand beyond the size limit"},
-      {copies, false, "the objects take too much memory"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.error);
+  for (const auto& [object, secure, reason] : Rows<Strong<NSObject>, bool, std::string>{
+           {makeArray({make<Stranger>()}), false, "unknown class Stranger"},
+           {make<Silent>(), false, "class Silent does not adopt NSCoding"},
+           {make<Puppet>(), true, "class Puppet does not adopt NSSecureCoding"},
+           {holdsItself, false, "a collection contains itself"},
+           {deepest, false, "objects are nested deeper than 1024 levels"},
+           {laughs, false, "shared objects expand beyond the size limit"},
+           {copies, false, "the objects take too much memory"},
+       }) {
+    SCOPED_TRACE(reason);
     Strong<NSError> error;
-    EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(row.object, row.secure, &error));
-    EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(row.object, row.secure, nullptr));
+    EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(object, secure, &error));
+    EXPECT_FALSE(NSKeyedArchiver::archivedDataWithRootObject(object, secure, nullptr));
     ASSERT_TRUE(error);
     EXPECT_EQ(error->code(), NSCoderInvalidValueError);
-    EXPECT_TRUE(saysWhy(textOf(error), row.error));
+    EXPECT_TRUE(saysWhy(textOf(error), reason));
   }
   holdsItself->removeAllObjects();
   NSKeyedUnarchiver::setClass(Class(), "Silent");

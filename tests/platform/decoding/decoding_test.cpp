@@ -107,29 +107,29 @@ TEST(Decoding, ReportsWhatFailedAndWhere) {
     return Array{station(), object};
   };
   using Stations = std::vector<Station>;
-  const struct {
-    std::string error;
-    const char *expected, *why;
-  } rows[] = {
-      {errorOf<Stations>(Array{station()}), "none", "nothing is wrong"},
-      {errorOf<Stations>(Array{null}), "valueNotFound at [0]: expected an object, found null", "null for an object"},
-      {errorOf<Stations>(Object{}), "typeMismatch at the top level: expected an array, found an object", "the top"},
-      {errorOf<Stations>(with("identifier", "many")),
-       "typeMismatch at [1].identifier: expected a 64-bit integer, found the string \"many\"", "text for a number"},
-      {errorOf<Stations>(with("shares", Object{{"not a word", true}})),
-       "typeMismatch at [1].shares[\"not a word\"]: expected a number, found true", "a key that is not a word"},
-      {errorOf<Stations>(with("song", Object{{"title", "x"}, {"seconds", 1.5}})),
-       "dataCorrupted at [1].song.seconds: expected a 32-bit integer, found the number 1.5", "in an optional"},
-      {errorOf<std::vector<Level>>(Array{Object{{"percent", 101}}}), "dataCorrupted at [0]: more than everything",
-       "a reason of the type's own"},
-      {errorOf<std::map<std::string, Thrown>>(Object{{"a", Object{{"name", 1}}}}),
-       "typeMismatch at a.name: expected a string, found the number 1", "an error that was thrown"},
-      {errorOf<std::vector<Colour>>(Array{"#FF8800", "red"}), "dataCorrupted at [1]: no colour code", "by traits"},
-      {errorOf<int>(Value("a\"b\\\n")),
-       "typeMismatch at the top level: expected a 32-bit integer, found the string \"a\\\"b\\\\\\u000A\"",
-       "on one line"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(row.error, row.expected) << row.why;
+  for (const auto& [error, expected, why] : Rows<std::string, const char*, const char*>{
+           {errorOf<Stations>(Array{station()}), "none", "nothing is wrong"},
+           {errorOf<Stations>(Array{null}), "valueNotFound at [0]: expected an object, found null",
+            "null for an object"},
+           {errorOf<Stations>(Object{}), "typeMismatch at the top level: expected an array, found an object",
+            "the top"},
+           {errorOf<Stations>(with("identifier", "many")),
+            "typeMismatch at [1].identifier: expected a 64-bit integer, found the string \"many\"",
+            "text for a number"},
+           {errorOf<Stations>(with("shares", Object{{"not a word", true}})),
+            "typeMismatch at [1].shares[\"not a word\"]: expected a number, found true", "a key that is not a word"},
+           {errorOf<Stations>(with("song", Object{{"title", "x"}, {"seconds", 1.5}})),
+            "dataCorrupted at [1].song.seconds: expected a 32-bit integer, found the number 1.5", "in an optional"},
+           {errorOf<std::vector<Level>>(Array{Object{{"percent", 101}}}), "dataCorrupted at [0]: more than everything",
+            "a reason of the type's own"},
+           {errorOf<std::map<std::string, Thrown>>(Object{{"a", Object{{"name", 1}}}}),
+            "typeMismatch at a.name: expected a string, found the number 1", "an error that was thrown"},
+           {errorOf<std::vector<Colour>>(Array{"#FF8800", "red"}), "dataCorrupted at [1]: no colour code", "by traits"},
+           {errorOf<int>(Value("a\"b\\\n")),
+            "typeMismatch at the top level: expected a 32-bit integer, found the string \"a\\\"b\\\\\\u000A\"",
+            "on one line"},
+       })
+    EXPECT_EQ(error, expected) << why;
 }
 
 TEST(Decoding, ThrowsTheSameErrorWithItsWholePath) {

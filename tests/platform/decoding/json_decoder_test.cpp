@@ -43,49 +43,45 @@ std::string outcome(std::string_view text) {
 
 TEST(JSONDecoder, ReadsAScalarByTheRulesOfItsType) {
   // What 8 bits, 64 bits without and with a sign, and a double make of a number; everything else refuses it.
-  const struct {
-    const char *text, *int8, *uint64, *int64, *real, *why;
-  } numbers[] = {
-      {"12.5E+1", "125", "125", "125", "125", "whole after its exponent"},
-      {"1.5", kCorrupted, kCorrupted, kCorrupted, "1.5", "a fraction"},
-      {"-1.0", "-1", kCorrupted, "-1", "-1", "below zero, whole"},
-      {"-129", kCorrupted, kCorrupted, "-129", "-129", "one less than 8 bits hold"},
-      {"128.0", kCorrupted, "128", "128", "128", "one more"},
-      {"9007199254740991.0", kCorrupted, "9007199254740991", "9007199254740991", "9.0072e+15", "whole below 2^53"},
-      {"9007199254740992.0", kCorrupted, kCorrupted, kCorrupted, "9.0072e+15", "2^53 as a real"},
-      {"9223372036854775807", kCorrupted, "9223372036854775807", "9223372036854775807", "9.22337e+18", "2^63 - 1"},
-      {"9223372036854775808", kCorrupted, "9223372036854775808", kCorrupted, "9.22337e+18", "2^63"},
-      {"-9223372036854775808", kCorrupted, kCorrupted, "-9223372036854775808", "-9.22337e+18", "-2^63"},
-      {"-9223372036854775809", kCorrupted, kCorrupted, kCorrupted, "-9.22337e+18", "one less"},
-      {"18446744073709551615", kCorrupted, "18446744073709551615", kCorrupted, "1.84467e+19", "2^64 - 1"},
-      {"18446744073709551616", kCorrupted, kCorrupted, kCorrupted, "1.84467e+19", "2^64"},
-      {"-1e99999999999999999999", kCorrupted, kCorrupted, kCorrupted, kCorrupted, "far beyond"},
-      {"-0.000001e-99999999999999999999", "0", "0", "0", "-0", "far too small"},
-      {"0e999", "0", "0", "0", "0", "zero whatever the exponent"},
-      {"true", kMismatch, kMismatch, kMismatch, kMismatch, "a boolean is not a number"},
-      {"\"3\"", kMismatch, kMismatch, kMismatch, kMismatch, "text is not a number"},
-      {"null", kNoValue, kNoValue, kNoValue, kNoValue, "null is not a value"},
-      {"[]", kMismatch, kMismatch, kMismatch, kMismatch, "an array"},
-      {" {} ", kMismatch, kMismatch, kMismatch, kMismatch, "an object"},
-  };
-  for (const auto& row : numbers) {
-    SCOPED_TRACE(std::string(row.text) + ": " + row.why);
-    EXPECT_EQ(outcome<std::int8_t>(row.text), row.int8);
-    EXPECT_EQ(outcome<std::uint64_t>(row.text), row.uint64);
-    EXPECT_EQ(outcome<std::int64_t>(row.text), row.int64);
-    EXPECT_EQ(outcome<double>(row.text), row.real);
+  for (const auto& [text, int8, uint64, int64, real, why] :
+       Rows<const char*, const char*, const char*, const char*, const char*, const char*>{
+           {"12.5E+1", "125", "125", "125", "125", "whole after its exponent"},
+           {"1.5", kCorrupted, kCorrupted, kCorrupted, "1.5", "a fraction"},
+           {"-1.0", "-1", kCorrupted, "-1", "-1", "below zero, whole"},
+           {"-129", kCorrupted, kCorrupted, "-129", "-129", "one less than 8 bits hold"},
+           {"128.0", kCorrupted, "128", "128", "128", "one more"},
+           {"9007199254740991.0", kCorrupted, "9007199254740991", "9007199254740991", "9.0072e+15", "whole below 2^53"},
+           {"9007199254740992.0", kCorrupted, kCorrupted, kCorrupted, "9.0072e+15", "2^53 as a real"},
+           {"9223372036854775807", kCorrupted, "9223372036854775807", "9223372036854775807", "9.22337e+18", "2^63 - 1"},
+           {"9223372036854775808", kCorrupted, "9223372036854775808", kCorrupted, "9.22337e+18", "2^63"},
+           {"-9223372036854775808", kCorrupted, kCorrupted, "-9223372036854775808", "-9.22337e+18", "-2^63"},
+           {"-9223372036854775809", kCorrupted, kCorrupted, kCorrupted, "-9.22337e+18", "one less"},
+           {"18446744073709551615", kCorrupted, "18446744073709551615", kCorrupted, "1.84467e+19", "2^64 - 1"},
+           {"18446744073709551616", kCorrupted, kCorrupted, kCorrupted, "1.84467e+19", "2^64"},
+           {"-1e99999999999999999999", kCorrupted, kCorrupted, kCorrupted, kCorrupted, "far beyond"},
+           {"-0.000001e-99999999999999999999", "0", "0", "0", "-0", "far too small"},
+           {"0e999", "0", "0", "0", "0", "zero whatever the exponent"},
+           {"true", kMismatch, kMismatch, kMismatch, kMismatch, "a boolean is not a number"},
+           {"\"3\"", kMismatch, kMismatch, kMismatch, kMismatch, "text is not a number"},
+           {"null", kNoValue, kNoValue, kNoValue, kNoValue, "null is not a value"},
+           {"[]", kMismatch, kMismatch, kMismatch, kMismatch, "an array"},
+           {" {} ", kMismatch, kMismatch, kMismatch, kMismatch, "an object"},
+       }) {
+    SCOPED_TRACE(std::string(text) + ": " + why);
+    EXPECT_EQ(outcome<std::int8_t>(text), int8);
+    EXPECT_EQ(outcome<std::uint64_t>(text), uint64);
+    EXPECT_EQ(outcome<std::int64_t>(text), int64);
+    EXPECT_EQ(outcome<double>(text), real);
   }
-  const struct {
-    const char *text, *boolean, *string;
-  } others[] = {{"1", kMismatch, kMismatch},
-                {"true", "true", kMismatch},
-                {"\"3\"", kMismatch, "3"},
-                {"null", kNoValue, kNoValue},
-                {"[]", kMismatch, kMismatch}};
-  for (const auto& row : others) {
-    SCOPED_TRACE(row.text);
-    EXPECT_EQ(outcome<bool>(row.text), row.boolean);
-    EXPECT_EQ(outcome<std::string>(row.text), row.string);
+  for (const auto& [text, boolean, string] :
+       Rows<const char*, const char*, const char*>{{"1", kMismatch, kMismatch},
+                                                   {"true", "true", kMismatch},
+                                                   {"\"3\"", kMismatch, "3"},
+                                                   {"null", kNoValue, kNoValue},
+                                                   {"[]", kMismatch, kMismatch}}) {
+    SCOPED_TRACE(text);
+    EXPECT_EQ(outcome<bool>(text), boolean);
+    EXPECT_EQ(outcome<std::string>(text), string);
   }
   EXPECT_EQ(outcome<std::int16_t>("32768"), kCorrupted);
   EXPECT_EQ(outcome<std::uint16_t>("65535"), "65535");

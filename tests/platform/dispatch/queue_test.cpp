@@ -223,42 +223,37 @@ TEST(QueueDeathTest, StopsTheProcessWithOneLine) {
   const DispatchQueue main = dispatch_get_main_queue();
   const DispatchQueue throughMain = dispatch_queue_create("m", DISPATCH_QUEUE_SERIAL, main);
   const auto nothing = [] {};
-  const struct {
-    const char* why;
-    std::function<void()> misuse;
-    const char* line;
-  } rows[] = {
-      {"a sync onto what runs through a held queue",
-       [&] { dispatch_sync(line, [&] { dispatch_sync(above, nothing); }); },
-       "dispatch_sync: deadlock: the caller already runs on the queue line\n"},
-      {"a sync from inside an async",
-       [&] {
-         dispatch_async(line, [&] { dispatch_sync(line, nothing); });
-         finish(line);
-       },
-       "already runs on the queue line\n"},
-      {"the main thread onto a queue through main", [&] { dispatch_sync(throughMain, nothing); },
-       "already runs on the queue main\n"},
-      {"an exception on the main queue",
-       [&] {
-         dispatch_async(main, [] { throw NSException(NSRangeException, "index 3 beyond 2"); });
-         RunLoop::main().runMode(NSDefaultRunLoopMode, 1e9);
-       },
-       "an exception left a closure on the queue main: NSRangeException: index 3 beyond 2\n"},
-      {"an exception of no known kind",
-       [&] {
-         dispatch_async(line, [] { throw 7; });
-         finish(line);
-       },
-       "an exception left a closure on the queue line: it is not derived from std::exception\n"},
-      {"a circle of targets", [&] { dispatch_set_target_queue(line, above); },
-       "the target queue leads back to this queue\n"},
-      {"a target for the main queue", [&] { dispatch_set_target_queue(main, line); },
-       "the target of a global queue or of the main queue cannot be set\n"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    EXPECT_DEATH(row.misuse(), row.line);
+  for (const auto& [why, misuse, message] : Rows<const char*, std::function<void()>, const char*>{
+           {"a sync onto what runs through a held queue",
+            [&] { dispatch_sync(line, [&] { dispatch_sync(above, nothing); }); },
+            "dispatch_sync: deadlock: the caller already runs on the queue line\n"},
+           {"a sync from inside an async",
+            [&] {
+              dispatch_async(line, [&] { dispatch_sync(line, nothing); });
+              finish(line);
+            },
+            "already runs on the queue line\n"},
+           {"the main thread onto a queue through main", [&] { dispatch_sync(throughMain, nothing); },
+            "already runs on the queue main\n"},
+           {"an exception on the main queue",
+            [&] {
+              dispatch_async(main, [] { throw NSException(NSRangeException, "index 3 beyond 2"); });
+              RunLoop::main().runMode(NSDefaultRunLoopMode, 1e9);
+            },
+            "an exception left a closure on the queue main: NSRangeException: index 3 beyond 2\n"},
+           {"an exception of no known kind",
+            [&] {
+              dispatch_async(line, [] { throw 7; });
+              finish(line);
+            },
+            "an exception left a closure on the queue line: it is not derived from std::exception\n"},
+           {"a circle of targets", [&] { dispatch_set_target_queue(line, above); },
+            "the target queue leads back to this queue\n"},
+           {"a target for the main queue", [&] { dispatch_set_target_queue(main, line); },
+            "the target of a global queue or of the main queue cannot be set\n"},
+       }) {
+    SCOPED_TRACE(why);
+    EXPECT_DEATH(misuse(), message);
   }
 }
 

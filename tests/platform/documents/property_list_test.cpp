@@ -55,66 +55,59 @@ TEST(PropertyList, KeepsOneValueUnderAKey) {
 }
 
 TEST(PropertyList, ReadsXmlByItsRules) {
-  const struct {
-    std::string text;
-    List value;
-    std::string_view why;
-  } rows[] = {
-      {xml("<integer> +7\n</integer>"), List(7), "blanks and a plus"},
-      {xml("<integer>-0x10</integer>"), List(-16), "hexadecimal digits"},
-      {xml("<real>-Infinity</real>"), List(-HUGE_VAL), "infinity"},
-      {xml("<real> +0.5\n</real>"), List(0.5), "blanks and a plus"},
-      {xml("<date> 2024-12-31T23:59:59Z\n</date>"), List(Date::fromTimeIntervalSince1970(1735689599)), "blanks"},
-      {xml("<string>a&lt;&#233;<!-- b --><![CDATA[<c>]]></string>"), List("a<\u00E9<c>"), "all that writes text"},
-      {xml("<data> YQ = = </data>"), List(bytesOf("a")), "blanks in base64"},
-      {xml("<dict><key>a</key><true/><key>a</key><false/></dict>"), samples::dictionary({{"a", List(true)}}),
-       "the first of two keys"},
-      {xml("<dict><key>CF$UID</key><integer>3</integer></dict>"), List(List::UID{3}), "a UID"},
-      {xml("<dict><key>CF$UID</key><integer>-3</integer></dict>"), samples::dictionary({{"CF$UID", List(-3)}}),
-       "a UID is not negative"},
-      {xml("<dict><key>CF$UID</key><integer>3</integer><key>a</key><true/></dict>"),
-       samples::dictionary({{"CF$UID", List(3)}, {"a", List(true)}}), "a UID has no other key"},
-      {"<array/>", List(List::Array()), "no element around it"},
-      {"\xEF\xBB\xBF<array/>", List(List::Array()), "a byte order mark"},
-      {"<?xml version='1.0' encoding='ISO-8859-1'?>\n<!DOCTYPE plist SYSTEM 'x'><!-- \xE9 "
-       "--><plist><array>\n</array></plist>",
-       List(List::Array()), "another encoding, and a document type that is not followed"},
-  };
-  for (const auto& row : rows) samples::expectRead(bytesOf(row.text), row.value, row.why);
+  for (const auto& [text, value, why] : Rows<std::string, List, std::string_view>{
+           {xml("<integer> +7\n</integer>"), List(7), "blanks and a plus"},
+           {xml("<integer>-0x10</integer>"), List(-16), "hexadecimal digits"},
+           {xml("<real>-Infinity</real>"), List(-HUGE_VAL), "infinity"},
+           {xml("<real> +0.5\n</real>"), List(0.5), "blanks and a plus"},
+           {xml("<date> 2024-12-31T23:59:59Z\n</date>"), List(Date::fromTimeIntervalSince1970(1735689599)), "blanks"},
+           {xml("<string>a&lt;&#233;<!-- b --><![CDATA[<c>]]></string>"), List("a<\u00E9<c>"), "all that writes text"},
+           {xml("<data> YQ = = </data>"), List(bytesOf("a")), "blanks in base64"},
+           {xml("<dict><key>a</key><true/><key>a</key><false/></dict>"), samples::dictionary({{"a", List(true)}}),
+            "the first of two keys"},
+           {xml("<dict><key>CF$UID</key><integer>3</integer></dict>"), List(List::UID{3}), "a UID"},
+           {xml("<dict><key>CF$UID</key><integer>-3</integer></dict>"), samples::dictionary({{"CF$UID", List(-3)}}),
+            "a UID is not negative"},
+           {xml("<dict><key>CF$UID</key><integer>3</integer><key>a</key><true/></dict>"),
+            samples::dictionary({{"CF$UID", List(3)}, {"a", List(true)}}), "a UID has no other key"},
+           {"<array/>", List(List::Array()), "no element around it"},
+           {"\xEF\xBB\xBF<array/>", List(List::Array()), "a byte order mark"},
+           {"<?xml version='1.0' encoding='ISO-8859-1'?>\n<!DOCTYPE plist SYSTEM 'x'><!-- \xE9 "
+            "--><plist><array>\n</array></plist>",
+            List(List::Array()), "another encoding, and a document type that is not followed"},
+       })
+    samples::expectRead(bytesOf(text), value, why);
 }
 
 TEST(PropertyList, ReportsWhatIsWrongInXmlAndInWhichLine) {
-  const struct {
-    std::string text;
-    std::string_view error;
-  } rows[] = {
-      {xml("\n<dict><key>a</key></dict>"), "line 2: a key without a value"},
-      {xml("<dict><true/></dict>"), "line 1: a value without a key"},
-      {xml("<array><key>a</key></array>"), "line 1: a key outside a dictionary"},
-      {xml("<true/>\n\n<true/>"), "line 3: more than one value"},
-      {xml(""), "line 1: no value"},
-      {xml("<set/>"), "line 1: unknown property list element"},
-      {xml("<string><true/></string>"), "line 1: an element inside a scalar element"},
-      {xml("<array>a</array>"), "line 1: text between elements"},
-      {xml("<integer>1.5</integer>"), "line 1: <integer> is not a 64-bit integer"},
-      {xml("<integer>18446744073709551616</integer>"), "line 1: <integer> is not a 64-bit integer"},
-      {xml("<integer>--1</integer>"), "line 1: <integer> is not a 64-bit integer"},
-      {xml("<real>+-1</real>"), "line 1: <real> is not a number"},
-      {xml("<date>2023-02-29T00:00:00Z</date>"), "line 1: <date> is not a date in the form 2024-10-01T12:34:56Z"},
-      {xml("<date>2024-01-01 00:00:00Z</date>"), "line 1: <date> is not a date in the form 2024-10-01T12:34:56Z"},
-      {xml("<data>Y=Q=</data>"), "line 1: <data> is not base64"},
-      {xml("<data>YQ==YQ==</data>"), "line 1: <data> is not base64"},
-      {xml("<string>\xFF</string>"), "line 1: not well-formed (invalid token)"},
-      {"", "line 1: the data is empty"},
-      {"<?xml version=\"1.0\"?>", "line 1: no element found"},
-      {"<plist>\n<dict>\n<key>a</key>\n", "line 4: an element is not closed"},
-      {"<string>a", "line 1: an element is not closed"},
-      {"{ a = b; }", "line 1: not well-formed (invalid token)"},
-      {"bplist00", "byte 8: the data ends before its trailer"},
-      {"<!DOCTYPE plist [\n<!ENTITY a 'aaaa'>]><plist><string>&a;</string></plist>",
-       "line 2: entity declarations are not allowed"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(samples::errorOf(readPropertyList(bytesOf(row.text))), row.error) << row.text;
+  for (const auto& [text, error] : Rows<std::string, std::string_view>{
+           {xml("\n<dict><key>a</key></dict>"), "line 2: a key without a value"},
+           {xml("<dict><true/></dict>"), "line 1: a value without a key"},
+           {xml("<array><key>a</key></array>"), "line 1: a key outside a dictionary"},
+           {xml("<true/>\n\n<true/>"), "line 3: more than one value"},
+           {xml(""), "line 1: no value"},
+           {xml("<set/>"), "line 1: unknown property list element"},
+           {xml("<string><true/></string>"), "line 1: an element inside a scalar element"},
+           {xml("<array>a</array>"), "line 1: text between elements"},
+           {xml("<integer>1.5</integer>"), "line 1: <integer> is not a 64-bit integer"},
+           {xml("<integer>18446744073709551616</integer>"), "line 1: <integer> is not a 64-bit integer"},
+           {xml("<integer>--1</integer>"), "line 1: <integer> is not a 64-bit integer"},
+           {xml("<real>+-1</real>"), "line 1: <real> is not a number"},
+           {xml("<date>2023-02-29T00:00:00Z</date>"), "line 1: <date> is not a date in the form 2024-10-01T12:34:56Z"},
+           {xml("<date>2024-01-01 00:00:00Z</date>"), "line 1: <date> is not a date in the form 2024-10-01T12:34:56Z"},
+           {xml("<data>Y=Q=</data>"), "line 1: <data> is not base64"},
+           {xml("<data>YQ==YQ==</data>"), "line 1: <data> is not base64"},
+           {xml("<string>\xFF</string>"), "line 1: not well-formed (invalid token)"},
+           {"", "line 1: the data is empty"},
+           {"<?xml version=\"1.0\"?>", "line 1: no element found"},
+           {"<plist>\n<dict>\n<key>a</key>\n", "line 4: an element is not closed"},
+           {"<string>a", "line 1: an element is not closed"},
+           {"{ a = b; }", "line 1: not well-formed (invalid token)"},
+           {"bplist00", "byte 8: the data ends before its trailer"},
+           {"<!DOCTYPE plist [\n<!ENTITY a 'aaaa'>]><plist><string>&a;</string></plist>",
+            "line 2: entity declarations are not allowed"},
+       })
+    EXPECT_EQ(samples::errorOf(readPropertyList(bytesOf(text))), error) << text;
 }
 
 TEST(PropertyList, BoundsTheNestingOfXml) {

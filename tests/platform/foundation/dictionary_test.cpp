@@ -42,18 +42,14 @@ TEST(Dictionary, FindsValuesByEqualKeys) {
   const auto kind = s("kind");
   const auto value = make<NSObject>();
   const auto dictionary = makeDictionary({{kind, value}, {makeNumber(3), kind}});
-  const struct {
-    Strong<NSObject> key;
-    NSObject* value;
-    const char* why;
-  } rows[] = {
-      {s("kind"), value, "an equal string, not the same one"},
-      {s("Kind"), nullptr, "letter case counts"},
-      {makeNumber(3.0), kind, "numbers are equal by value"},
-      {s("3"), nullptr, "text is not a number"},
-      {nullptr, nullptr, "null is not a key"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(dictionary->objectForKey(row.key).get(), row.value) << row.why;
+  for (const auto& [key, expected, why] : Rows<Strong<NSObject>, NSObject*, const char*>{
+           {s("kind"), value, "an equal string, not the same one"},
+           {s("Kind"), nullptr, "letter case counts"},
+           {makeNumber(3.0), kind, "numbers are equal by value"},
+           {s("3"), nullptr, "text is not a number"},
+           {nullptr, nullptr, "null is not a key"},
+       })
+    EXPECT_EQ(dictionary->objectForKey(key).get(), expected) << why;
   EXPECT_EQ(dictionary->count(), 2U);
 }
 

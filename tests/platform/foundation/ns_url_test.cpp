@@ -22,29 +22,27 @@ class Shortcut : public Object<Shortcut, NSURL> {
 TEST(NSURL, HasRelativeAndAbsoluteText) {
   const auto page = link("https://h/a/b/c");
   const auto part = link("#f", page);
-  const struct {
-    Strong<NSURL> url;
-    const char *relative, *absolute, *base, *description, *why;
-  } rows[] = {
-      {page, "https://h/a/b/c", "https://h/a/b/c", "none", "https://h/a/b/c", "no base"},
-      {link("../d", page), "../d", "https://h/a/d", "https://h/a/b/c", "../d -- https://h/a/b/c", "a base"},
-      {link("x", part), "x", "https://h/a/b/x", "https://h/a/b/c#f", "x -- https://h/a/b/c#f", "a base with a base"},
-      {link("", page), "", "https://h/a/b/c", "https://h/a/b/c", " -- https://h/a/b/c", "the base itself"},
-      {link("mailto:a@b.c", page), "mailto:a@b.c", "mailto:a@b.c", "none", "mailto:a@b.c", "a scheme of its own"},
-      {make<Shortcut>(), "../d", "https://h/a/d", "https://h/a/b/c", "../d -- https://h/a/b/c", "a subclass"},
-      {link("e", make<Shortcut>()), "e", "https://h/a/e", "https://h/a/d", "e -- https://h/a/d", "seen from one"},
-      {make<NSURL>(), "", "", "none", "", "not initialised"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    ASSERT_TRUE(row.url);
-    EXPECT_EQ(utf8(*row.url->relativeString()), row.relative);
-    EXPECT_EQ(utf8(*row.url->absoluteString()), row.absolute);
-    EXPECT_EQ(utf8(*row.url->absoluteURL()->description()), row.absolute);
-    EXPECT_EQ(utf8(*row.url->description()), row.description);
-    const auto base = row.url->baseURL();
-    EXPECT_EQ(base ? utf8(*base->absoluteString()) : "none", row.base);
-    EXPECT_EQ(row.url->copy(), row.url);
+  for (const auto& [url, relative, absolute, baseText, description, why] :
+       Rows<Strong<NSURL>, const char*, const char*, const char*, const char*, const char*>{
+           {page, "https://h/a/b/c", "https://h/a/b/c", "none", "https://h/a/b/c", "no base"},
+           {link("../d", page), "../d", "https://h/a/d", "https://h/a/b/c", "../d -- https://h/a/b/c", "a base"},
+           {link("x", part), "x", "https://h/a/b/x", "https://h/a/b/c#f", "x -- https://h/a/b/c#f",
+            "a base with a base"},
+           {link("", page), "", "https://h/a/b/c", "https://h/a/b/c", " -- https://h/a/b/c", "the base itself"},
+           {link("mailto:a@b.c", page), "mailto:a@b.c", "mailto:a@b.c", "none", "mailto:a@b.c", "a scheme of its own"},
+           {make<Shortcut>(), "../d", "https://h/a/d", "https://h/a/b/c", "../d -- https://h/a/b/c", "a subclass"},
+           {link("e", make<Shortcut>()), "e", "https://h/a/e", "https://h/a/d", "e -- https://h/a/d", "seen from one"},
+           {make<NSURL>(), "", "", "none", "", "not initialised"},
+       }) {
+    SCOPED_TRACE(why);
+    ASSERT_TRUE(url);
+    EXPECT_EQ(utf8(*url->relativeString()), relative);
+    EXPECT_EQ(utf8(*url->absoluteString()), absolute);
+    EXPECT_EQ(utf8(*url->absoluteURL()->description()), absolute);
+    EXPECT_EQ(utf8(*url->description()), description);
+    const auto base = url->baseURL();
+    EXPECT_EQ(base ? utf8(*base->absoluteString()) : "none", baseText);
+    EXPECT_EQ(url->copy(), url);
   }
 }
 

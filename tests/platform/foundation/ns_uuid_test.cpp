@@ -10,26 +10,21 @@ namespace havrin {
 namespace {
 
 TEST(NSUUID, ReadsThirtySixCharactersOrNothing) {
-  const struct {
-    std::string_view text;
-    std::string_view printed;  // "nil" for no identifier
-    const char* why;
-  } rows[] = {
-      {"e621e1f8-c36c-495a-93fc-0c247a3e6e5f", "E621E1F8-C36C-495A-93FC-0C247A3E6E5F", "lower case"},
-      {"E621E1F8-C36C-495A-93FC-0C247A3E6E5F", "E621E1F8-C36C-495A-93FC-0C247A3E6E5F", "upper case"},
-      {"", "nil", "empty"},
-      {"E621E1F8-C36C-495A-93FC-0C247A3E6E5", "nil", "35 characters"},
-      {"E621E1F8-C36C-495A-93FC-0C247A3E6E5F0", "nil", "37 characters"},
-      {"G621E1F8-C36C-495A-93FC-0C247A3E6E5F", "nil", "not a digit"},
-      {"E621E1F8-C36C-495A-93FC00C247A3E6E5F", "nil", "a dash missing"},
-      {std::string_view("E621E1F8-C36C-495A-93FC-0C247A3E6E5\0", 36), "nil", "a null character"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const std::optional<UUID> value = UUID::fromString(row.text);
-    EXPECT_EQ(value ? value->uuidString() : "nil", row.printed);
-    const Strong<NSUUID> object = alloc<NSUUID>()->initWithUUIDString(s(row.text));
-    EXPECT_EQ(object ? utf8(*object->uuidString()) : "nil", row.printed);
+  for (const auto& [text, printed, why] : Rows<std::string_view, std::string_view, const char*>{
+           {"e621e1f8-c36c-495a-93fc-0c247a3e6e5f", "E621E1F8-C36C-495A-93FC-0C247A3E6E5F", "lower case"},
+           {"E621E1F8-C36C-495A-93FC-0C247A3E6E5F", "E621E1F8-C36C-495A-93FC-0C247A3E6E5F", "upper case"},
+           {"", "nil", "empty"},
+           {"E621E1F8-C36C-495A-93FC-0C247A3E6E5", "nil", "35 characters"},
+           {"E621E1F8-C36C-495A-93FC-0C247A3E6E5F0", "nil", "37 characters"},
+           {"G621E1F8-C36C-495A-93FC-0C247A3E6E5F", "nil", "not a digit"},
+           {"E621E1F8-C36C-495A-93FC00C247A3E6E5F", "nil", "a dash missing"},
+           {std::string_view("E621E1F8-C36C-495A-93FC-0C247A3E6E5\0", 36), "nil", "a null character"},
+       }) {
+    SCOPED_TRACE(why);
+    const std::optional<UUID> value = UUID::fromString(text);
+    EXPECT_EQ(value ? value->uuidString() : "nil", printed);
+    const Strong<NSUUID> object = alloc<NSUUID>()->initWithUUIDString(s(text));
+    EXPECT_EQ(object ? utf8(*object->uuidString()) : "nil", printed);
     if (object) {
       EXPECT_EQ(object->value(), value);
     }

@@ -114,30 +114,27 @@ TEST(UrlComponents, ReturnsThePartsAsTheyAreWritten) {
 }
 
 TEST(UrlComponents, ResolvesOnlyWhereAsked) {
-  const struct {
-    std::string_view reference, base;
-    std::optional<std::string> ignored, resolved;
-    std::string_view why;
-  } rows[] = {
-      {"p?a=1", "https://ex.com/dir/page?x=y", "p?a=1", "https://ex.com/dir/p?a=1", "a relative path"},
-      {"", "http://a/b/c/d;p?q", std::nullopt, "http://a/b/c/d;p?q", "the base itself"},
-      {"#s", "http://a/b?q", "#s", "http://a/b?q#s", "a fragment of the base"},
-      {"p", "dir/page", "p", "p", "a base that is relative"},
-      {"p", "http://:x", "p", std::nullopt, "a base without parts"},
-      {"http://h/../p", "http://a/", "http://h/../p", "http://h/../p", "an absolute link stays"},
-      {"http://:x", "http://a/", std::nullopt, std::nullopt, "a link without parts"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const URL base = URL::fromUncheckedText(row.base);
-    const URL url = URL::fromString(row.reference, base).value_or(URL::fromUncheckedText(row.reference));
+  for (const auto& [reference, baseText, ignored, resolved, why] :
+       Rows<std::string_view, std::string_view, std::optional<std::string>, std::optional<std::string>,
+            std::string_view>{
+           {"p?a=1", "https://ex.com/dir/page?x=y", "p?a=1", "https://ex.com/dir/p?a=1", "a relative path"},
+           {"", "http://a/b/c/d;p?q", std::nullopt, "http://a/b/c/d;p?q", "the base itself"},
+           {"#s", "http://a/b?q", "#s", "http://a/b?q#s", "a fragment of the base"},
+           {"p", "dir/page", "p", "p", "a base that is relative"},
+           {"p", "http://:x", "p", std::nullopt, "a base without parts"},
+           {"http://h/../p", "http://a/", "http://h/../p", "http://h/../p", "an absolute link stays"},
+           {"http://:x", "http://a/", std::nullopt, std::nullopt, "a link without parts"},
+       }) {
+    SCOPED_TRACE(why);
+    const URL base = URL::fromUncheckedText(baseText);
+    const URL url = URL::fromString(reference, base).value_or(URL::fromUncheckedText(reference));
     const auto textOf = [&url](BaseURL way) -> std::optional<std::string> {
       const auto components = URLComponents::fromUrl(url, way);
       const auto written = components ? components->url() : std::nullopt;
       return written ? std::optional(written->relativeString()) : std::nullopt;
     };
-    EXPECT_EQ(textOf(BaseURL::ignored), row.ignored);
-    EXPECT_EQ(textOf(BaseURL::resolved), row.resolved);
+    EXPECT_EQ(textOf(BaseURL::ignored), ignored);
+    EXPECT_EQ(textOf(BaseURL::resolved), resolved);
   }
 }
 

@@ -74,21 +74,19 @@ TEST(Url, ResolvesTheExamplesOfTheStandard) {  // RFC 3986, 5.4.1 and 5.4.2
 }
 
 TEST(Url, ResolvesUnusualBases) {
-  const struct {
-    std::string_view base, reference, resolved, why;
-  } rows[] = {
-      {"s:/a", "/.//b", "s:/.//b", "a path is not turned into an authority"},
-      {"s:/a/b", "..//c", "s:/.//c", "nor by going up"},
-      {"s:/a/b/", "../..//c", "s:/.//c", "twice"},
-      {"http://h", "../g", "http://h/g", "a base without a path"},
-      {"s:a/b", "../c", "s:/c", "a path without a leading slash"},
-      {"s:a", "./b", "s:b", "of one segment"},
-      {"s:a", "../b", "s:b", "from which nothing is above"},
-      {"s:a", "..", "s:", "which goes"},
-      {"s://h/a?q", "", "s://h/a?q", "the base itself"},
-  };
-  for (const auto& row : rows)
-    EXPECT_EQ(URL::fromString(row.reference, *URL::fromString(row.base))->absoluteString(), row.resolved) << row.why;
+  for (const auto& [base, reference, resolved, why] :
+       Rows<std::string_view, std::string_view, std::string_view, std::string_view>{
+           {"s:/a", "/.//b", "s:/.//b", "a path is not turned into an authority"},
+           {"s:/a/b", "..//c", "s:/.//c", "nor by going up"},
+           {"s:/a/b/", "../..//c", "s:/.//c", "twice"},
+           {"http://h", "../g", "http://h/g", "a base without a path"},
+           {"s:a/b", "../c", "s:/c", "a path without a leading slash"},
+           {"s:a", "./b", "s:b", "of one segment"},
+           {"s:a", "../b", "s:b", "from which nothing is above"},
+           {"s:a", "..", "s:", "which goes"},
+           {"s://h/a?q", "", "s://h/a?q", "the base itself"},
+       })
+    EXPECT_EQ(URL::fromString(reference, *URL::fromString(base))->absoluteString(), resolved) << why;
 }
 
 TEST(Url, KeepsTheBaseInItsAbsoluteForm) {

@@ -65,25 +65,20 @@ const Image kImage{"added", nullptr, {}, kCategories, {}};
 TEST(KeyValueCoding, ReadsAndSetsThroughTheMethodsOfAKey) {
   const auto station = make<Station>();
   const auto ada = make<Host>();
-  const struct {
-    const char* key;
-    Strong<NSObject> value;
-    std::string before, after;
-    const char* why;
-  } rows[] = {
-      {"listeners", makeNumber(12), "0", "12", "a property"},
-      {"listeners", makeNumber(12.9), "12", "12", "a real is truncated into an integer property"},
-      {"rating", makeNumber(2), "0", "4", "get<Key> goes before <key>, _set<Key>: is found"},
-      {"onAir", makeNumber(false), "1", "0", "is<Key>"},
-      {"host", ada, "nil", text(ada), "an object"},
-      {"host", nullptr, text(ada), "nil", "null for an object"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const auto key = s(row.key);
-    EXPECT_EQ(text(send<"valueForKey:">(station, key)), row.before);
-    send<"setValue:forKey:">(station, row.value, key);
-    EXPECT_EQ(text(send<"valueForKey:">(station, key)), row.after);
+  for (const auto& [name, value, before, after, why] :
+       Rows<const char*, Strong<NSObject>, std::string, std::string, const char*>{
+           {"listeners", makeNumber(12), "0", "12", "a property"},
+           {"listeners", makeNumber(12.9), "12", "12", "a real is truncated into an integer property"},
+           {"rating", makeNumber(2), "0", "4", "get<Key> goes before <key>, _set<Key>: is found"},
+           {"onAir", makeNumber(false), "1", "0", "is<Key>"},
+           {"host", ada, "nil", text(ada), "an object"},
+           {"host", nullptr, text(ada), "nil", "null for an object"},
+       }) {
+    SCOPED_TRACE(why);
+    const auto key = s(name);
+    EXPECT_EQ(text(send<"valueForKey:">(station, key)), before);
+    send<"setValue:forKey:">(station, value, key);
+    EXPECT_EQ(text(send<"valueForKey:">(station, key)), after);
   }
   EXPECT_EQ(text(send<"valueForKey:">(station, s("_secret"))), "42");
   EXPECT_EQ(text(send<"valueForKey:">(station, s("secret"))), "42");

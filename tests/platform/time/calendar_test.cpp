@@ -13,50 +13,39 @@ double secondsOf(Date date) { return date.timeIntervalSince1970(); }
 Calendar in(std::string_view zone) { return {CalendarIdentifier::gregorian, TimeZone::named(zone).value()}; }
 
 TEST(Calendar, StartsADayAtItsFirstMoment) {
-  const struct {
-    const char* zone;
-    double noon, start;
-    const char* why;
-  } rows[] = {
-      {"America/New_York", 1710082800, 1710046800, "23 hours"},
-      {"America/Sao_Paulo", 1541340000, 1541300400, "no midnight: 01:00"},
-      {"America/Sao_Paulo", 1518922799, 1518832800, "25 hours: the second 23:59:59"},
-      {"Asia/Beirut", 1648371600, 1648332000, "no midnight: 01:00"},
-      {"America/Toronto", -1601712000, -1601753400, "the clock jumped from 23:30 to 00:30"},
-      {"Atlantic/Azores", 1698541200, 1698537600, "the second midnight belongs to the same day"},
-      {"America/Havana", 1699203600, 1699156800, "two midnights"},
-      {"America/St_Johns", 1162098000, 1162089000, "00:01 went back to 23:01: the midnight before counts"},
-      {"Pacific/Apia", 1325282400, 1325239200, "the day after the one that was skipped"},
-      {"GMT", -0.001, -86400, "a fraction before 1970"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(secondsOf(in(row.zone).startOfDay(at(row.noon))), row.start) << row.why;
+  for (const auto& [zone, noon, start, why] : Rows<const char*, double, double, const char*>{
+           {"America/New_York", 1710082800, 1710046800, "23 hours"},
+           {"America/Sao_Paulo", 1541340000, 1541300400, "no midnight: 01:00"},
+           {"America/Sao_Paulo", 1518922799, 1518832800, "25 hours: the second 23:59:59"},
+           {"Asia/Beirut", 1648371600, 1648332000, "no midnight: 01:00"},
+           {"America/Toronto", -1601712000, -1601753400, "the clock jumped from 23:30 to 00:30"},
+           {"Atlantic/Azores", 1698541200, 1698537600, "the second midnight belongs to the same day"},
+           {"America/Havana", 1699203600, 1699156800, "two midnights"},
+           {"America/St_Johns", 1162098000, 1162089000, "00:01 went back to 23:01: the midnight before counts"},
+           {"Pacific/Apia", 1325282400, 1325239200, "the day after the one that was skipped"},
+           {"GMT", -0.001, -86400, "a fraction before 1970"},
+       })
+    EXPECT_EQ(secondsOf(in(zone).startOfDay(at(noon))), start) << why;
 }
 
 TEST(Calendar, AddsDaysKeepingTheWallClock) {
-  const struct {
-    const char* zone;
-    double start;
-    std::int64_t days;
-    double result;
-    const char* why;
-  } rows[] = {
-      {"America/New_York", 1709969400, 1, 1710055800, "02:30 is skipped: 03:30"},
-      {"America/New_York", 1709969400, 2, 1710138600, "beyond the gap: 02:30"},
-      {"America/New_York", 1730525400, 1, 1730611800, "01:30 EDT to the first 01:30"},
-      {"America/New_York", 1730701800, -1, 1730615400, "01:30 EST to the second 01:30"},
-      {"America/New_York", 1730615400, 1, 1730701800, "from the second 01:30 onwards"},
-      {"America/Sao_Paulo", 1541215800, 1, 1541302200, "00:30 is skipped: 01:30"},
-      {"Pacific/Apia", 1325188800, 1, 1325275200, "29 December to 31 December: there was no 30th"},
-      {"Pacific/Apia", 1325188800, 2, 1325275200, "the 31st is two days after the 29th"},
-      {"Pacific/Apia", 1325275200, -1, 1325188800, "backwards over the missing day: never standing still"},
-      {"Australia/Lord_Howe", 1728056700, 1, 1728143100, "half an hour: 02:15 is skipped, 02:45"},
-      {"Europe/Dublin", 1711760400, 1, 1711846800, "01:00 GMT is skipped: 02:00 IST"},
-      {"GMT", -12219379200, 1, -12219292800, "4 October 1582 to 15 October"},
-      {"GMT", -12219292800, -1, -12219379200, "and back"},
-      {"GMT", 1675123200.25, 1, 1675209600.25, "into the next month, the fraction kept"},
-  };
-  for (const auto& row : rows)
-    EXPECT_EQ(secondsOf(in(row.zone).dateByAddingDays(at(row.start), row.days)), row.result) << row.why;
+  for (const auto& [zone, start, days, result, why] : Rows<const char*, double, std::int64_t, double, const char*>{
+           {"America/New_York", 1709969400, 1, 1710055800, "02:30 is skipped: 03:30"},
+           {"America/New_York", 1709969400, 2, 1710138600, "beyond the gap: 02:30"},
+           {"America/New_York", 1730525400, 1, 1730611800, "01:30 EDT to the first 01:30"},
+           {"America/New_York", 1730701800, -1, 1730615400, "01:30 EST to the second 01:30"},
+           {"America/New_York", 1730615400, 1, 1730701800, "from the second 01:30 onwards"},
+           {"America/Sao_Paulo", 1541215800, 1, 1541302200, "00:30 is skipped: 01:30"},
+           {"Pacific/Apia", 1325188800, 1, 1325275200, "29 December to 31 December: there was no 30th"},
+           {"Pacific/Apia", 1325188800, 2, 1325275200, "the 31st is two days after the 29th"},
+           {"Pacific/Apia", 1325275200, -1, 1325188800, "backwards over the missing day: never standing still"},
+           {"Australia/Lord_Howe", 1728056700, 1, 1728143100, "half an hour: 02:15 is skipped, 02:45"},
+           {"Europe/Dublin", 1711760400, 1, 1711846800, "01:00 GMT is skipped: 02:00 IST"},
+           {"GMT", -12219379200, 1, -12219292800, "4 October 1582 to 15 October"},
+           {"GMT", -12219292800, -1, -12219379200, "and back"},
+           {"GMT", 1675123200.25, 1, 1675209600.25, "into the next month, the fraction kept"},
+       })
+    EXPECT_EQ(secondsOf(in(zone).dateByAddingDays(at(start), days)), result) << why;
 }
 
 TEST(Calendar, ClampsWhatNoCalendarReaches) {

@@ -25,56 +25,48 @@ DateFormat format(std::string_view pattern, std::string_view locale, std::string
 TEST(DateFormat, WritesThePatternInTheWordsOfTheLocale) {
   constexpr double kMarch = 1709649000;  // 2024-03-05 14:30:00 UTC
   constexpr double kJuly = 1720189800;   // 2024-07-05 14:30:00 UTC
-  const struct {
-    const char *locale, *zone;
-    double instant;
-    const char* text;
-  } rows[] = {
-      {"POSIX", "GMT", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
-      {"POSIX", "GMT", -0.001, "Wed, 31 Dec 1969 23:59:59 GMT"},
-      {"POSIX", "GMT", 253402300800, "Sat, 01 Jan 10000 00:00:00 GMT"},
-      {"POSIX", "GMT", -62135769601, "Fri, 31 Dec 0001 23:59:59 GMT"},
-      {"POSIX", "GMT", -12219292801, "Thu, 04 Oct 1582 23:59:59 GMT"},
-      {"POSIX", "GMT", 1e300, "Tue, 20 Dec 5828963 00:00:00 GMT"},
-      {"en_US", "America/New_York", kJuly, "Fri, 05 Jul 2024 10:30:00 EDT"},
-      {"en_US", "Asia/Kolkata", kMarch, "Tue, 05 Mar 2024 20:00:00 GMT+5:30"},
-      {"en_US", "Europe/London", kJuly, "Fri, 05 Jul 2024 15:30:00 GMT+1"},
-      {"en_US", "Africa/Cairo", kJuly, "Fri, 05 Jul 2024 17:30:00 GMT+3"},  // younger than ICU's own rules
-      {"en_GB", "Europe/London", kJuly, "Fri, 05 Jul 2024 15:30:00 BST"},
-      {"en_GB", "Europe/Paris", kJuly, "Fri, 05 Jul 2024 16:30:00 CEST"},
-      {"en_IE", "Europe/Dublin", kJuly, "Fri, 05 Jul 2024 15:30:00 IST"},
-      {"de_DE", "GMT", kMarch, "Di., 05 März 2024 14:30:00 GMT"},
-      {"th_TH", "GMT", kMarch, "อ., 05 มี.ค. 2567 14:30:00 GMT"},
-      {"ja_JP@calendar=japanese", "GMT", kMarch, "火, 05 3月 0006 14:30:00 GMT"},
-      {"fa_IR", "GMT", kMarch, "سه‌شنبه, ۱۵ اسفند ۱۴۰۲ ۱۴:۳۰:۰۰ گرینویچ"},
-  };
-  for (const auto& row : rows)
-    EXPECT_EQ(format(kHttp, row.locale, row.zone).string(at(row.instant)), row.text)
-        << std::string(row.locale) + ' ' + row.zone;
+  for (const auto& [locale, zone, instant, text] : Rows<const char*, const char*, double, const char*>{
+           {"POSIX", "GMT", kMarch, "Tue, 05 Mar 2024 14:30:00 GMT"},
+           {"POSIX", "GMT", -0.001, "Wed, 31 Dec 1969 23:59:59 GMT"},
+           {"POSIX", "GMT", 253402300800, "Sat, 01 Jan 10000 00:00:00 GMT"},
+           {"POSIX", "GMT", -62135769601, "Fri, 31 Dec 0001 23:59:59 GMT"},
+           {"POSIX", "GMT", -12219292801, "Thu, 04 Oct 1582 23:59:59 GMT"},
+           {"POSIX", "GMT", 1e300, "Tue, 20 Dec 5828963 00:00:00 GMT"},
+           {"en_US", "America/New_York", kJuly, "Fri, 05 Jul 2024 10:30:00 EDT"},
+           {"en_US", "Asia/Kolkata", kMarch, "Tue, 05 Mar 2024 20:00:00 GMT+5:30"},
+           {"en_US", "Europe/London", kJuly, "Fri, 05 Jul 2024 15:30:00 GMT+1"},
+           {"en_US", "Africa/Cairo", kJuly, "Fri, 05 Jul 2024 17:30:00 GMT+3"},  // younger than ICU's own rules
+           {"en_GB", "Europe/London", kJuly, "Fri, 05 Jul 2024 15:30:00 BST"},
+           {"en_GB", "Europe/Paris", kJuly, "Fri, 05 Jul 2024 16:30:00 CEST"},
+           {"en_IE", "Europe/Dublin", kJuly, "Fri, 05 Jul 2024 15:30:00 IST"},
+           {"de_DE", "GMT", kMarch, "Di., 05 März 2024 14:30:00 GMT"},
+           {"th_TH", "GMT", kMarch, "อ., 05 มี.ค. 2567 14:30:00 GMT"},
+           {"ja_JP@calendar=japanese", "GMT", kMarch, "火, 05 3月 0006 14:30:00 GMT"},
+           {"fa_IR", "GMT", kMarch, "سه‌شنبه, ۱۵ اسفند ۱۴۰۲ ۱۴:۳۰:۰۰ گرینویچ"},
+       })
+    EXPECT_EQ(format(kHttp, locale, zone).string(at(instant)), text) << std::string(locale) + ' ' + zone;
   EXPECT_EQ(format(kHttp, "C", "GMT").string(at(std::numeric_limits<double>::quiet_NaN())), "");
   EXPECT_EQ(format(kHttp, "C", "GMT").pattern(), kHttp);
 }
 
 TEST(DateFormat, WritesDigitsAndLiterals) {
   const double moment = -3600 * 11 + 60 * 5 + 7.0567;  // 1969-12-31 13:05:07.0567
-  const struct {
-    const char *pattern, *text;
-  } rows[] = {
-      {"y yy yyy yyyy yyyyy", "1969 69 1969 1969 01969"},
-      {"M MM MMM MMMM MMMMM LLL", "12 12 Dec December D Dec"},
-      {"d dd ddd E EE EEEE EEEEE", "31 31 031 Wed Wed Wednesday W"},
-      {"H HH h hh K KK k kk a", "13 13 1 01 1 01 13 13 PM"},
-      {"m mm s ss S SS SSS", "5 05 7 07 0 05 056"},
-      {"'o''clock' ''yy'' -/:.,", "o'clock '69' -/:.,"},
-      {"z zzzz", "GMT GMT"},
-      {"QQQ w D SSSS xxx", "Q4 1 365 0560 +00:00"},
-      {"'' '''' ' '''' ' ''", "' ''  ''  '"},
-      {"\xff'\xff'", "\ufffd\ufffd"},
-      {"'half", "half"},
-      {"", ""},
-      {"b j", ""},
-  };
-  for (const auto& row : rows) EXPECT_EQ(format(row.pattern, "C", "GMT").string(at(moment)), row.text) << row.pattern;
+  for (const auto& [pattern, text] : Rows<const char*, const char*>{
+           {"y yy yyy yyyy yyyyy", "1969 69 1969 1969 01969"},
+           {"M MM MMM MMMM MMMMM LLL", "12 12 Dec December D Dec"},
+           {"d dd ddd E EE EEEE EEEEE", "31 31 031 Wed Wed Wednesday W"},
+           {"H HH h hh K KK k kk a", "13 13 1 01 1 01 13 13 PM"},
+           {"m mm s ss S SS SSS", "5 05 7 07 0 05 056"},
+           {"'o''clock' ''yy'' -/:.,", "o'clock '69' -/:.,"},
+           {"z zzzz", "GMT GMT"},
+           {"QQQ w D SSSS xxx", "Q4 1 365 0560 +00:00"},
+           {"'' '''' ' '''' ' ''", "' ''  ''  '"},
+           {"\xff'\xff'", "\ufffd\ufffd"},
+           {"'half", "half"},
+           {"", ""},
+           {"b j", ""},
+       })
+    EXPECT_EQ(format(pattern, "C", "GMT").string(at(moment)), text) << pattern;
   EXPECT_EQ(format("ss.SSS", "C", "GMT")
                 .string(Date(std::chrono::sys_time<std::chrono::milliseconds>(std::chrono::milliseconds(1999)))),
             "01.999")

@@ -25,33 +25,27 @@ const fs::path kZones = "/usr/share/zoneinfo";
 Date at(double secondsSince1970) { return Date::fromTimeIntervalSince1970(secondsSince1970); }
 
 TEST(Zone, IsTheOneThatTzNames) {
-  const struct {
-    std::string variable;
-    const char* name;
-    std::int64_t offset;  // on 2024-07-01
-    const char* why;
-  } rows[] = {
-      {"Asia/Tokyo", "Asia/Tokyo", 32400, "a name"},
-      {":Asia/Tokyo", "Asia/Tokyo", 32400, "a name behind a colon"},
-      {"/usr/share/zoneinfo/Europe/Paris", "Europe/Paris", 7200, "a path into the zone files"},
-      {"Etc/GMT+5", "Etc/GMT+5", -18000, "the sign of POSIX"},
-      {"UTC", "GMT", 0, "a name of UTC"},
-      {"", "GMT", 0, "empty"},
-      {"Foo/Bar", "GMT", 0, "no such zone"},
-      {"asia/tokyo", "GMT", 0, "names have their case"},
-      {"<+03>-3", "GMT", 0, "POSIX rules"},
-      {"tzdata.zi", "GMT", 0, "not a zone file"},
-      {"right/Asia/Tokyo", "GMT", 0, "counts leap seconds"},
-      {"../zoneinfo/Asia/Tokyo", "GMT", 0, "a step out of the folder"},
-      {"/dev/zero", "GMT", 0, "a device"},
-      {std::string(100'000, 'x'), "GMT", 0, "far too long"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const PinnedEnvironment environment(row.variable.c_str());
+  for (const auto& [variable, name, offset, why] : Rows<std::string, const char*, std::int64_t, const char*>{
+           {"Asia/Tokyo", "Asia/Tokyo", 32400, "a name"},
+           {":Asia/Tokyo", "Asia/Tokyo", 32400, "a name behind a colon"},
+           {"/usr/share/zoneinfo/Europe/Paris", "Europe/Paris", 7200, "a path into the zone files"},
+           {"Etc/GMT+5", "Etc/GMT+5", -18000, "the sign of POSIX"},
+           {"UTC", "GMT", 0, "a name of UTC"},
+           {"", "GMT", 0, "empty"},
+           {"Foo/Bar", "GMT", 0, "no such zone"},
+           {"asia/tokyo", "GMT", 0, "names have their case"},
+           {"<+03>-3", "GMT", 0, "POSIX rules"},
+           {"tzdata.zi", "GMT", 0, "not a zone file"},
+           {"right/Asia/Tokyo", "GMT", 0, "counts leap seconds"},
+           {"../zoneinfo/Asia/Tokyo", "GMT", 0, "a step out of the folder"},
+           {"/dev/zero", "GMT", 0, "a device"},
+           {std::string(100'000, 'x'), "GMT", 0, "far too long"},
+       }) {
+    SCOPED_TRACE(why);
+    const PinnedEnvironment environment(variable.c_str());
     for (int repetition = 0; repetition < 2; ++repetition) {
-      EXPECT_EQ(TimeZone::current().name(), row.name);
-      EXPECT_EQ(TimeZone::current().secondsFromGmt(at(1719792000)), row.offset);
+      EXPECT_EQ(TimeZone::current().name(), name);
+      EXPECT_EQ(TimeZone::current().secondsFromGmt(at(1719792000)), offset);
     }
   }
   EXPECT_EQ(TimeZone::named("Asia/Atlantis"), std::nullopt);
@@ -61,25 +55,19 @@ TEST(Zone, IsTheOneThatTzNames) {
 }
 
 TEST(Zone, HasItsOffsetAtEveryInstant) {
-  const struct {
-    const char* zone;
-    double instant;
-    std::int64_t offset;
-    bool daylight;
-    const char* why;
-  } rows[] = {
-      {"America/New_York", 1710053999.999, -18000, false, "a fraction before summer"},
-      {"America/New_York", -5e9, -17762, false, "local mean time, before zones"},
-      {"America/New_York", 1e12, -14400, true, "the rules go on for ever: September 33658"},
-      {"America/New_York", 1e12 + 90 * 86400, -18000, false, "and its December"},
-      {"America/New_York", -1e300, -17762, false, "and at their beginning"},
-      {"GMT", std::numeric_limits<double>::quiet_NaN(), 0, false, "not a number"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.why);
-    const TimeZone zone = TimeZone::named(row.zone).value();
-    EXPECT_EQ(zone.secondsFromGmt(at(row.instant)), row.offset);
-    EXPECT_EQ(zone.isDaylightSavingTime(at(row.instant)), row.daylight);
+  for (const auto& [zoneName, instant, offset, daylight, why] :
+       Rows<const char*, double, std::int64_t, bool, const char*>{
+           {"America/New_York", 1710053999.999, -18000, false, "a fraction before summer"},
+           {"America/New_York", -5e9, -17762, false, "local mean time, before zones"},
+           {"America/New_York", 1e12, -14400, true, "the rules go on for ever: September 33658"},
+           {"America/New_York", 1e12 + 90 * 86400, -18000, false, "and its December"},
+           {"America/New_York", -1e300, -17762, false, "and at their beginning"},
+           {"GMT", std::numeric_limits<double>::quiet_NaN(), 0, false, "not a number"},
+       }) {
+    SCOPED_TRACE(why);
+    const TimeZone zone = TimeZone::named(zoneName).value();
+    EXPECT_EQ(zone.secondsFromGmt(at(instant)), offset);
+    EXPECT_EQ(zone.isDaylightSavingTime(at(instant)), daylight);
   }
 }
 
