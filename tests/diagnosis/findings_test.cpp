@@ -14,7 +14,9 @@
 #include <future>
 #include <regex>
 #include <span>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace havrin;
 
@@ -154,18 +156,34 @@ std::string written(const char* value, const std::function<void()>& body) {
   return std::regex_replace(testing::internal::GetCapturedStderr(), std::regex("thread [0-9]+"), "thread N");
 }
 
+// A process writes each finding once, so a test has one of its own and may be repeated.
+void inItsOwnProcess(const std::function<void()>& body) {
+  std::fflush(stdout);
+  const pid_t child = fork();
+  if (child == 0) {
+    body();
+    std::fflush(stdout);
+    std::_Exit(testing::Test::HasFailure());
+  }
+  int status = -1;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+}
+
 TEST(Findings, AreWrittenOnceAndOnlyWhereDiagnosisIsOn) {
   for (const Mistake& row : kMistakes) {
     SCOPED_TRACE(row.why);
-    for (const char* off : {static_cast<const char*>(nullptr), "", "0"}) EXPECT_EQ(written(off, row.mistake), "");
-    EXPECT_EQ(written("1", row.correct), "");
-    std::string expected;
-    for (const std::string& line : row.lines) expected += "havrin: diagnosis: " + line + "\n";
-    EXPECT_EQ(written("1", row.mistake), expected);
+    inItsOwnProcess([&row] {
+      for (const char* off : {static_cast<const char*>(nullptr), "", "0"}) EXPECT_EQ(written(off, row.mistake), "");
+      EXPECT_EQ(written("1", row.correct), "");
+      std::string expected;
+      for (const std::string& line : row.lines) expected += "havrin: diagnosis: " + line + "\n";
+      EXPECT_EQ(written("1", row.mistake), expected);
+    });
   }
 }
 
-TEST(Findings, OfImagesAreWrittenAsTheyAreLoaded) {
+void expectFindingsOfImages() {
   const auto load = [](std::string_view name, std::span<const Category* const> categories) {
     const Loader loader{Image{name, nullptr, {}, categories, {}}};
   };
@@ -183,5 +201,7 @@ TEST(Findings, OfImagesAreWrittenAsTheyAreLoaded) {
       "\"gate\" in NSObject(Bell), which answers from now on; expected a selector with a prefix of its own in each "
       "image (main thread)\n");
 }
+
+TEST(Findings, OfImagesAreWrittenAsTheyAreLoaded) { inItsOwnProcess(expectFindingsOfImages); }
 
 }  // namespace
