@@ -94,14 +94,6 @@ TEST(HexCodes, MakeTheTypedClassAndByMessageAPlainColour) {
   EXPECT_EQ(MyColour::initialised, 1);
 }
 
-TEST(HexCodes, AreWrittenAsTheyWereRead) {
-  for (unsigned byte = 0; byte < 256; ++byte) {
-    char code[16];
-    std::snprintf(code, sizeof code, "#%02X%02X%02X", byte, 255 - byte, byte ^ 0x5A);
-    EXPECT_EQ(codeOf(fromHexString<UIColor>(code)), code);
-  }
-}
-
 // Gives these bits; 0: fails.
 struct GivenBits : RandomSource {
   explicit GivenBits(std::uint64_t bits) : given(bits) { installRandomSource(this); }

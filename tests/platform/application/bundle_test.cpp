@@ -5,7 +5,6 @@
 #include <HavrinFoundation/platform/documents/property_list.h>
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
-#include <HavrinFoundation/testkit/main_bundle.h>
 
 #include <filesystem>
 #include <sys/stat.h>
@@ -32,26 +31,14 @@ TEST(Bundle, IsOneForEachFolder) {
   }
   EXPECT_NE(NSBundle::bundleWithPath(path + "/inner"), bundle);
   EXPECT_FALSE(bundle->isEqual(NSBundle::mainBundle()));
+  const auto program = std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+  EXPECT_EQ(utf8(*NSBundle::mainBundle()->bundlePath()), program);
+  EXPECT_EQ(NSBundle::bundleWithPath(program), NSBundle::mainBundle());
 
   folder.write("file", "");
   EXPECT_EQ(NSBundle::bundleWithPath(path + "/file"), nullptr);
   EXPECT_EQ(NSBundle::bundleWithPath(path + "/none"), nullptr);
   EXPECT_EQ(NSBundle::bundleWithPath(""), nullptr);
-}
-
-TEST(Bundle, IsTheMainOneForTheFolderOfTheProgram) {
-  const auto main = NSBundle::mainBundle();
-  const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
-  EXPECT_EQ(utf8(*main->bundlePath()), folder);
-  EXPECT_EQ(NSBundle::mainBundle(), main);
-  EXPECT_EQ(NSBundle::bundleWithPath(folder), main);
-  const TemporaryFolder other;
-  {
-    const TestMainBundle installed(other.path().string());
-    EXPECT_NE(NSBundle::mainBundle(), main);
-    EXPECT_EQ(NSBundle::bundleWithPath(other.path().string()), NSBundle::mainBundle());
-  }
-  EXPECT_EQ(NSBundle::mainBundle(), main);
 }
 
 TEST(Bundle, ConvertsEachKindOfInformation) {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/archives/archive_limits.h>
-#include <HavrinFoundation/platform/archives/archive_objects.h>
 
 #include <gtest/gtest.h>
 
@@ -54,16 +53,6 @@ TEST(ArchiveLimits, SearchWorkIsThatOfEqualHashes) {
   for (Row row : {Row{{}, 0}, Row{{{1, 100}, {2, 100}}, 0}, Row{{{1, 2}, {2, 7}, {1, 3}}, 5},
                   Row{{{1, 2}, {2, 7}, {1, 3}, {2, 1}, {1, 5}}, 28}, Row{{{1, kMost}, {1, kMost}, {1, 1}}, 2 * kMost}})
     EXPECT_EQ(searchWork(row.sought), row.work);
-}
-
-TEST(ArchiveObjects, OnlyAClassRecordHasAClass) {
-  ArchiveObjects objects(3);
-  EXPECT_EQ(objects.classIn(objects[1]), nullptr);
-  objects.addClass(objects[2], {.cls = classObject<NSObject>()});
-  objects.addClass(objects[0], {.awakes = true});
-  EXPECT_EQ(objects.classIn(objects[2])->cls, classObject<NSObject>());
-  EXPECT_TRUE(objects.classIn(objects[0])->awakes);
-  EXPECT_EQ(objects.classIn(objects[1]), nullptr);
 }
 
 }  // namespace

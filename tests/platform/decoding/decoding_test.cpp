@@ -249,27 +249,6 @@ TEST(UnkeyedContainer, AdvancesOnlyPastDecodedElements) {
   EXPECT_EQ(container.decodeIfPresent<int>(), std::nullopt);
 }
 
-struct Seen {
-  static Decoded<Seen> fromDecoder(Decoder& decoder) {
-    const auto& info = decoder.userInfo();
-    const auto unit = info.find("unit");
-    return Seen{unit == info.end() ? "none" : std::any_cast<std::string>(unit->second),
-                decoder.codingPath().description()};
-  }
-  std::string unit;
-  std::string path;
-};
-
-TEST(Decoder, GivesTypesTheUserInfoAndThePath) {
-  const Value value = Object{{"a", Array{1, 2}}};
-  const UserInfo info = {{"unit", std::string("km")}};
-  Decoder decoder = decoderOf(value, {}, info);
-  const auto seen = decoder.singleValueContainer().decode<std::map<std::string, std::vector<Seen>>>();
-  EXPECT_EQ(seen.at("a")[1].unit, "km");
-  EXPECT_EQ(seen.at("a")[1].path, "a[1]");
-  EXPECT_EQ(decoderOf(value).singleValueContainer().decode<Seen>().unit, "none");
-}
-
 TEST(DecodingError, IsReadByManyThreadsAndOutlivesThem) {
   const auto mismatch = [](const std::string& value) {
     return DecodingError::typeMismatch("a number", Found::string, value);

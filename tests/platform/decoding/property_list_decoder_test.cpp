@@ -60,19 +60,4 @@ TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
   EXPECT_FALSE(PropertyListDecoder().tryDecode<std::uint8_t>(largest));
 }
 
-TEST(PropertyListDecoder, ReportsWhatFailedAndWhere) {
-  const auto list = dictionary({{"a", PropertyList(PropertyList::Array{PropertyList(1), PropertyList("x")})}});
-  const auto outcome = PropertyListDecoder().tryDecode<std::map<std::string, std::vector<int>>>(list);
-  ASSERT_FALSE(outcome);
-  EXPECT_EQ(outcome.error().description(), "typeMismatch at a[1]: expected a 32-bit integer, found the string \"x\"");
-  EXPECT_EQ(PropertyListDecoder().tryDecode<Station>(list).error().description(),
-            "keyNotFound at the top level: no value for the key \"name\"");
-  EXPECT_FALSE((PropertyListDecoder().tryDecode<std::map<std::string, int>>(PropertyList(1))));
-  const std::string garbage = "no property list";
-  const auto refused = PropertyListDecoder().tryDecode<int>(std::as_bytes(std::span(garbage)));
-  ASSERT_FALSE(refused);
-  EXPECT_EQ(refused.error().kind(), DecodingError::Kind::dataCorrupted);
-  EXPECT_EQ(refused.error().detail().substr(0, 37), "the document is not a property list: ");
-}
-
 }  // namespace

@@ -110,10 +110,10 @@ class ValueSource final : public DecodingSource {
 };
 
 /// A decoder of `value`, which must outlive it.
-inline Decoder decoderOf(const Value& value, Habits habits = {}, const UserInfo& userInfo = {}) {
+inline Decoder decoderOf(const Value& value, Habits habits = {}) {
   static std::deque<ValueSource> sources;
   static const UserInfo none;
-  return Decoder(sources.emplace_back(habits), ValueSource::valueOf(value), userInfo.empty() ? none : userInfo);
+  return Decoder(sources.emplace_back(habits), ValueSource::valueOf(value), none);
 }
 
 }  // namespace value_decoder

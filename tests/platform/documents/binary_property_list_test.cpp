@@ -84,23 +84,6 @@ TEST(BinaryPropertyList, BoundsTheNesting) {
   EXPECT_FALSE(readPropertyList(nested(1'000'000)));
 }
 
-TEST(BinaryPropertyList, BoundsTheExpansionOfSharedParts) {
-  // Sixty arrays, each holding the next one twice.
-  std::vector<std::string> objects;
-  for (std::size_t i = 1; i < 60; ++i) objects.push_back("A2 " + hexadecimal(i, 2) + hexadecimal(i, 2));
-  objects.emplace_back("09");
-  EXPECT_EQ(samples::reasonOf(readPropertyList(Binary{{objects.begin(), objects.end()}}.bytes())),
-            "shared objects expand beyond the size limit");
-  // A thousand dictionaries under one long key: keys are copied.
-  objects = {"AF 11 03 E8 ", "5F 12 00 01 00 00 " + samples::repeated("61", 65536)};
-  for (std::size_t i = 0; i < 1000; ++i) {
-    objects[0] += hexadecimal(i + 2, 4);
-    objects.emplace_back("D1 00 01 00 01");
-  }
-  EXPECT_EQ(samples::reasonOf(readPropertyList(Binary{{objects.begin(), objects.end()}, 0, 2, 4}.bytes())),
-            "shared objects expand beyond the size limit");
-}
-
 TEST(BinaryPropertyList, SurvivesEveryDamage) {
   for (const auto& [name, value] : samples::all()) {
     if (name == "many" || name == "data" || name == "texts") continue;

@@ -38,21 +38,6 @@ class Counted : public Object<Counted, NSMutableDictionary> {
 
 }  // namespace
 
-TEST(Dictionary, FindsValuesByEqualKeys) {
-  const auto kind = s("kind");
-  const auto value = make<NSObject>();
-  const auto dictionary = makeDictionary({{kind, value}, {makeNumber(3), kind}});
-  for (const auto& [key, expected, why] : Rows<Strong<NSObject>, NSObject*, const char*>{
-           {s("kind"), value, "an equal string, not the same one"},
-           {s("Kind"), nullptr, "letter case counts"},
-           {makeNumber(3.0), kind, "numbers are equal by value"},
-           {s("3"), nullptr, "text is not a number"},
-           {nullptr, nullptr, "null is not a key"},
-       })
-    EXPECT_EQ(dictionary->objectForKey(key).get(), expected) << why;
-  EXPECT_EQ(dictionary->count(), 2U);
-}
-
 TEST(Dictionary, RefusesNullAndKeysWithoutCopies) {
   const auto dictionary = make<NSMutableDictionary>();
   const auto key = s("key");
@@ -114,20 +99,6 @@ TEST(Dictionary, EnumeratesItsKeysAndThrowsAfterAChange) {
   EXPECT_EQ(dictionary->count(), 0U);
   for (NSObject* key : each(make<Digits>())) next -= cast<NSString>(key)->integerValue();
   EXPECT_EQ(next, 37);
-}
-
-TEST(Dictionary, CopiesDoNotFollowChanges) {
-  const auto key = s("key");
-  const auto dictionary = make<NSMutableDictionary>();
-  dictionary->setObject(key, key);
-  const Strong<NSObject> copy = dictionary->copy();
-  const Strong<NSObject> again = copy->mutableCopy();
-  EXPECT_EQ(classOf(*copy).name(), "NSDictionary");
-  EXPECT_EQ(classOf(*again).name(), "NSMutableDictionary");
-  EXPECT_EQ(copy->copy().get(), copy.get());
-  dictionary->removeAllObjects();
-  EXPECT_EQ(text(copy), "{key = key}");
-  expectEquality(copy, {again}, {dictionary, makeDictionary({{key, s("x")}}), makeDictionary({{s("x"), key}})});
 }
 
 TEST(Dictionary, IsFoundInASetWithoutComparingAllMembers) {

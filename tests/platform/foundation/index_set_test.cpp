@@ -35,18 +35,6 @@ TEST(IndexSet, HoldsEveryIndexOnceInAscendingOrder) {
   }
 }
 
-TEST(IndexSet, JoinsRangesThatTouchOrOverlap) {
-  const auto set = make<NSIndexSet>(std::vector<NSRange>{{5, 2}, {0, 2}, {1, 3}, {7, 0}, {7, 1}});
-  EXPECT_EQ(utf8(*set->description()), "(0-3 5-7)");
-  EXPECT_EQ(set->ranges().size(), 2U);
-  std::uint64_t sum = 0;
-  set->enumerateIndexesUsingBlock([&](std::uint64_t index, bool& stop) {
-    sum += index;
-    stop = index == 5;
-  });
-  EXPECT_EQ(sum, 11U) << "up to where the block stops it";
-}
-
 TEST(IndexSet, IsEqualHoweverItWasMade) {
   const auto set = makeIndexSet({2, 0, 1});
   expectEquality(set, {makeIndexSet(NSRange{0, 3})}, {makeIndexSet({0, 1})});

@@ -138,11 +138,4 @@ TEST(UrlComponents, ResolvesOnlyWhereAsked) {
   }
 }
 
-TEST(UrlComponents, ComparesItemsWithoutTheirEscapes) {
-  const auto items = *componentsOf("?%61=%2F&a=/&a&a=").queryItems();
-  EXPECT_EQ(items[0], items[1]);
-  EXPECT_EQ(items[1], URLQueryItem("a", "/"));
-  EXPECT_FALSE(items[2] == items[3]);
-}
-
 }  // namespace

@@ -172,11 +172,3 @@ TEST(KeyValueCoding, MayBeUsedFromSeveralThreadsWhileCategoriesCome) {
     }
   });
 }
-
-TEST(KeyPaths, AreStringsThatLiveForEver) {
-  NSString* const once = keyPath<Station, "host.name">;
-  EXPECT_EQ((keyPath<Station, "host.name">), once);
-  EXPECT_EQ(text(once), "host.name");
-  EXPECT_EQ(text(keyPath<Relay, "onAir">), "onAir");
-  EXPECT_EQ(text(keyPath<Station, "secret">), "secret");
-}

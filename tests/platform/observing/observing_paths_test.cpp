@@ -28,20 +28,6 @@ TEST_F(Observed, PathsFollowWhatIsReplacedAndWhatIsMissing) {
   EXPECT_TRUE(station->isUnobserved());
 }
 
-TEST_F(Observed, OneObjectMayStandOnAPathTwice) {
-  const auto ada = host("Ada");
-  send<"setDeputy:">(ada, ada);
-  addObserver(ada, watcher, "deputy.deputy.name");
-  send<"setName:">(ada, s("Ana"));
-  EXPECT_EQ(watcher->take(), "deputy.deputy.name 1 Ada>Ana");
-  send<"setDeputy:">(ada, host("Bob"));
-  EXPECT_EQ(watcher->take(), "deputy.deputy.name 1 Ana>null");
-  send<"setName:">(ada, s("Amy"));
-  EXPECT_EQ(watcher->take(), "");
-  removeObserver(ada, watcher, "deputy.deputy.name");
-  EXPECT_FALSE(dispatchClass(ada)->isNotifying());
-}
-
 TEST_F(Observed, ObjectsOnTheWayAreNotRetainedAndMayDie) {
   const auto bob = host("Bob");
   watch("guest.deputy.name");

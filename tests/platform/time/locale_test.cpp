@@ -46,13 +46,5 @@ TEST(Locale, IsTheFirstOfThreeVariables) {
   }
 }
 
-TEST(Locale, ReadsTheNamesThatItWrites) {
-  for (int i = static_cast<int>(CalendarIdentifier::gregorian);
-       i <= static_cast<int>(CalendarIdentifier::republicOfChina); ++i) {
-    const CalendarIdentifier calendar{i};
-    EXPECT_EQ(Locale("en_US@calendar=" + std::string(nameOf(calendar))).calendar(), calendar) << nameOf(calendar);
-  }
-}
-
 }  // namespace
 }  // namespace havrin
