@@ -60,7 +60,7 @@ void notifyChange(NSObject* object, const SelectorConstant& setter, void (*apply
     tellPlainly(object, watchers);
     return;
   }
-  Change change(*object, *watch->key, watchers, NSKeyValueChange::setting, nullptr);
+  Change change(*object, *watch, *watch->key, watchers, NSKeyValueChange::setting, nullptr);
   apply(context);
   change.finish();
 }
@@ -71,14 +71,14 @@ void changeArray(NSObject& object, const NSString& key, NSKeyValueChange kind, N
   const Watch* watch = pin.find(key);
   if (!watch || !watch->isAutomatic) return apply();
   const Strong<NSObject> hold(&object);
-  Change change(object, *watch->key, watch->list().watchers(), kind, indexes);
+  Change change(object, *watch, *watch->key, watch->list().watchers(), kind, indexes);
   apply();
   change.finish();
 }
 
-Change::Change(NSObject& object, NSString& key, std::span<const Watcher> watchers, NSKeyValueChange kind,
-               NSIndexSet* indexes)
-    : object_(object), key_(key), watchers_(watchers), kind_(kind), indexes_(indexes) {
+Change::Change(NSObject& object, const Watch& watch, NSString& key, std::span<const Watcher> watchers,
+               NSKeyValueChange kind, NSIndexSet* indexes)
+    : object_(object), key_(key), rows_(watch.rows()), watchers_(watchers), kind_(kind), indexes_(indexes) {
   readOld();
   if (hasPrior_) tellPrior();
 }
@@ -164,7 +164,7 @@ NSDictionary* Change::directChange(std::uint64_t options) {
 }
 
 KeyedValue Change::read(NSObject& from, NSString& path, NSKeyValueChange kind) const {
-  KeyedValue value = readPath(from, path);
+  KeyedValue value = readPath(from, path, &from == &object_ && &path == &key_ ? rows_ : nullptr);
   if (kind == NSKeyValueChange::setting) return orNull(std::move(value));
   const Strong<NSObject> whole = value.object();
   const auto* array = cast<NSArray>(whole.get());

@@ -24,12 +24,13 @@ void tell(Registration& registration, NSObject* object, NSDictionary* change);
 void changeArray(NSObject& object, const NSString& key, NSKeyValueChange kind, NSIndexSet* indexes,
                  BlockView<void()> apply);
 
-/// Constructed before the change, finished after it. The object, the key and the watchers have to outlive it.
+/// Constructed before the change, finished after it. The object, the key and the watchers have to outlive it, the watch
+/// only the construction.
 /// Throws: what getters and observers throw; observers that were not notified by then are not notified.
 class Change {
  public:
   /// Reads the old values that observers asked for, then notifies the observers that asked for Prior.
-  Change(NSObject& object, NSString& key, std::span<const Watcher> watchers, NSKeyValueChange kind,
+  Change(NSObject& object, const Watch& watch, NSString& key, std::span<const Watcher> watchers, NSKeyValueChange kind,
          NSIndexSet* indexes);
   /// Moves paths to their new objects, reads the new values, notifies every observer.
   void finish();
@@ -54,6 +55,7 @@ class Change {
 
   NSObject& object_;
   NSString& key_;
+  const KnownRows* const rows_;  // of the key in the object's class
   const std::span<const Watcher> watchers_;
   const NSKeyValueChange kind_;
   const Strong<NSIndexSet> indexes_;

@@ -22,41 +22,57 @@ inline namespace platform {
 template <class Value>
 class ClassKeyCache {
  public:
-  /// The value that was found when `changes` was the number of method changes; null for none.
-  [[nodiscard]] const Value* find(const ClassObject& cls, std::string_view key, std::uint64_t changes) {
+  /// What was found, and for which number of method changes it is good.
+  class Known {
+   public:
+    [[nodiscard]] const Value& value() const { return value_; }
+    [[nodiscard]] bool isGoodFor(std::uint64_t changes) const {
+      return goodFor_.load(std::memory_order_acquire) == changes;
+    }
+
+   private:
+    friend class ClassKeyCache;
+    Known(std::uint64_t changes, const Value& found) : value_(found), goodFor_(changes) {}
+    const Value value_;
+    std::atomic<std::uint64_t> goodFor_;
+  };
+
+  /// What was found when `changes` was the number of method changes; null for nothing. Lives as long as the cache.
+  [[nodiscard]] const Known* find(const ClassObject& cls, std::string_view key, std::uint64_t changes) {
     for (Entry* entry = chainOf(cls, key).load(std::memory_order_acquire); entry; entry = entry->next) {
-      if (entry->isFor(cls, key) && entry->goodFor.load(std::memory_order_acquire) == changes) return &entry->value;
+      if (entry->isFor(cls, key) && entry->known.isGoodFor(changes)) return &entry->known;
     }
     return nullptr;
   }
 
-  void keep(const ClassObject& cls, std::string_view key, std::uint64_t changes, const Value& value) {
+  const Known* keep(const ClassObject& cls, std::string_view key, std::uint64_t changes, const Value& value) {
     std::atomic<Entry*>& chain = chainOf(cls, key);
     Entry* first = chain.load(std::memory_order_acquire);
     for (Entry* entry = first; entry; entry = entry->next) {
       // Most changes of methods change nothing about this key.
-      if (entry->isFor(cls, key) && entry->value == value) {
-        return entry->goodFor.store(changes, std::memory_order_release);
+      if (entry->isFor(cls, key) && entry->known.value_ == value) {
+        entry->known.goodFor_.store(changes, std::memory_order_release);
+        return &entry->known;
       }
     }
     auto* entry = new Entry(cls, key, changes, value);
     do {
       entry->next = first;
     } while (!chain.compare_exchange_weak(first, entry, std::memory_order_acq_rel, std::memory_order_acquire));
+    return &entry->known;
   }
 
  private:
   struct Entry {
     Entry(const ClassObject& ofClass, std::string_view ofKey, std::uint64_t changes, const Value& found)
-        : cls(&ofClass), key(ofKey), value(found), goodFor(changes) {}
+        : cls(&ofClass), key(ofKey), known(changes, found) {}
     [[nodiscard]] bool isFor(const ClassObject& other, std::string_view text) const {
       return cls == &other && key == text;
     }
 
     const ClassObject* const cls;
     const std::string key;
-    const Value value;
-    std::atomic<std::uint64_t> goodFor;
+    Known known;
     Entry* next = nullptr;
   };
 

@@ -71,7 +71,7 @@ extern constinit const Category kDependentKeys{classObject<NSObject>, "Dependent
 KeyFacts factsForKey(const ClassObject& shown, NSString& key) {
   return withText(key, [&](std::string_view text) {
     const std::uint64_t changes = methodChanges();
-    if (const auto known = cache().find(shown, text, changes)) return *known;
+    if (const auto known = cache().find(shown, text, changes)) return known->value();
     KeyFacts facts = ask(shown, key);
     const KeyRows rows = rowsForKey(shown, text);
     if (rows.getter || rows.setter) {

@@ -91,18 +91,20 @@ std::string capitalised(std::string_view key) {
 
 std::string setterName(std::string_view key) { return "set" + capitalised(key) + ":"; }
 
-KeyRows rowsForKey(const ClassObject& shown, std::string_view key) {
+const KnownRows* knownRowsForKey(const ClassObject& shown, std::string_view key) {
   const std::uint64_t changes = methodChanges();
-  if (const auto known = rowsCache().find(shown, key, changes)) return *known;
+  if (const KnownRows* known = rowsCache().find(shown, key, changes)) return known;
   const KeyRows rows = findRows(shown, key);
-  if (rows.getter || rows.setter) rowsCache().keep(shown, key, changes, rows);
-  return rows;
+  return rows.getter || rows.setter ? rowsCache().keep(shown, key, changes, rows) : nullptr;
 }
 
-KeyedValue readPath(NSObject& self, NSString& path) {
+KeyedValue readPath(NSObject& self, NSString& path, const KnownRows* known) {
   const ClassObject& dispatch = *dispatchClass(&self);
-  const KeyRows rows = withText(path, [&](std::string_view text) { return rowsForKey(*dispatch.shown(), text); });
-  if (!rows.getter || !rows.isLeftToRoot) return send<"valueForKeyPath:">(self, &path);
+  if (!known || !known->isGoodFor(methodChanges())) {
+    known = withText(path, [&](std::string_view text) { return knownRowsForKey(*dispatch.shown(), text); });
+  }
+  if (!known || !known->value().getter || !known->value().isLeftToRoot) return send<"valueForKeyPath:">(self, &path);
+  const KeyRows& rows = known->value();
   const Implementation getter = dispatch.implementation(*rows.getter);
   return rows.readNumber ? rows.readNumber(getter, &self) : rows.getter->signature->call(getter, &self, nullptr);
 }

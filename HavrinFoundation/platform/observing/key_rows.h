@@ -4,6 +4,7 @@
 
 #include <HavrinFoundation/platform/object/class.h>
 #include <HavrinFoundation/platform/object/string.h>
+#include <HavrinFoundation/platform/observing/class_key_cache.h>
 #include <HavrinFoundation/platform/observing/keyed_value.h>
 
 #include <cstdint>
@@ -23,15 +24,22 @@ struct KeyRows {
   friend bool operator==(const KeyRows&, const KeyRows&) = default;
 };
 
+using KnownRows = ClassKeyCache<KeyRows>::Known;
+
 /// The rows that answer `key` in the class that the program sees. Kept per class and key until some class's methods
 /// change; keys that have no row are not kept, and no key makes a selector.
+/// Result: null when there is none; else good for the number of method changes at the call, and never destroyed.
 /// Cost: a hash look-up. Threads: any.
-[[nodiscard]] KeyRows rowsForKey(const ClassObject& shown, std::string_view key);
+[[nodiscard]] const KnownRows* knownRowsForKey(const ClassObject& shown, std::string_view key);
+[[nodiscard]] inline KeyRows rowsForKey(const ClassObject& shown, std::string_view key) {
+  const KnownRows* known = knownRowsForKey(shown, key);
+  return known ? known->value() : KeyRows();
+}
 
 /// The value that `valueForKeyPath:` returns. For a path of one key it is read without a message, and a number stays a
-/// number, unless the class overrides how keys are read.
+/// number, unless the class overrides how keys are read. `known`: the key's rows, if the caller has them.
 /// Throws: what getters and overrides throw. The caller holds `self`.
-[[nodiscard]] KeyedValue readPath(NSObject& self, NSString& path);
+[[nodiscard]] KeyedValue readPath(NSObject& self, NSString& path, const KnownRows* known = nullptr);
 
 /// The rows that would answer `key` if their types could be boxed: for the text of an exception.
 [[nodiscard]] KeyRows unboxableRowsForKey(const ClassObject& shown, std::string_view key);

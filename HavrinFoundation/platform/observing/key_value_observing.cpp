@@ -33,7 +33,7 @@ struct ManualChange {
       : object(&of),
         key(watch.key),
         list(WatcherList::copy(watch.list(), static_cast<std::uint32_t>(watch.list().watchers().size()))),
-        change(of, *key, list->watchers(), kind, indexes) {}
+        change(of, watch, *key, list->watchers(), kind, indexes) {}
 };
 
 // The changes of this thread that have been announced and not yet made.

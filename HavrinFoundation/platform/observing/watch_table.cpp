@@ -243,6 +243,15 @@ Watch::Watch(const NSObject* of, Strong<NSString> name, const KeyFacts& facts)
 
 Watch::~Watch() { delete list_.load(std::memory_order_relaxed); }
 
+const KnownRows* Watch::rows() const {
+  const KnownRows* known = rows_.load(std::memory_order_acquire);
+  if (known && known->isGoodFor(methodChanges())) return known;
+  known =
+      withText(*key, [this](std::string_view text) { return knownRowsForKey(*dispatchClass(object)->shown(), text); });
+  rows_.store(known, std::memory_order_release);
+  return known;
+}
+
 bool Watch::isSetByName(const SelectorConstant& setter) const {
   return withText(*key, [&](std::string_view text) { return setterName(text) == setter.name; });
 }

@@ -89,6 +89,9 @@ class Watch final : public Retired {
   const bool isAutomatic;        // the key's setter notifies
   Watch* nextDropped = nullptr;  // among those that go with their object
 
+  /// The rows of the key in the object's class; null when it has none. Looked up when they are first asked for, and when
+  /// methods have changed since.
+  [[nodiscard]] const KnownRows* rows() const;
   [[nodiscard]] const WatcherList& list() const { return *list_.load(std::memory_order_seq_cst); }
   [[nodiscard]] bool isSetBy(const SelectorConstant& setter, std::uint32_t number) const {
     return setterNumber_ != 0 ? setterNumber_ == number : isSetByName(setter);
@@ -101,6 +104,7 @@ class Watch final : public Retired {
   const std::uint32_t setterNumber_;
   std::atomic<Watch*> next_{nullptr};
   std::atomic<WatcherList*> list_;
+  mutable std::atomic<const KnownRows*> rows_{nullptr};
   std::uint32_t live_ = 0;  // watchers that are live; under the bucket's lock
 };
 
