@@ -86,6 +86,11 @@ TEST(Sets, HoldEqualObjectsOnceAndKeepTheFirst) {
               for (NSObject* object : each(set)) set->removeObject(object);
             }),
             NSGenericException);
+  set->addObject(s("c"));
+  EXPECT_EQ(nameOf([&] {
+              for (NSObject* object : each(set)) set->addObject(s(text(object) + "!"));
+            }),
+            NSGenericException);
   EXPECT_TRUE(makeSet({classOf<NSString>()})->containsObject(classOf<NSString>())) << "classes are objects";
 }
 

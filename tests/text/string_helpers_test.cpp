@@ -39,6 +39,7 @@ TEST(StringHelpers, GivesTheRangeOfTheWholeText) {
   EXPECT_EQ(send<"entireRange">(makeString(kText)), (NSRange{0, 4}));
   EXPECT_EQ(send<"entireRange">(make<LateString>(utf16(kText))), (NSRange{0, 4}));
   EXPECT_EQ(nsrange(""), NSRange());
+  EXPECT_THROW((void)makeString("ab")->characterAtIndex(2), NSException);
 }
 
 TEST(StringHelpers, TestsCharactersScalarByScalar) {

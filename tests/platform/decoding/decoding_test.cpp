@@ -259,6 +259,7 @@ TEST(DecodingError, IsReadByManyThreadsAndOutlivesThem) {
   onThreads(texts.size(), [&texts, copy = error](std::size_t i) { texts[i] = copy.what(); });
   for (const auto& text : texts) EXPECT_EQ(text, error.description());
   EXPECT_EQ(error.found(), "the string \"" + ofMany + "y…\"") << "long values are cut";
+  EXPECT_EQ(mismatch(ofMany + "y").found(), "the string \"" + ofMany + "y\"") << "forty bytes are not cut";
   EXPECT_EQ(mismatch(ofMany + "é!").found(), "the string \"" + ofMany + "…\"") << "between characters";
 }
 

@@ -101,6 +101,8 @@ TEST(PerformSelector, SendsAtOnceWhenItWaitsForItsOwnThread) {
   clock.runDue();
   EXPECT_EQ(listener->heard, (Heard{"ring", "nothing"}));
   EXPECT_EQ(NSThread::mainThread().get(), NSThread::currentThread().get());
+  EXPECT_THROW(performSelectorOnThread(*listener, selector<"a:b:">, *NSThread::mainThread(), nullptr, false),
+               NSException);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <barrier>
+#include <csignal>
 #include <future>
 #include <latch>
 
@@ -23,6 +24,12 @@ int valueB;
 // Waits until everything queued so far on a serial queue has run.
 void finish(const DispatchQueue& queue) {
   dispatch_sync(queue, [] {});
+}
+
+bool isBlocked(int signal) {
+  sigset_t mask;
+  pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+  return sigismember(&mask, signal) != 0;
 }
 
 TEST(Queue, ASerialQueueRunsOneAtATimeInOrder) {
@@ -52,10 +59,12 @@ TEST(Queue, AConcurrentQueueRunsBlockedClosuresTogether) {
     for (int i = 0; i < kTogether; ++i) {
       dispatch_async(queue, [&] {
         meeting.arrive_and_wait();
+        EXPECT_TRUE(isBlocked(SIGTERM)) << "signals are for the application's own threads";
         done.count_down();
       });
     }
     done.wait();
+    EXPECT_FALSE(isBlocked(SIGTERM));
     EXPECT_TRUE(done.try_wait()) << "and not the limit of the test run";
   }
 }

@@ -239,8 +239,9 @@ TEST_F(RunLoopTest, HandlesPendingSignalsOfASourceOnce) {
   EXPECT_EQ(take(), "") << "a signal dies with its source";
   EXPECT_THROW(RunLoopSource(nullptr), NSException);
   std::thread([] {
-    RunLoopSource attached([] {}, "tracking");
-    RunLoop::current().perform([] {}, "tracking");
-    EXPECT_TRUE(RunLoop::current().runMode("tracking", monotonicSeconds() + 1));
+    auto attached = std::make_unique<RunLoopSource>([] {}, "tracking");
+    EXPECT_TRUE(RunLoop::current().runMode("tracking", monotonicSeconds()));
+    attached = nullptr;
+    EXPECT_FALSE(RunLoop::current().runMode("tracking", monotonicSeconds())) << "nothing is attached any more";
   }).join();
 }

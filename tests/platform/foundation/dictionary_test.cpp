@@ -85,6 +85,11 @@ TEST(Dictionary, EnumeratesItsKeysAndThrowsAfterAChange) {
   for (NSObject* key : each(dictionary)) EXPECT_EQ(cast<NSNumber>(key)->integerValue(), next++);
   EXPECT_EQ(next, 40);
   for (NSObject* key : each(dictionary)) dictionary->setObject(key, key);  // a new value does not change the keys
+  const auto more = makeDictionary({{s("new"), s("new")}});
+  EXPECT_EQ(nameOf([&] {
+              for (NSObject* key : each(dictionary)) dictionary->addEntriesFromDictionary(key ? more : nullptr);
+            }),
+            NSGenericException);
   EXPECT_EQ(nameOf([&] {
               for (NSObject* key : each(dictionary)) dictionary->removeObjectForKey(key);
             }),

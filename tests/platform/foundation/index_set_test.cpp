@@ -42,7 +42,7 @@ TEST(IndexSet, IsEqualHoweverItWasMade) {
 }
 
 TEST(IndexSet, RefusesIndexesBeyondTheLast) {
-  EXPECT_EQ(makeIndexSet({kNotFound - 1})->lastIndex(), kNotFound - 1);
+  EXPECT_EQ(makeIndexSet(NSRange{kNotFound - 1, 1})->lastIndex(), kNotFound - 1);
   const NSRange bad[] = {{kNotFound, 1}, {0, kNotFound + 1}, {~std::uint64_t{0}, 2}, {1, ~std::uint64_t{0}}};
   for (const NSRange range : bad) EXPECT_THROW((void)makeIndexSet(range), NSException) << range.location;
   EXPECT_THROW((void)makeIndexSet({kNotFound}), NSException);

@@ -36,6 +36,7 @@ TEST(Calendar, AddsDaysKeepingTheWallClock) {
            {"America/New_York", 1730701800, -1, 1730615400, "01:30 EST to the second 01:30"},
            {"America/New_York", 1730615400, 1, 1730701800, "from the second 01:30 onwards"},
            {"America/Sao_Paulo", 1541215800, 1, 1541302200, "00:30 is skipped: 01:30"},
+           {"America/New_York", 1e12, 1, 1e12 + 86400, "beyond every table of changes"},
            {"Pacific/Apia", 1325188800, 1, 1325275200, "29 December to 31 December: there was no 30th"},
            {"Pacific/Apia", 1325188800, 2, 1325275200, "the 31st is two days after the 29th"},
            {"Pacific/Apia", 1325275200, -1, 1325188800, "backwards over the missing day: never standing still"},
