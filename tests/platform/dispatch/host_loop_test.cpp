@@ -116,22 +116,6 @@ TEST(HostLoopDeathTest, BelongsToTheMainThread) {
   EXPECT_DEATH(std::thread([] { drainMainLoop(); }).join(), "drainMainLoop: must be called on the main thread\n");
 }
 
-TEST(MainQueue, RunsInOrderAndNotFromInsideItself) {
-  TestClock clock;
-  std::vector<int> order;
-  const DispatchQueue main = dispatch_get_main_queue();
-  dispatch_async(main, [&] {
-    order.push_back(1);
-    dispatch_async(main, [&] { order.push_back(4); });
-    RunLoop::current().performAfter(0, [&] { order.push_back(2); });
-    // A nested loop runs what is due, but no other closure of the queue.
-    EXPECT_TRUE(RunLoop::current().runMode(NSDefaultRunLoopMode, monotonicSeconds() + 5));
-  });
-  dispatch_async(main, [&] { order.push_back(3); });
-  EXPECT_TRUE(clock.runUntil([&] { return order.size() == 4; }));
-  EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
-}
-
 TEST(MainQueue, RunsASyncOfAnotherThreadOnTheMainThread) {
   TestClock clock;
   std::atomic<int> done{0};

@@ -9,9 +9,7 @@
 #include <HavrinFoundation/platform/object/members.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <algorithm>
 #include <atomic>
-#include <latch>
 
 using namespace havrin;
 
@@ -144,28 +142,6 @@ TEST_F(RunLoopTest, CancelsByTargetSelectorAndEqualArgument) {
   EXPECT_EQ(held(), 1) << "everything of the target";
   clock.advance(2);
   EXPECT_EQ(*runs, 1);
-}
-
-TEST(RunLoopThreads, PostToALoopAndWakeItUntilItsThreadEnds) {
-  std::shared_ptr<RunLoop> loop;
-  std::latch ready(1);
-  std::vector<int> order;
-  bool done = false;
-  std::thread runner([&] {
-    RunLoopSource keepsAttached([] {});
-    loop = RunLoop::current().shared_from_this();
-    ready.count_down();
-    while (!done) RunLoop::current().runMode(NSDefaultRunLoopMode, kForEver);
-  });
-  ready.wait();
-  for (int i = 0; i < 100; ++i) EXPECT_TRUE(loop->perform([&order, i] { order.push_back(i); }));
-  EXPECT_TRUE(loop->perform([&done] { done = true; }));
-  runner.join();
-  ASSERT_EQ(order.size(), 100u);
-  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-  auto held = std::make_shared<int>(0);
-  EXPECT_FALSE(loop->perform([held] {})) << "its thread has ended";
-  EXPECT_EQ(held.use_count(), 1);
 }
 
 TEST(RunLoopThreads, WaitOnTheRealClockUntilTheirDeadlines) {

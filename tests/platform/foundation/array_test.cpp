@@ -93,28 +93,6 @@ TEST(Array, IsTheSameForEveryKind) {
   }
 }
 
-TEST(Array, TestsInAscendingOrderAndStopsWhenTold) {
-  for (const Kind& kind : everyKind()) {
-    SCOPED_TRACE(kind.why);
-    std::string seen;
-    const auto isBOrD = [&](NSString& letter, std::uint64_t index, bool&) {
-      seen += utf8(letter) + std::to_string(index);
-      return index % 2 == 1;
-    };
-    EXPECT_TRUE(kind.array->indexesOfObjectsPassingTest(isBOrD)->isEqual(makeIndexSet({1, 3})));
-    EXPECT_EQ(kind.array->indexOfObjectPassingTest(isBOrD), 1U);
-    EXPECT_EQ(seen, "a0b1c2d3a0b1");
-    const auto stopsAtOnce = [&](NSObject*, std::uint64_t, bool& stop) { return !(stop = true); };
-    EXPECT_EQ(kind.array->indexOfObjectPassingTest(stopsAtOnce), kNotFound);
-    EXPECT_EQ(kind.array->indexesOfObjectsPassingTest(stopsAtOnce)->count(), 0U);
-    kind.array->enumerateObjectsUsingBlock([&](NSObject*, std::uint64_t index, bool& stop) {
-      seen = std::to_string(index);
-      stop = index == 2;
-    });
-    EXPECT_EQ(seen, "2");
-  }
-}
-
 TEST(Array, RefusesNullAndOutOfRangeBeforeAnyChange) {
   const std::uint64_t huge = ~std::uint64_t{0};
   for (const Kind& kind : everyKind()) {

@@ -90,18 +90,4 @@ TEST(Url, ResolvesUnusualBases) {
     EXPECT_EQ(URL::fromString(reference, *URL::fromString(base))->absoluteString(), resolved) << why;
 }
 
-TEST(Url, KeepsTheBaseInItsAbsoluteForm) {
-  const URL root = *URL::fromString("http://h/a/");
-  const URL leaf = *URL::fromString("c", *URL::fromString("b/", root));
-  EXPECT_EQ(leaf.baseURL(), URL::fromString("http://h/a/b/"));
-  EXPECT_EQ(leaf, *URL::fromString("c", *URL::fromString("http://h/a/b/")));
-  for (const URL& other : {*URL::fromString("c", root), *URL::fromString("c"), leaf.absoluteURL()})
-    EXPECT_NE(leaf, other);
-  EXPECT_EQ(URL::fromString("x://y", root)->baseURL(), std::nullopt);
-  EXPECT_EQ(URL::fromString("a b", root), std::nullopt);
-  for (const char* base : {"a/b", "http://:x"}) {
-    EXPECT_EQ(URL::fromString("c", URL::fromUncheckedText(base))->absoluteString(), "c") << "no scheme, or no parts";
-  }
-}
-
 }  // namespace

@@ -198,18 +198,6 @@ TEST_F(Observed, TheObjectMayGoInsideItsNotification) {
   EXPECT_EQ(other->take(), "title 1 null>a");
 }
 
-TEST_F(Observed, AnObserverThatIsGoneIsForgotten) {
-  watch("title");
-  watch("host.name");
-  watcher = nullptr;
-  send<"setTitle:">(station, s("a"));
-  send<"setHost:">(station, host("Ada"));
-  EXPECT_TRUE(station->isUnobserved()) << "purged by the change";
-  for (int i = 0; i < 1000; ++i) addObserver(station, make<Watcher>(), "title", 0);
-  send<"setTitle:">(station, s("b"));
-  EXPECT_TRUE(station->isUnobserved());
-}
-
 TEST_F(Observed, ADyingObserverRemovesItselfAndHearsNothing) {
   struct Leaver : Object<Leaver, Watcher> {
     Strong<Station> station;

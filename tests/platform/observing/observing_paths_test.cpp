@@ -125,14 +125,3 @@ TEST_F(Observed, ArraysOfWhichOnlyTheStepsAreOfferedChangeThroughThem) {
   EXPECT_EQ(nameOf([&] { (void)send<"mutableArrayValueForKey:">(station, s("title"))->count(); }),
             NSInvalidArgumentException);
 }
-
-TEST_F(Observed, DictionariesTellOfEntriesSetByKey) {
-  const auto dictionary = make<NSMutableDictionary>();
-  addObserver(dictionary, watcher, "a.b");
-  const auto inner = make<NSMutableDictionary>();
-  send<"setValue:forKey:">(dictionary, inner, s("a"));
-  send<"setValue:forKey:">(inner, makeNumber(1), s("b"));
-  send<"setValue:forKey:">(inner, nullptr, s("b"));
-  EXPECT_EQ(watcher->take(), "a.b 1 null>null, a.b 1 null>1, a.b 1 1>null");
-  EXPECT_TRUE(dictionary->objectForKey(s("a")));
-}

@@ -133,26 +133,6 @@ class SystemZone : public ::testing::Test {
   const ZonePaths former_ = setZonePaths({kZones.string(), link().string()});
 };
 
-TEST_F(SystemZone, IsWhatTheLinkNames) {
-  for (const auto& [target, name, why] : Rows<fs::path, const char*, const char*>{
-           {kZones / "Europe/Paris", "Europe/Paris", "a link"},
-           {kZones / "US/Pacific", "US/Pacific", "a link to a zone that is a link"},
-           {kZones / "Etc/UTC", "GMT", "UTC"},
-           {"localtime", "GMT", "a link to itself"},
-           {"/dev/null", "GMT", "a link to a device"},
-       }) {
-    SCOPED_TRACE(why);
-    relink(target);
-    resetSystemTimeZone();
-    EXPECT_EQ(TimeZone::current().name(), name);
-  }
-  fs::create_symlink(kZones / "Asia/Kolkata", folder_.path() / "second");
-  relink("second");
-  resetSystemTimeZone();
-  EXPECT_EQ(TimeZone::current().name(), "Asia/Kolkata") << "a link to a link";
-  EXPECT_EQ(fs::path(former_.systemLink), "/etc/localtime");
-}
-
 TEST_F(SystemZone, FollowsTheLinkOnceTheClockHasMoved) {
   auto clock = std::make_unique<TestClock>();
   relink(kZones / "Europe/Paris");
