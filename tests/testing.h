@@ -27,6 +27,9 @@
 #include <utility>
 #include <vector>
 
+inline constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
 /// The rows of a table: for (const auto& [text, number] : Rows<const char*, int>{{"one", 1}, {"two", 2}}) ...
 template <class... Fields>
 using Rows = std::initializer_list<std::tuple<Fields...>>;

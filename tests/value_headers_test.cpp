@@ -37,7 +37,7 @@ TEST(Printing, WritesAReadableTextForStreamsAndFmt) {
            {bothForms(URLQueryItem("n m", "v&")), "n%20m=v%26"},
            {bothForms(NSRange{7, kNotFound}), "{7, 9223372036854775807}"},
            {bothForms(Date::fromTimeIntervalSince1970(1'709'649'000.9)), "2024-03-05 14:30:00 +0000"},
-           {bothForms(Date::fromTimeIntervalSince1970(std::numeric_limits<double>::quiet_NaN())), ""},
+           {bothForms(Date::fromTimeIntervalSince1970(kNotANumber)), ""},
            {bothForms(hebrew), "hebrew in Asia/Jerusalem"},
            {bothForms(Locale("fr_FR.UTF-8")), "fr_FR"},
            {bothForms(DateComponents{1, {}, {}, 3, {}, {}, -5, 7}), "{era 1, day 3, second -5, weekday 7}"},

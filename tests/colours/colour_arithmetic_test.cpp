@@ -7,8 +7,6 @@ using namespace havrin;
 
 namespace {
 
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
-
 Strong<UIColor> rgb(double red, double green, double blue, double alpha = 1.0) {
   return make<UIColor>(red, green, blue, alpha);
 }

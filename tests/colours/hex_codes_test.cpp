@@ -12,7 +12,6 @@ using namespace havrin;
 namespace {
 
 constexpr double kHuge = std::numeric_limits<double>::max();
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
 struct MyColour : Object<MyColour, UIColor> {
   static inline int initialised = 0;

@@ -39,8 +39,8 @@ TEST(DateArithmetic, KeepsMillisecondsAndReadsBackWholeSeconds) {
 TEST(DateArithmetic, SaturatesTimesBeyondTheRangeOfMilliseconds) {
   EXPECT_EQ(millisecondsSince1970(at(1e16)), kMost);
   EXPECT_EQ(millisecondsSince1970(at(-1e16)), kLeast);
-  EXPECT_EQ(millisecondsSince1970(at(std::numeric_limits<double>::infinity())), kMost);
-  EXPECT_EQ(millisecondsSince1970(at(std::numeric_limits<double>::quiet_NaN())), 0);
+  EXPECT_EQ(millisecondsSince1970(at(kInfinity)), kMost);
+  EXPECT_EQ(millisecondsSince1970(at(kNotANumber)), 0);
   EXPECT_EQ(millisecondsSince1970(at(0.99999999)), 1000) << "the nearest date is a second";
 }
 
@@ -51,7 +51,7 @@ TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
            {"UTC", "C", 1709681400, 1709685000, false, "23:30 and 00:30 in GMT"},
            {"America/New_York", "C", 1709681400, 1709685000, true, "and the same evening in New York"},
            {"UTC", "fa_IR", 1710374400, 1552521600, false, "leap years fall apart in the Persian calendar"},
-           {"UTC", "C", 0, std::numeric_limits<double>::quiet_NaN(), false, "NaN"},
+           {"UTC", "C", 0, kNotANumber, false, "NaN"},
        }) {
     SCOPED_TRACE(why);
     const PinnedEnvironment environment(zone, language);
@@ -62,7 +62,7 @@ TEST(DateArithmetic, ComparesMonthAndDayInTheUsersCalendar) {
     EXPECT_EQ(isSameMonthAndDayAsToday(at(first)), same);
     EXPECT_EQ(send<"hav_isSameMonthAndDayAsToday">(object(first)), same);
   }
-  const Date nothing = at(std::numeric_limits<double>::quiet_NaN());
+  const Date nothing = at(kNotANumber);
   EXPECT_FALSE(isSameMonthAndDay(nothing, nothing));
 }
 

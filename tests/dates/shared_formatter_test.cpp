@@ -5,8 +5,6 @@
 #include <HavrinFoundation/platform/object/string.h>
 #include <tests/platform/time/pinned_environment.h>
 
-#include <array>
-
 namespace havrin {
 namespace {
 

@@ -9,13 +9,10 @@
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <cstdlib>
-#include <functional>
 #include <future>
 #include <regex>
 #include <span>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 using namespace havrin;

@@ -9,9 +9,7 @@
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 #include <HavrinFoundation/testkit/test_clock.h>
 
-#include <cstdlib>
 #include <regex>
-#include <thread>
 
 using namespace havrin;
 

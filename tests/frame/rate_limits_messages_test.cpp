@@ -12,8 +12,6 @@ using namespace havrin;
 
 namespace {
 
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
-
 // Notes the messages it receives, with the milliseconds since the test began.
 class Field : public Object<Field, NSObject> {
  public:

@@ -2,9 +2,6 @@
 #include "../testing.h"
 #include <HavrinFoundation/links/utm_parameters.h>
 
-#include <concepts>
-#include <tuple>
-
 namespace {
 
 using namespace havrin;

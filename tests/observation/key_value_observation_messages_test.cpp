@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../platform/observing/observed_objects.h"
-#include "../testing.h"
 #include <HavrinFoundation/observation/key_value_observation_messages.h>
 #include <HavrinFoundation/platform/dispatch/queue.h>
 #include <HavrinFoundation/platform/foundation/index_set.h>
-#include <HavrinFoundation/platform/observing/key_value_coding.h>
 #include <HavrinFoundation/testkit/test_clock.h>
-
-#include <cstdio>
-#include <cstdlib>
 
 using namespace havrin;
 using namespace havrin_test;

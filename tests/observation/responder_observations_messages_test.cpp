@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../platform/observing/observed_objects.h"
-#include "../testing.h"
 #include <HavrinFoundation/observation/responder_observations_messages.h>
 #include <HavrinFoundation/platform/object/association.h>
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../platform/decoding/value_decoder.h"
-#include "../testing.h"
 #include <HavrinFoundation/platform/decoding/json_decoder.h>
 #include <HavrinFoundation/runtime/lenient_decoding.h>
 

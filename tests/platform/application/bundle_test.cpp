@@ -6,7 +6,6 @@
 #include <HavrinFoundation/platform/foundation/data.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 
-#include <filesystem>
 #include <sys/stat.h>
 
 namespace {

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../../temporary_folder.h"
 #include "archive_samples.h"
-#include <HavrinFoundation/platform/archives/keyed_archiver.h>
 #include <HavrinFoundation/platform/foundation/attributed_string.h>
 #include <HavrinFoundation/platform/foundation/ns_date.h>
 #include <HavrinFoundation/platform/foundation/ns_url.h>
 #include <HavrinFoundation/platform/foundation/ns_uuid.h>
-
-#include <filesystem>
-#include <fstream>
 
 namespace havrin {
 namespace {

@@ -15,11 +15,10 @@ static_assert(havrin::kNotFound == std::uint64_t{std::numeric_limits<std::int64_
 static_assert(NSRange{} == NSRange{0, 0} && NSRange{1, 2} != NSRange{2, 1});
 
 TEST(RangeDeathTest, BoundsOutOfOrderEndTheProcess) {
-  const double notANumber = std::numeric_limits<double>::quiet_NaN();
   EXPECT_DEATH((Range{5, 2}), "lowerBound <= upperBound");
   EXPECT_DEATH((ClosedRange{std::string("b"), std::string("a")}), "lowerBound <= upperBound");
-  EXPECT_DEATH((Range{0.0, notANumber}), "lowerBound <= upperBound");
-  EXPECT_DEATH((ClosedRange{notANumber, notANumber}), "lowerBound <= upperBound");
+  EXPECT_DEATH((Range{0.0, kNotANumber}), "lowerBound <= upperBound");
+  EXPECT_DEATH((ClosedRange{kNotANumber, kNotANumber}), "lowerBound <= upperBound");
 }
 
 }  // namespace

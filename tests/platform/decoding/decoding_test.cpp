@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "../../testing.h"
 #include "value_decoder.h"
 #include <HavrinFoundation/platform/decoding/decoding.h>
 
-#include <map>
 #include <new>
 #include <unordered_map>
 

@@ -37,11 +37,10 @@ TEST(PropertyListDecoder, DecodesBothForms) {
 }
 
 TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
-  const auto infinity = std::numeric_limits<double>::infinity();
   for (const auto& [list, error] : Rows<PropertyList, std::string>{
            {PropertyList(7), "none"},
            {PropertyList(7.5), "dataCorrupted at the top level: expected a 64-bit integer, found the number 7.5"},
-           {PropertyList(-infinity),
+           {PropertyList(-kInfinity),
             "dataCorrupted at the top level: expected a 64-bit integer, found the number -inf"},
            {PropertyList("7"), "typeMismatch at the top level: expected a 64-bit integer, found the string \"7\""},
            {PropertyList(Date()), "typeMismatch at the top level: expected a 64-bit integer, found a date"},
@@ -54,8 +53,8 @@ TEST(PropertyListDecoder, ReadsAScalarByTheRulesOfItsType) {
   }
   const PropertyList largest(std::numeric_limits<std::uint64_t>::max());
   EXPECT_EQ(PropertyListDecoder().decode<std::uint64_t>(largest), std::numeric_limits<std::uint64_t>::max());
-  EXPECT_EQ(PropertyListDecoder().decode<double>(PropertyList(infinity)), infinity);
-  EXPECT_EQ(PropertyListDecoder().decode<float>(PropertyList(infinity)), std::numeric_limits<float>::infinity());
+  EXPECT_EQ(PropertyListDecoder().decode<double>(PropertyList(kInfinity)), kInfinity);
+  EXPECT_EQ(PropertyListDecoder().decode<float>(PropertyList(kInfinity)), std::numeric_limits<float>::infinity());
   EXPECT_FALSE(PropertyListDecoder().tryDecode<float>(PropertyList(1e300)));
   EXPECT_FALSE(PropertyListDecoder().tryDecode<std::uint8_t>(largest));
 }

@@ -59,7 +59,7 @@ TEST(PerformSelector, SendsOnAnotherThread) {
     EXPECT_EQ(thread.get(), NSThread::currentThread().get());
     EXPECT_FALSE(thread->isMainThread());
     ready.count_down();
-    while (!done) RunLoop::current().runMode(NSDefaultRunLoopMode, std::numeric_limits<double>::infinity());
+    while (!done) RunLoop::current().runMode(NSDefaultRunLoopMode, kInfinity);
   });
   ready.wait();
   performSelectorOnThread(*listener, selector<"say:">, *thread, makeString("queued"), false);

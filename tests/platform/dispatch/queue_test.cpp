@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <barrier>
 #include <csignal>
 #include <future>
 #include <latch>

@@ -15,9 +15,6 @@ using namespace havrin;
 
 namespace {
 
-constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr double kForEver = std::numeric_limits<double>::infinity();
-
 int target;
 int otherTarget;
 int selectorA;
@@ -99,7 +96,7 @@ TEST_F(RunLoopTest, ReturnsWhetherAnythingIsAttached) {
     EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, now + 10)) << "ends when nothing is attached any more";
     own.perform(note("one "));
     own.perform(note("batch"));
-    EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, kForEver));
+    EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, kInfinity));
     EXPECT_EQ(take(), "delayed one batch");
     own.performAfter(100, note("not yet"));
     EXPECT_TRUE(own.runMode(NSDefaultRunLoopMode, now)) << "attached, and at its limit";

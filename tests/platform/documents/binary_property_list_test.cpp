@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "../../testing.h"
 #include "property_list_samples.h"
 #include <HavrinFoundation/platform/documents/binary_property_list.h>
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "../../temporary_folder.h"
-#include "../../testing.h"
 #include "property_list_samples.h"
 #include <HavrinFoundation/platform/documents/property_list.h>
 

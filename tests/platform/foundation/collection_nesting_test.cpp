@@ -3,8 +3,6 @@
 #include <HavrinFoundation/platform/foundation/ordered_set.h>
 #include <HavrinFoundation/platform/foundation/set.h>
 
-#include <functional>
-
 using namespace havrin;
 
 namespace {

@@ -4,7 +4,7 @@
 using namespace havrin;
 
 TEST(Number, IsEqualByItsExactValueWhateverItsKind) {
-  constexpr double kTwo64 = 0x1p64, kNotANumber = std::numeric_limits<double>::quiet_NaN();
+  constexpr double kTwo64 = 0x1p64;
   const auto largest = makeNumber(~std::uint64_t{0});
   expectEquality(makeNumber(3), {makeNumber(3.0), makeNumber(std::uint64_t{3})},
                  {makeNumber(3.5), makeNumber(-3), s("3")});

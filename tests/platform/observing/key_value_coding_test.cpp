@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "../../objects.h"
 #include "observed_objects.h"
 #include <HavrinFoundation/platform/object/category.h>
 #include <HavrinFoundation/platform/observing/key_value_coding.h>

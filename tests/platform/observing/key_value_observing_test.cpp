@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Registrations, what they are told, and how they end.
-#include "../../objects.h"
 #include "observed_objects.h"
 #include <HavrinFoundation/platform/observing/change_dictionary.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>

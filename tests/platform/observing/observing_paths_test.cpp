@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Paths of several keys, keys that depend on others, changes announced by hand, and arrays changed in place.
-#include "../../objects.h"
 #include "observed_objects.h"
-#include <HavrinFoundation/platform/observing/key_value_observing.h>
 
 using namespace havrin;
 using namespace havrin_test;

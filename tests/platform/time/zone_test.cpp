@@ -10,8 +10,6 @@
 #include <HavrinFoundation/testkit/test_clock.h>
 
 #include <atomic>
-#include <filesystem>
-#include <memory>
 #include <sys/stat.h>
 
 namespace havrin {
@@ -62,7 +60,7 @@ TEST(Zone, HasItsOffsetAtEveryInstant) {
            {"America/New_York", 1e12, -14400, true, "the rules go on for ever: September 33658"},
            {"America/New_York", 1e12 + 90 * 86400, -18000, false, "and its December"},
            {"America/New_York", -1e300, -17762, false, "and at their beginning"},
-           {"GMT", std::numeric_limits<double>::quiet_NaN(), 0, false, "not a number"},
+           {"GMT", kNotANumber, 0, false, "not a number"},
        }) {
     SCOPED_TRACE(why);
     const TimeZone zone = TimeZone::named(zoneName).value();
