@@ -240,6 +240,12 @@ template <class Type>
 [[nodiscard]] const Type* cast(const NSObject* object) {
   return isKind<Type>(object) ? static_cast<const Type*>(object) : nullptr;
 }
+/// Of a temporary: the result owns the object, which otherwise might end with the expression.
+template <class Type, class Other>
+[[nodiscard]] Strong<Type> cast(Strong<Other>&& object) {
+  if (!isKind<Type>(object)) return nullptr;
+  return Strong<Type>::adopt(static_cast<Type*>(static_cast<NSObject*>(object.detach())));
+}
 
 /// Throws NSException (InvalidArgument): the object is of another class.
 [[noreturn]] HAVRIN_EXPORT void throwWrongClass(const NSObject* object, std::string_view wanted);

@@ -249,6 +249,9 @@ TEST(Classes, DeeperThanTheAncestorTableAreWalked) {
   const auto deep = make<F>();
   EXPECT_TRUE(isKind<Station>(deep) && isKind<D>(deep) && isKind<E>(deep));
   EXPECT_FALSE(isKind<F>(make<E>()) || isKind<NSString>(deep));
+  const auto kept = cast<D>(make<F>());  // of a temporary, a reference
+  EXPECT_TRUE(Weak<D>(kept).lock());
+  EXPECT_FALSE(cast<F>(make<E>()));
 }
 
 TEST(References, ReadNullFromTheMomentTheLastStrongOneGoes) {

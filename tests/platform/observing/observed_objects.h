@@ -26,7 +26,7 @@ inline std::string shown(NSString* path, const NSDictionary* change) {
   const auto entry = [change](NSString* key) { return shown(change->objectForKey(key)); };
   std::string line = shown(path) + " " + entry(NSKeyValueChangeKindKey) + " " + entry(NSKeyValueChangeOldKey) + ">" +
                      entry(NSKeyValueChangeNewKey);
-  if (const auto* at = cast<NSIndexSet>(change->objectForKey(NSKeyValueChangeIndexesKey))) {
+  if (const Strong<NSIndexSet> at = cast<NSIndexSet>(change->objectForKey(NSKeyValueChangeIndexesKey))) {
     line += " at " + std::to_string(at->firstIndex());
   }
   return line + (change->objectForKey(NSKeyValueChangeNotificationIsPriorKey) ? " prior" : "");
