@@ -85,7 +85,8 @@ class HAVRIN_EXPORT NSCoder : public Object<NSCoder, NSObject> {
   // Integers, reals and booleans are different kinds.
 
   /// The object under `key`. While secure coding is required, only the given classes and their subclasses are allowed,
-  /// inside collections too, and each must adopt NSSecureCoding. Otherwise the classes are not checked.
+  /// inside collections too, and each must adopt NSSecureCoding. Otherwise the classes are not checked. For an array of
+  /// stations: `decodeObjectOfClasses(makeSet({classOf<NSArray>(), classOf<Station>()}), "stations")`.
   [[nodiscard]] virtual Strong<NSObject> decodeObjectOfClass(Class cls, std::string_view key);
   [[nodiscard]] virtual Strong<NSObject> decodeObjectOfClasses(const NSSet* classes, std::string_view key);
   /// An object of any class. A failure while secure coding is required.
