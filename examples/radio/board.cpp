@@ -29,7 +29,7 @@ namespace {
 constexpr double kSearchDelaySeconds = 0.2;
 constexpr double kRefreshIntervalSeconds = 0.1;
 
-// What a genre may be given: told apart from one another on light and dark grounds.
+// The colours of genres, chosen to differ on light and dark backgrounds.
 constexpr std::string_view kColourCodes[] = {"#B03A2E", "#CA6F1E", "#A67C00", "#3E7C59",
                                              "#117864", "#1F618D", "#6C3483", "#AF4C7B"};
 

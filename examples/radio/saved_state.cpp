@@ -47,7 +47,7 @@ Strong<NSDictionary> dictionaryOf(const std::map<std::string, std::string>& text
 
 }  // namespace
 
-// The state as it stands in an archive: links, dates and texts as what they are.
+// The state as it is archived: links, dates and texts as objects of their classes.
 class ArchivedState : public Object<ArchivedState, NSObject> {
  public:
   ArchivedState() = default;

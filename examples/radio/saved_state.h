@@ -25,7 +25,7 @@ struct SavedState {
   havrin::UUID savedBy = havrin::zero<havrin::UUID>();  // the board that saved it; all zero when none has
 };
 
-/// Where the state stands unless the command line says: "havrin-radio/board.state" in XDG_STATE_HOME, or else in
+/// The file of the state unless the command line names one: "havrin-radio/board.state" in XDG_STATE_HOME, or else in
 /// ~/.local/state. Empty when neither XDG_STATE_HOME, as an absolute path, nor HOME is set.
 /// Source: XDG Base Directories 0.8.
 std::string defaultStateFile();
@@ -33,7 +33,7 @@ std::string defaultStateFile();
 struct RestoredState {
   SavedState state;        // a fresh one when there was none, or none that could be read
   std::string problem;     // not empty: what was wrong with the file, and where it is now
-  bool mayBeSaved = true;  // false: what stands in the file could be lost
+  bool mayBeSaved = true;  // false: saving could lose the content of the file
 };
 
 /// The state in the file. A damaged file is set aside.

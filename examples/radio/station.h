@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// One radio station: as it stands in a file, and as the object that the board observes.
+// One radio station: as an entry of a file, and as the object that the board observes.
 #pragma once
 
 #include "share.h"

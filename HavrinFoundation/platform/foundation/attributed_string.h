@@ -42,7 +42,7 @@ class HAVRIN_EXPORT NSAttributedString : public Object<NSAttributedString, NSObj
   /// Throws: NSException (InvalidArgument) for a null string or null attributes, and when the runs do not fit the text.
   NSAttributedString(NSString* string, std::span<const Run> runs);
 
-  /// Makes an allocated object that text, without attributes. Calls initWithStringAttributes.
+  /// Gives an allocated object this text, without attributes. Calls initWithStringAttributes.
   /// Result: the object to use in its place, here itself. Throws: NSException (InvalidArgument) for a null string.
   virtual Strong<NSAttributedString> initWithString(NSString* string);
   /// The same with attributes over the whole text; null for none.

@@ -147,7 +147,7 @@ void NSMutableDictionary::setObject(NSObject* value, NSObject* key) {
   if (!key) throwNullArgument(*this, "setObject:forKey:", "key");
   if (!value) throwNullArgument(*this, "setObject:forKey:", "value");
   Strong<NSObject> stored(value);
-  // A value that is replaced is no mutation: the keys that an enumeration goes by stay as they are.
+  // Replacing a value is not a mutation: an enumeration goes by the keys, which stay as they are.
   if (Entry* entry = entries_.find(*key)) {
     std::swap(entry->value, stored);
   } else {

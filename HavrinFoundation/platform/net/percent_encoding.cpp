@@ -12,16 +12,16 @@ inline namespace platform {
 namespace {
 
 // The characters of a query (RFC 3986, 3.4) without those that separate its items: "&", "=", ";" and "+".
-constexpr std::array<bool, 256> makeStandsAsItIs() {
-  std::array<bool, 256> stands{};
-  for (int c = '0'; c <= '9'; ++c) stands[static_cast<std::size_t>(c)] = true;
-  for (int c = 'A'; c <= 'Z'; ++c) stands[static_cast<std::size_t>(c)] = true;
-  for (int c = 'a'; c <= 'z'; ++c) stands[static_cast<std::size_t>(c)] = true;
-  for (const char c : std::string_view("-._~!$'()*,:@/?")) stands[static_cast<unsigned char>(c)] = true;
-  return stands;
+constexpr std::array<bool, 256> makeUnescaped() {
+  std::array<bool, 256> unescaped{};
+  for (int c = '0'; c <= '9'; ++c) unescaped[static_cast<std::size_t>(c)] = true;
+  for (int c = 'A'; c <= 'Z'; ++c) unescaped[static_cast<std::size_t>(c)] = true;
+  for (int c = 'a'; c <= 'z'; ++c) unescaped[static_cast<std::size_t>(c)] = true;
+  for (const char c : std::string_view("-._~!$'()*,:@/?")) unescaped[static_cast<unsigned char>(c)] = true;
+  return unescaped;
 }
 
-constexpr std::array<bool, 256> kStandsAsItIs = makeStandsAsItIs();
+constexpr std::array<bool, 256> kUnescaped = makeUnescaped();
 
 }  // namespace
 
@@ -48,7 +48,7 @@ std::string percentDecoded(std::string_view text) {
 
 void appendQueryEncoded(std::string& result, std::string_view text) {
   bool allStand = true;
-  for (const char c : text) allStand &= kStandsAsItIs[static_cast<unsigned char>(c)];
+  for (const char c : text) allStand &= kUnescaped[static_cast<unsigned char>(c)];
   if (allStand) {
     result += text;
     return;
@@ -56,7 +56,7 @@ void appendQueryEncoded(std::string& result, std::string_view text) {
   if (!isWellFormed(text)) return appendQueryEncoded(result, repaired(text));
   while (!text.empty()) {
     std::size_t run = 0;
-    while (run < text.size() && kStandsAsItIs[static_cast<unsigned char>(text[run])]) ++run;
+    while (run < text.size() && kUnescaped[static_cast<unsigned char>(text[run])]) ++run;
     result += text.substr(0, run);
     if (run == text.size()) return;
     const auto byte = static_cast<unsigned char>(text[run]);

@@ -42,8 +42,7 @@ class HAVRIN_EXPORT URL {
   [[nodiscard]] static std::optional<URL> fromString(std::string_view text, const URL& base);
   static std::optional<URL> fromString(std::nullptr_t, const URL& base) = delete;
 
-  /// A link of any text whatever, as it may come from a reader that checks less. Where `text` is no URI reference the
-  /// link cannot be decomposed.
+  /// A link of any text, for readers that check less. It cannot be decomposed where `text` is not a URI reference.
   [[nodiscard]] static URL fromUncheckedText(std::string_view text);
   /// The same with a base, which is kept as by `fromString`. A text that is not a URI reference is never resolved.
   [[nodiscard]] static URL fromUncheckedText(std::string_view text, const URL& base);

@@ -159,7 +159,7 @@ class Weak {
     return Strong<Type>::adopt(static_cast<Type*>(object_));
   }
   /// The address that was stored, whether or not the object lives: for comparison only. It is not reused while this
-  /// reference stands.
+  /// reference holds it.
   [[nodiscard]] const NSObject* address() const noexcept { return object_; }
 
  private:

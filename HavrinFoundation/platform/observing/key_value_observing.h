@@ -18,7 +18,7 @@
 // is sent by "setValue:forKey:"; changes through "mutableArrayValueForKey:"; and pairs of "willChangeValueForKey:" and
 // "didChangeValueForKey:", of which the inner one is reported first. A field written directly is not seen. Setting an
 // equal value notifies. An observed object is of a class of its own behind the scenes, which `class`, `description` and
-// `isKindOfClass` do not show; objects that nobody observes pay nothing.
+// `isKindOfClass` do not show; objects without observers cost nothing more.
 //
 // Registering: observer and object are not retained, the context is only compared. The same registration made twice is
 // notified twice and removed twice. A registration whose observer is gone is dropped by itself; one made on an object

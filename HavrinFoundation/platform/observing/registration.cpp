@@ -27,7 +27,7 @@ struct WalkedKey {
 
 namespace {
 
-// Getters that make a new object at every call can lead on for ever.
+// A bound, since getters that make a new object at each call lead on without end.
 constexpr std::size_t kMostKeys = 100'000;
 // After so many the path moves faster than it can be read; the next change reads it anew.
 constexpr int kMostWalks = 8;

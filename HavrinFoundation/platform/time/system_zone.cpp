@@ -137,8 +137,8 @@ const ZoneRules& ZoneStore::inFileLocked(const path& file) {
   std::string key = file.native() + ' ' + std::to_string(state.device) + ' ' + std::to_string(state.inode) + ' ' +
                     std::to_string(state.changedSeconds) + '.' + std::to_string(state.changedNanoseconds);
   if (const auto known = files_.find(key); known != files_.end()) return *known->second;
-  // The reader behind us remembers files by path, for ever: one that has changed needs a spelling of its own, which
-  // this number in binary gives.
+  // cctz caches zones by path: a changed file is read under a new spelling of its path, whose slashes and dots write
+  // this number in binary.
   std::string spelling;
   for (std::size_t bits = ++filesRead_; bits != 0; bits >>= 1) spelling += bits % 2 == 0 ? "/" : "/.";
   const ZoneRules* rules = ZoneRules::read(spelling + file.native(), "").release();

@@ -99,7 +99,7 @@ class ZoneRules {
 
   std::string name_;
   std::vector<Span> spans_;  // the last one is a sentinel after every instant
-  bool recurring_ = false;   // the table's last 400 years repeat for ever
+  bool recurring_ = false;   // the table's last 400 years repeat
   std::array<std::uint16_t, kBuckets> buckets_{};
 };
 

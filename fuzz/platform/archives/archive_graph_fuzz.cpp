@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Objects of every class, made, nested, shared and changed as the input says, written and read back: they come back as
-// they were, shared where they were shared, or the archiver says what stands against it. What it writes is read.
+// they were, shared where they were shared, or the archiver reports why not. What it writes can be read.
 #include "archived_node.h"
 
 #include <bit>

@@ -33,7 +33,7 @@ class Node;
 /// Every class of the layer that archives hold, and Node.
 inline const NSSet* everyClass();
 
-/// Holds anything, itself too: whoever makes nodes ends with Node::letGo().
+/// Holds any object, itself included, so callers break the cycles with Node::letGo().
 class Node : public Object<Node, NSObject> {
  public:
   /// What a node does while it is read.
