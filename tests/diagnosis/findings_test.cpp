@@ -137,6 +137,15 @@ const Mistake kMistakes[] = {
        const auto kept = token(nullptr, *field);
        send<"setForm:">(field, nullptr);
      }},
+    {"an observer that is destroyed without removing itself",
+     [] {
+       const auto field = make<Field>();
+       observe(*field, "form");
+       send<"setForm:">(field, nullptr);
+     },
+     {"a change of Field for \"form\" is not delivered: the observer has been destroyed; expected it to remove itself "
+      "before, with removeObserver:forKeyPath:context: (main thread)"},
+     [] { observe(*make<Field>(), "form"); }},
     {"a misspelt selector that is performed",
      [] { EXPECT_THROW(make<Field>()->performSelector(selector<"serach">), NSException); },
      {"-[Field serach] was sent, but neither the class nor a category of the loaded images (HavrinFoundation) has "

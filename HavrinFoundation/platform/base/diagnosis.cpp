@@ -46,6 +46,9 @@ std::string_view textOf(Finding finding) {
     case Finding::outlivedObserver:
       return "the KeyValueObservation of {0} for [{1}] still lives although its observer has gone, and drops its "
              "changes; expected the observer to be the one that keeps it";
+    case Finding::goneObserver:
+      return "a change of {0} for \"{1}\" is not delivered: the observer has been destroyed; expected it to remove "
+             "itself before, with removeObserver:forKeyPath:context:";
   }
   return {};
 }

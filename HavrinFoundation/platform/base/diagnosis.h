@@ -42,6 +42,7 @@ enum class Finding : std::uint8_t {
   twoImages,           // the method, the first image and its category, the second image and its category
   discardedToken,      // the class of the observed object, the key paths
   outlivedObserver,    // the same
+  goneObserver,        // the class of the observed object, the key path
 };
 
 /// Writes the text of a finding, with `parts` in place of {0}, {1}, ..., and the calling thread, as one line to the

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/observing/change.h>
 
+#include <HavrinFoundation/platform/base/diagnosis.h>
 #include <HavrinFoundation/platform/foundation/number.h>
 #include <HavrinFoundation/platform/object/category.h>
+#include <HavrinFoundation/platform/object/string.h>
 #include <HavrinFoundation/platform/observing/key_rows.h>
 #include <HavrinFoundation/platform/observing/key_value_observing.h>
 
@@ -17,6 +19,13 @@ using Values = NSKeyValueChangeDictionary::Values;
 
 KeyedValue orNull(KeyedValue value) { return value ? std::move(value) : KeyedValue(NSNull::null()); }
 
+// Ends the registration of an observer that has been destroyed.
+void leaveIfOrphaned(Registration& registration, const NSObject& object) {
+  if (!registration.isOrphaned()) return;
+  if (diagnosing()) report(Finding::goneObserver, {classOf(object).name(), utf8(registration.path.text())});
+  static_cast<void>(registration.leave());
+}
+
 // Every observer receives the same, and asks for nothing that would have to be read.
 void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
   Strong<NSObject> observer;  // held on to from one registration to the next
@@ -26,7 +35,7 @@ void tellPlainly(NSObject* object, std::span<const Watcher> watchers) {
     if (!observer || registration.observer.address() != observer.get()) {
       observer = registration.observer.lock();
       if (!observer) {
-        if (registration.isOrphaned()) static_cast<void>(registration.leave());
+        leaveIfOrphaned(registration, *object);
         continue;
       }
     }
@@ -43,8 +52,8 @@ void tell(Registration& registration, NSObject* object, NSDictionary* change) {
   if (const Strong<NSObject> observer = registration.observer.lock()) {
     send<"observeValueForKeyPath:ofObject:change:context:">(observer, &registration.path.text(), object, change,
                                                             registration.context);
-  } else if (registration.isOrphaned()) {
-    static_cast<void>(registration.leave());
+  } else {
+    leaveIfOrphaned(registration, *object);
   }
 }
 
