@@ -90,6 +90,8 @@ def comparison(result):
 
 def statement(header, number, code, result):
     place = f'#line {number} "{header}"\n'
+    if not result and TEXT.fullmatch(code.strip()):
+        sys.exit(f"{header}:{number}: a result on a line of its own is indented by more than eight blanks")
     code = re.sub(r" \.\.\.$", " ;", code.replace("{ ... }", "{}"))
     if thrown := THROWS.match(result):
         return place + (f'havrin_examples::expectThrow<{thrown.group(1)}>("{header}:{number}", '

@@ -13,7 +13,7 @@
 //   };
 //   JSONDecoder().decode<Station>(R"({"name": "Nord"})").name      "Nord"
 //   JSONDecoder().tryDecode<Station>(R"({"name": ""})").error().detail()
-//       "the name of a station is empty"
+//           "the name of a station is empty"
 #pragma once
 
 #include <HavrinFoundation/platform/base/text.h>

@@ -4,7 +4,7 @@
 //   JSONDecoder json;
 //   json.decode<std::vector<int>>("[1, 2e1]").at(1)      20
 //   json.tryDecode<std::vector<int>>("[1, 2.5]").error().description()
-//       "dataCorrupted at [1]: expected a 32-bit integer, found the number 2.5"
+//           "dataCorrupted at [1]: expected a 32-bit integer, found the number 2.5"
 //   json.read(R"({"name": "Nord"})", [](Decoder& document) {
 //     return document.container().decode<std::string>("name");
 //   })                                                   "Nord"

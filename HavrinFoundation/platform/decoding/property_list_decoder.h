@@ -5,7 +5,7 @@
 //   const PropertyList numbers(PropertyList::Array{PropertyList(1), PropertyList(2.0)});
 //   decoder.decode<std::vector<int>>(numbers).at(1)      2
 //   decoder.tryDecode<int>(PropertyList("two")).error().description()
-//       "typeMismatch at the top level: expected a 32-bit integer, found the string \"two\""
+//           "typeMismatch at the top level: expected a 32-bit integer, found the string \"two\""
 //
 // The rules are those of every decoder: a real with a whole value is accepted for an integer, a boolean is not accepted
 // for a number. Property lists have no null. Their dates, bytes and UIDs are typeMismatch for every built-in type.

@@ -5,7 +5,7 @@
 //   error.kind() == DecodingError::Kind::typeMismatch          true
 //   error.found()                                              "the string \"many\""
 //   DecodingError::keyNotFound("name").description()
-//       "keyNotFound at the top level: no value for the key \"name\""
+//           "keyNotFound at the top level: no value for the key \"name\""
 //   const Decoded<int> outcome = error;
 //   outcome ? *outcome : -1                                    -1
 //
