@@ -2,7 +2,8 @@
 // What the library is, for its loader and for tools that search files.
 //
 //   HavrinFoundationVersionNumber         1.0
-//   what libHavrinFoundation.so           PROGRAM:HavrinFoundation  PROJECT:Havrin-1
+//
+// `what libHavrinFoundation.so` prints "PROGRAM:HavrinFoundation  PROJECT:Havrin-1".
 #pragma once
 
 #include <HavrinFoundation/platform/export.h>

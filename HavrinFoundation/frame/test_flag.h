@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Whether the application runs under a test harness. As a message: test_flag_messages.h.
 //
-//   IS_EXECUTING_TEST=1 ./app        isExecutingTests(*NSProcessInfo::processInfo()) is true; so for YES, true, 0001, -1
-//   IS_EXECUTING_TEST=no ./app       false; so when it is absent, empty or 0
+//   isExecutingTests(*NSProcessInfo::processInfo())
+//           true where IS_EXECUTING_TEST is 1, YES, true, 0001 or -1; false where it is absent, empty, 0 or no
 #pragma once
 
 #include <HavrinFoundation/platform/application/process_info.h>

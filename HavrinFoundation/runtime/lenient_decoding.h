@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // Lenient decoding of arrays: every element that decodes is kept, in order; every other is skipped.
 //
-//   {"numbers": [1, "x", 3]}
-//   decodeArraySkippingInvalidElements<std::int64_t>(container, "numbers")      1, 3
-//
-//   decodeArraySkippingInvalidElements<Station>(container, "stations", [](const SkippedElement& skipped) {
-//     std::fprintf(stderr, "%s\n", skipped.reason.what());
-//   });                           typeMismatch at stations[12].listeners: expected a 64-bit integer, found the string "many"
+//   std::string skipped;
+//   const auto numbers = JSONDecoder().read(R"({"numbers": [1, "x", 3]})", [&](Decoder& decoder) {
+//     const auto container = decoder.container<std::string>();
+//     return decodeArraySkippingInvalidElements<std::int64_t>(
+//         container, "numbers", [&](const SkippedElement& element) { skipped += element.reason.what(); });
+//   });
+//   numbers.size()          2
+//   skipped                 "typeMismatch at numbers[1]: expected a 64-bit integer, found the string \"x\""
 //
 // An element fails or decodes as a whole, nested arrays and half-read objects included; a null is an element like any
 // other. Works on any decoder: JSON, property lists, formats of the caller's. There are two forms of each operation,

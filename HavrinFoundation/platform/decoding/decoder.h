@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // One value of decoded data, about to become a value of the caller's. Comes with decoding.h.
 //
-//   static Decoded<Station> fromDecoder(Decoder& decoder) {
-//     auto container = decoder.tryContainer();
-//     if (!container) return container.error();
-//     ...
-//   }
+//   struct Title {
+//     std::string text;
+//     static Decoded<Title> fromDecoder(Decoder& decoder) {
+//       auto container = decoder.tryContainer();
+//       if (!container) return container.error();
+//       auto text = container->tryDecode<std::string>("title");
+//       if (!text) return text.error();
+//       return Title{*std::move(text)};
+//     }
+//   };
+//   JSONDecoder().decode<Title>(R"({"title": "Rain"})").text          "Rain"
+//   JSONDecoder().tryDecode<Title>("[]").error().description()
+//           "typeMismatch at the top level: expected an object, found an array"
 #pragma once
 
 #include <HavrinFoundation/platform/decoding/decoding_source.h>

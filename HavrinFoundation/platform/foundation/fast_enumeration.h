@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Fast enumeration: how a collection hands out its objects in batches, and the loop over it.
 //
-//   for (NSObject* object : each(stations)) ...          NSException (Generic) when the collection is changed meanwhile
-//   for (Station* station : eachOf<Station>(stations)) ...    the same, and InvalidArgument at any other object
+//   for (NSObject* object : each(stations)) show(object);    NSException (Generic) if the collection changes meanwhile
+//   for (Station* station : eachOf<Station>(stations)) show(station);   the same, and InvalidArgument for other objects
 //
 //   class Playlist : public Object<Playlist, NSObject>, public NSFastEnumeration {
 //     std::uint64_t countByEnumeratingWithState(NSFastEnumerationState& state,
-//                                               std::span<Strong<NSObject>> slots) const override;
+//                                               std::span<Strong<NSObject>> slots) const override { ... }
 //   };
 //
 // Arrays, sets, ordered sets and dictionaries (their keys) are enumerable; application classes that implement the

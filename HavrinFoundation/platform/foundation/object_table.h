@@ -2,12 +2,14 @@
 // The hash table under the collections that find objects by equality: entries in the order of their insertion, found by
 // their key's `hash` and `isEqual`. Up to eight entries are searched without an index.
 //
-//   struct Entry { Strong<NSObject> key; Strong<NSObject> value; };
+//   struct Entry {
+//     Strong<NSObject> key, value;
+//   };
 //   ObjectTable<Entry> table;
 //   table.insert({key, value})            true: there was none; an entry of an equal key stays as it is
 //   table.find(*key)                      Entry*, or null
 //   table.erase(*key)                     optional<Entry>: the removed entry, which the caller releases
-//   table.forEach([](Entry& e) { return true; });     false ends it
+//   table.forEach([](const Entry& entry) { return entry.key != nullptr; });     false ends it
 //
 // The index is hash_index.h's: chosen keys do not collide in it, but keys of one hash are compared with each other.
 // `hash` and `isEqual` are the keys' own code; they must not change the table. Removed entries are handed out rather

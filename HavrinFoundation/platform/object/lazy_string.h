@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Constant strings that become objects at their first use, for names that no image lists.
 //
-//   inline constinit const LazyString kKind{"kind"};
+//   static constinit const LazyString kKind{"kind"};
+//   utf8(*kKind)                            "kind"
 //   change->objectForKey(kKind)             converts to NSString*; the object is never destroyed
 #pragma once
 

@@ -6,13 +6,15 @@
 //     std::int64_t listeners_ = 0;
 //    public:
 //     Strong<NSString> title() const { return title_; }
-//     void setTitle(NSString* title) { set<"title">(title); }      // a setter is a message: observers hear of it
-//     Strong<NSString> announce();
+//     void setTitle(NSString* title) { set<"title">(title); }      // a setter is a message: observers are notified
+//     Strong<NSString> announce() { return title_; }
 //     using Protocols = List<Playable>;
 //     using Members = List<Property<"title", &Station::title_>, Property<"listeners", &Station::listeners_>,
 //                          Method<"announce", &Station::announce>>;
 //   };
-//   send<"announce">(station)          Strong<NSString>: the list is the declaration, too
+//   const auto station = make<Station>();
+//   station->setTitle(makeString("Nord"));
+//   utf8(*send<"announce">(station))          "Nord": the list is the declaration, too
 //
 // A subclass overrides a message by listing a method of its selector; the method is held to the declared types.
 // Left out: fields found by name (`_key`), attributes of properties (all are nonatomic; Strong or Weak says the rest).

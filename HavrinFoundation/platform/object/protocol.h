@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Protocols: named promises that classes adopt.
+// Protocols: names that classes declare to conform to.
 //
 //   struct Playable : Protocol<Playable> {};
 //   struct Recordable : Protocol<Recordable, Playable> {};      inherits Playable
-//   class Station : public Object<Station, NSObject> { public: using Protocols = List<Recordable>; ... };
-//   station->conformsToProtocol(protocolOf<Playable>())         true
+//   struct Station : Object<Station, NSObject> { using Protocols = List<Recordable>; };
+//   make<Station>()->conformsToProtocol(protocolOf<Playable>())         true
 //
 // Left out: required and optional methods; adoption is declared, implementing the methods is not enough.
 #pragma once
