@@ -4,6 +4,7 @@
 //   Locked<std::vector<int>> seen({1, 2});
 //   seen.perform([](auto& values) { values.push_back(3); });
 //   seen.perform([](auto& values) { return values.size(); })          3
+//   Locked<std::map<std::string, int>> plays{{}};                     an empty map; with ({{}}) it is ambiguous
 //
 // Calling perform on a box from inside its own operation ends the process with one line.
 #pragma once
