@@ -5,12 +5,13 @@
 namespace havrin {
 inline namespace platform {
 
-/// Tells the processor that this thread spins, which leaves its sibling thread more of the core. Cost: 10 to 50 ns.
+/// Tells the processor eight times that this thread spins, which leaves its sibling thread more of the core.
+/// Cost: 0.1 to 0.4 us. In one row, since the time of a loop of single pauses depends on where its jump is placed.
 inline void pauseProcessor() noexcept {
 #if defined(__x86_64__)
-  __builtin_ia32_pause();
+  asm volatile("pause; pause; pause; pause; pause; pause; pause; pause" ::: "memory");
 #elif defined(__aarch64__)
-  asm volatile("isb" ::: "memory");  // "yield" takes no time on most cores
+  asm volatile("isb; isb; isb; isb; isb; isb; isb; isb" ::: "memory");  // "yield" takes no time on most cores
 #else
   asm volatile("" ::: "memory");
 #endif

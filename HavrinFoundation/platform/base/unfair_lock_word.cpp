@@ -18,9 +18,9 @@ namespace {
 // The word is the owner's number; this bit is set while a thread sleeps, or may sleep, on it.
 constexpr std::uint32_t kWaiters = 0x8000'0000;
 
-// Pauses before each look at a lock that is held. Each look takes the word's cache line from the thread that works
+// Eights of pauses before each look at a lock that is held. Each look takes the word's cache line from the thread that works
 // under the lock, so they grow rare; together they take as long as a sleep and a wake-up would, some 15 us at most.
-constexpr int kPauses[] = {8, 24, 72, 216};
+constexpr int kPauses[] = {1, 3, 9, 27};
 
 constinit std::atomic<std::uint32_t> lastNumber{0};
 

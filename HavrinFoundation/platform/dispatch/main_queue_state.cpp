@@ -41,9 +41,8 @@ bool MainQueueState::canDrain() {
 // After a small batch it leaves them a moment to themselves. Once nothing was found, there is nobody to wait for.
 void MainQueueState::gather() const {
   constexpr std::size_t kSmall = 32;
-  constexpr int kPauses = 8;
   if (lastBatch_ == 0 || lastBatch_ >= kSmall) return;
-  for (int i = 0; i < kPauses; ++i) pauseProcessor();
+  pauseProcessor();
 }
 
 bool MainQueueState::drain() {
