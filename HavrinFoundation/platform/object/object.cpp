@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <HavrinFoundation/platform/object/object.h>
 
+#include <HavrinFoundation/platform/object/argument_errors.h>
 #include <HavrinFoundation/platform/object/class.h>
 #include <HavrinFoundation/platform/object/exception.h>
 #include <HavrinFoundation/platform/object/members.h>
@@ -138,6 +139,7 @@ bool NSObject::respondsToSelector(Selector selector) const { return dispatchClas
 Strong<NSObject> NSObject::performSelector(Selector selector, NSObject* argument) {
   ClassObject* cls = dispatchClass(this);
   const MethodRow* row = cls->row(selector);
+  if (!row && !selector) throwNullArgument(*this, "performSelector:withObject:", "selector");
   if (!row) throwUnrecognized(*cls, selector.name(), this);
   const SignatureInfo& signature = *row->signature;
   if (!signature.call || signature.argumentCount > 1) {

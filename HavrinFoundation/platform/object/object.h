@@ -78,7 +78,7 @@ class HAVRIN_EXPORT NSObject {
 
   /// Sends the message that `selector` names, with no argument or with `argument` where it takes one; scalars are boxed
   /// as NSNumber both ways. Result: null for messages without one.
-  /// Throws: NSException (InvalidArgument) when the receiver does not answer, when the message takes two arguments or
+  /// Throws: NSException (InvalidArgument) for a null selector, when the receiver does not answer, when the message takes two arguments or
   /// more, or when `argument` is of another kind than it takes.
   virtual Strong<NSObject> performSelector(Selector selector, NSObject* argument = nullptr);
 

@@ -156,6 +156,8 @@ TEST(Messages, ThatNobodyAnswersSayReceiverAndSelector) {
   EXPECT_TRUE(saysWhy(
       thrown, "NSInvalidArgumentException: -[Station test_nobodyAnswers]: unrecognized selector sent to instance 0x"));
   EXPECT_TRUE(saysWhy(thrown, "the image whose category has it is not loaded"));
+  EXPECT_TRUE(saysWhy(thrownBy([&] { station->performSelector(Selector()); }),
+                      "-[Station performSelector:withObject:]: the selector is null"));
 }
 
 TEST(Messages, AreReplacedByACategoryThatComesLater) {
