@@ -51,6 +51,7 @@ std::uint64_t uniqueInsertObject(NSMutableArray& self, NSObject* object, std::ui
   return index;
 }
 
+// All are found before the first is removed, since the array may be the receiver itself.
 Strong<NSIndexSet> removeObjectsInArray(NSMutableArray& self, NSArray* array) {
   Strong<NSIndexSet> indexes = self.indexesOfObjectsPassingTest(
       [&](NSObject* object, std::uint64_t, bool&) { return array && array->containsObject(object); });

@@ -59,6 +59,7 @@ std::int32_t NSCoder::decodeInt32ForKey(std::string_view key) {
 float NSCoder::decodeFloatForKey(std::string_view key) {
   const double value = decodeDoubleForKey(key);
   const auto narrow = static_cast<float>(value);
+  // An infinity that was encoded stays one; a finite value must not become one.
   if (!std::isinf(narrow) || std::isinf(value)) return narrow;
   failWithError(
       makeCodingError(NSCoderReadCorruptError, "the real is too large for a float (key " + quoted(key) + ')'));

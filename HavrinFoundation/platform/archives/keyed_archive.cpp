@@ -55,6 +55,7 @@ detail::ErrorHolder KeyedArchive::findParts() {
   return {};
 }
 
+// Objects mostly read their keys in the order in which they wrote them: the search begins behind the last one found.
 std::optional<std::uint64_t> KeyedArchive::find(const BinaryObject& dictionary, std::string_view key,
                                                 std::uint64_t& from) const {
   const std::uint64_t count = dictionary.count();

@@ -37,6 +37,7 @@ NSKeyedUnarchiver::~NSKeyedUnarchiver() = default;
 
 Strong<NSKeyedUnarchiver> NSKeyedUnarchiver::initForReadingFromData(NSData* data, Strong<NSError>* error) {
   const auto open = [&]() -> Decoded<std::unique_ptr<KeyedArchive>> {
+    // An object that is being decoded has come back to its unarchiver: the reader's frames are below on the stack.
     if (reader_ && reader_->isInside())
       return DecodingError::dataCorrupted("the unarchiver is still decoding another archive");
     reader_.reset();
@@ -85,7 +86,8 @@ Strong<NSObject> NSKeyedUnarchiver::decodeObjectOfClasses(const NSSet* classes, 
   return decode(nullptr, classes, key);
 }
 
-// Code of the application that runs while its objects are decoded may release the unarchiver or the set.
+// Code of the application that runs while its objects are decoded may release the unarchiver or the set. The outermost
+// call holds the unarchiver for those that objects make of it.
 Strong<NSObject> NSKeyedUnarchiver::decode(Class cls, const NSSet* classes, std::string_view key) {
   if (!reader_) return nullptr;
   const Strong<NSKeyedUnarchiver> held(reader_->isInside() ? nullptr : this);

@@ -35,13 +35,14 @@ class Maker {
         return shared(list.data());
       case date:
         return havrin::make<NSDate>(*list.date());
-      case uid:
+      case uid:  // a reference within an archive, which no class represents
         break;
     }
     return nullptr;
   }
 
  private:
+  // What a list has once becomes one object, however many places refer to it: else a small list could fill the memory.
   template <class Part>
   Strong<NSObject> shared(const Part* part) {
     const auto [found, isNew] = made_.try_emplace(part);

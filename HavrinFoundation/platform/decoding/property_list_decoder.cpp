@@ -38,6 +38,7 @@ void readScalar(const PropertyList& list, ScalarTarget& target) {
     case Kind::boolean:
       return target.putBoolean(*list.boolean());
     case Kind::integer:
+      // From 2^63 on only the unsigned form has a value.
       if (const auto integer = list.integer()) return target.putInteger(*integer);
       return target.putInteger(*list.unsignedInteger());
     case Kind::real:
@@ -91,7 +92,7 @@ Decoded<PropertyList> PropertyListDecoder::listIn(std::span<const std::byte> byt
 }
 
 Decoder PropertyListDecoder::decoderOf(const PropertyList& list, const UserInfo& userInfo) {
-  static const ListSource* const source = new ListSource;
+  static const ListSource* const source = new ListSource;  // without state: one for all lists, never destroyed
   return Decoder(*source, ListSource::valueOf(list), userInfo);
 }
 

@@ -14,6 +14,7 @@ inline namespace platform {
 
 namespace {
 
+// The first value beyond std::int64_t. The largest integers of 64 bits are not doubles, so bounds are compared with it.
 constexpr double kTwo63 = 9223372036854775808.0;
 
 template <class Integer>
@@ -24,7 +25,8 @@ Integer truncated(double value, double lowest, double beyond) {
   return static_cast<Integer>(value);
 }
 
-// A number as sign and magnitude when it is whole and fits, so that all types meet in one form.
+// A number as sign and magnitude when it is whole and fits, so that all types meet in one form: compared as doubles,
+// 2^53 + 1 would equal 2^53.
 struct Whole {
   bool exact;
   bool negative;
@@ -54,7 +56,7 @@ std::int64_t NSNumber::integerValue() const {
 
 std::uint64_t NSNumber::unsignedIntegerValue() const {
   if (kind_ != Kind::real) return static_cast<std::uint64_t>(integer_);
-  if (real_ < 0) return static_cast<std::uint64_t>(integerValue());
+  if (real_ < 0) return static_cast<std::uint64_t>(integerValue());  // wraps as a negative integer does
   return truncated<std::uint64_t>(real_, 0, 2 * kTwo63);
 }
 
@@ -96,9 +98,10 @@ bool NSNumber::isEqual(const NSObject* other) const {
   if (mine.exact || theirs.exact) return mine == theirs;
   const double a = doubleValue();
   const double b = number->doubleValue();
-  return a == b || (std::isnan(a) && std::isnan(b));
+  return a == b || (std::isnan(a) && std::isnan(b));  // a NaN is found again in a set
 }
 
+// Numbers that are equal hash alike, whatever their types; so do all NaNs.
 std::uint64_t NSNumber::hash() const {
   const Whole whole = wholeOf(*this);
   if (whole.exact) return (whole.magnitude * 2 + whole.negative) * 0x9E37'79B9'7F4A'7C15;

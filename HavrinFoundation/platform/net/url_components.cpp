@@ -34,6 +34,7 @@ std::optional<URLComponents> URLComponents::fromUrl(const URL& url, BaseURL base
   return URLComponents(url.absoluteString());
 }
 
+// The fragment is kept apart, so that the end of the query is the end of a text, where items are appended.
 URLComponents::URLComponents(std::string text) : beforeFragment_(std::move(text)) {
   if (const std::size_t hash = beforeFragment_.find('#'); hash != beforeFragment_.npos) {
     fragment_ = beforeFragment_.substr(hash);
@@ -79,7 +80,7 @@ void URLComponents::setQueryItems(std::span<const URLQueryItem> items) {
 void URLComponents::appendQueryItem(std::string_view name, std::optional<std::string_view> value) {
   if (queryMark_ == beforeFragment_.size()) {
     beforeFragment_ += '?';
-  } else if (queryMark_ + 1 != beforeFragment_.size()) {
+  } else if (queryMark_ + 1 != beforeFragment_.size()) {  // an empty query has no item to be parted from
     beforeFragment_ += '&';
   }
   appendEncodedItem(beforeFragment_, name, value);
