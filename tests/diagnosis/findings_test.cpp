@@ -169,7 +169,7 @@ void inItsOwnProcess(const std::function<void()>& body) {
   if (child == 0) {
     body();
     std::fflush(stdout);
-    std::_Exit(testing::Test::HasFailure());
+    std::exit(testing::Test::HasFailure());
   }
   int status = -1;
   ASSERT_EQ(waitpid(child, &status, 0), child);
